@@ -1,0 +1,3 @@
+#include "core/shell/Program.h"
+
+int main(int argc, char** argv) { return nb::runProgram(argc, argv); }

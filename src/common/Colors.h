@@ -1,0 +1,13 @@
+#pragma once
+// Colours are kept as the original's integers, blue * 65536 + green * 256 + red.
+
+#include <QColor>
+
+namespace nb {
+
+inline QColor colorFromBgr(int value) {
+    return QColor(value & 0xFF, (value >> 8) & 0xFF, (value >> 16) & 0xFF);
+}
+inline int bgrFromColor(const QColor& c) { return c.red() + c.green() * 256 + c.blue() * 65536; }
+
+} // namespace nb

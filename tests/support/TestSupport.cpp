@@ -1,0 +1,75 @@
+#include "TestSupport.h"
+
+#include "common/UiSetup.h"
+#include "core/AppState.h"
+#include "core/Settings.h"
+#include "storage/Stores.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QKeyEvent>
+#include <QWidget>
+
+namespace nb::test {
+
+TestHome::TestHome() {
+    closeStores();
+    qputenv("NUBELLA_HOME", m_dir.path().toUtf8());
+    resetSettings();
+    resetAppState();
+}
+
+TestHome::~TestHome() {
+    closeStores();
+    resetSettings();
+    resetAppState();
+}
+
+nb::ScriptedMessages& script() { return nb::scriptMessages(); }
+
+void typeText(QWidget* widget, const QString& text) {
+    for (QChar ch : text) {
+        if (ch.unicode() < 128) {
+            QTest::keyClick(widget, ch.toLatin1());
+        } else {
+            QTest::sendKeyEvent(QTest::Press, widget, Qt::Key_unknown, QString(ch), Qt::NoModifier);
+            QTest::sendKeyEvent(QTest::Release, widget, Qt::Key_unknown, QString(ch), Qt::NoModifier);
+        }
+    }
+}
+
+void pressKey(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifiers) {
+    QTest::keyClick(widget, key, modifiers);
+}
+
+QString screenshotDir() {
+    const QString dir = QStringLiteral(NB_SCREENSHOT_DIR);
+    QDir().mkpath(dir);
+    return dir;
+}
+
+QString saveScreenshot(QWidget* widget, const QString& name) {
+    const QString path = screenshotDir() + u'/' + name + QStringLiteral(".png");
+    widget->grab().save(path);
+    return path;
+}
+
+QString sharedDataDir() { return QStringLiteral(NB_SHARED_DATA_DIR); }
+
+void prepareEnvironment() {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QByteArray runtime = QDir::tempPath().toUtf8() + "/nubella-test-runtime";
+    QDir().mkpath(QString::fromUtf8(runtime));
+    QFile::setPermissions(QString::fromUtf8(runtime), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    qputenv("XDG_RUNTIME_DIR", runtime);
+}
+
+void prepareApplication(QApplication& app) {
+    nb::setupApplicationUi(app);
+    // Keep every test away from the operator's own folder even before a TestHome exists.
+    static QTemporaryDir fallback;
+    if (qEnvironmentVariableIsEmpty("NUBELLA_HOME")) qputenv("NUBELLA_HOME", fallback.path().toUtf8());
+    nb::scriptMessages();
+}
+
+} // namespace nb::test

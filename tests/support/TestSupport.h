@@ -1,0 +1,58 @@
+#pragma once
+// What every test of the program shares: a fresh application folder, scripted messages,
+// typing Korean the way an operator does, and screenshots under build/screenshots/.
+
+#include "common/Messages.h"
+
+#include <QString>
+#include <QTemporaryDir>
+#include <QTest>
+#include <memory>
+
+class QWidget;
+class QApplication;
+
+namespace nb::test {
+
+// A fresh, empty application folder, set as NUBELLA_HOME for as long as it lives; the
+// settings, the application state and the open stores are reset on the way in and out.
+class TestHome {
+public:
+    TestHome();
+    ~TestHome();
+    QString path() const { return m_dir.path(); }
+    QString file(const QString& relative) const { return m_dir.path() + u'/' + relative; }
+
+private:
+    QTemporaryDir m_dir;
+};
+
+// Installs a fresh script for the message boxes and returns it.
+nb::ScriptedMessages& script();
+
+// Types text into the widget key by key; Hangul goes in as committed characters.
+void typeText(QWidget* widget, const QString& text);
+void pressKey(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+
+// Saves the widget as build/screenshots/<name>.png and returns the path.
+QString saveScreenshot(QWidget* widget, const QString& name);
+QString screenshotDir();
+// The folder of the shared test data (the postcode book).
+QString sharedDataDir();
+
+// Called by NB_TEST_MAIN before the test object runs: fonts, translations, environment.
+void prepareApplication(QApplication& app);
+void prepareEnvironment();
+
+} // namespace nb::test
+
+// Runs the test object with a QApplication on the offscreen platform.
+#define NB_TEST_MAIN(TestObject)                                                                   \
+    int main(int argc, char** argv) {                                                              \
+        nb::test::prepareEnvironment();                                                            \
+        QApplication app(argc, argv);                                                              \
+        nb::test::prepareApplication(app);                                                         \
+        TestObject tc;                                                                             \
+        QTEST_SET_MAIN_SOURCE_PATH                                                                 \
+        return QTest::qExec(&tc, argc, argv);                                                      \
+    }
