@@ -1,11 +1,14 @@
 #include "storage/Stores.h"
 
 #include "core/AppState.h"
+#include "core/Lifecycle.h"
 
 namespace nb {
 
 Stores& stores() {
     static Stores s;
+    static const bool hooked = (registerResetHook(closeStores), true);
+    Q_UNUSED(hooked);
     return s;
 }
 

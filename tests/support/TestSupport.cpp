@@ -1,29 +1,22 @@
 #include "TestSupport.h"
 
 #include "common/UiSetup.h"
-#include "core/AppState.h"
-#include "core/Settings.h"
-#include "storage/Stores.h"
+#include "core/Lifecycle.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QFile>
 #include <QKeyEvent>
 #include <QWidget>
 
 namespace nb::test {
 
 TestHome::TestHome() {
-    closeStores();
+    resetProgramState();
     qputenv("NUBELLA_HOME", m_dir.path().toUtf8());
-    resetSettings();
-    resetAppState();
 }
 
-TestHome::~TestHome() {
-    closeStores();
-    resetSettings();
-    resetAppState();
-}
+TestHome::~TestHome() { resetProgramState(); }
 
 nb::ScriptedMessages& script() { return nb::scriptMessages(); }
 

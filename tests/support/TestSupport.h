@@ -15,7 +15,7 @@ class QApplication;
 namespace nb::test {
 
 // A fresh, empty application folder, set as NUBELLA_HOME for as long as it lives; the
-// settings, the application state and the open stores are reset on the way in and out.
+// settings, the shared state and every open store are let go of on the way in and out.
 class TestHome {
 public:
     TestHome();
