@@ -1,0 +1,26 @@
+#pragma once
+// The menu entries of the main window open screens that live in libraries above this one.
+// Each of those libraries registers its screens here under the menu control's name; an entry
+// with nothing registered stays disabled.
+
+#include <QString>
+#include <functional>
+
+class QWidget;
+
+namespace nb {
+
+struct ScreenEntry {
+    // A child screen: created on first use inside the main window and kept loaded after.
+    std::function<QWidget*()> createChild;
+    // Anything else (a modal screen, a question, a program start): run with the main window.
+    std::function<void(QWidget* mainWindow)> run;
+};
+
+void registerChildScreen(const QString& menuControl, std::function<QWidget*()> create);
+void registerMenuAction(const QString& menuControl, std::function<void(QWidget*)> run);
+// The entry for a menu control, or null when nothing registered it.
+const ScreenEntry* screenFor(const QString& menuControl);
+void clearScreenRegistry();
+
+} // namespace nb

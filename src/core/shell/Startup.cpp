@@ -1,0 +1,125 @@
+#include "core/shell/Startup.h"
+
+#include "common/Messages.h"
+#include "core/AppFolder.h"
+#include "core/AppState.h"
+#include "core/Settings.h"
+#include "storage/Stores.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <cmath>
+
+namespace nb {
+namespace {
+
+QString folderOrDefault(const QString& stored, const QString& fallbackName) {
+    return !stored.isEmpty() && QFileInfo(stored).isDir() ? stored : appFolderFile(fallbackName);
+}
+
+// A stored path that names an existing file is kept, wherever it lies; else the default name.
+QString fileOrDefault(const QString& stored, const QString& dbPath, const QString& fileName) {
+    return !stored.isEmpty() && QFileInfo(stored).isFile() ? stored : dbPath + u'/' + fileName;
+}
+
+QString weekdayName(const QDate& date) {
+    static const char* const names[] = {"월요일", "화요일", "수요일", "목요일", "금요일", "토요일", "일요일"};
+    return QString::fromUtf8(names[date.dayOfWeek() - 1]);
+}
+
+} // namespace
+
+void ReadSettings() {
+    AppState& s = app();
+    const QString inUse = GetEnv(QStringLiteral("암호사용여부"));
+    s.DefaultSerial = GetEnv(QStringLiteral("기본사업자"));
+    s.PasswordInUse = inUse == QStringLiteral("1");
+    s.PasswordNo = GetEnv(QStringLiteral("암호번호"));
+    s.StartAppMonth = GetEnv(QStringLiteral("StartApp"));
+    const QString dbFolder = GetEnv(QStringLiteral("db경로"));
+    const QString basic = GetEnv(QStringLiteral("db기초"));
+    const QString bill = GetEnv(QStringLiteral("db명세서"));
+    const QString tax = GetEnv(QStringLiteral("db계산서"));
+    const QString inOut = GetEnv(QStringLiteral("dbInOut"));
+    const QString estimate = GetEnv(QStringLiteral("dbEstimate"));
+    const QString post = GetEnv(QStringLiteral("dbPost"));
+    const QString rpt = GetEnv(QStringLiteral("Rpt경로"));
+
+    if (s.StartAppMonth.isEmpty()) SaveEnv(QStringLiteral("StartApp"), QDate::currentDate().toString(u"yyyy-MM"));
+
+    if (!dbFolder.isEmpty() && !QFileInfo(dbFolder).isDir())
+        ShowWarning(QStringLiteral("데이터베이스 파일 경로가 없어졌거나 옮겨졌습니다.\r\n"
+                                   "데이터베이스 파일 경로를 확인하십시요."),
+                    QStringLiteral("파일 경로 오류"));
+    s.DbPath = folderOrDefault(dbFolder, QStringLiteral("Dbs"));
+
+    s.DbBasicFile = fileOrDefault(basic, s.DbPath, QStringLiteral("dbBasic.db"));
+    s.DbBillFile = fileOrDefault(bill, s.DbPath, QStringLiteral("dbBill.db"));
+    s.DbTaxFile = fileOrDefault(tax, s.DbPath, QStringLiteral("dbTax.db"));
+    s.DbInOutFile = fileOrDefault(inOut, s.DbPath, QStringLiteral("InOutCash.db"));
+    s.DbEstimateFile = fileOrDefault(estimate, s.DbPath, QStringLiteral("dbEstimate.db"));
+    s.DbPostFile = fileOrDefault(post, s.DbPath, QStringLiteral("dbPost.db"));
+
+    s.RptPath = folderOrDefault(rpt, QStringLiteral("Rpt"));
+    if (!QFileInfo(s.RptPath).isDir()) QDir().mkdir(s.RptPath);
+
+    SaveEnv(QStringLiteral("db경로"), s.DbPath);
+    SaveSetting(QStringLiteral("Backup"), QStringLiteral("DB경로"), QStringLiteral("경로"), s.DbPath);
+    SaveEnv(QStringLiteral("db기초"), s.DbBasicFile);
+    SaveEnv(QStringLiteral("db명세서"), s.DbBillFile);
+    SaveEnv(QStringLiteral("db계산서"), s.DbTaxFile);
+    SaveEnv(QStringLiteral("dbInOut"), s.DbInOutFile);
+    SaveEnv(QStringLiteral("dbEstimate"), s.DbEstimateFile);
+    SaveEnv(QStringLiteral("dbPost"), s.DbPostFile);
+    SaveEnv(QStringLiteral("Rpt경로"), s.RptPath);
+}
+
+QString mainWindowTitle() {
+    return QStringLiteral("하르문 거래명세표 & 세금계산서발행 Ver.") + QString::number(versionMajor()) + u'.' +
+           QString::number(versionMinor()) + u'.' + QString::number(versionRevision()) + QStringLiteral(" - ") +
+           kMakerAddress;
+}
+
+QString datePanelText(const QDate& date) {
+    return date.toString(u"yyyy") + u'/' + date.toString(u"MM") + u'/' + date.toString(u"dd") + u' ' +
+           weekdayName(date);
+}
+
+std::optional<int> toInteger16(const QString& text) {
+    bool ok = false;
+    const double value = text.trimmed().toDouble(&ok);
+    if (!ok || !std::isfinite(value)) return std::nullopt;
+    const double rounded = std::nearbyint(value);  // the default rounding mode is half to even
+    if (rounded < -32768 || rounded > 32767) return std::nullopt;
+    return int(rounded);
+}
+
+bool ReadDecimalSettings() {
+    const auto qty = toInteger16(GetEnv(QStringLiteral("chk소수점1"), QStringLiteral("0")));
+    if (!qty) return false;
+    app().DecimalQty = *qty;
+    const auto price = toInteger16(GetEnv(QStringLiteral("chk소수점2"), QStringLiteral("0")));
+    if (!price) return false;
+    app().DecimalPrice = *price;
+    return true;
+}
+
+void ShowTypeMismatch() {
+    MsgBox(QStringLiteral("실행 시간 오류 '13':\r\n\r\n형식이 일치하지 않습니다."), MbExclamation, kAppTitle);
+}
+
+void StartProgram() {
+    // Dates are always formed and read as "yyyy-MM-dd" by the program itself, so there is no
+    // machine-wide date format to set. The old statement store conversion runs here, under the
+    // busy cursor, before the settings are read.
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    QApplication::restoreOverrideCursor();
+    ReadSettings();
+    CreateMissingStoreFiles();
+    OpenDatabases();  // a failure shows later, as "Data Base MDB가 선언되지 않았습니다."
+    UpgradeTables();
+    UpgradeColumns();
+}
+
+} // namespace nb
