@@ -1,6 +1,7 @@
 #include "core/Lifecycle.h"
 
 #include "core/AppState.h"
+#include "core/Clock.h"
 #include "core/Settings.h"
 
 #include <vector>
@@ -19,6 +20,7 @@ void resetProgramState() {
     for (auto& hook : hooks()) hook();
     resetSettings();
     resetAppState();
+    setClock({});
 }
 
 } // namespace nb

@@ -5,6 +5,7 @@
 #include "common/Messages.h"
 #include "core/AppFolder.h"
 #include "core/AppState.h"
+#include "core/Clock.h"
 #include "core/shell/FrmLogin.h"
 #include "core/shell/ScreenRegistry.h"
 #include "core/shell/Startup.h"
@@ -125,7 +126,7 @@ void Nubella::SetMainBackground() {
 
 bool Nubella::load(bool showSplash) {
     SetMainBackground();
-    m_panels[0]->setText(datePanelText(QDate::currentDate()));
+    m_panels[0]->setText(datePanelText(today()));
     setWindowTitle(mainWindowTitle());
     if (!ReadDecimalSettings()) {
         ShowTypeMismatch();

@@ -3,6 +3,7 @@
 #include "common/Messages.h"
 #include "core/AppFolder.h"
 #include "core/AppState.h"
+#include "core/Clock.h"
 #include "core/Settings.h"
 #include "storage/Stores.h"
 
@@ -46,7 +47,7 @@ void ReadSettings() {
     const QString post = GetEnv(QStringLiteral("dbPost"));
     const QString rpt = GetEnv(QStringLiteral("Rpt경로"));
 
-    if (s.StartAppMonth.isEmpty()) SaveEnv(QStringLiteral("StartApp"), QDate::currentDate().toString(u"yyyy-MM"));
+    if (s.StartAppMonth.isEmpty()) SaveEnv(QStringLiteral("StartApp"), today().toString(u"yyyy-MM"));
 
     if (!dbFolder.isEmpty() && !QFileInfo(dbFolder).isDir())
         ShowWarning(QStringLiteral("데이터베이스 파일 경로가 없어졌거나 옮겨졌습니다.\r\n"

@@ -1,0 +1,170 @@
+// The start-up road: reading and repairing the settings, the decimals, the title and the
+// date panel.
+#include "TestSupport.h"
+
+#include "core/AppState.h"
+#include "core/Clock.h"
+#include "core/Settings.h"
+#include "core/shell/Startup.h"
+
+#include <QDir>
+#include <QFile>
+
+using namespace nb;
+
+namespace {
+void touch(const QString& path) {
+    QDir().mkpath(QFileInfo(path).path());
+    QFile f(path);
+    QVERIFY(f.open(QIODevice::WriteOnly));
+}
+} // namespace
+
+class TestStartup : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void firstStartFallsBackToTheApplicationFolderSilently() {
+        test::TestHome home;
+        auto& msgs = test::script();
+        ReadSettings();
+        QCOMPARE(app().DbPath, home.file("Dbs"));
+        QCOMPARE(app().DbBasicFile, home.file("Dbs/dbBasic.db"));
+        QCOMPARE(app().DbBillFile, home.file("Dbs/dbBill.db"));
+        QCOMPARE(app().DbTaxFile, home.file("Dbs/dbTax.db"));
+        QCOMPARE(app().DbInOutFile, home.file("Dbs/InOutCash.db"));
+        QCOMPARE(app().DbEstimateFile, home.file("Dbs/dbEstimate.db"));
+        QCOMPARE(app().DbPostFile, home.file("Dbs/dbPost.db"));
+        QCOMPARE(app().RptPath, home.file("Rpt"));
+        QVERIFY(msgs.records().empty());
+    }
+    void repairedPathsAreSavedBackWithTheBackupCopy() {
+        test::TestHome home;
+        test::script();
+        ReadSettings();
+        QCOMPARE(GetEnv("db경로"), home.file("Dbs"));
+        QCOMPARE(GetSetting("Backup", "DB경로", "경로"), home.file("Dbs"));
+        QCOMPARE(GetEnv("db기초"), home.file("Dbs/dbBasic.db"));
+        QCOMPARE(GetEnv("db명세서"), home.file("Dbs/dbBill.db"));
+        QCOMPARE(GetEnv("db계산서"), home.file("Dbs/dbTax.db"));
+        QCOMPARE(GetEnv("dbInOut"), home.file("Dbs/InOutCash.db"));
+        QCOMPARE(GetEnv("dbEstimate"), home.file("Dbs/dbEstimate.db"));
+        QCOMPARE(GetEnv("dbPost"), home.file("Dbs/dbPost.db"));
+        QCOMPARE(GetEnv("Rpt경로"), home.file("Rpt"));
+    }
+    void storedBasicOutsideDbPathIsKeptWhileMissingTaxFallsBack() {
+        test::TestHome home;
+        test::script();
+        touch(home.file("elsewhere/myBasic.db"));
+        QDir().mkpath(home.file("Dbs"));
+        SaveEnv("db기초", home.file("elsewhere/myBasic.db"));
+        SaveEnv("db계산서", home.file("gone/dbTax.db"));
+        ReadSettings();
+        QCOMPARE(app().DbBasicFile, home.file("elsewhere/myBasic.db"));
+        QCOMPARE(app().DbTaxFile, home.file("Dbs/dbTax.db"));
+        QCOMPARE(GetEnv("db계산서"), home.file("Dbs/dbTax.db"));
+    }
+    void missingDbFolderWarnsAndFallsBack() {
+        test::TestHome home;
+        auto& msgs = test::script();
+        SaveEnv("db경로", home.file("moved-away"));
+        ReadSettings();
+        QCOMPARE(int(msgs.boxes().size()), 1);
+        QCOMPARE(msgs.last().text, QStringLiteral("데이터베이스 파일 경로가 없어졌거나 옮겨졌습니다.\r\n"
+                                                  "데이터베이스 파일 경로를 확인하십시요."));
+        QCOMPARE(msgs.last().title, QStringLiteral("파일 경로 오류"));
+        QCOMPARE(msgs.last().buttons, 48);
+        QCOMPARE(app().DbPath, home.file("Dbs"));
+        QCOMPARE(GetEnv("db경로"), home.file("Dbs"));
+    }
+    void passwordFlagMeansYesOnlyForExactlyOne() {
+        test::TestHome home;
+        test::script();
+        for (const char* value : {"01", " 1", "1 ", "", "예"}) {
+            SaveEnv("암호사용여부", QString::fromUtf8(value));
+            ReadSettings();
+            QVERIFY2(!app().PasswordInUse, value);
+        }
+        SaveEnv("암호사용여부", "1");
+        ReadSettings();
+        QVERIFY(app().PasswordInUse);
+    }
+    void missingRptFolderIsSilentAndTheDefaultIsCreated() {
+        test::TestHome home;
+        auto& msgs = test::script();
+        SaveEnv("Rpt경로", home.file("no-such-reports"));
+        ReadSettings();
+        QVERIFY(msgs.records().empty());
+        QCOMPARE(app().RptPath, home.file("Rpt"));
+        QVERIFY(QFileInfo(home.file("Rpt")).isDir());
+        QCOMPARE(GetEnv("Rpt경로"), home.file("Rpt"));
+    }
+    void startAppIsStampedOnceAndKeptWhenTheMonthChanges() {
+        test::TestHome home;
+        test::script();
+        setClock([] { return QDateTime(QDate(2026, 11, 30), QTime(23, 59)); });
+        ReadSettings();
+        QCOMPARE(GetEnv("StartApp"), QStringLiteral("2026-11"));
+        QCOMPARE(app().StartAppMonth, QString());  // not refreshed for this run
+        setClock([] { return QDateTime(QDate(2026, 12, 1), QTime(0, 1)); });
+        ReadSettings();
+        QCOMPARE(GetEnv("StartApp"), QStringLiteral("2026-11"));
+        QCOMPARE(app().StartAppMonth, QStringLiteral("2026-11"));
+    }
+    void defaultSupplierAndPasswordAreRead() {
+        test::TestHome home;
+        test::script();
+        SaveEnv("기본사업자", "123-45-67890");
+        SaveEnv("암호번호", "4321");
+        ReadSettings();
+        QCOMPARE(app().DefaultSerial, QStringLiteral("123-45-67890"));
+        QCOMPARE(app().PasswordNo, QStringLiteral("4321"));
+    }
+    void missingDecimalKeysGiveZero() {
+        test::TestHome home;
+        app().DecimalQty = 5;
+        app().DecimalPrice = 5;
+        QVERIFY(ReadDecimalSettings());
+        QCOMPARE(app().DecimalQty, 0);
+        QCOMPARE(app().DecimalPrice, 0);
+    }
+    void decimalKeysAreReadAsIntegers() {
+        test::TestHome home;
+        SaveEnv("chk소수점1", "2");
+        SaveEnv("chk소수점2", " 1 ");
+        QVERIFY(ReadDecimalSettings());
+        QCOMPARE(app().DecimalQty, 2);
+        QCOMPARE(app().DecimalPrice, 1);
+    }
+    void decimalSettingThatIsNoNumberStopsTheLoad() {
+        test::TestHome home;
+        SaveEnv("chk소수점1", "두자리");
+        QVERIFY(!ReadDecimalSettings());
+        auto& msgs = test::script();
+        ShowTypeMismatch();
+        QCOMPARE(msgs.last().text, QStringLiteral("실행 시간 오류 '13':\r\n\r\n형식이 일치하지 않습니다."));
+    }
+    void integerConversionRoundsHalfToEven() {
+        QCOMPARE(toInteger16("2.5").value(), 2);
+        QCOMPARE(toInteger16("3.5").value(), 4);
+        QVERIFY(!toInteger16("").has_value());
+        QVERIFY(!toInteger16("40000").has_value());
+    }
+    void titleCarriesVersionAndAddress() {
+        QCOMPARE(mainWindowTitle(),
+                 QStringLiteral("하르문 거래명세표 & 세금계산서발행 Ver.1.0.0 - ") + kMakerAddress);
+    }
+    void datePanelShowsSlashesAndKoreanWeekday() {
+        QCOMPARE(datePanelText(QDate(2004, 1, 1)), QStringLiteral("2004/01/01 목요일"));
+        QCOMPARE(datePanelText(QDate(2026, 11, 22)), QStringLiteral("2026/11/22 일요일"));
+    }
+    void dateTextsNeedNoMachineDateFormat() {
+        // The program forms its date texts itself; a machine locale with another short date
+        // format changes nothing.
+        QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+        QCOMPARE(datePanelText(QDate(2026, 3, 9)), QStringLiteral("2026/03/09 월요일"));
+        QLocale::setDefault(QLocale::system());
+    }
+};
+
+NB_TEST_MAIN(TestStartup)
+#include "tst_startup.moc"
