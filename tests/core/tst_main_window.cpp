@@ -51,7 +51,8 @@ private Q_SLOTS:
     void registrationMenuItemsWithSeparators() {
         Nubella w;
         QCOMPARE(captionsOf(barMenu(w, "mnu_insert")->actions()),
-                 (QStringList{"사용자등록(&S)", "거래처등록(&T)", "상품   등록(&M)", "-", "소수점설정(&U)",
+                 (QStringList{"사용자등록(&S)", "거래처등록(&T)", "상품   등록(&M)", "우편번호 가져오기(&Z)...", "-",
+                              "소수점설정(&U)",
                               "프린터설정(&P)", "-", "종료(&X)"}));
     }
     void outputMenuItems() {
