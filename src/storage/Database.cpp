@@ -4,34 +4,52 @@
 
 #include <QFileInfo>
 #include <QSqlError>
-#include <QSqlQuery>
 #include <QSqlRecord>
 #include <QUuid>
 
 namespace nb {
 namespace {
 
-// Maps an engine failure onto the numbers the failure boxes are chosen by.
-int errorNumberFor(const QSqlError& error) {
-    const QString text = error.databaseText().toLower();
-    if (text.contains(QStringLiteral("syntax error")) || text.contains(QStringLiteral("no such table")) ||
-        text.contains(QStringLiteral("no such column")) || text.contains(QStringLiteral("incomplete input")) ||
-        text.contains(QStringLiteral("unrecognized token")))
-        return ErrSyntax;
-    return -1;
-}
+// Engine result codes that mean another connection holds a lock.
+constexpr int kSqliteBusy = 5;
+constexpr int kSqliteLocked = 6;
 
 QString descriptionOf(const QSqlError& error) {
     return error.databaseText().isEmpty() ? error.text() : error.databaseText();
 }
 
-bool prepareAndRun(QSqlQuery& q, const QString& sql, const QVariantList& values) {
+int engineCodeOf(const QSqlError& error) {
+    bool ok = false;
+    const int code = error.nativeErrorCode().toInt(&ok);
+    return ok ? code : 0;
+}
+
+// Statements a connection runs for itself: answered, never counted.
+bool runInternal(const QSqlDatabase& db, const QString& sql, const QVariantList& values = {}) {
+    QSqlQuery q(db);
     if (!q.prepare(sql)) return false;
     for (const QVariant& v : values) q.addBindValue(v);
     return q.exec();
 }
 
+QString newConnectionName() {
+    return QStringLiteral("nb-") + QUuid::createUuid().toString(QUuid::WithoutBraces);
+}
+
 } // namespace
+
+int errorNumberFor(const QString& engineText, int engineCode) {
+    const QString text = engineText.toLower();
+    static const char* const notUnderstood[] = {"syntax error",      "no such table", "no such column",
+                                                "has no column named", "incomplete input",
+                                                "unrecognized token"};
+    for (const char* phrase : notUnderstood)
+        if (text.contains(QLatin1String(phrase))) return ErrSyntax;
+    const int primary = engineCode & 0xFF;
+    if (primary == kSqliteBusy || primary == kSqliteLocked || text.contains(QStringLiteral("is locked")))
+        return ErrEngine;
+    return engineCode != 0 ? engineCode : 1;
+}
 
 void ReportQueryFailure(int errorNumber, const QString& description, const QString& sql) {
     switch (errorNumber) {
@@ -55,6 +73,12 @@ QString likeLiteral(const QString& text) {
     return out;
 }
 
+QString quoteName(const QString& name) {
+    return u'"' + QString(name).replace(u'"', QStringLiteral("\"\"")) + u'"';
+}
+
+// ---- Database --------------------------------------------------------------------------
+
 Database::Database() = default;
 
 Database::~Database() { close(); }
@@ -65,20 +89,37 @@ bool Database::isOpen() const {
 
 QSqlDatabase Database::connection() const { return QSqlDatabase::database(m_connection, false); }
 
-bool Database::open(const QString& path) {
+bool Database::open(const QString& path, bool exclusive) {
     close();
     if (!QFileInfo(path).isFile()) return false;
-    m_connection = QStringLiteral("nb-") + QUuid::createUuid().toString(QUuid::WithoutBraces);
+    m_connection = newConnectionName();
     QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
     db.setDatabaseName(path);
-    if (!db.open()) {
+    // Reading the journal mode is the first real read: it fails on a file that is no store.
+    if (!db.open() || !runInternal(db, QStringLiteral("PRAGMA journal_mode=WAL"))) {
         close();
         return false;
     }
-    QSqlQuery q(db);
-    q.exec(QStringLiteral("PRAGMA journal_mode=WAL"));
-    q.exec(QStringLiteral("PRAGMA foreign_keys=OFF"));
+    runInternal(db, QStringLiteral("PRAGMA foreign_keys=OFF"));
+    if (exclusive) runInternal(db, QStringLiteral("PRAGMA locking_mode=EXCLUSIVE"));
     m_path = path;
+    m_statementsRun = 0;
+    return true;
+}
+
+bool Database::create(const QString& path) {
+    close();
+    if (QFileInfo::exists(path)) return false;
+    m_connection = newConnectionName();
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
+    db.setDatabaseName(path);
+    if (!db.open() || !runInternal(db, QStringLiteral("PRAGMA journal_mode=WAL"))) {
+        close();
+        return false;
+    }
+    runInternal(db, QStringLiteral("PRAGMA foreign_keys=OFF"));
+    m_path = path;
+    m_statementsRun = 0;
     return true;
 }
 
@@ -91,41 +132,88 @@ void Database::close() {
     QSqlDatabase::removeDatabase(m_connection);
     m_connection.clear();
     m_path.clear();
+    m_savepoints.clear();
 }
 
-bool Database::Execute(const QString& sql, const QVariantList& values) {
-    m_recordsAffected = 0;
+void Database::setBusyTimeout(int millis) {
+    if (isOpen()) runInternal(connection(), QStringLiteral("PRAGMA busy_timeout=") + QString::number(millis));
+}
+
+void Database::noteFailure(int number, const QString& description) {
+    m_lastErrorNumber = number;
+    m_lastErrorDescription = description;
+}
+
+bool Database::run(QSqlQuery& q, const QString& sql, const QVariantList& values) {
+    noteFailure(ErrNone, QString());
     if (!isOpen()) {
-        ReportQueryFailure(ErrNotOpened, QString(), sql);
+        noteFailure(ErrNotOpened, QStringLiteral("Object variable or With block variable not set"));
         return false;
     }
+    ++m_statementsRun;
+    bool ok = q.prepare(sql);
+    if (ok) {
+        for (const QVariant& v : values) q.addBindValue(v);
+        ok = q.exec();
+    }
+    if (!ok) {
+        const QSqlError error = q.lastError();
+        noteFailure(errorNumberFor(error.databaseText(), engineCodeOf(error)), descriptionOf(error));
+    }
+    return ok;
+}
+
+bool Database::tryExecute(const QString& sql, const QVariantList& values) {
+    m_recordsAffected = 0;
     QSqlQuery q(connection());
-    if (!prepareAndRun(q, sql, values)) {
-        ReportQueryFailure(errorNumberFor(q.lastError()), descriptionOf(q.lastError()), sql);
-        return false;
-    }
+    if (!run(q, sql, values)) return false;
     m_recordsAffected = q.numRowsAffected() < 0 ? 0 : q.numRowsAffected();
     return true;
 }
 
+bool Database::Execute(const QString& sql, const QVariantList& values) {
+    if (tryExecute(sql, values)) return true;
+    ReportQueryFailure(m_lastErrorNumber, m_lastErrorDescription, sql);
+    return false;
+}
+
 bool Database::attach(const QString& filePath, const QString& alias) {
-    QSqlQuery q(connection());
-    return prepareAndRun(q, QStringLiteral("ATTACH DATABASE ? AS ") + alias, {filePath});
+    if (!isOpen() || !QFileInfo(filePath).isFile()) return false;
+    return runInternal(connection(), QStringLiteral("ATTACH DATABASE ? AS ") + quoteName(alias), {filePath});
 }
 
 void Database::detach(const QString& alias) {
-    QSqlQuery q(connection());
-    q.exec(QStringLiteral("DETACH DATABASE ") + alias);
+    if (isOpen()) runInternal(connection(), QStringLiteral("DETACH DATABASE ") + quoteName(alias));
 }
 
-bool Database::beginTransaction() { return connection().transaction(); }
-bool Database::commit() { return connection().commit(); }
-void Database::rollback() { connection().rollback(); }
+bool Database::beginTransaction() {
+    if (!isOpen()) return false;
+    const QString name = QStringLiteral("nb_save_") + QString::number(m_savepoints.size());
+    if (!runInternal(connection(), QStringLiteral("SAVEPOINT ") + name)) return false;
+    m_savepoints << name;
+    return true;
+}
+
+bool Database::commit() {
+    if (!isOpen() || m_savepoints.isEmpty()) return false;
+    const bool ok = runInternal(connection(), QStringLiteral("RELEASE ") + m_savepoints.last());
+    if (ok) m_savepoints.removeLast();
+    return ok;
+}
+
+void Database::rollback() {
+    if (!isOpen() || m_savepoints.isEmpty()) return;
+    const QString name = m_savepoints.takeLast();
+    runInternal(connection(), QStringLiteral("ROLLBACK TO ") + name);
+    runInternal(connection(), QStringLiteral("RELEASE ") + name);
+}
+
+// ---- Schema questions ------------------------------------------------------------------
 
 bool Database::hasTable(const QString& table) const {
     if (!isOpen()) return false;
     QSqlQuery q(connection());
-    prepareAndRun(q, QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'"), {});
+    q.exec(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'"));
     while (q.next())
         if (q.value(0).toString() == table) return true;
     return false;
@@ -135,7 +223,9 @@ QStringList Database::columns(const QString& table) const {
     QStringList out;
     if (!isOpen()) return out;
     QSqlQuery q(connection());
-    prepareAndRun(q, QStringLiteral("SELECT name FROM pragma_table_info(?)"), {table});
+    q.prepare(QStringLiteral("SELECT name FROM pragma_table_info(?)"));
+    q.addBindValue(table);
+    q.exec();
     while (q.next()) out << q.value(0).toString();
     return out;
 }
@@ -144,122 +234,53 @@ bool Database::hasColumn(const QString& table, const QString& column) const {
     return columns(table).contains(column, Qt::CaseInsensitive);
 }
 
-// ---- Recordset -------------------------------------------------------------------------
-
-int Recordset::fieldIndex(const QString& name) const {
-    for (int i = 0; i < m_names.size(); ++i)
-        if (m_names[i].compare(name, Qt::CaseInsensitive) == 0) return i;
-    return -1;
+QString Database::columnType(const QString& table, const QString& column) const {
+    if (!isOpen()) return {};
+    QSqlQuery q(connection());
+    q.prepare(QStringLiteral("SELECT name, type FROM pragma_table_info(?)"));
+    q.addBindValue(table);
+    q.exec();
+    while (q.next())
+        if (q.value(0).toString().compare(column, Qt::CaseInsensitive) == 0) return q.value(1).toString();
+    return {};
 }
 
-QVariant Recordset::field(int index) const {
-    if (EOF_() || BOF_() || index < 0 || index >= m_names.size()) return {};
-    return m_rows[size_t(m_row)].value(index);
-}
-
-QVariant Recordset::field(const QString& name) const { return field(fieldIndex(name)); }
-
-bool Recordset::isNull(const QString& name) const { return field(name).isNull(); }
-
-QString Recordset::text(const QString& name) const {
-    const QVariant v = field(name);
-    return v.isNull() ? QString() : v.toString();
-}
-
-double Recordset::number(const QString& name) const {
-    const QVariant v = field(name);
-    return v.isNull() ? 0.0 : v.toDouble();
-}
-
-int Recordset::findFirst(const QString& name, const QVariant& value) const {
-    const int col = fieldIndex(name);
-    if (col < 0) return -1;
-    for (int r = 0; r < int(m_rows.size()); ++r)
-        if (m_rows[size_t(r)].value(col).toString() == value.toString()) return r;
-    return -1;
-}
-
-void Recordset::AddNew() {
-    m_newNames.clear();
-    m_newValues.clear();
-}
-
-void Recordset::setField(const QString& name, const QVariant& value) {
-    m_newNames << name;
-    m_newValues << value;
-}
-
-bool Recordset::Update() {
-    if (!m_dynaset || !m_db || m_table.isEmpty()) return false;
-    QStringList marks;
-    for (int i = 0; i < m_newNames.size(); ++i) marks << QStringLiteral("?");
-    const QString sql = QStringLiteral("INSERT INTO ") + m_table + QStringLiteral(" (") + m_newNames.join(u',') +
-                        QStringLiteral(") VALUES (") + marks.join(u',') + u')';
-    const bool ok = m_db->Execute(sql, m_newValues);
-    m_newNames.clear();
-    m_newValues.clear();
-    return ok && m_db->RecordsAffected() > 0;
-}
-
-void Recordset::close() {
-    m_open = false;
-    m_rows.clear();
-    m_names.clear();
-    m_row = 0;
-    m_db = nullptr;
-}
-
-namespace {
-// The table a dynaset adds to: the first name after FROM.
-QString tableOf(const QString& sql) {
-    const QStringList words = sql.simplified().split(u' ');
-    for (int i = 0; i + 1 < words.size(); ++i)
-        if (words[i].compare(QStringLiteral("FROM"), Qt::CaseInsensitive) == 0)
-            return QString(words[i + 1]).remove(u';');
-    return sql.simplified().section(u' ', 0, 0);  // a plain table name
-}
-} // namespace
-
-bool openRecordset(Database& db, Recordset& rs, const QString& sql, const QVariantList& values, bool dynaset) {
-    rs.close();
-    if (!db.isOpen()) {
-        ReportQueryFailure(ErrNotOpened, QString(), sql);
-        return false;
+QList<IndexInfo> Database::indexes(const QString& table) const {
+    QList<IndexInfo> out;
+    if (!isOpen()) return out;
+    QSqlQuery q(connection());
+    q.prepare(QStringLiteral("SELECT name, \"unique\", origin FROM pragma_index_list(?)"));
+    q.addBindValue(table);
+    q.exec();
+    while (q.next()) out.push_back({q.value(0).toString(), q.value(1).toInt() != 0, q.value(2).toString(), {}});
+    for (IndexInfo& index : out) {
+        QSqlQuery c(connection());
+        c.prepare(QStringLiteral("SELECT name FROM pragma_index_info(?) ORDER BY seqno"));
+        c.addBindValue(index.name);
+        c.exec();
+        while (c.next()) index.columns << c.value(0).toString();
     }
-    const bool plainTable = !sql.trimmed().contains(u' ');
-    const QString statement = plainTable ? QStringLiteral("SELECT * FROM ") + sql.trimmed() : sql;
-    QSqlQuery q(db.connection());
-    q.setForwardOnly(true);
-    if (!prepareAndRun(q, statement, values)) {
-        ReportQueryFailure(errorNumberFor(q.lastError()), descriptionOf(q.lastError()), sql);
-        return false;
-    }
-    const QSqlRecord rec = q.record();
-    for (int i = 0; i < rec.count(); ++i) rs.m_names << rec.fieldName(i);
-    while (q.next()) {
-        QVariantList row;
-        row.reserve(rec.count());
-        for (int i = 0; i < rec.count(); ++i) row << q.value(i);
-        rs.m_rows.push_back(std::move(row));
-    }
-    rs.m_open = true;
-    rs.m_dynaset = dynaset;
-    rs.m_db = &db;
-    rs.m_table = dynaset ? tableOf(statement) : QString();
-    rs.m_row = 0;
-    return true;
+    return out;
 }
 
-bool OpenDb(Database& db, const QString& path, int /*exclusive*/) { return db.open(path); }
-
-bool OpenDynaset(Database& db, Recordset& rs, const QString& sql, const QVariantList& values) {
-    return openRecordset(db, rs, sql, values, true);
+bool Database::hasIndex(const QString& indexName) const {
+    if (!isOpen()) return false;
+    QSqlQuery q(connection());
+    q.prepare(QStringLiteral("SELECT 1 FROM sqlite_master WHERE type = 'index' AND name = ? COLLATE NOCASE"));
+    q.addBindValue(indexName);
+    return q.exec() && q.next();
 }
 
-bool OpenSnapshot(Database& db, Recordset& rs, const QString& sql, const QVariantList& values) {
-    return openRecordset(db, rs, sql, values, false);
+bool Database::hasPrimaryIndex(const QString& table) const {
+    if (!isOpen()) return false;
+    // A rowid PRIMARY KEY (INTEGER PRIMARY KEY) has no entry among the indexes.
+    QSqlQuery q(connection());
+    q.prepare(QStringLiteral("SELECT 1 FROM pragma_table_info(?) WHERE pk > 0"));
+    q.addBindValue(table);
+    if (q.exec() && q.next()) return true;
+    for (const IndexInfo& index : indexes(table))
+        if (isPrimaryIndex(table, index)) return true;
+    return false;
 }
-
-void CloseRs(Recordset& rs) { rs.close(); }
 
 } // namespace nb

@@ -5,6 +5,7 @@
 // false. Values always travel as bound parameters, never inside the SQL text.
 
 #include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
@@ -12,6 +13,8 @@
 #include <vector>
 
 namespace nb {
+
+class Recordset;
 
 // Column type numbers of the original's schema calls.
 enum DaoType : int {
@@ -28,9 +31,22 @@ enum DaoType : int {
 // Error numbers the failure boxes are chosen by.
 enum DbError : int {
     ErrNone = 0,
-    ErrNotOpened = 91,      // the store file was never opened
-    ErrSyntax = 3011,       // statement not understood, or names a missing table or column
-    ErrEngine = 3261,
+    ErrNotOpened = 91,  // the store file was never opened
+    ErrSyntax = 3011,   // statement not understood, or names a missing table or column
+    ErrEngine = 3261,   // the file or a table is locked by another connection
+};
+
+// Booleans are stored as the original stored them.
+inline constexpr int kStoredTrue = -1;
+inline constexpr int kStoredFalse = 0;
+inline int storedBool(bool value) { return value ? kStoredTrue : kStoredFalse; }
+
+// One index of a table as the store file holds it.
+struct IndexInfo {
+    QString name;
+    bool unique = false;
+    QString origin;  // "c" created by CREATE INDEX, "pk" / "u" from the table's constraints
+    QStringList columns;
 };
 
 class Database {
@@ -44,35 +60,78 @@ public:
     QString path() const { return m_path; }
     QSqlDatabase connection() const;
 
-    // Opens the file shared, read and write; false (and no box) when it cannot be opened.
-    bool open(const QString& path);
+    // Opens an existing file shared, read and write (exclusive: no other connection may use
+    // it); false (and no box) when it is missing or no store file.
+    bool open(const QString& path, bool exclusive = false);
+    // Creates a new, empty store file (WAL journal) and opens it; false when it exists.
+    bool create(const QString& path);
     void close();
+    // How long a statement waits for another connection's lock before it fails.
+    void setBusyTimeout(int millis);
 
     // Direct execution with the values bound in order. On an engine failure shows the box of
     // the query helpers and returns false; RecordsAffected() then reads 0.
     bool Execute(const QString& sql, const QVariantList& values = {});
+    // The same without a box, for callers that word their own failure (lastError...()).
+    bool tryExecute(const QString& sql, const QVariantList& values = {});
     int RecordsAffected() const { return m_recordsAffected; }
+    // Number and description of the last failure (0 / empty after a success).
+    int lastErrorNumber() const { return m_lastErrorNumber; }
+    QString lastErrorDescription() const { return m_lastErrorDescription; }
+    // Statements run through Execute, tryExecute and the recordset helpers since the file was
+    // opened. Schema questions below and transaction control are not counted.
+    int statementsRun() const { return m_statementsRun; }
 
     // Makes another store file's tables reachable as alias.Table in this connection's
-    // statements (the two cross-file queries).
+    // statements (the two cross-file queries). The file must exist.
     bool attach(const QString& filePath, const QString& alias);
     void detach(const QString& alias);
 
-    // One save that runs as several statements runs in one transaction.
+    // One save that runs as several statements runs in one transaction. Transactions nest
+    // (an inner one is a savepoint of the outer).
     bool beginTransaction();
     bool commit();
     void rollback();
+    bool inTransaction() const { return !m_savepoints.isEmpty(); }
 
     // Schema questions, names compared without regard to case unless stated.
-    bool hasTable(const QString& table) const;          // exact name, as the upgrade steps compare
+    bool hasTable(const QString& table) const;  // exact name, as the upgrade steps compare
     QStringList columns(const QString& table) const;
     bool hasColumn(const QString& table, const QString& column) const;
+    // The declared type of a column as the file holds it ("TEXT(6)", "REAL"), empty if absent.
+    QString columnType(const QString& table, const QString& column) const;
+    QList<IndexInfo> indexes(const QString& table) const;
+    bool hasIndex(const QString& indexName) const;
+    // True when the table has a primary index (see isPrimaryIndex).
+    bool hasPrimaryIndex(const QString& table) const;
 
 private:
+    friend bool openRecordset(Database&, Recordset&, const QString&, const QVariantList&, bool);
+    // Prepares and runs one counted statement; a failure is noted in lastError...().
+    bool run(QSqlQuery& query, const QString& sql, const QVariantList& values);
+    void noteFailure(int number, const QString& description);
+
     QString m_path;
     QString m_connection;
     int m_recordsAffected = 0;
+    int m_statementsRun = 0;
+    int m_lastErrorNumber = 0;
+    QString m_lastErrorDescription;
+    QStringList m_savepoints;
 };
+
+// The one rule for what counts as a table's primary index: the table's own PRIMARY KEY, or a
+// unique index the program created as primary, named by primaryIndexName.
+bool isPrimaryIndex(const QString& table, const IndexInfo& index);
+// Index names are per table in the original and per file in the store: the store's name of
+// the original's index on a table is table + "_" + name ("User_PK", "BuyTax_PrimaryKey").
+QString storeIndexName(const QString& table, const QString& originalName);
+// The names of the original's primary indexes: "PK" (User) and "PrimaryKey".
+bool isPrimaryIndexName(const QString& table, const QString& storeName);
+
+// Maps an engine failure onto the original's error numbers: 3011 for a statement that is not
+// understood or names a missing table or column, 3261 for a lock, else the engine's own code.
+int errorNumberFor(const QString& engineText, int engineCode);
 
 class Recordset {
 public:
@@ -97,6 +156,8 @@ public:
     // Null read as the empty text / 0 (NullToText).
     QString text(const QString& name) const;
     double number(const QString& name) const;
+    // A stored boolean (-1 / 0); null reads as false.
+    bool flag(const QString& name) const { return number(name) != 0.0; }
     // The row index of the first row whose field equals value (text comparison), or -1.
     int findFirst(const QString& name, const QVariant& value) const;
 
@@ -121,18 +182,27 @@ private:
 };
 
 // The query helpers: a failure shows its box and answers false, never throws.
+// OpenDb shows nothing; a plain table name as sql reads the whole table.
 bool OpenDb(Database& db, const QString& path, int exclusive = 0);
 bool OpenDynaset(Database& db, Recordset& rs, const QString& sql, const QVariantList& values = {});
 bool OpenSnapshot(Database& db, Recordset& rs, const QString& sql, const QVariantList& values = {});
 void CloseRs(Recordset& rs);
+// Adds a column unless one of that name (any case) exists, then runs sql once (both in one
+// transaction). False when the column was there; true otherwise, also after a failure, which
+// shows the failure report of the procedure and leaves the table as it was. size 0 leaves
+// the width to the engine; allowZero false makes a text column refuse the empty text.
 bool DAO_AddField(Database& db, const QString& table, const QString& field, int type, int size,
                   bool allowZero, const QString& sql);
+// The declared column text DAO_AddField and the store layout use for a type and size.
+QString declaredType(int type, int size);
 
 // The box a failed statement shows, chosen by error number (exposed for tests).
 void ReportQueryFailure(int errorNumber, const QString& description, const QString& sql);
 
-// A LIKE pattern that matches the typed text literally (its % and _ escaped with \);
+// A LIKE pattern that matches the typed text literally (its %, _ and \ escaped with \);
 // use with "LIKE ? ESCAPE '\'".
 QString likeLiteral(const QString& text);
+// Identifier between double quotes, for names built into statements.
+QString quoteName(const QString& name);
 
 } // namespace nb

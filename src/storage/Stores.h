@@ -17,15 +17,24 @@ void closeStores();
 
 // Creates each store file named in the application state that does not exist yet, with its
 // complete layout (tables, columns in order, indexes). An existing file is not touched.
+// (Defined with the layout, storage/StoreLayout.cpp.)
 void CreateMissingStoreFiles();
 // Opens dbBasic, dbTax, dbBill in that order; the first failure ends with false.
 bool OpenDatabases();
-// The upgrade steps, run at every start; an up-to-date store passes with no statement run.
+// The upgrade steps, run at every start after OpenDatabases; an up-to-date store passes with
+// no statement run. UpgradeTables: BuyTax, BuyTotal, SaleTotal on dbTax when absent;
+// NewAcount.UserCode with its data move; User's primary index. UpgradeColumns: Trader.HPhone
+// and Product.Unit by DAO_AddField, each with its statement.
 void UpgradeTables();
 void UpgradeColumns();
 
-// The default supplier: fills rsUser(), sets DefaultCompany; true when a supplier is at hand.
+// The default supplier: fills rsUser() from User (the row of DefaultSerial, or all rows when
+// none is set or it is gone, after saying so and emptying "기본사업자"), sets DefaultCompany
+// to its Company or "하르문"; true when a supplier row is at hand.
 bool LoadDefaultUser();
+// The result of the last LoadDefaultUser; stays open between calls.
 Recordset& rsUser();
+// The placeholder company name when no supplier is at hand.
+inline const QString kPlaceholderCompany = QStringLiteral("하르문");
 
 } // namespace nb

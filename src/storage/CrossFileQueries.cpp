@@ -1,0 +1,69 @@
+#include "storage/CrossFileQueries.h"
+
+#include "core/AppState.h"
+#include "storage/Stores.h"
+
+
+namespace nb {
+namespace {
+
+// Attaches the other file, runs the query into rs and lets the file go again.
+bool openAcrossFiles(Database& db, const QString& otherFile, const QString& alias, Recordset& rs,
+                     const QString& sql, const QVariantList& values) {
+    rs.close();
+    if (!db.isOpen()) {
+        ReportQueryFailure(ErrNotOpened, QString(), sql);
+        return false;
+    }
+    if (!db.attach(otherFile, alias)) {
+        ReportQueryFailure(-1, QStringLiteral("unable to open database: ") + otherFile, sql);
+        return false;
+    }
+    const bool ok = OpenSnapshot(db, rs, sql, values);
+    db.detach(alias);
+    return ok;
+}
+
+} // namespace
+
+QString statementListSql(bool withTrader) {
+    return QStringLiteral("Select master.*, trader.C_Name from master Left Join ") + kBasicAlias +
+           QStringLiteral(".Trader On master.ccode = trader.code where billdate between ? and ?") +
+           (withTrader ? QStringLiteral(" AND CCode = ?") : QString()) + QStringLiteral(" order by BillDate, billno");
+}
+
+bool OpenStatementList(Database& bill, const QString& basicFile, Recordset& rs, const QString& from,
+                       const QString& to, const QString& traderCode) {
+    const bool withTrader = !traderCode.isEmpty();
+    QVariantList values{from, to};
+    if (withTrader) values << traderCode;
+    return openAcrossFiles(bill, basicFile, kBasicAlias, rs, statementListSql(withTrader), values);
+}
+
+bool OpenStatementList(Recordset& rs, const QString& from, const QString& to, const QString& traderCode) {
+    return OpenStatementList(stores().dbBill, app().DbBasicFile, rs, from, to, traderCode);
+}
+
+QString tradersNotDealtSinceSql() {
+    return QStringLiteral("SELECT C_Name, Phone, Fax, HPhone, Trader.Code, MAX(BillDate) as lastdate"
+                          "  FROM Trader LEFT JOIN ") +
+           kBillAlias +
+           QStringLiteral(".Master ON trader.code = Master.ccode"
+                          " WHERE C_Name Like ? ESCAPE '\\'"
+                          " GROUP BY C_Name, Phone, Fax, HPhone, Trader.Code"
+                          " HAVING MAX(BillDate) < ?"
+                          " OR MAX(BillDate) IS NULL"
+                          " ORDER BY C_Name");
+}
+
+bool OpenTradersNotDealtSince(Database& basic, const QString& billFile, Recordset& rs, const QString& nameText,
+                              const QString& date) {
+    const QString pattern = u'%' + likeLiteral(nameText) + u'%';
+    return openAcrossFiles(basic, billFile, kBillAlias, rs, tradersNotDealtSinceSql(), {pattern, date});
+}
+
+bool OpenTradersNotDealtSince(Recordset& rs, const QString& nameText, const QString& date) {
+    return OpenTradersNotDealtSince(stores().dbBasic, app().DbBillFile, rs, nameText, date);
+}
+
+} // namespace nb

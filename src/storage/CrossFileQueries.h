@@ -1,0 +1,38 @@
+#pragma once
+// The two queries that join tables of two store files. The other file is attached to the
+// connection for the query and let go of afterwards; both keep the rows of the left table
+// that have no partner, and the last date of a trader with no statement reads as empty.
+//
+// Each comes as its statement text (values bound in the order given) and as an opener that
+// fills a snapshot Recordset through the query helpers (a failure shows the query box and
+// answers false). The openers with a Database take the file to attach; the short ones use
+// the program's open stores and paths.
+
+#include "storage/Database.h"
+
+namespace nb {
+
+// Aliases the other file is attached under.
+inline const QString kBasicAlias = QStringLiteral("basic");
+inline const QString kBillAlias = QStringLiteral("bill");
+
+// Statement list, on dbBill: every Master row with BillDate between from and to (text
+// comparison, both ends included), and with CCode = code when a trader is chosen, plus the
+// trader's C_Name (null when the trader is gone), ordered by BillDate, BillNo.
+// Bound values: from, to[, code].
+QString statementListSql(bool withTrader);
+bool OpenStatementList(Database& bill, const QString& basicFile, Recordset& rs, const QString& from,
+                       const QString& to, const QString& traderCode = QString());
+bool OpenStatementList(Recordset& rs, const QString& from, const QString& to,
+                       const QString& traderCode = QString());
+
+// Traders not dealt with since a date, on dbBasic: C_Name, Phone, Fax, HPhone, Code and
+// lastdate (MAX(BillDate), empty for a trader with no statement) of the traders whose C_Name
+// contains the text literally and whose last statement is before the date or who have none,
+// ordered by C_Name. Bound values: the LIKE pattern ("%" + likeLiteral(text) + "%"), date.
+QString tradersNotDealtSinceSql();
+bool OpenTradersNotDealtSince(Database& basic, const QString& billFile, Recordset& rs, const QString& nameText,
+                              const QString& date);
+bool OpenTradersNotDealtSince(Recordset& rs, const QString& nameText, const QString& date);
+
+} // namespace nb

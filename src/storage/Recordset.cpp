@@ -1,0 +1,124 @@
+#include "storage/Database.h"
+
+#include <QSqlRecord>
+
+namespace nb {
+namespace {
+
+// The table a dynaset adds to: the first name after FROM.
+QString tableOf(const QString& sql) {
+    const QStringList words = sql.simplified().split(u' ');
+    for (int i = 0; i + 1 < words.size(); ++i)
+        if (words[i].compare(QStringLiteral("FROM"), Qt::CaseInsensitive) == 0)
+            return QString(words[i + 1]).remove(u';');
+    return sql.simplified().section(u' ', 0, 0);  // a plain table name
+}
+
+} // namespace
+
+int Recordset::fieldIndex(const QString& name) const {
+    for (int i = 0; i < m_names.size(); ++i)
+        if (m_names[i].compare(name, Qt::CaseInsensitive) == 0) return i;
+    return -1;
+}
+
+QVariant Recordset::field(int index) const {
+    if (EOF_() || BOF_() || index < 0 || index >= m_names.size()) return {};
+    return m_rows[size_t(m_row)].value(index);
+}
+
+QVariant Recordset::field(const QString& name) const { return field(fieldIndex(name)); }
+
+bool Recordset::isNull(const QString& name) const { return field(name).isNull(); }
+
+QString Recordset::text(const QString& name) const {
+    const QVariant v = field(name);
+    return v.isNull() ? QString() : v.toString();
+}
+
+double Recordset::number(const QString& name) const {
+    const QVariant v = field(name);
+    return v.isNull() ? 0.0 : v.toDouble();
+}
+
+int Recordset::findFirst(const QString& name, const QVariant& value) const {
+    const int col = fieldIndex(name);
+    if (col < 0) return -1;
+    for (int r = 0; r < int(m_rows.size()); ++r)
+        if (m_rows[size_t(r)].value(col).toString() == value.toString()) return r;
+    return -1;
+}
+
+void Recordset::AddNew() {
+    m_newNames.clear();
+    m_newValues.clear();
+}
+
+void Recordset::setField(const QString& name, const QVariant& value) {
+    m_newNames << name;
+    m_newValues << value;
+}
+
+bool Recordset::Update() {
+    if (!m_dynaset || !m_db || m_table.isEmpty()) return false;
+    QStringList names, marks;
+    for (const QString& name : m_newNames) {
+        names << quoteName(name);
+        marks << QStringLiteral("?");
+    }
+    const QString sql = QStringLiteral("INSERT INTO ") + m_table + QStringLiteral(" (") + names.join(u',') +
+                        QStringLiteral(") VALUES (") + marks.join(u',') + u')';
+    const bool ok = m_db->Execute(sql, m_newValues);
+    m_newNames.clear();
+    m_newValues.clear();
+    return ok && m_db->RecordsAffected() > 0;
+}
+
+void Recordset::close() {
+    m_open = false;
+    m_rows.clear();
+    m_names.clear();
+    m_row = 0;
+    m_db = nullptr;
+    m_table.clear();
+}
+
+bool openRecordset(Database& db, Recordset& rs, const QString& sql, const QVariantList& values, bool dynaset) {
+    rs.close();
+    const bool plainTable = !sql.trimmed().contains(u' ');
+    const QString statement = plainTable ? QStringLiteral("SELECT * FROM ") + sql.trimmed() : sql;
+    QSqlQuery q(db.connection());
+    q.setForwardOnly(true);
+    if (!db.run(q, statement, values)) {
+        ReportQueryFailure(db.lastErrorNumber(), db.lastErrorDescription(), sql);
+        return false;
+    }
+    const QSqlRecord rec = q.record();
+    for (int i = 0; i < rec.count(); ++i) rs.m_names << rec.fieldName(i);
+    while (q.next()) {
+        QVariantList row;
+        row.reserve(rec.count());
+        for (int i = 0; i < rec.count(); ++i) row << q.value(i);
+        rs.m_rows.push_back(std::move(row));
+    }
+    rs.m_open = true;
+    rs.m_dynaset = dynaset;
+    rs.m_db = &db;
+    rs.m_table = dynaset ? tableOf(statement) : QString();
+    rs.m_row = 0;
+    return true;
+}
+
+bool OpenDb(Database& db, const QString& path, int exclusive) { return db.open(path, exclusive != 0); }
+
+bool OpenDynaset(Database& db, Recordset& rs, const QString& sql, const QVariantList& values) {
+    return openRecordset(db, rs, sql, values, true);
+}
+
+bool OpenSnapshot(Database& db, Recordset& rs, const QString& sql, const QVariantList& values) {
+    return openRecordset(db, rs, sql, values, false);
+}
+
+void CloseRs(Recordset& rs) { rs.close(); }
+
+} // namespace nb

@@ -1,0 +1,227 @@
+#include "storage/StoreLayout.h"
+
+#include "core/AppState.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace nb {
+namespace {
+
+ColumnDef text(const QString& name, int size) { return {name, dbText, size, false}; }
+ColumnDef memo(const QString& name) { return {name, dbMemo, 0, false}; }
+ColumnDef real(const QString& name) { return {name, dbDouble, 0, false}; }
+ColumnDef single(const QString& name) { return {name, dbSingle, 0, false}; }
+ColumnDef longInt(const QString& name) { return {name, dbLong, 0, false}; }
+ColumnDef shortInt(const QString& name) { return {name, dbInteger, 0, false}; }
+ColumnDef byteInt(const QString& name) { return {name, dbByte, 0, false}; }
+ColumnDef yesNo(const QString& name) { return {name, dbBoolean, 0, false}; }
+
+// An index only for the speed of the documents' queries.
+IndexDef speed(const QStringList& columns) { return {columns.first(), columns, false}; }
+
+TableDef userTable() {
+    return {QStringLiteral("User"),
+            {text(QStringLiteral("Company"), 50), text(QStringLiteral("Delegate"), 30),
+             {QStringLiteral("Serial"), dbText, 12, true}, text(QStringLiteral("Post"), 7),
+             text(QStringLiteral("Addr"), 100), text(QStringLiteral("Phone"), 20), text(QStringLiteral("Fax"), 20),
+             text(QStringLiteral("Status"), 50), text(QStringLiteral("Item"), 50)},
+            {{QStringLiteral("PK"), {QStringLiteral("Serial")}, true}}};
+}
+
+TableDef environmentTable() {
+    return {QStringLiteral("Environment"),
+            {shortInt(QStringLiteral("StockProc")), byteInt(QStringLiteral("Standard")),
+             shortInt(QStringLiteral("Special")), shortInt(QStringLiteral("StockManage")),
+             text(QStringLiteral("Password"), 20), text(QStringLiteral("sPost"), 7), text(QStringLiteral("ePost"), 7)},
+            {}};
+}
+
+TableDef traderTable() {
+    return {QStringLiteral("Trader"),
+            {text(QStringLiteral("Code"), 6),       text(QStringLiteral("C_Name"), 50),
+             text(QStringLiteral("U_Name"), 30),    text(QStringLiteral("Serial"), 14),
+             text(QStringLiteral("Phone"), 20),     text(QStringLiteral("Fax"), 20),
+             text(QStringLiteral("HPhone"), 14),    text(QStringLiteral("DDD"), 4),
+             text(QStringLiteral("Charge"), 30),    byteInt(QStringLiteral("VAT")),
+             text(QStringLiteral("Addr1"), 100),    text(QStringLiteral("Addr2"), 50),
+             text(QStringLiteral("Post"), 7),       text(QStringLiteral("Status"), 50),
+             text(QStringLiteral("Item"), 50),      text(QStringLiteral("OpenDate"), 10),
+             text(QStringLiteral("CloseDate"), 10), text(QStringLiteral("EnterDate"), 10),
+             byteInt(QStringLiteral("Section")),    real(QStringLiteral("TotNoPay")),
+             text(QStringLiteral("Bigo"), 255),     yesNo(QStringLiteral("bDeled"))},
+            {speed({QStringLiteral("Code")})}};
+}
+
+TableDef productTable() {
+    return {QStringLiteral("Product"),
+            {text(QStringLiteral("Code"), 6), text(QStringLiteral("PName"), 50), text(QStringLiteral("PNorm"), 50),
+             real(QStringLiteral("BuyPrice")), real(QStringLiteral("SalePrice")), text(QStringLiteral("Unit"), 10),
+             text(QStringLiteral("Bigo"), 255), real(QStringLiteral("PTax"))},
+            {speed({QStringLiteral("Code")})}};
+}
+
+TableDef postTable() {
+    return {QStringLiteral("Post"),
+            {text(QStringLiteral("ZIPCODE"), 6), text(QStringLiteral("SIDO"), 20), text(QStringLiteral("GUGUN"), 30),
+             text(QStringLiteral("DONG"), 50), text(QStringLiteral("BUNJI"), 50)},
+            {speed({QStringLiteral("DONG")})}};
+}
+
+TableDef masterTable() {
+    return {QStringLiteral("Master"),
+            {text(QStringLiteral("BillNo"), 6), text(QStringLiteral("BillDate"), 10), text(QStringLiteral("CCode"), 6),
+             real(QStringLiteral("TotAmount")), real(QStringLiteral("TotVat")), longInt(QStringLiteral("NumBill"))},
+            {speed({QStringLiteral("BillNo")}), speed({QStringLiteral("BillDate")}), speed({QStringLiteral("CCode")})}};
+}
+
+TableDef detailTable() {
+    return {QStringLiteral("Detail"),
+            {text(QStringLiteral("BillNo"), 6), longInt(QStringLiteral("BillSEQ")), text(QStringLiteral("PName"), 50),
+             text(QStringLiteral("Unit"), 10), real(QStringLiteral("Quant")), real(QStringLiteral("Price")),
+             real(QStringLiteral("DC")), real(QStringLiteral("Amount")), real(QStringLiteral("VAT"))},
+            {speed({QStringLiteral("BillNo"), QStringLiteral("BillSEQ")})}};
+}
+
+TableDef newAcountTable() {
+    return {QStringLiteral("NewAcount"),
+            {text(QStringLiteral("TaxCode"), 10), text(QStringLiteral("CCode"), 6), text(QStringLiteral("PName"), 50),
+             text(QStringLiteral("PNorm"), 50), real(QStringLiteral("Quantity")), real(QStringLiteral("UnitCost")),
+             real(QStringLiteral("TradeKum")), real(QStringLiteral("VatKum")), text(QStringLiteral("DealDate"), 10),
+             memo(QStringLiteral("IssueDate")), text(QStringLiteral("TradeDate"), 10),
+             text(QStringLiteral("UserCode"), 15)},
+            {speed({QStringLiteral("TaxCode")}), speed({QStringLiteral("CCode")}), speed({QStringLiteral("DealDate")})}};
+}
+
+QList<IndexDef> primaryAndPlain(const QStringList& columns) {
+    return {{QStringLiteral("PrimaryKey"), columns, true}, {QStringLiteral("PK"), columns, false}};
+}
+
+TableDef buyTaxTable() {
+    return {QStringLiteral("BuyTax"),
+            {text(QStringLiteral("Serial"), 8), text(QStringLiteral("CCode"), 6), text(QStringLiteral("PCode"), 9),
+             text(QStringLiteral("CName"), 40), text(QStringLiteral("DealDate"), 10),
+             text(QStringLiteral("IssueDate"), 10), longInt(QStringLiteral("TradeKum")),
+             longInt(QStringLiteral("VatKum")), longInt(QStringLiteral("Blank")), text(QStringLiteral("List"), 30),
+             text(QStringLiteral("Section"), 1), text(QStringLiteral("UserCode"), 15)},
+            primaryAndPlain({QStringLiteral("Serial"), QStringLiteral("CCode"), QStringLiteral("DealDate")})};
+}
+
+TableDef totalTable(const QString& name) {
+    return {name,
+            {text(QStringLiteral("Serial"), 8), text(QStringLiteral("CCode"), 6), longInt(QStringLiteral("TradeKum")),
+             longInt(QStringLiteral("VatKum")), longInt(QStringLiteral("Blank")), text(QStringLiteral("CName"), 30),
+             text(QStringLiteral("UserCode"), 15)},
+            primaryAndPlain({QStringLiteral("Serial"), QStringLiteral("CCode")})};
+}
+
+TableDef estiBaseTable() {
+    return {QStringLiteral("EstiBase"),
+            {text(QStringLiteral("EstiCode"), 20), text(QStringLiteral("CCode"), 6), text(QStringLiteral("CName"), 50),
+             text(QStringLiteral("EstiDate"), 10), text(QStringLiteral("DeriveDate"), 10),
+             text(QStringLiteral("ClassName"), 100), real(QStringLiteral("EstiKum")),
+             text(QStringLiteral("EstiHanKum"), 100), yesNo(QStringLiteral("Vat")), text(QStringLiteral("Refer"), 30),
+             text(QStringLiteral("Validate"), 50), text(QStringLiteral("Section"), 50)},
+            {speed({QStringLiteral("EstiCode")})}};
+}
+
+TableDef estimateTable() {
+    return {QStringLiteral("Estimate"),
+            {longInt(QStringLiteral("Seq")), text(QStringLiteral("Code"), 20), text(QStringLiteral("PCode"), 6),
+             text(QStringLiteral("PName"), 50), text(QStringLiteral("PNorm"), 50), single(QStringLiteral("EAmount")),
+             single(QStringLiteral("EUnitPrice")), longInt(QStringLiteral("EstiKum")), text(QStringLiteral("EUnit"), 10)},
+            {speed({QStringLiteral("Code")}), speed({QStringLiteral("Seq")})}};
+}
+
+// Columns of a primary index may not be empty (null), as the original's required fields.
+bool inPrimaryIndex(const TableDef& table, const QString& column) {
+    for (const IndexDef& index : table.indexes)
+        if (index.primary && index.columns.contains(column)) return true;
+    return false;
+}
+
+QString columnSql(const TableDef& table, const ColumnDef& column) {
+    QString sql = quoteName(column.name) + u' ' + declaredType(column.type, column.size);
+    if (column.type == dbBoolean) return sql + QStringLiteral(" NOT NULL DEFAULT 0");
+    if (column.required || inPrimaryIndex(table, column.name)) sql += QStringLiteral(" NOT NULL");
+    return sql;
+}
+
+QString indexSql(const TableDef& table, const IndexDef& index) {
+    QStringList columns;
+    for (const QString& c : index.columns) columns << quoteName(c);
+    return QStringLiteral("CREATE ") + (index.primary ? QStringLiteral("UNIQUE ") : QString()) +
+           QStringLiteral("INDEX IF NOT EXISTS ") + quoteName(storeIndexName(table.name, index.name)) +
+           QStringLiteral(" ON ") + quoteName(table.name) + QStringLiteral(" (") + columns.join(QStringLiteral(", ")) +
+           u')';
+}
+
+} // namespace
+
+QList<TableDef> basicTables() { return {userTable(), environmentTable(), traderTable(), productTable()}; }
+QList<TableDef> billTables() { return {masterTable(), detailTable()}; }
+QList<TableDef> taxTables() {
+    return {newAcountTable(), buyTaxTable(), totalTable(QStringLiteral("BuyTotal")),
+            totalTable(QStringLiteral("SaleTotal"))};
+}
+QList<TableDef> estimateTables() { return {estiBaseTable(), estimateTable()}; }
+QList<TableDef> postTables() { return {postTable()}; }
+
+TableDef tableDef(const QString& name) {
+    for (const auto& file : {basicTables(), billTables(), taxTables(), estimateTables(), postTables()})
+        for (const TableDef& table : file)
+            if (table.name == name) return table;
+    return {};
+}
+
+QStringList createStatements(const TableDef& table) {
+    QStringList columns;
+    for (const ColumnDef& column : table.columns) columns << columnSql(table, column);
+    QStringList out{QStringLiteral("CREATE TABLE IF NOT EXISTS ") + quoteName(table.name) + QStringLiteral(" (") +
+                    columns.join(QStringLiteral(", ")) + u')'};
+    for (const IndexDef& index : table.indexes) out << indexSql(table, index);
+    return out;
+}
+
+bool createTable(Database& db, const TableDef& table) {
+    db.beginTransaction();
+    for (const QString& sql : createStatements(table)) {
+        if (!db.Execute(sql)) {
+            db.rollback();
+            return false;
+        }
+    }
+    return db.commit();
+}
+
+bool createStoreFile(const QString& path, const QList<TableDef>& tables) {
+    if (QFileInfo::exists(path)) return false;
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    // Built beside its place and moved in when complete, so that a half-made file never
+    // passes for a store.
+    const QString building = path + QStringLiteral(".building");
+    QFile::remove(building);
+    bool ok = false;
+    {
+        Database db;
+        ok = db.create(building);
+        for (const TableDef& table : tables)
+            ok = ok && createTable(db, table);
+    }
+    ok = ok && QFile::rename(building, path);
+    if (!ok) QFile::remove(building);
+    return ok;
+}
+
+void CreateMissingStoreFiles() {
+    const AppState& a = app();
+    const std::pair<QString, QList<TableDef>> files[] = {
+        {a.DbBasicFile, basicTables()}, {a.DbBillFile, billTables()},         {a.DbTaxFile, taxTables()},
+        {a.DbInOutFile, {}},            {a.DbEstimateFile, estimateTables()}, {a.DbPostFile, postTables()},
+    };
+    for (const auto& [path, tables] : files)
+        if (!path.isEmpty() && !QFileInfo::exists(path)) createStoreFile(path, tables);
+}
+
+} // namespace nb

@@ -1,0 +1,66 @@
+#pragma once
+// The layout of every store file: tables, their columns in order with declared types and
+// widths, and their indexes. The same definitions create a missing file and the tables the
+// start-up upgrade adds to an older one, so both come out alike.
+//
+// Choices where the original files fixed things by themselves:
+// - text columns without a stated width get the widths below; the engine keeps longer text
+//   all the same, so a width documents the entry field rather than limiting it;
+// - every text column accepts the empty text;
+// - numbers the program treats as doubles are REAL, integers and longs INTEGER, yes/no
+//   columns BOOLEAN holding -1 / 0, never null (0 when not set);
+// - an index of the original is named table + "_" + its name (storeIndexName); a primary
+//   index is a unique index and its columns are NOT NULL; indexes added only for speed are
+//   named table + "_" + their first column.
+
+#include "storage/Database.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+namespace nb {
+
+struct ColumnDef {
+    QString name;
+    int type = dbText;  // DaoType
+    int size = 0;       // text width; 0 for the engine's default
+    bool required = false;
+};
+
+struct IndexDef {
+    QString name;  // the original's name on the table; the store's is storeIndexName(table, name)
+    QStringList columns;
+    bool primary = false;
+};
+
+struct TableDef {
+    QString name;
+    QList<ColumnDef> columns;
+    QList<IndexDef> indexes;
+};
+
+// The tables of each file, in the order they are created.
+QList<TableDef> basicTables();     // User, Environment, Trader, Product
+QList<TableDef> billTables();      // Master, Detail
+QList<TableDef> taxTables();       // NewAcount, BuyTax, BuyTotal, SaleTotal
+QList<TableDef> estimateTables();  // EstiBase, Estimate
+QList<TableDef> postTables();      // Post
+// One table by name (exact), from any file; an empty definition when unknown.
+TableDef tableDef(const QString& name);
+
+// "CREATE TABLE ..." then one "CREATE [UNIQUE] INDEX ..." per index; nothing is created that
+// exists already.
+QStringList createStatements(const TableDef& table);
+// Creates the table with its indexes in one transaction; a failure shows the query box and
+// leaves the file as it was.
+bool createTable(Database& db, const TableDef& table);
+
+// Creates, for each store path of the application state that is set and names no existing
+// file, that file with its complete layout; InOutCash.db is created without tables. The file
+// appears whole or not at all. An existing file is never touched.
+void CreateMissingStoreFiles();
+// Creates one store file with the given tables; false when it exists or cannot be written.
+bool createStoreFile(const QString& path, const QList<TableDef>& tables);
+
+} // namespace nb

@@ -1,0 +1,79 @@
+// The schema steps at every start: each asks whether its table, column or index exists and
+// acts only when it does not, so a current store passes with no statement run.
+#include "storage/StoreLayout.h"
+#include "storage/Stores.h"
+
+namespace nb {
+namespace {
+
+// A step on a file that could not be opened says so once, with the statement it would run.
+bool storeIsOpen(const Database& db, const QString& statement) {
+    if (db.isOpen()) return true;
+    ReportQueryFailure(ErrNotOpened, QString(), statement);
+    return false;
+}
+
+// Table steps look only at the name (exact comparison); an existing table is left as it is.
+void createTableWhenAbsent(Database& db, const QString& name) {
+    if (!db.hasTable(name)) createTable(db, tableDef(name));
+}
+
+// NewAcount.UserCode: every invoice on file predates the supplier column and belongs to the
+// one supplier of the older version, the first row of User. The column and the move are one
+// step; when the move cannot be read the column is not kept, so the next start tries again.
+// Answers false when the User step must be skipped.
+bool addInvoiceSupplierColumn(Database& tax, Database& basic) {
+    const QString table = QStringLiteral("NewAcount");
+    const QString column = QStringLiteral("UserCode");
+    if (!tax.hasTable(table) || tax.hasColumn(table, column)) return true;
+    tax.beginTransaction();
+    if (!tax.Execute(QStringLiteral("ALTER TABLE \"NewAcount\" ADD COLUMN \"UserCode\" ") +
+                     declaredType(dbText, 15))) {
+        tax.rollback();
+        return true;
+    }
+    Recordset users;
+    if (!OpenSnapshot(basic, users, QStringLiteral("select Serial from User"))) {
+        tax.rollback();
+        return false;
+    }
+    bool moved = true;
+    if (!users.EOF_())
+        moved = tax.Execute(QStringLiteral("Update NewAcount Set UserCode = ?"), {users.text(QStringLiteral("Serial"))});
+    CloseRs(users);
+    moved ? void(tax.commit()) : tax.rollback();
+    return true;
+}
+
+// Older files gain a guarantee that the business number is unique; with duplicates on file
+// the index cannot be made, which the query box reports.
+void addSupplierPrimaryIndex(Database& basic) {
+    const QString table = QStringLiteral("User");
+    if (!basic.hasTable(table) || basic.hasPrimaryIndex(table)) return;
+    basic.Execute(QStringLiteral("CREATE UNIQUE INDEX ") + quoteName(storeIndexName(table, QStringLiteral("PK"))) +
+                  QStringLiteral(" ON \"User\" (\"Serial\")"));
+}
+
+} // namespace
+
+void UpgradeTables() {
+    Stores& s = stores();
+    bool runUserStep = true;
+    if (storeIsOpen(s.dbTax, createStatements(tableDef(QStringLiteral("BuyTax"))).first())) {
+        createTableWhenAbsent(s.dbTax, QStringLiteral("BuyTax"));
+        createTableWhenAbsent(s.dbTax, QStringLiteral("BuyTotal"));
+        createTableWhenAbsent(s.dbTax, QStringLiteral("SaleTotal"));
+        runUserStep = addInvoiceSupplierColumn(s.dbTax, s.dbBasic);
+    }
+    if (runUserStep) addSupplierPrimaryIndex(s.dbBasic);
+}
+
+void UpgradeColumns() {
+    Database& basic = stores().dbBasic;
+    DAO_AddField(basic, QStringLiteral("Trader"), QStringLiteral("HPhone"), dbText, 14, true,
+                 QStringLiteral("UPDATE Trader SET HPhone = ''"));
+    DAO_AddField(basic, QStringLiteral("Product"), QStringLiteral("Unit"), dbText, 10, true,
+                 QStringLiteral("UPDATE Product SET Unit = PNorm, PNorm = ''"));
+}
+
+} // namespace nb
