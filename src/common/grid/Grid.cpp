@@ -1,0 +1,300 @@
+#include "common/grid/Grid.h"
+
+#include "common/Colors.h"
+#include "common/grid/GridDelegate.h"
+
+#include <QEvent>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <cmath>
+
+namespace nb {
+
+namespace {
+constexpr double kDefaultColWidth = 8.0;
+constexpr double kDefaultRowHeaderWidth = 4.0;
+constexpr int kCellPadding = 6;
+} // namespace
+
+Grid::Grid(QWidget* parent) : QTableView(parent), m_model(new GridModel(this)), m_editor(new QLineEdit) {
+    setModel(m_model);
+    setItemDelegate(new GridDelegate(this));
+    setSelectionMode(QAbstractItemView::NoSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setTabKeyNavigation(false);
+    setWordWrap(false);
+    setCornerButtonEnabled(false);
+    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    // The headers only report clicks; moving and selecting is the grid's own business.
+    for (QHeaderView* header : {horizontalHeader(), verticalHeader()}) {
+        disconnect(header, &QHeaderView::sectionPressed, this, nullptr);
+        disconnect(header, &QHeaderView::sectionEntered, this, nullptr);
+        header->setHighlightSections(false);
+        header->setSectionResizeMode(QHeaderView::Fixed);
+    }
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    connect(horizontalHeader(), &QHeaderView::sectionClicked, this, [this](int s) { Q_EMIT click(s + 1, 0); });
+    connect(verticalHeader(), &QHeaderView::sectionClicked, this, [this](int s) { Q_EMIT click(0, s + 1); });
+    connect(horizontalHeader(), &QHeaderView::sectionResized, this, &Grid::onSectionResized);
+    connect(m_model, &GridModel::cellTextChanged, this, &Grid::textChanged);
+    connect(m_model, &GridModel::columnsInserted, this, [this] { applyColumnLayout(); });
+
+    m_editor->setParent(viewport());
+    m_editor->setFrame(false);
+    m_editor->hide();
+    m_editor->installEventFilter(this);
+    m_colWidths.assign(1, kDefaultRowHeaderWidth);
+    setGrayAreaBackColor(m_grayAreaBackColor);
+    updateRowHeight();
+}
+
+Grid::~Grid() = default;
+
+// ---- size and position --------------------------------------------------------------------
+
+void Grid::setMaxRows(int rows) {
+    if (m_editing && rows < m_activeRow) {
+        m_editing = false;
+        m_editor->hide();
+    }
+    m_model->setMaxRows(rows);
+    clampActiveCell();
+}
+
+void Grid::setMaxCols(int cols) {
+    if (m_editing && cols < m_activeCol) {
+        m_editing = false;
+        m_editor->hide();
+    }
+    m_model->setMaxCols(cols);
+    m_colWidths.resize(size_t(cols) + 1, kDefaultColWidth);
+    applyColumnLayout();
+    clampActiveCell();
+}
+
+// No rows or columns leave no active cell; a new first row makes cell (1, 1) active.
+void Grid::clampActiveCell() {
+    if (MaxRows() == 0 || MaxCols() == 0) {
+        m_activeCol = m_activeRow = 0;
+    } else {
+        m_activeCol = std::clamp(m_activeCol == 0 ? 1 : m_activeCol, 1, MaxCols());
+        m_activeRow = std::clamp(m_activeRow == 0 ? 1 : m_activeRow, 1, MaxRows());
+    }
+    viewport()->update();
+}
+
+// ---- cells --------------------------------------------------------------------------------
+
+bool Grid::GetText(int col, int row, QString& text) const {
+    text.clear();
+    if (row == 0 && col >= 1 && col <= MaxCols()) {
+        text = m_model->colHeaderText(col);
+        return true;
+    }
+    if (col == 0 && row >= 1 && row <= MaxRows()) {
+        text = m_model->rowHeaderText(row);
+        return true;
+    }
+    if (!m_model->contains(col, row)) return false;
+    text = m_model->text(col, row);
+    return true;
+}
+
+QString Grid::Text(int col, int row) const {
+    QString text;
+    GetText(col, row, text);
+    return text;
+}
+
+bool Grid::SetText(int col, int row, const QString& text) {
+    if (row == 0 && col >= 1 && col <= MaxCols()) {
+        m_model->setColHeaderText(col, text);
+        return true;
+    }
+    if (col == 0 && row >= 1 && row <= MaxRows()) {
+        m_model->setRowHeaderText(row, text);
+        return true;
+    }
+    const bool ok = m_model->setText(col, row, text);
+    if (ok && m_editing && col == m_activeCol && row == m_activeRow) {
+        m_editor->setText(m_model->editText(col, row));
+        m_editStartText = m_editor->text();
+    }
+    return ok;
+}
+
+void Grid::SetFormula(int col, int row, const QString& formula) { m_model->setFormula(col, row, formula); }
+
+void Grid::SetLock(int col, int row, bool locked) {
+    m_model->setLock(col, row, locked);
+    if (m_editing && locked && m_model->isLocked(m_activeCol, m_activeRow)) finishEdit();
+}
+
+void Grid::SetCellType(int col, int row, const CellFormat& format) {
+    if (format.decimals < 0 || format.decimals > 9 || format.min > format.max) throw invalidPropertyValue();
+    m_model->setFormat(col, row, format);
+}
+
+int Grid::BackColor(int col, int row) const {
+    return m_model->backColor(col, row).value_or(m_model->rowBackColor(row));
+}
+
+void Grid::SetBackColor(int col, int row, int bgr) { m_model->setBackColor(col, row, bgr); }
+
+void Grid::SetOddEvenRowColor(int oddBack, int oddFore, int evenBack, int evenFore) {
+    for (int c : {oddBack, oddFore, evenBack, evenFore})
+        if (c < 0 || c > 0xFFFFFF) throw invalidPropertyValue();
+    m_model->setOddEvenRowColor(oddBack, oddFore, evenBack, evenFore);
+}
+
+// ---- blocks and rows ----------------------------------------------------------------------
+
+void Grid::ClearRange(int col, int row, int col2, int row2) {
+    m_model->clearBlock(col, row, col2, row2);
+    if (m_editing) {
+        m_editor->setText(m_model->editText(m_activeCol, m_activeRow));
+        m_editStartText = m_editor->text();
+    }
+}
+
+void Grid::MoveRange(int col, int row, int col2, int row2, int destCol, int destRow) {
+    m_model->moveBlock(col, row, col2, row2, destCol, destRow);
+}
+
+void Grid::DeleteRows(int row, int count) { m_model->deleteRows(row, count); }
+void Grid::InsertRows(int row, int count) { m_model->insertRows(row, count); }
+
+void Grid::Refresh() {
+    viewport()->update();
+    horizontalHeader()->viewport()->update();
+    verticalHeader()->viewport()->update();
+}
+
+// ---- columns ------------------------------------------------------------------------------
+
+int Grid::charsToPixels(double chars) const {
+    return int(std::lround(chars * fontMetrics().horizontalAdvance(u'0'))) + kCellPadding;
+}
+
+int Grid::rowHeightPixels() const { return fontMetrics().height() + kCellPadding; }
+
+double Grid::ColWidth(int col) const {
+    return (col >= 0 && col < int(m_colWidths.size())) ? m_colWidths[size_t(col)] : 0.0;
+}
+
+void Grid::setColWidth(int col, double chars) {
+    if (chars < 0) throw invalidPropertyValue();
+    if (col == kAllCells) {
+        for (int c = 1; c <= MaxCols(); ++c) setColWidth(c, chars);
+        return;
+    }
+    if (col < 0 || col >= int(m_colWidths.size())) return;
+    m_colWidths[size_t(col)] = chars;
+    applyColumnLayout();
+}
+
+void Grid::setColHidden(int col, bool hidden) {
+    m_model->setColHidden(col, hidden);
+    applyColumnLayout();
+}
+
+void Grid::applyColumnLayout() {
+    m_layingOut = true;
+    m_colWidths.resize(size_t(MaxCols()) + 1, kDefaultColWidth);
+    for (int c = 1; c <= MaxCols(); ++c) {
+        horizontalHeader()->resizeSection(c - 1, charsToPixels(m_colWidths[size_t(c)]));
+        setColumnHidden(c - 1, m_model->isColHidden(c));
+    }
+    verticalHeader()->setFixedWidth(charsToPixels(m_colWidths[0]));
+    verticalHeader()->setVisible(m_rowHeadersShow);
+    horizontalHeader()->setVisible(m_colHeadersShow);
+    m_layingOut = false;
+    placeEditor();
+}
+
+void Grid::onSectionResized(int section, int, int newSize) {
+    if (m_layingOut) return;
+    const int col = section + 1;
+    if (col >= int(m_colWidths.size()) || newSize == 0) return;
+    m_colWidths[size_t(col)] = double(newSize - kCellPadding) / fontMetrics().horizontalAdvance(u'0');
+    placeEditor();
+    Q_EMIT colWidthChange(col, col);
+}
+
+void Grid::setRowHeadersShow(bool show) {
+    m_rowHeadersShow = show;
+    applyColumnLayout();
+}
+
+void Grid::setColHeadersShow(bool show) {
+    m_colHeadersShow = show;
+    applyColumnLayout();
+}
+
+void Grid::updateRowHeight() {
+    verticalHeader()->setDefaultSectionSize(rowHeightPixels());
+    horizontalHeader()->setFixedHeight(rowHeightPixels());
+    applyColumnLayout();
+}
+
+void Grid::changeEvent(QEvent* event) {
+    QTableView::changeEvent(event);
+    if (event->type() == QEvent::FontChange) {
+        m_editor->setFont(font());
+        updateRowHeight();
+    }
+}
+
+// ---- behaviour and look -------------------------------------------------------------------
+
+void Grid::setOperationMode(OperationMode mode) {
+    m_operationMode = mode;
+    if (mode != OperationMode::Normal && m_editing) finishEdit();
+    if (mode == OperationMode::Normal && m_editModePermanent && gridHasFocus()) beginEdit();
+    viewport()->update();
+}
+
+void Grid::setEditModePermanent(bool on) {
+    m_editModePermanent = on;
+    if (!on && m_editing) finishEdit();
+    if (on && !m_editing && gridHasFocus()) beginEdit();
+}
+
+void Grid::setEditMode(bool on) {
+    if (on && !m_editing) beginEdit();
+    if (!on && m_editing) finishEdit();
+}
+
+void Grid::setSelBackColor(int bgr) {
+    if (bgr < 0 || bgr > 0xFFFFFF) throw invalidPropertyValue();
+    m_selBackColor = bgr;
+    viewport()->update();
+}
+
+void Grid::setGrayAreaBackColor(int bgr) {
+    if (bgr < 0 || bgr > 0xFFFFFF) throw invalidPropertyValue();
+    m_grayAreaBackColor = bgr;
+    QPalette pal = viewport()->palette();
+    pal.setColor(QPalette::Base, colorFromBgr(bgr));
+    pal.setColor(QPalette::Window, colorFromBgr(bgr));
+    viewport()->setPalette(pal);
+    viewport()->setAutoFillBackground(true);
+}
+
+void Grid::setSelectBlockOptions(int options) {
+    m_selectBlockOptions = options;
+    if (options == 0) m_block = QRect();
+    viewport()->update();
+}
+
+void Grid::setUserColAction(int action) {
+    m_userColAction = action;
+    horizontalHeader()->setSectionResizeMode(action == 1 ? QHeaderView::Interactive : QHeaderView::Fixed);
+}
+
+bool Grid::isHighlighted(int col, int row) const {
+    if (m_operationMode == OperationMode::Row && row == m_activeRow) return true;
+    return m_block.isValid() && m_block.contains(col, row);
+}
+
+} // namespace nb

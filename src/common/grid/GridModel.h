@@ -1,0 +1,120 @@
+#pragma once
+// The cells behind a Grid: texts, formulas, cell types, locks and colours, addressed the way
+// the screens address them (rows and columns from 1, -1 for all). The Qt model side turns
+// them into display text, alignment and colours for the view.
+
+#include "common/grid/GridTypes.h"
+
+#include <QAbstractTableModel>
+#include <QRect>
+#include <optional>
+#include <vector>
+
+namespace nb {
+
+class GridModel : public QAbstractTableModel {
+    Q_OBJECT
+public:
+    explicit GridModel(QObject* parent = nullptr);
+
+    int maxRows() const { return int(m_rows.size()); }
+    int maxCols() const { return int(m_cols.size()); }
+    // Fewer rows or columns drop what stood in them; more are blank, with the column types.
+    void setMaxRows(int rows);
+    void setMaxCols(int cols);
+    bool contains(int col, int row) const;
+    // The last row that holds any text or formula; 0 for none.
+    int dataRowCnt() const;
+
+    // The text as shown (a number cell with its places and separator); empty outside.
+    QString text(int col, int row) const;
+    // False when a number cell refuses the text (not a number, beyond its limits).
+    bool setText(int col, int row, const QString& text);
+    // The numeric value of a cell; 0 for empty or non-numeric text.
+    double value(int col, int row) const;
+    // The text as the operator edits it: numbers without separators.
+    QString editText(int col, int row) const;
+
+    QString formula(int col, int row) const;
+    void setFormula(int col, int row, const QString& formula);
+
+    bool isLocked(int col, int row) const;
+    void setLock(int col, int row, bool locked);
+
+    CellFormat format(int col, int row) const;
+    CellFormat columnFormat(int col) const;
+    void setFormat(int col, int row, const CellFormat& format);
+
+    std::optional<int> backColor(int col, int row) const;
+    void setBackColor(int col, int row, int bgr);
+    void setOddEvenRowColor(int oddBack, int oddFore, int evenBack, int evenFore);
+    int rowBackColor(int row) const;
+    int rowForeColor(int row) const;
+
+    bool isColHidden(int col) const;
+    void setColHidden(int col, bool hidden);
+    QString colId(int col) const;
+    void setColId(int col, const QString& id);
+    int colById(const QString& id) const;
+    QString colHeaderText(int col) const;
+    void setColHeaderText(int col, const QString& text);
+    QString rowHeaderText(int row) const;
+    void setRowHeaderText(int row, const QString& text);
+
+    // Block actions; a block is columns col..col2 and rows row..row2, -1 meaning all.
+    void clearBlock(int col, int row, int col2, int row2);
+    void moveBlock(int col, int row, int col2, int row2, int destCol, int destRow);
+    // Removes rows and adds as many blank ones at the bottom: the row count stays.
+    void deleteRows(int row, int count);
+    void insertRows(int row, int count);
+    // The block with -1 and reversed bounds resolved, clipped to the grid; empty when outside.
+    QRect resolveBlock(int col, int row, int col2, int row2) const;
+
+    // Qt model side.
+    int rowCount(const QModelIndex& parent = {}) const override;
+    int columnCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+Q_SIGNALS:
+    // The shown text of a cell changed, by the program, an edit or a formula.
+    void cellTextChanged(int col, int row);
+
+private:
+    struct Cell {
+        QString text; // numbers in their plain form
+        QString formula;
+        std::optional<int> back;
+        std::optional<CellFormat> format;
+        bool locked = false;
+    };
+    struct Row {
+        std::vector<Cell> cells;
+        std::optional<QString> header;
+    };
+    struct Column {
+        CellFormat format;
+        bool locked = false;
+        bool hidden = false;
+        QString id;
+        std::optional<QString> header;
+    };
+
+    Cell* cell(int col, int row);
+    const Cell* cell(int col, int row) const;
+    Row blankRow() const;
+    Cell blankCell(int col) const;
+    QString storedText(const Cell& c, const CellFormat& f, const QString& text, bool* ok) const;
+    void changed(int col, int row);
+    void changedBlock(const QRect& block);
+    void recalcFormulas();
+    std::optional<double> evaluate(const QString& formula) const;
+
+    std::vector<Row> m_rows;
+    std::vector<Column> m_cols;
+    bool m_lockAll = false;
+    int m_oddBack = kWhiteColor, m_oddFore = 0, m_evenBack = kWhiteColor, m_evenFore = 0;
+    bool m_recalculating = false;
+};
+
+} // namespace nb
