@@ -5,9 +5,13 @@
 
 namespace nb {
 
-DateBox::DateBox(QWidget* parent, const QString& mask) : QLineEdit(parent) { setInputMask(mask); }
+DateBox::DateBox(QWidget* parent, const QString& mask) : QLineEdit(parent) {
+    setInputMask(mask);
+}
 
-QString DateBox::dateText() const { return NormalizeDate(text()); }
+QString DateBox::dateText() const {
+    return NormalizeDate(text());
+}
 
 void DateBox::setDateText(const QString& text) {
     const QDate date = ToDate(text);

@@ -24,7 +24,8 @@ public:
 };
 
 // The messages of a date box that is left without a date.
-inline const QString kBadDateMessage = QStringLiteral("잘못된 날짜 형식입니다.\n정확한 날짜 형식을 입력하세요.");
+inline const QString kBadDateMessage =
+    QStringLiteral("잘못된 날짜 형식입니다.\n정확한 날짜 형식을 입력하세요.");
 inline const QString kBadStatementDateMessage = QStringLiteral("올바른 날짜형식이 아닙니다");
 inline const QString kBadDatePartsMessage = QStringLiteral("날짜가 올바르지 않습니다.");
 

@@ -87,7 +87,8 @@ void SpinDate(const DateRangeCells& form, int index, int days) {
 
 void FillYearList(QComboBox* list, const QString& year) {
     const int middle = year.trimmed().toInt();
-    for (int y = middle - 5; y <= middle + 6; ++y) list->addItem(QString::number(y));
+    for (int y = middle - 5; y <= middle + 6; ++y)
+        list->addItem(QString::number(y));
 }
 
 } // namespace nb

@@ -36,18 +36,28 @@ QDate ToDate(const QString& text) {
     return QDate();
 }
 
-bool IsDate(const QString& text) { return ToDate(text).isValid(); }
+bool IsDate(const QString& text) {
+    return ToDate(text).isValid();
+}
 
 QString NormalizeDate(const QString& text) {
     const QDate date = ToDate(text);
     return date.isValid() ? DateText(date) : QString();
 }
 
-QString DateText(const QDate& date) { return date.toString(kDateFormat); }
-QString HanDateText(const QDate& date) { return date.toString(kHanDateFormat); }
-QString TodayText() { return DateText(QDate::currentDate()); }
+QString DateText(const QDate& date) {
+    return date.toString(kDateFormat);
+}
+QString HanDateText(const QDate& date) {
+    return date.toString(kHanDateFormat);
+}
+QString TodayText() {
+    return DateText(QDate::currentDate());
+}
 
-QString FirstOfMonthText(const QDate& date) { return date.toString(QStringLiteral("yyyy-MM-01")); }
+QString FirstOfMonthText(const QDate& date) {
+    return date.toString(QStringLiteral("yyyy-MM-01"));
+}
 
 QString AddDaysText(const QString& text, int days) {
     const QDate date = ToDate(text);
@@ -67,14 +77,19 @@ int GetWeekday(int year, int month, int day) {
 }
 
 QString HanWeekdayWord(int weekday) {
-    static const std::array<QString, 7> words = {
-        QStringLiteral("일요일"), QStringLiteral("월요일"), QStringLiteral("화요일"), QStringLiteral("수요일"),
-        QStringLiteral("목요일"), QStringLiteral("금요일"), QStringLiteral("토요일")};
+    static const std::array<QString, 7> words = {QStringLiteral("일요일"), QStringLiteral("월요일"),
+                                                 QStringLiteral("화요일"), QStringLiteral("수요일"),
+                                                 QStringLiteral("목요일"), QStringLiteral("금요일"),
+                                                 QStringLiteral("토요일")};
     return weekday >= 1 && weekday <= 7 ? words[weekday - 1] : QString();
 }
 
-QString GetHanWeekday(int year, int month, int day) { return HanWeekdayWord(GetWeekday(year, month, day)); }
+QString GetHanWeekday(int year, int month, int day) {
+    return HanWeekdayWord(GetWeekday(year, month, day));
+}
 
-QString GetHanWeekday(const QDate& date) { return GetHanWeekday(date.year(), date.month(), date.day()); }
+QString GetHanWeekday(const QDate& date) {
+    return GetHanWeekday(date.year(), date.month(), date.day());
+}
 
 } // namespace nb

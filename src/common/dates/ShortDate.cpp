@@ -49,7 +49,9 @@ QString& OldShortDate() {
     return old;
 }
 
-QString GetShortDate() { return shortDateStore().read(); }
+QString GetShortDate() {
+    return shortDateStore().read();
+}
 
 bool SetShortDate(const QString& format) {
     OldShortDate() = GetShortDate();

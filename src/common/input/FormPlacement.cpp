@@ -12,7 +12,9 @@ QPoint placedFormPosition(const QRect& anchor, const QSize& form, int hAlign, in
     return {left, top};
 }
 
-QRect screenRectOf(const QWidget* anchor) { return {anchor->mapToGlobal(QPoint(0, 0)), anchor->size()}; }
+QRect screenRectOf(const QWidget* anchor) {
+    return {anchor->mapToGlobal(QPoint(0, 0)), anchor->size()};
+}
 
 void PlaceFormAt(QWidget* form, const QWidget* anchor, int hAlign, int vAlign) {
     if (!form || !anchor) return;
@@ -22,6 +24,8 @@ void PlaceFormAt(QWidget* form, const QWidget* anchor, int hAlign, int vAlign) {
     form->move(placedFormPosition(screenRectOf(anchor), form->frameGeometry().size(), hAlign, vAlign));
 }
 
-void MoveFormUnder(QWidget* form, const QWidget* anchor) { PlaceFormAt(form, anchor, AlignLeftEdges, PlaceBelow); }
+void MoveFormUnder(QWidget* form, const QWidget* anchor) {
+    PlaceFormAt(form, anchor, AlignLeftEdges, PlaceBelow);
+}
 
 } // namespace nb

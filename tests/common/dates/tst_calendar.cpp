@@ -1,7 +1,6 @@
 // The pop-up month calendar: opened under its date box, a click or Enter chooses, Escape
 // leaves the date that went in.
 #include "TestSupport.h"
-
 #include "common/dates/DateBox.h"
 #include "common/dates/FrmCalendar.h"
 
@@ -51,7 +50,9 @@ void whenCalendarOpens(std::function<void(FrmCalendar*)> action) {
     timer->start();
 }
 
-QTableView* dayTable(FrmCalendar* calendar) { return calendar->MonthView1()->findChild<QTableView*>(); }
+QTableView* dayTable(FrmCalendar* calendar) {
+    return calendar->MonthView1()->findChild<QTableView*>();
+}
 
 // The key goes where the operator's keyboard goes: the focus widget of the calendar.
 void pressInCalendar(FrmCalendar* calendar, Qt::Key key) {
@@ -128,7 +129,8 @@ private Q_SLOTS:
         test::TestHome home;
         DateForm form;
         whenCalendarOpens([](FrmCalendar* calendar) { pressInCalendar(calendar, Qt::Key_Enter); });
-        QCOMPARE(ShowCalendar(QString(), form.txtDate), QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd")));
+        QCOMPARE(ShowCalendar(QString(), form.txtDate),
+                 QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd")));
     }
     void closingOtherwiseGivesWhatTheCalendarHolds() {
         test::TestHome home;

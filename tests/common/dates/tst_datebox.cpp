@@ -1,6 +1,5 @@
 // The masked date box and the check made when a date box is left.
 #include "TestSupport.h"
-
 #include "common/dates/DateBox.h"
 
 using namespace nb;

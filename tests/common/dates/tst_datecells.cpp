@@ -1,6 +1,5 @@
 // Date cells of the statement list, their link and spin, and the year list.
 #include "TestSupport.h"
-
 #include "common/dates/DateCells.h"
 
 #include <QCheckBox>
@@ -134,7 +133,8 @@ private Q_SLOTS:
         QComboBox list;
         FillYearList(&list, QStringLiteral("2004"));
         QStringList years;
-        for (int i = 0; i < list.count(); ++i) years << list.itemText(i);
+        for (int i = 0; i < list.count(); ++i)
+            years << list.itemText(i);
         QCOMPARE(years, QStringList({"1999", "2000", "2001", "2002", "2003", "2004", "2005", "2006", "2007",
                                      "2008", "2009", "2010"}));
     }

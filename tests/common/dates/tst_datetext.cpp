@@ -1,6 +1,5 @@
 // Date text: the forms a date box accepts, the one form every date is written in, weekday words.
 #include "TestSupport.h"
-
 #include "common/dates/DateText.h"
 
 using namespace nb;
@@ -16,15 +15,24 @@ private Q_SLOTS:
     void acceptsTheFormsAnOperatorTypes_data() {
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("stored");
-        QTest::newRow("one-digit month and day") << "2024-3-5" << "2024-03-05";
-        QTest::newRow("slashes") << "2024/03/05" << "2024-03-05";
-        QTest::newRow("slashes, short parts") << "2024/3/5" << "2024-03-05";
-        QTest::newRow("dots") << "2024.03.05" << "2024-03-05";
-        QTest::newRow("dots with a closing dot") << "2024. 3. 5." << "2024-03-05";
-        QTest::newRow("Korean, no blanks") << "2024년03월05일" << "2024-03-05";
-        QTest::newRow("Korean, with blanks") << "2024년 3월 5일" << "2024-03-05";
-        QTest::newRow("Korean, blanks everywhere") << " 2024 년 03 월 05 일 " << "2024-03-05";
-        QTest::newRow("blanks around the text") << "  2024-03-05 " << "2024-03-05";
+        QTest::newRow("one-digit month and day") << "2024-3-5"
+                                                 << "2024-03-05";
+        QTest::newRow("slashes") << "2024/03/05"
+                                 << "2024-03-05";
+        QTest::newRow("slashes, short parts") << "2024/3/5"
+                                              << "2024-03-05";
+        QTest::newRow("dots") << "2024.03.05"
+                              << "2024-03-05";
+        QTest::newRow("dots with a closing dot") << "2024. 3. 5."
+                                                 << "2024-03-05";
+        QTest::newRow("Korean, no blanks") << "2024년03월05일"
+                                           << "2024-03-05";
+        QTest::newRow("Korean, with blanks") << "2024년 3월 5일"
+                                             << "2024-03-05";
+        QTest::newRow("Korean, blanks everywhere") << " 2024 년 03 월 05 일 "
+                                                   << "2024-03-05";
+        QTest::newRow("blanks around the text") << "  2024-03-05 "
+                                                << "2024-03-05";
     }
     void acceptsTheFormsAnOperatorTypes() {
         test::TestHome home;
@@ -81,14 +89,15 @@ private Q_SLOTS:
     }
     void weekdayCountsFromSunday() {
         test::TestHome home;
-        QCOMPARE(GetWeekday(2004, 1, 4), 1);  // a Sunday
+        QCOMPARE(GetWeekday(2004, 1, 4), 1); // a Sunday
         QCOMPARE(GetWeekday(2004, 1, 1), 5);
         QCOMPARE(GetWeekday(2004, 1, 10), 7); // a Saturday
     }
     void weekdayWordsRunSundayToSaturday() {
         test::TestHome home;
         const QStringList words = {"일요일", "월요일", "화요일", "수요일", "목요일", "금요일", "토요일"};
-        for (int n = 1; n <= 7; ++n) QCOMPARE(HanWeekdayWord(n), words[n - 1]);
+        for (int n = 1; n <= 7; ++n)
+            QCOMPARE(HanWeekdayWord(n), words[n - 1]);
     }
     void weekdayNumberOutsideOneToSevenGivesEmptyText() {
         test::TestHome home;

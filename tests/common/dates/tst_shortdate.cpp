@@ -1,6 +1,5 @@
 // The short date format forced at start-up.
 #include "TestSupport.h"
-
 #include "common/dates/ShortDate.h"
 
 using namespace nb;

@@ -1,6 +1,5 @@
 // Opening a pop-up form at the control that called it.
 #include "TestSupport.h"
-
 #include "common/input/FormPlacement.h"
 
 #include <QApplication>

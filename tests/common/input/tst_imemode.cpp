@@ -1,6 +1,5 @@
 // Korean or Latin input per box, and the per-form choice flipped by the Hangul key.
 #include "TestSupport.h"
-
 #include "common/input/ImeMode.h"
 #include "common/input/KeyFlow.h"
 
@@ -22,7 +21,8 @@ struct Form {
 
     Form() {
         auto* layout = new QVBoxLayout(&window);
-        for (QWidget* w : std::initializer_list<QWidget*>{customer, title, phone}) layout->addWidget(w);
+        for (QWidget* w : std::initializer_list<QWidget*>{customer, title, phone})
+            layout->addWidget(w);
         mode->watch(customer);
         mode->watch(title);
         installEnterAsTab(&window);

@@ -1,6 +1,5 @@
 // Keyboard flow: Enter and the down arrow move on, the up arrow moves back, other keys stay.
 #include "TestSupport.h"
-
 #include "common/input/KeyFlow.h"
 
 #include <QApplication>
@@ -24,7 +23,8 @@ struct Form {
 
     Form() {
         auto* layout = new QVBoxLayout(&window);
-        for (QWidget* w : std::initializer_list<QWidget*>{name, phone, kind, memo}) layout->addWidget(w);
+        for (QWidget* w : std::initializer_list<QWidget*>{name, phone, kind, memo})
+            layout->addWidget(w);
         kind->addItems({QStringLiteral("매출"), QStringLiteral("매입")});
         filter = installEnterAsTab(&window);
         window.show();

@@ -1,6 +1,5 @@
 // Selecting the text of a box on entry.
 #include "TestSupport.h"
-
 #include "common/input/KeyFlow.h"
 #include "common/input/SelectText.h"
 
