@@ -1,6 +1,6 @@
 #pragma once
 // Numbers that identify a party, put into shape (never verified): telephone numbers,
-// business numbers, post codes; and a product shown with its specification.
+// business numbers, post codes; and a product shown with its norm (규격).
 
 #include <QString>
 #include <QVariant>
@@ -20,7 +20,7 @@ inline const QString kPostCodeMask = QStringLiteral("###-###");
 QString FormatPhone(const QString& number, QString& localPart);
 QString FormatPhone(const QString& number);
 
-// The name, with the specification in brackets unless it is null or empty: "볼트(M8)".
+// The name, with its norm (규격) in brackets unless it is null or empty: "볼트(M8)".
 QString NameWithNorm(const QString& name, const QVariant& norm);
 
 // The business number box when it is left: formatted with kBusinessNoMask unless the text

@@ -1,5 +1,5 @@
 // Telephone numbers, business numbers and post codes put into shape; names with their
-// specification.
+// norm (규격).
 #include "TestSupport.h"
 #include "common/text/Identity.h"
 
@@ -77,7 +77,7 @@ private Q_SLOTS:
     void nameWithNormEmptyGivesTheNameAlone() {
         QCOMPARE(NameWithNorm(QStringLiteral("볼트"), QString()), QStringLiteral("볼트"));
     }
-    void nameWithNormBracketsTheSpecification() {
+    void nameWithNormBracketsTheNorm() {
         QCOMPARE(NameWithNorm(QStringLiteral("볼트"), QStringLiteral("M8x20")),
                  QStringLiteral("볼트(M8x20)"));
         QCOMPARE(NameWithNorm(QStringLiteral("A4 용지"), 80), QStringLiteral("A4 용지(80)"));
