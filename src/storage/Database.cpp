@@ -89,38 +89,37 @@ bool Database::isOpen() const {
 
 QSqlDatabase Database::connection() const { return QSqlDatabase::database(m_connection, false); }
 
-bool Database::open(const QString& path, bool exclusive) {
-    close();
-    if (!QFileInfo(path).isFile()) return false;
+// Opens the connection on path; the journal mode is the first real read, so a file that is
+// no store fails here.
+bool Database::connect(const QString& path, bool creating) {
     m_connection = newConnectionName();
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
-    db.setDatabaseName(path);
-    // Reading the journal mode is the first real read: it fails on a file that is no store.
-    if (!db.open() || !runInternal(db, QStringLiteral("PRAGMA journal_mode=WAL"))) {
+    bool ok = false;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
+        db.setDatabaseName(path);
+        ok = db.open() && (!creating || runInternal(db, QStringLiteral("PRAGMA synchronous=OFF"))) &&
+             runInternal(db, QStringLiteral("PRAGMA journal_mode=WAL")) &&
+             runInternal(db, QStringLiteral("PRAGMA foreign_keys=OFF"));
+    }
+    if (!ok) {
         close();
         return false;
     }
-    runInternal(db, QStringLiteral("PRAGMA foreign_keys=OFF"));
-    if (exclusive) runInternal(db, QStringLiteral("PRAGMA locking_mode=EXCLUSIVE"));
     m_path = path;
     m_statementsRun = 0;
     return true;
 }
 
+bool Database::open(const QString& path, bool exclusive) {
+    close();
+    if (!QFileInfo(path).isFile() || !connect(path, false)) return false;
+    if (exclusive) runInternal(connection(), QStringLiteral("PRAGMA locking_mode=EXCLUSIVE"));
+    return true;
+}
+
 bool Database::create(const QString& path) {
     close();
-    if (QFileInfo::exists(path)) return false;
-    m_connection = newConnectionName();
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
-    db.setDatabaseName(path);
-    if (!db.open() || !runInternal(db, QStringLiteral("PRAGMA journal_mode=WAL"))) {
-        close();
-        return false;
-    }
-    runInternal(db, QStringLiteral("PRAGMA foreign_keys=OFF"));
-    m_path = path;
-    m_statementsRun = 0;
-    return true;
+    return !QFileInfo::exists(path) && connect(path, true);
 }
 
 void Database::close() {

@@ -63,7 +63,8 @@ public:
     // Opens an existing file shared, read and write (exclusive: no other connection may use
     // it); false (and no box) when it is missing or no store file.
     bool open(const QString& path, bool exclusive = false);
-    // Creates a new, empty store file (WAL journal) and opens it; false when it exists.
+    // Creates a new, empty store file (WAL journal) and opens it; false when it exists. Its
+    // writes are not flushed one by one: whoever creates a file flushes it when complete.
     bool create(const QString& path);
     void close();
     // How long a statement waits for another connection's lock before it fails.
@@ -107,6 +108,7 @@ public:
 
 private:
     friend bool openRecordset(Database&, Recordset&, const QString&, const QVariantList&, bool);
+    bool connect(const QString& path, bool creating);
     // Prepares and runs one counted statement; a failure is noted in lastError...().
     bool run(QSqlQuery& query, const QString& sql, const QVariantList& values);
     void noteFailure(int number, const QString& description);

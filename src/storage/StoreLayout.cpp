@@ -6,6 +6,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <unistd.h>
+
 namespace nb {
 namespace {
 
@@ -157,6 +159,13 @@ QString indexSql(const TableDef& table, const IndexDef& index) {
            u')';
 }
 
+// The file was built without a flush per statement; it reaches the disk once, before it is
+// moved into place.
+bool flushToDisk(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadWrite) && ::fsync(file.handle()) == 0;
+}
+
 } // namespace
 
 QList<TableDef> basicTables() { return {userTable(), environmentTable(), traderTable(), productTable()}; }
@@ -205,11 +214,12 @@ bool createStoreFile(const QString& path, const QList<TableDef>& tables) {
     bool ok = false;
     {
         Database db;
-        ok = db.create(building);
+        ok = db.create(building) && db.beginTransaction();
         for (const TableDef& table : tables)
             ok = ok && createTable(db, table);
+        ok = ok && db.commit();
     }
-    ok = ok && QFile::rename(building, path);
+    ok = ok && flushToDisk(building) && QFile::rename(building, path);
     if (!ok) QFile::remove(building);
     return ok;
 }

@@ -7,6 +7,8 @@
 #include "core/AppState.h"
 #include "storage/Database.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QStringList>
 #include <QVariant>
 
@@ -27,6 +29,7 @@ inline void useStoreFolder(const TestHome& home) {
 // Runs statements on a file, creating it when missing; false at the first failure.
 inline bool runRaw(const QString& path, const QStringList& statements) {
     Database db;
+    QDir().mkpath(QFileInfo(path).absolutePath());
     if (!db.open(path) && !db.create(path)) return false;
     for (const QString& sql : statements)
         if (!db.tryExecute(sql)) {
