@@ -1,0 +1,148 @@
+#include "master/SearchIndex.h"
+
+#include "core/Lifecycle.h"
+
+#include <QSet>
+#include <QSqlError>
+#include <QSqlQuery>
+
+namespace nb {
+namespace {
+
+// Files whose indexes were checked in this run, by path and index name.
+QSet<QString>& readyIndexes() {
+    static QSet<QString> ready;
+    static const bool hooked = [] {
+        registerResetHook([] { readyIndexes().clear(); });
+        return true;
+    }();
+    Q_UNUSED(hooked);
+    return ready;
+}
+
+QString readyKey(const Database& db, const SearchIndexDef& def) { return db.path() + u'|' + def.index; }
+
+bool run(Database& db, const QString& sql) {
+    QSqlQuery q(db.connection());
+    return q.exec(sql);
+}
+
+QString prefixed(const QString& prefix, const QStringList& columns) {
+    QStringList out;
+    for (const QString& c : columns) out << prefix + c;
+    return out.join(QStringLiteral(", "));
+}
+
+QString triggerName(const SearchIndexDef& def, const char* suffix) {
+    return def.index + QLatin1String(suffix);
+}
+
+QStringList triggerStatements(const SearchIndexDef& def) {
+    const QString cols = def.columns.join(QStringLiteral(", "));
+    const QString insert = QStringLiteral("INSERT INTO %1(rowid, %2) VALUES (new.rowid, %3); ")
+                               .arg(def.index, cols, prefixed(QStringLiteral("new."), def.columns));
+    const QString remove = QStringLiteral("DELETE FROM %1 WHERE rowid = old.rowid; ").arg(def.index);
+    return {QStringLiteral("CREATE TRIGGER IF NOT EXISTS %1 AFTER INSERT ON %2 BEGIN %3END")
+                .arg(triggerName(def, "_ai"), def.table, insert),
+            QStringLiteral("CREATE TRIGGER IF NOT EXISTS %1 AFTER DELETE ON %2 BEGIN %3END")
+                .arg(triggerName(def, "_ad"), def.table, remove),
+            QStringLiteral("CREATE TRIGGER IF NOT EXISTS %1 AFTER UPDATE OF %2 ON %3 BEGIN %4%5END")
+                .arg(triggerName(def, "_au"), cols, def.table, remove, insert)};
+}
+
+bool createIndex(Database& db, const SearchIndexDef& def) {
+    const QString cols = def.columns.join(QStringLiteral(", "));
+    QStringList statements{
+        QStringLiteral("CREATE VIRTUAL TABLE %1 USING fts5(%2, tokenize = 'trigram')").arg(def.index, cols),
+        QStringLiteral("INSERT INTO %1(rowid, %2) SELECT rowid, %2 FROM %3").arg(def.index, cols, def.table)};
+    statements << triggerStatements(def);
+    if (!db.beginTransaction()) return false;
+    for (const QString& sql : statements) {
+        if (!run(db, sql)) {
+            db.rollback();
+            return false;
+        }
+    }
+    return db.commit();
+}
+
+// True when every row of the table stands in the index with the same texts, and no more.
+bool indexMatchesTable(Database& db, const SearchIndexDef& def) {
+    QStringList differs;
+    for (const QString& c : def.columns) differs << QStringLiteral("s.%1 IS NOT t.%1").arg(c);
+    const QString sql =
+        QStringLiteral("SELECT (SELECT count(*) FROM %1) = (SELECT count(*) FROM %2) AND NOT EXISTS "
+                       "(SELECT 1 FROM %1 t LEFT JOIN %2 s ON s.rowid = t.rowid WHERE s.rowid IS NULL OR %3)")
+            .arg(def.table, def.index, differs.join(QStringLiteral(" OR ")));
+    QSqlQuery q(db.connection());
+    return q.exec(sql) && q.next() && q.value(0).toInt() == 1;
+}
+
+bool hasAllTriggers(Database& db, const SearchIndexDef& def) {
+    QSqlQuery q(db.connection());
+    q.prepare(QStringLiteral("SELECT count(*) FROM sqlite_master WHERE type = 'trigger' AND name IN (?, ?, ?)"));
+    q.addBindValue(triggerName(def, "_ai"));
+    q.addBindValue(triggerName(def, "_ad"));
+    q.addBindValue(triggerName(def, "_au"));
+    return q.exec() && q.next() && q.value(0).toInt() == 3;
+}
+
+QString matchPhrase(const QString& text, const QStringList& columns) {
+    QString phrase = text;
+    phrase.replace(u'"', QStringLiteral("\"\""));
+    return u'{' + columns.join(u' ') + QStringLiteral("} : \"") + phrase + u'"';
+}
+
+} // namespace
+
+const SearchIndexDef& TraderSearchIndex() {
+    static const SearchIndexDef def{QStringLiteral("Trader"), QStringLiteral("Trader_search"),
+                                    {QStringLiteral("C_Name"), QStringLiteral("Phone"), QStringLiteral("Addr2")}};
+    return def;
+}
+
+const SearchIndexDef& PostSearchIndex() {
+    static const SearchIndexDef def{QStringLiteral("Post"), QStringLiteral("Post_search"),
+                                    {QStringLiteral("ZIPCODE"), QStringLiteral("DONG")}};
+    return def;
+}
+
+bool UsesTrigramIndex(const QString& text) { return text.toUcs4().size() >= kTrigramMinChars; }
+
+bool HasSearchIndex(Database& db, const SearchIndexDef& def) { return db.hasTable(def.index); }
+
+void DropSearchIndex(Database& db, const SearchIndexDef& def) {
+    for (const char* suffix : {"_ai", "_ad", "_au"})
+        run(db, QStringLiteral("DROP TRIGGER IF EXISTS ") + triggerName(def, suffix));
+    run(db, QStringLiteral("DROP TABLE IF EXISTS ") + def.index);
+    readyIndexes().remove(readyKey(db, def));
+}
+
+bool EnsureSearchIndex(Database& db, const SearchIndexDef& def) {
+    if (!db.isOpen() || !db.hasTable(def.table)) return false;
+    if (HasSearchIndex(db, def) && hasAllTriggers(db, def) && indexMatchesTable(db, def)) {
+        readyIndexes().insert(readyKey(db, def));
+        return true;
+    }
+    // Missing, or out of step (a file written without the triggers, rows renumbered by a
+    // compaction): built again from the table.
+    DropSearchIndex(db, def);
+    if (!createIndex(db, def)) return false;
+    readyIndexes().insert(readyKey(db, def));
+    return true;
+}
+
+void EnsureSearchIndexes(Database& db) {
+    for (const SearchIndexDef* def : {&TraderSearchIndex(), &PostSearchIndex()})
+        if (db.isOpen() && db.hasTable(def->table)) EnsureSearchIndex(db, *def);
+}
+
+SqlPart SearchCandidates(Database& db, const SearchIndexDef& def, const QString& text,
+                         const QStringList& columns) {
+    if (!UsesTrigramIndex(text) || !db.isOpen()) return {};
+    if (!readyIndexes().contains(readyKey(db, def)) && !EnsureSearchIndex(db, def)) return {};
+    return {QStringLiteral("%1.rowid IN (SELECT rowid FROM %2 WHERE %2 MATCH ?) AND ").arg(def.table, def.index),
+            {matchPhrase(text, columns)}};
+}
+
+} // namespace nb

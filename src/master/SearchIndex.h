@@ -1,0 +1,50 @@
+#pragma once
+// Trigram indexes beside the tables that the lists search with a leading wildcard (traders
+// by name, telephone or last address word; the postcode book by postcode or town). Each index
+// is an FTS5 table kept in step with its table by triggers; it only narrows the rows that the
+// exact LIKE conditions then test, so results and order are those of the plain queries.
+// A text shorter than three characters cannot use a trigram index: the plain query runs.
+
+#include "storage/Database.h"
+
+#include <QString>
+#include <QStringList>
+#include <QVariantList>
+
+namespace nb {
+
+struct SearchIndexDef {
+    QString table;    // the indexed table
+    QString index;    // the FTS5 table beside it
+    QStringList columns;
+};
+const SearchIndexDef& TraderSearchIndex();  // Trader: C_Name, Phone, Addr2
+const SearchIndexDef& PostSearchIndex();    // Post: ZIPCODE, DONG
+
+inline constexpr int kTrigramMinChars = 3;
+// True when the text is long enough for a trigram index.
+bool UsesTrigramIndex(const QString& text);
+
+// Creates the indexes that fit the tables this file holds, fills them, and checks an existing
+// one against its table (rebuilding it when they differ). Safe to call at every open.
+void EnsureSearchIndexes(Database& db);
+// One index; false when the table is absent or the engine refused.
+bool EnsureSearchIndex(Database& db, const SearchIndexDef& def);
+// Removes the index and its triggers (a bulk load rebuilds it afterwards).
+void DropSearchIndex(Database& db, const SearchIndexDef& def);
+// True when the index table exists in the file.
+bool HasSearchIndex(Database& db, const SearchIndexDef& def);
+
+// A piece of a WHERE clause with its bound values.
+struct SqlPart {
+    QString sql;
+    QVariantList values;
+    bool isEmpty() const { return sql.isEmpty(); }
+};
+// "<table>.rowid IN (SELECT rowid FROM <index> WHERE <index> MATCH ?) AND " narrowing the
+// table to rows where one of the columns may contain the text; empty when the text is too
+// short or the index cannot be had. The index is made ready on first use.
+SqlPart SearchCandidates(Database& db, const SearchIndexDef& def, const QString& text,
+                         const QStringList& columns);
+
+} // namespace nb

@@ -1,0 +1,72 @@
+#pragma once
+// What the master data tests share: a test home with every store file created and opened,
+// and quick ways to put rows in place.
+
+#include "TestSupport.h"
+
+#include "core/AppState.h"
+#include "core/shell/Startup.h"
+#include "storage/StoreLayout.h"
+#include "storage/Stores.h"
+
+#include <QDir>
+#include <QSqlQuery>
+#include <QVariantList>
+
+namespace nb::test {
+
+// Paths under <home>/Dbs, every store file created and the three shared ones opened.
+inline bool openMasterStores() {
+    ReadSettings();
+    QDir().mkpath(app().DbPath);
+    CreateMissingStoreFiles();
+    return OpenDatabases();
+}
+
+// Runs a statement with bound values on a store; false on failure.
+inline bool exec(Database& db, const QString& sql, const QVariantList& values = {}) {
+    QSqlQuery q(db.connection());
+    q.prepare(sql);
+    for (const QVariant& v : values) q.addBindValue(v);
+    return q.exec();
+}
+
+// The first column of the first row of a query, invalid when there is none.
+inline QVariant scalar(Database& db, const QString& sql, const QVariantList& values = {}) {
+    QSqlQuery q(db.connection());
+    q.prepare(sql);
+    for (const QVariant& v : values) q.addBindValue(v);
+    if (!q.exec() || !q.next()) return {};
+    return q.value(0);
+}
+
+inline int count(Database& db, const QString& table) {
+    return scalar(db, QStringLiteral("SELECT count(*) FROM ") + table).toInt();
+}
+
+// A trader row with the columns the lists read.
+inline void addTrader(const QString& code, const QString& name, const QString& phone = QString(),
+                      const QString& addr1 = QString(), int section = 0, const QString& addr2 = QString()) {
+    const QString word = addr2.isEmpty() ? addr1.section(u' ', -1) : addr2;
+    exec(stores().dbBasic,
+         QStringLiteral("INSERT INTO Trader (Code, C_Name, U_Name, Phone, Addr1, Addr2, Section, VAT, TotNoPay, bDeled) "
+                        "VALUES (?, ?, ?, ?, ?, ?, ?, 0, 0, 0)"),
+         {code, name, QStringLiteral("대표") + code, phone, addr1, word, section});
+}
+
+inline void addProduct(const QString& code, const QString& name, const QString& norm = QString(),
+                       double buy = 0, double sale = 0, const QString& unit = QString()) {
+    exec(stores().dbBasic,
+         QStringLiteral("INSERT INTO Product (Code, PName, PNorm, BuyPrice, SalePrice, Unit, Bigo, PTax) "
+                        "VALUES (?, ?, ?, ?, ?, ?, '', 0)"),
+         {code, name, norm, buy, sale, unit});
+}
+
+inline void addUser(const QString& serial, const QString& company, const QString& phone = QString()) {
+    exec(stores().dbBasic,
+         QStringLiteral("INSERT INTO User (Company, Delegate, Serial, Post, Addr, Phone, Fax, Status, Item) "
+                        "VALUES (?, '대표', ?, '', '', ?, '', '', '')"),
+         {company, serial, phone});
+}
+
+} // namespace nb::test
