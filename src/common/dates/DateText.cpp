@@ -64,6 +64,18 @@ QString AddDaysText(const QString& text, int days) {
     return date.isValid() ? DateText(date.addDays(days)) : text;
 }
 
+QString JoinDateParts(const QString& year, const QString& month, const QString& day, const QDate& today) {
+    const QString joined = year.trimmed() + u'-' + month.trimmed() + u'-' + day.trimmed();
+    return IsDate(joined) ? NormalizeDate(joined) : DateText(today);
+}
+
+DateParts SplitDateParts(const QString& text) {
+    const QDate date = ToDate(text);
+    if (!date.isValid()) return {};
+    return {date.toString(QStringLiteral("yyyy")), date.toString(QStringLiteral("MM")),
+            date.toString(QStringLiteral("dd"))};
+}
+
 QDate DateFromParts(int year, int month, int day) {
     const QDate januaryFirst(year, 1, 1);
     if (!januaryFirst.isValid()) return QDate();

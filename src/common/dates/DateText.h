@@ -28,6 +28,17 @@ QString FirstOfMonthText(const QDate& date);
 // The date moved by some days, as "YYYY-MM-DD"; text that is no date comes back as it was.
 QString AddDaysText(const QString& text, int days);
 
+// The invoice's year, month and day boxes joined with "-" for the calendar: the joined text when
+// it is a date ("YYYY-MM-DD"), else today.
+QString JoinDateParts(const QString& year, const QString& month, const QString& day,
+                      const QDate& today = QDate::currentDate());
+// A date back into the three boxes: "yyyy", "MM", "dd"; three empty texts when it is no date.
+struct DateParts {
+    QString year, month, day;
+    bool operator==(const DateParts&) const = default;
+};
+DateParts SplitDateParts(const QString& text);
+
 // The date of year, month and day the way the three-part date routine builds it: a month or
 // day beyond its range rolls over into the next month or year (month 13 is January).
 QDate DateFromParts(int year, int month, int day);

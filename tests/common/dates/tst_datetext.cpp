@@ -105,6 +105,19 @@ private Q_SLOTS:
         QCOMPARE(HanWeekdayWord(8), QString());
         QCOMPARE(GetHanWeekday(QDate()), QString());
     }
+    void invoiceDatePartsJoinForTheCalendarOrGiveToday() {
+        test::TestHome home;
+        const QDate today(2024, 7, 19);
+        QCOMPARE(JoinDateParts("2024", "3", "5", today), QStringLiteral("2024-03-05"));
+        QCOMPARE(JoinDateParts("2024", "02", "30", today), QStringLiteral("2024-07-19"));
+        QCOMPARE(JoinDateParts("", "", "", today), QStringLiteral("2024-07-19"));
+    }
+    void chosenDateGoesBackIntoThreeParts() {
+        test::TestHome home;
+        QCOMPARE(SplitDateParts(QStringLiteral("2024-03-05")),
+                 (DateParts{QStringLiteral("2024"), QStringLiteral("03"), QStringLiteral("05")}));
+        QCOMPARE(SplitDateParts(QString()), DateParts{});
+    }
     void partsBeyondTheirRangeRollOver() {
         test::TestHome home;
         QCOMPARE(DateFromParts(2004, 13, 1), QDate(2005, 1, 1));
