@@ -33,7 +33,8 @@ bool Recordset::isNull(const QString& name) const { return field(name).isNull();
 
 QString Recordset::text(const QString& name) const {
     const QVariant v = field(name);
-    return v.isNull() ? QString() : v.toString();
+    // The empty text, not a null one: written back, it stays the empty text.
+    return v.isNull() ? QStringLiteral("") : v.toString();
 }
 
 double Recordset::number(const QString& name) const {

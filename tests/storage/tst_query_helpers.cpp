@@ -206,6 +206,7 @@ private Q_SLOTS:
         QVERIFY(OpenSnapshot(db, rs, QStringLiteral("SELECT * FROM Trader")));
         QVERIFY(rs.isNull(QStringLiteral("Phone")));
         QCOMPARE(rs.text(QStringLiteral("Phone")), QString());
+        QVERIFY(!rs.text(QStringLiteral("Phone")).isNull());  // written back it stays the empty text
         QVERIFY(rs.isNull(QStringLiteral("TotNoPay")));
         QCOMPARE(rs.number(QStringLiteral("TotNoPay")), 0.0);
         QCOMPARE(rs.text(QStringLiteral("C_Name")), QStringLiteral("가"));
