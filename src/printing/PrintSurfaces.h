@@ -1,0 +1,86 @@
+#pragma once
+// The ends a print job can have: a painter on a printer, a PDF file or a screen, and the
+// recorder that tests read.
+
+#include "printing/PrintJob.h"
+
+#include <QList>
+#include <memory>
+#include <vector>
+
+class QPainter;
+class QPagedPaintDevice;
+
+namespace nb {
+
+// Draws in inches on a painter of the given resolution. Text is drawn piece by piece, each at its
+// own computed position, top-aligned at the text's y.
+class PainterSurface : public PrintSurface {
+public:
+    PainterSurface(QPainter& painter, double dotsPerInch);
+    void drawText(const PrintedText& text) override;
+    void drawLine(const PrintedLine& line) override;
+    void drawPicture(const PrintedPicture& picture) override;
+    void newPage() override {}
+    bool finish() override { return true; }
+
+protected:
+    double toDevice(double inches) const { return inches * m_dpi; }
+    QPainter& painter() { return m_painter; }
+
+private:
+    QPainter& m_painter;
+    double m_dpi;
+};
+
+// A printer or a PDF writer: pages and the end of the document.
+class PagedDeviceSurface : public PainterSurface {
+public:
+    // Takes the device, which must be ready to paint on; `painter` has begun on it.
+    PagedDeviceSurface(std::unique_ptr<QPagedPaintDevice> device, std::unique_ptr<QPainter> painter);
+    ~PagedDeviceSurface() override;
+    void newPage() override;
+    bool finish() override;
+
+private:
+    std::unique_ptr<QPagedPaintDevice> m_device;
+    std::unique_ptr<QPainter> m_painter;
+};
+
+// An A4 PDF file at `path` whose origin is the corner of the sheet; null when it cannot be written.
+std::unique_ptr<PrintSurface> makePdfSurface(const QString& path);
+// The system printer of that name, origin at its printable area; null when it cannot be opened.
+std::unique_ptr<PrintSurface> makeSystemPrinterSurface(const QString& printerName);
+
+// Everything one job printed, in order.
+struct PrintRecord {
+    QString printerName;
+    QString documentName;
+    std::vector<PrintedText> texts;
+    std::vector<PrintedLine> lines;
+    std::vector<PrintedPicture> pictures;
+    int pages = 1;
+    bool finished = false;
+
+    // The texts on a page whose top lies at print row `row` under the given top margin.
+    std::vector<PrintedText> textsOnRow(double topMargin, double row, int page = 1) const;
+    // The first text equal to `text`, or null.
+    const PrintedText* find(const QString& text) const;
+    QStringList allTexts() const;
+};
+
+// Keeps what a job draws in a PrintRecord that outlives the job.
+class RecordingSurface : public PrintSurface {
+public:
+    explicit RecordingSurface(std::shared_ptr<PrintRecord> record);
+    void drawText(const PrintedText& text) override { m_record->texts.push_back(text); }
+    void drawLine(const PrintedLine& line) override { m_record->lines.push_back(line); }
+    void drawPicture(const PrintedPicture& picture) override { m_record->pictures.push_back(picture); }
+    void newPage() override { ++m_record->pages; }
+    bool finish() override;
+
+private:
+    std::shared_ptr<PrintRecord> m_record;
+};
+
+} // namespace nb
