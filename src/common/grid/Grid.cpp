@@ -33,7 +33,8 @@ Grid::Grid(QWidget* parent) : QTableView(parent), m_model(new GridModel(this)), 
         header->setSectionResizeMode(QHeaderView::Fixed);
     }
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    connect(horizontalHeader(), &QHeaderView::sectionClicked, this, [this](int s) { Q_EMIT click(s + 1, 0); });
+    connect(horizontalHeader(), &QHeaderView::sectionClicked, this,
+            [this](int s) { Q_EMIT click(s + 1, 0); });
     connect(verticalHeader(), &QHeaderView::sectionClicked, this, [this](int s) { Q_EMIT click(0, s + 1); });
     connect(horizontalHeader(), &QHeaderView::sectionResized, this, &Grid::onSectionResized);
     connect(m_model, &GridModel::cellTextChanged, this, &Grid::textChanged);
@@ -119,11 +120,14 @@ bool Grid::SetText(int col, int row, const QString& text) {
     if (ok && m_editing && col == m_activeCol && row == m_activeRow) {
         m_editor->setText(m_model->editText(col, row));
         m_editStartText = m_editor->text();
+        if (m_editModeReplace) m_editor->selectAll();
     }
     return ok;
 }
 
-void Grid::SetFormula(int col, int row, const QString& formula) { m_model->setFormula(col, row, formula); }
+void Grid::SetFormula(int col, int row, const QString& formula) {
+    m_model->setFormula(col, row, formula);
+}
 
 void Grid::SetLock(int col, int row, bool locked) {
     m_model->setLock(col, row, locked);
@@ -133,13 +137,21 @@ void Grid::SetLock(int col, int row, bool locked) {
 void Grid::SetCellType(int col, int row, const CellFormat& format) {
     if (format.decimals < 0 || format.decimals > 9 || format.min > format.max) throw invalidPropertyValue();
     m_model->setFormat(col, row, format);
+    if (m_editing) {
+        prepareEditor(m_model->format(m_activeCol, m_activeRow));
+        m_editor->setText(m_model->editText(m_activeCol, m_activeRow));
+        m_editStartText = m_editor->text();
+        if (m_editModeReplace) m_editor->selectAll();
+    }
 }
 
 int Grid::BackColor(int col, int row) const {
     return m_model->backColor(col, row).value_or(m_model->rowBackColor(row));
 }
 
-void Grid::SetBackColor(int col, int row, int bgr) { m_model->setBackColor(col, row, bgr); }
+void Grid::SetBackColor(int col, int row, int bgr) {
+    m_model->setBackColor(col, row, bgr);
+}
 
 void Grid::SetOddEvenRowColor(int oddBack, int oddFore, int evenBack, int evenFore) {
     for (int c : {oddBack, oddFore, evenBack, evenFore})
@@ -161,8 +173,12 @@ void Grid::MoveRange(int col, int row, int col2, int row2, int destCol, int dest
     m_model->moveBlock(col, row, col2, row2, destCol, destRow);
 }
 
-void Grid::DeleteRows(int row, int count) { m_model->deleteRows(row, count); }
-void Grid::InsertRows(int row, int count) { m_model->insertRows(row, count); }
+void Grid::DeleteRows(int row, int count) {
+    m_model->deleteRows(row, count);
+}
+void Grid::InsertRows(int row, int count) {
+    m_model->insertRows(row, count);
+}
 
 void Grid::Refresh() {
     viewport()->update();
@@ -176,7 +192,9 @@ int Grid::charsToPixels(double chars) const {
     return int(std::lround(chars * fontMetrics().horizontalAdvance(u'0'))) + kCellPadding;
 }
 
-int Grid::rowHeightPixels() const { return fontMetrics().height() + kCellPadding; }
+int Grid::rowHeightPixels() const {
+    return fontMetrics().height() + kCellPadding;
+}
 
 double Grid::ColWidth(int col) const {
     return (col >= 0 && col < int(m_colWidths.size())) ? m_colWidths[size_t(col)] : 0.0;
@@ -185,7 +203,8 @@ double Grid::ColWidth(int col) const {
 void Grid::setColWidth(int col, double chars) {
     if (chars < 0) throw invalidPropertyValue();
     if (col == kAllCells) {
-        for (int c = 1; c <= MaxCols(); ++c) setColWidth(c, chars);
+        for (int c = 1; c <= MaxCols(); ++c)
+            setColWidth(c, chars);
         return;
     }
     if (col < 0 || col >= int(m_colWidths.size())) return;

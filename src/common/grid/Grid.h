@@ -163,6 +163,7 @@ private:
     bool moveActiveCell(int col, int row);
     bool handleKey(QKeyEvent* event);
     bool handleNavigationKey(int key, Qt::KeyboardModifiers modifiers);
+    QPoint stepFrom(const QPoint& from, int key) const;
     void handleEnter();
     void handleTab(int step);
     void walkCells(int step);
@@ -197,9 +198,11 @@ private:
     bool m_quietFocus = false;
     bool m_forwardingKey = false;
     bool m_processTab = false;
+    const QKeyEvent* m_editorKeyInFlight = nullptr;
     bool m_layingOut = false;
     QRect m_block;
     QPoint m_blockAnchor;
+    QPoint m_blockEnd;
     bool m_dragging = false;
     std::vector<double> m_colWidths; // index 0: the row header
     bool m_rowHeadersShow = true;

@@ -13,7 +13,8 @@ constexpr int kTextMargin = 3;
 
 GridDelegate::GridDelegate(Grid* grid) : QStyledItemDelegate(grid), m_grid(grid) {}
 
-void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                         const QModelIndex& index) const {
     const int col = index.column() + 1, row = index.row() + 1;
     painter->save();
     const QColor back = m_grid->isHighlighted(col, row) ? colorFromBgr(m_grid->SelBackColor())

@@ -11,7 +11,8 @@ class Grid;
 class GridDelegate : public QStyledItemDelegate {
 public:
     explicit GridDelegate(Grid* grid);
-    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
 
 private:
     Grid* m_grid;

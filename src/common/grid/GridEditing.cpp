@@ -1,7 +1,7 @@
 // How the operator works a Grid: moving the cursor, editing cells, keys, mouse and focus,
 // with the events the screens hook into.
+#include "common/Colors.h"
 #include "common/grid/Grid.h"
-
 #include "common/grid/GridNumbers.h"
 
 #include <QApplication>
@@ -28,13 +28,17 @@ private:
 // Handlers that move the cursor themselves may nest moves; deeper than this they go quietly.
 constexpr int kMaxNestedMoves = 8;
 
-bool isEnter(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
+bool isEnter(int key) {
+    return key == Qt::Key_Return || key == Qt::Key_Enter;
+}
 
 } // namespace
 
 // ---- moving -------------------------------------------------------------------------------
 
-bool Grid::SetActiveCell(int col, int row) { return moveActiveCell(col, row); }
+bool Grid::SetActiveCell(int col, int row) {
+    return moveActiveCell(col, row);
+}
 
 // Ends the edit of the old cell (editModeChanged 0), asks leaveCell, then moves and, in
 // permanent edit mode, begins editing the new cell. A handler that moves the cursor itself
@@ -89,23 +93,32 @@ bool Grid::canEdit(int col, int row) const {
 void Grid::prepareEditor(const CellFormat& format) {
     delete m_editor->validator();
     m_editor->setValidator(format.isNumber() ? new NumberCellValidator(format, m_editor) : nullptr);
-    m_editor->setAlignment(format.isNumber() ? Qt::AlignRight | Qt::AlignVCenter : Qt::AlignLeft | Qt::AlignVCenter);
+    m_editor->setAlignment(format.isNumber() ? Qt::AlignRight | Qt::AlignVCenter
+                                             : Qt::AlignLeft | Qt::AlignVCenter);
     m_editor->setFont(font());
+    // The editor lies on the viewport, whose colour is the grey area's: give it the cell's.
+    QPalette pal = m_editor->palette();
+    pal.setColor(QPalette::Base, colorFromBgr(BackColor(m_activeCol, m_activeRow)));
+    pal.setColor(QPalette::Text, colorFromBgr(m_model->rowForeColor(m_activeRow)));
+    m_editor->setPalette(pal);
 }
 
 void Grid::beginEdit() {
     if (m_editing || !canEdit(m_activeCol, m_activeRow)) return;
+    const bool focused = gridHasFocus();
     m_editing = true;
     prepareEditor(m_model->format(m_activeCol, m_activeRow));
     m_editStartText = m_model->editText(m_activeCol, m_activeRow);
     m_editor->setText(m_editStartText);
     placeEditor();
     m_editor->show();
-    m_quietFocus = true;
-    m_editor->setFocus(Qt::OtherFocusReason);
-    m_quietFocus = false;
-    if (m_editModeReplace) m_editor->selectAll();
-    else m_editor->end(false);
+    // While editing, focus given to the grid lands in the editor.
+    setFocusProxy(m_editor);
+    if (focused) m_editor->setFocus(Qt::OtherFocusReason);
+    if (m_editModeReplace)
+        m_editor->selectAll();
+    else
+        m_editor->end(false);
     viewport()->update();
     Q_EMIT editModeChanged(m_activeCol, m_activeRow, 1, false);
 }
@@ -118,7 +131,9 @@ void Grid::finishEdit() {
     const QString typed = m_editor->text();
     bool changeMade = typed != m_editStartText;
     if (changeMade) changeMade = m_model->setText(col, row, typed);
-    if (m_editor->hasFocus()) focusGridQuietly();
+    const bool editorHadFocus = m_editor->hasFocus();
+    setFocusProxy(nullptr);
+    if (editorHadFocus) focusGridQuietly();
     m_editor->hide();
     viewport()->update();
     Q_EMIT editModeChanged(col, row, 0, changeMade);
@@ -131,7 +146,8 @@ void Grid::revertEdit() {
 
 void Grid::placeEditor() {
     if (!m_editing || !m_model->contains(m_activeCol, m_activeRow)) return;
-    m_editor->setGeometry(visualRect(m_model->index(m_activeRow - 1, m_activeCol - 1)).adjusted(1, 1, -1, -1));
+    m_editor->setGeometry(
+        visualRect(m_model->index(m_activeRow - 1, m_activeCol - 1)).adjusted(1, 1, -1, -1));
 }
 
 void Grid::focusGridQuietly() {
@@ -140,13 +156,27 @@ void Grid::focusGridQuietly() {
     m_quietFocus = false;
 }
 
-bool Grid::gridHasFocus() const { return hasFocus() || m_editor->hasFocus(); }
+bool Grid::gridHasFocus() const {
+    const QWidget* focus = QApplication::focusWidget();
+    return focus && (focus == this || focus == m_editor);
+}
 
 // ---- keys ---------------------------------------------------------------------------------
 
 // Keys the grid does not use go on to the form (F-keys, Insert and the like).
 void Grid::keyPressEvent(QKeyEvent* event) {
-    if (!handleKey(event)) event->ignore();
+    if (event == m_editorKeyInFlight) {
+        event->ignore();
+        return;
+    }
+    if (handleKey(event)) return;
+    if (m_editing) { // a key that reached the grid itself while its editor is open
+        m_forwardingKey = true;
+        QApplication::sendEvent(m_editor, event);
+        m_forwardingKey = false;
+        return;
+    }
+    event->ignore();
 }
 
 // Returns true when the key was used here; false lets the editor (or the view) have it.
@@ -177,7 +207,8 @@ void Grid::handleEnter() {
     if (m_editing && !m_editModePermanent) finishEdit();
     if (col == 0 || row == 0) return;
     switch (m_enterAction) {
-    case EnterAction::None: return;
+    case EnterAction::None:
+        return;
     case EnterAction::Down:
         if (row < MaxRows()) moveActiveCell(col, row + 1);
         return;
@@ -185,45 +216,59 @@ void Grid::handleEnter() {
         if (int next = nextVisibleCol(col, 1)) moveActiveCell(next, row);
         return;
     case EnterAction::Next:
-        if (int next = nextVisibleCol(col, 1)) moveActiveCell(next, row);
-        else if (row < MaxRows()) moveActiveCell(nextVisibleCol(0, 1), row + 1);
+        if (int next = nextVisibleCol(col, 1))
+            moveActiveCell(next, row);
+        else if (row < MaxRows())
+            moveActiveCell(nextVisibleCol(0, 1), row + 1);
         return;
     }
 }
 
 bool Grid::handleNavigationKey(int key, Qt::KeyboardModifiers modifiers) {
-    const int col = m_activeCol, row = m_activeRow;
-    if (col == 0 || row == 0) return false;
-    const bool rowMode = m_operationMode == OperationMode::Row;
-    const bool extend = (modifiers & Qt::ShiftModifier) && m_selectBlockOptions != 0 && !rowMode;
-    const int page = std::max(1, viewport()->height() / rowHeightPixels() - 1);
-    int newCol = col, newRow = row;
-    switch (key) {
-    case Qt::Key_Up: newRow = std::max(1, row - 1); break;
-    case Qt::Key_Down: newRow = std::min(MaxRows(), row + 1); break;
-    case Qt::Key_PageUp: newRow = std::max(1, row - page); break;
-    case Qt::Key_PageDown: newRow = std::min(MaxRows(), row + page); break;
-    case Qt::Key_Left:
-        if (rowMode) return true;
-        newCol = nextVisibleCol(col, -1) ? nextVisibleCol(col, -1) : col;
-        break;
-    case Qt::Key_Right:
-        if (rowMode) return true;
-        newCol = nextVisibleCol(col, 1) ? nextVisibleCol(col, 1) : col;
-        break;
-    case Qt::Key_Tab:
-    case Qt::Key_Backtab: handleTab(key == Qt::Key_Tab ? 1 : -1); return true;
-    default: return false;
+    if (m_activeCol == 0 || m_activeRow == 0) return false;
+    if (key == Qt::Key_Tab || key == Qt::Key_Backtab) {
+        handleTab(key == Qt::Key_Tab ? 1 : -1);
+        return true;
     }
+    const bool rowMode = m_operationMode == OperationMode::Row;
+    if (rowMode && (key == Qt::Key_Left || key == Qt::Key_Right)) return true;
+    const bool extend = (modifiers & Qt::ShiftModifier) && m_selectBlockOptions != 0 && !rowMode;
+    // Shift with the arrows moves the far corner of the block; plain arrows the cursor.
+    const QPoint from = (extend && m_block.isValid()) ? m_blockEnd : QPoint(m_activeCol, m_activeRow);
+    const QPoint to = stepFrom(from, key);
+    if (to.isNull()) return false;
     if (extend) {
-        if (!m_block.isValid()) m_blockAnchor = QPoint(col, row);
-        extendBlockTo(newCol, newRow);
+        if (!m_block.isValid()) m_blockAnchor = from;
+        extendBlockTo(to.x(), to.y());
         announceBlock();
     } else {
         m_block = QRect();
-        if (newCol != col || newRow != row) moveActiveCell(newCol, newRow);
+        if (to != from) moveActiveCell(to.x(), to.y());
+        viewport()->update();
     }
     return true;
+}
+
+// The cell an arrow or page key leads to from a cell; a null point for other keys.
+QPoint Grid::stepFrom(const QPoint& from, int key) const {
+    const int page = std::max(1, viewport()->height() / rowHeightPixels() - 1);
+    const int col = from.x(), row = from.y();
+    switch (key) {
+    case Qt::Key_Up:
+        return {col, std::max(1, row - 1)};
+    case Qt::Key_Down:
+        return {col, std::min(MaxRows(), row + 1)};
+    case Qt::Key_PageUp:
+        return {col, std::max(1, row - page)};
+    case Qt::Key_PageDown:
+        return {col, std::min(MaxRows(), row + page)};
+    case Qt::Key_Left:
+        return {nextVisibleCol(col, -1) ? nextVisibleCol(col, -1) : col, row};
+    case Qt::Key_Right:
+        return {nextVisibleCol(col, 1) ? nextVisibleCol(col, 1) : col, row};
+    default:
+        return {};
+    }
 }
 
 // With ProcessTab, Tab and Shift+Tab walk the cells; otherwise they leave the grid.
@@ -313,7 +358,8 @@ void Grid::mouseDoubleClickEvent(QMouseEvent* event) {
 
 // A block of more than one cell is highlighted; a single cell is just the cursor.
 void Grid::extendBlockTo(int col, int row) {
-    const QRect block = QRect(m_blockAnchor, QPoint(col, row)).normalized();
+    m_blockEnd = QPoint(col, row);
+    const QRect block = QRect(m_blockAnchor, m_blockEnd).normalized();
     m_block = (block.width() * block.height() > 1) ? block : QRect();
     if (m_block.isValid() && m_editing) finishEdit();
     viewport()->update();
@@ -344,7 +390,7 @@ void Grid::focusOutEvent(QFocusEvent* event) {
 // The focus went to another control: the edit ends and leaveCell says where (-1, -1).
 void Grid::leaveGrid() {
     if (m_editing) finishEdit();
-    if (m_activeCol == 0 || m_activeRow == 0 || m_editor->hasFocus() || hasFocus()) return;
+    if (m_activeCol == 0 || m_activeRow == 0 || gridHasFocus()) return;
     bool cancel = false;
     Q_EMIT leaveCell(m_activeCol, m_activeRow, -1, -1, cancel);
     viewport()->update();
@@ -355,13 +401,12 @@ bool Grid::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::KeyPress && !m_forwardingKey) {
         auto* key = static_cast<QKeyEvent*>(event);
         if (handleKey(key)) return true;
-        // The editor types the key; one it has no use for goes on to the form, past the grid
-        // that has already seen it.
-        key->accept();
-        static_cast<QObject*>(m_editor)->event(key);
-        if (!key->isAccepted() && parentWidget()) QApplication::sendEvent(parentWidget(), key);
-        return true;
+        // The editor types it; a key it has no use for travels up past the grid to the form,
+        // and the grid must not take it a second time on the way.
+        m_editorKeyInFlight = key;
+        return false;
     }
+    if (event->type() != QEvent::KeyPress) m_editorKeyInFlight = nullptr;
     if (event->type() == QEvent::ShortcutOverride) {
         // Keys the grid moves by must reach it rather than the line editor's own handling.
         const int key = static_cast<QKeyEvent*>(event)->key();

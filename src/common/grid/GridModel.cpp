@@ -20,7 +20,8 @@ void GridModel::setMaxRows(int rows) {
         endRemoveRows();
     } else if (rows > old) {
         beginInsertRows({}, old, rows - 1);
-        for (int r = old; r < rows; ++r) m_rows.push_back(blankRow());
+        for (int r = old; r < rows; ++r)
+            m_rows.push_back(blankRow());
         endInsertRows();
     }
     recalcFormulas();
@@ -32,14 +33,17 @@ void GridModel::setMaxCols(int cols) {
     if (cols < old) {
         beginRemoveColumns({}, cols, old - 1);
         m_cols.resize(size_t(cols));
-        for (auto& row : m_rows) row.cells.resize(size_t(cols));
+        for (auto& row : m_rows)
+            row.cells.resize(size_t(cols));
         endRemoveColumns();
     } else if (cols > old) {
         beginInsertColumns({}, old, cols - 1);
         m_cols.resize(size_t(cols));
-        for (int c = old; c < cols; ++c) m_cols[size_t(c)].locked = m_lockAll;
+        for (int c = old; c < cols; ++c)
+            m_cols[size_t(c)].locked = m_lockAll;
         for (auto& row : m_rows)
-            for (int c = old; c < cols; ++c) row.cells.push_back(blankCell(c + 1));
+            for (int c = old; c < cols; ++c)
+                row.cells.push_back(blankCell(c + 1));
         endInsertColumns();
     }
     recalcFormulas();
@@ -59,7 +63,8 @@ int GridModel::dataRowCnt() const {
 GridModel::Row GridModel::blankRow() const {
     Row row;
     row.cells.reserve(m_cols.size());
-    for (int c = 1; c <= maxCols(); ++c) row.cells.push_back(blankCell(c));
+    for (int c = 1; c <= maxCols(); ++c)
+        row.cells.push_back(blankCell(c));
     return row;
 }
 
@@ -132,7 +137,8 @@ void GridModel::changed(int col, int row) {
 
 void GridModel::changedBlock(const QRect& block) {
     if (block.isEmpty()) return;
-    Q_EMIT dataChanged(index(block.top() - 1, block.left() - 1), index(block.bottom() - 1, block.right() - 1));
+    Q_EMIT dataChanged(index(block.top() - 1, block.left() - 1),
+                       index(block.bottom() - 1, block.right() - 1));
 }
 
 // ---- formulas -----------------------------------------------------------------------------
@@ -197,10 +203,12 @@ void GridModel::setLock(int col, int row, bool locked) {
     if (col == kAllCells && row == kAllCells) m_lockAll = locked;
     if (row == kAllCells && col >= 1 && col <= maxCols()) m_cols[size_t(col - 1)].locked = locked;
     if (col == kAllCells && row == kAllCells)
-        for (auto& column : m_cols) column.locked = locked;
+        for (auto& column : m_cols)
+            column.locked = locked;
     const QRect block = resolveBlock(col, row, col, row);
     for (int r = block.top(); r <= block.bottom(); ++r)
-        for (int c = block.left(); c <= block.right(); ++c) cell(c, r)->locked = locked;
+        for (int c = block.left(); c <= block.right(); ++c)
+            cell(c, r)->locked = locked;
 }
 
 CellFormat GridModel::columnFormat(int col) const {
@@ -217,7 +225,8 @@ void GridModel::setFormat(int col, int row, const CellFormat& format) {
     if (block.isEmpty()) return;
     const bool wholeColumns = row == kAllCells;
     if (wholeColumns)
-        for (int c = block.left(); c <= block.right(); ++c) m_cols[size_t(c - 1)].format = format;
+        for (int c = block.left(); c <= block.right(); ++c)
+            m_cols[size_t(c - 1)].format = format;
     for (int r = block.top(); r <= block.bottom(); ++r) {
         for (int c = block.left(); c <= block.right(); ++c) {
             Cell* target = cell(c, r);
@@ -242,7 +251,8 @@ void GridModel::setBackColor(int col, int row, int bgr) {
     if (bgr < 0 || bgr > 0xFFFFFF) throw invalidPropertyValue();
     const QRect block = resolveBlock(col, row, col, row);
     for (int r = block.top(); r <= block.bottom(); ++r)
-        for (int c = block.left(); c <= block.right(); ++c) cell(c, r)->back = bgr;
+        for (int c = block.left(); c <= block.right(); ++c)
+            cell(c, r)->back = bgr;
     changedBlock(block);
 }
 
@@ -254,8 +264,12 @@ void GridModel::setOddEvenRowColor(int oddBack, int oddFore, int evenBack, int e
     changedBlock(resolveBlock(kAllCells, kAllCells, kAllCells, kAllCells));
 }
 
-int GridModel::rowBackColor(int row) const { return row % 2 == 1 ? m_oddBack : m_evenBack; }
-int GridModel::rowForeColor(int row) const { return row % 2 == 1 ? m_oddFore : m_evenFore; }
+int GridModel::rowBackColor(int row) const {
+    return row % 2 == 1 ? m_oddBack : m_evenBack;
+}
+int GridModel::rowForeColor(int row) const {
+    return row % 2 == 1 ? m_oddFore : m_evenFore;
+}
 
 // ---- columns and headers ------------------------------------------------------------------
 
@@ -284,7 +298,8 @@ int GridModel::colById(const QString& id) const {
 // Unnamed columns read A, B, ... Z, AA like the original's headers.
 static QString columnLetters(int col) {
     QString name;
-    for (int n = col; n > 0; n = (n - 1) / 26) name.prepend(QChar(u'A' + (n - 1) % 26));
+    for (int n = col; n > 0; n = (n - 1) / 26)
+        name.prepend(QChar(u'A' + (n - 1) % 26));
     return name;
 }
 
@@ -342,7 +357,8 @@ void GridModel::moveBlock(int col, int row, int col2, int row2, int destCol, int
     std::vector<std::vector<Cell>> taken;
     for (int r = source.top(); r <= source.bottom(); ++r) {
         std::vector<Cell> line;
-        for (int c = source.left(); c <= source.right(); ++c) line.push_back(*cell(c, r));
+        for (int c = source.left(); c <= source.right(); ++c)
+            line.push_back(*cell(c, r));
         taken.push_back(std::move(line));
     }
     clearBlock(source.left(), source.top(), source.right(), source.bottom());
@@ -366,10 +382,12 @@ void GridModel::deleteRows(int row, int count) {
     const int last = std::min(maxRows(), row + count - 1);
     std::vector<QString> before;
     for (int r = row; r <= maxRows(); ++r)
-        for (int c = 1; c <= maxCols(); ++c) before.push_back(text(c, r));
+        for (int c = 1; c <= maxCols(); ++c)
+            before.push_back(text(c, r));
     const int rowsBefore = maxRows();
     m_rows.erase(m_rows.begin() + (row - 1), m_rows.begin() + last);
-    while (maxRows() < rowsBefore) m_rows.push_back(blankRow());
+    while (maxRows() < rowsBefore)
+        m_rows.push_back(blankRow());
     changedBlock(resolveBlock(kAllCells, row, kAllCells, maxRows()));
     Q_EMIT headerDataChanged(Qt::Vertical, row - 1, maxRows() - 1);
     size_t i = 0;
@@ -381,7 +399,8 @@ void GridModel::deleteRows(int row, int count) {
 
 void GridModel::insertRows(int row, int count) {
     if (row < 1 || row > maxRows() || count < 1) return;
-    for (int i = 0; i < count; ++i) m_rows.insert(m_rows.begin() + (row - 1), blankRow());
+    for (int i = 0; i < count; ++i)
+        m_rows.insert(m_rows.begin() + (row - 1), blankRow());
     m_rows.resize(m_rows.size() - size_t(count));
     changedBlock(resolveBlock(kAllCells, row, kAllCells, maxRows()));
     Q_EMIT headerDataChanged(Qt::Vertical, row - 1, maxRows() - 1);
@@ -390,15 +409,22 @@ void GridModel::insertRows(int row, int count) {
 
 // ---- Qt model side ------------------------------------------------------------------------
 
-int GridModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : maxRows(); }
-int GridModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : maxCols(); }
+int GridModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : maxRows();
+}
+int GridModel::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : maxCols();
+}
 
 static Qt::Alignment alignmentOf(const CellFormat& f) {
     const Qt::Alignment across = f.isNumber() ? Qt::AlignRight : Qt::AlignLeft;
     switch (f.vAlign) {
-    case VAlign::Top: return across | Qt::AlignTop;
-    case VAlign::Bottom: return across | Qt::AlignBottom;
-    case VAlign::Center: break;
+    case VAlign::Top:
+        return across | Qt::AlignTop;
+    case VAlign::Bottom:
+        return across | Qt::AlignBottom;
+    case VAlign::Center:
+        break;
     }
     return across | Qt::AlignVCenter;
 }
@@ -407,12 +433,18 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
     const int col = index.column() + 1, row = index.row() + 1;
     if (!contains(col, row)) return {};
     switch (role) {
-    case Qt::DisplayRole: return text(col, row);
-    case Qt::EditRole: return editText(col, row);
-    case Qt::TextAlignmentRole: return QVariant::fromValue(alignmentOf(format(col, row)));
-    case Qt::BackgroundRole: return colorFromBgr(backColor(col, row).value_or(rowBackColor(row)));
-    case Qt::ForegroundRole: return colorFromBgr(rowForeColor(row));
-    default: return {};
+    case Qt::DisplayRole:
+        return text(col, row);
+    case Qt::EditRole:
+        return editText(col, row);
+    case Qt::TextAlignmentRole:
+        return QVariant::fromValue(alignmentOf(format(col, row)));
+    case Qt::BackgroundRole:
+        return colorFromBgr(backColor(col, row).value_or(rowBackColor(row)));
+    case Qt::ForegroundRole:
+        return colorFromBgr(rowForeColor(row));
+    default:
+        return {};
     }
 }
 

@@ -47,7 +47,8 @@ QString format(double value, int decimals, bool separator) {
 QString plain(double value, int decimals) {
     QString text = QString::number(roundAt(value, decimals), 'f', decimals);
     if (text.contains(u'.')) {
-        while (text.endsWith(u'0')) text.chop(1);
+        while (text.endsWith(u'0'))
+            text.chop(1);
         if (text.endsWith(u'.')) text.chop(1);
     }
     if (text == QStringLiteral("-0")) text = QStringLiteral("0");

@@ -58,6 +58,8 @@ private:
     QString m_description;
 };
 
-inline GridError invalidPropertyValue() { return GridError(380, QStringLiteral("Invalid property value")); }
+inline GridError invalidPropertyValue() {
+    return GridError(380, QStringLiteral("Invalid property value"));
+}
 
 } // namespace nb

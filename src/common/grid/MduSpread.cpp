@@ -23,8 +23,12 @@ void designStep(const std::function<void()>& step) {
     }
 }
 
-int resolveCol(const Grid& grid, int col) { return col == kActiveCell ? grid.ActiveCol() : col; }
-int resolveRow(const Grid& grid, int row) { return row == kActiveCell ? grid.ActiveRow() : row; }
+int resolveCol(const Grid& grid, int col) {
+    return col == kActiveCell ? grid.ActiveCol() : col;
+}
+int resolveRow(const Grid& grid, int row) {
+    return row == kActiveCell ? grid.ActiveRow() : row;
+}
 
 CellFormat numberColumn(CellType type, int decimals, bool centerV) {
     CellFormat f;
@@ -70,23 +74,32 @@ QString GetCellText(const Grid& grid, int col, int row) {
     return grid.Text(resolveCol(grid, col), resolveRow(grid, row));
 }
 
-void ClearGrid(Grid& grid) { grid.ClearRange(1, 1, grid.MaxCols(), grid.MaxRows()); }
+void ClearGrid(Grid& grid) {
+    grid.ClearRange(1, 1, grid.MaxCols(), grid.MaxRows());
+}
 
-void ClearBlock(Grid& grid, int col, int row, int col2, int row2) { grid.ClearRange(col, row, col2, row2); }
+void ClearBlock(Grid& grid, int col, int row, int col2, int row2) {
+    grid.ClearRange(col, row, col2, row2);
+}
 
-void ClearRangeAll(Grid& grid) { grid.ClearRange(1, 1, grid.MaxCols(), grid.MaxRows()); }
+void ClearRangeAll(Grid& grid) {
+    grid.ClearRange(1, 1, grid.MaxCols(), grid.MaxRows());
+}
 
 void PaintBlock(Grid& grid, int col, int row, int col2, int row2, int color) {
     const QRect block = grid.cells().resolveBlock(col, row, col2, row2);
     for (int r = block.top(); r <= block.bottom(); ++r)
-        for (int c = block.left(); c <= block.right(); ++c) grid.SetBackColor(c, r, color);
+        for (int c = block.left(); c <= block.right(); ++c)
+            grid.SetBackColor(c, r, color);
 }
 
 void MoveBlock(Grid& grid, int col, int row, int col2, int row2, int destCol, int destRow) {
     grid.MoveRange(col, row, col2, row2, destCol, destRow);
 }
 
-void SetActiveCell(Grid& grid, int col, int row) { grid.SetActiveCell(col, row); }
+void SetActiveCell(Grid& grid, int col, int row) {
+    grid.SetActiveCell(col, row);
+}
 
 void DeleteGridRow(Grid& grid, int row, bool showDone, bool shrink) {
     grid.DeleteRows(resolveRow(grid, row), 1);
@@ -133,19 +146,23 @@ void SetSumFormula(Grid& grid, int srcCol, int dstCol) {
         grid.SetFormula(dstCol, r, QString());
         grid.SetText(dstCol, r, QString());
     }
-    grid.SetFormula(dstCol, 1,
-                    QStringLiteral("SUM(R1C%1:R%2C%1)").arg(srcCol).arg(grid.MaxRows()));
+    grid.SetFormula(dstCol, 1, QStringLiteral("SUM(R1C%1:R%2C%1)").arg(srcCol).arg(grid.MaxRows()));
 }
 
 namespace {
 
-// Entering the total grid leaves it without an active cell, so it never shows a cursor.
+// Entering the total grid leaves it without an active cell, so it never shows a cursor;
+// a click on it selects nothing.
 class NoCursorOnFocus : public QObject {
 public:
-    explicit NoCursorOnFocus(Grid* grid) : QObject(grid), m_grid(grid) {}
+    explicit NoCursorOnFocus(Grid* grid) : QObject(grid), m_grid(grid) {
+        grid->installEventFilter(this);
+        grid->viewport()->installEventFilter(this);
+    }
     bool eventFilter(QObject*, QEvent* event) override {
         if (event->type() == QEvent::FocusIn) m_grid->SetActiveCell(0, 0);
-        return false;
+        return event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick ||
+               event->type() == QEvent::MouseMove;
     }
 
 private:
@@ -160,14 +177,16 @@ void LinkTotalGrid(Grid& total, Grid& data, const std::vector<std::pair<int, int
         for (const auto& [from, to] : copies)
             if (from == col) total.SetText(to, 1, data.Text(from, 1));
     };
-    for (const auto& [from, to] : copies) copyRowOne(from, 1);
+    for (const auto& [from, to] : copies)
+        copyRowOne(from, 1);
     QObject::connect(&data, &Grid::textChanged, &total, copyRowOne);
     QObject::connect(&data, &Grid::colWidthChange, &total, [&total, &data](int col1, int col2) {
-        for (int c = col1; c <= col2; ++c) total.setColWidth(c, data.ColWidth(c));
+        for (int c = col1; c <= col2; ++c)
+            total.setColWidth(c, data.ColWidth(c));
     });
     QObject::connect(data.horizontalScrollBar(), &QScrollBar::valueChanged, total.horizontalScrollBar(),
                      &QScrollBar::setValue);
-    total.installEventFilter(new NoCursorOnFocus(&total));
+    new NoCursorOnFocus(&total);
     total.SetActiveCell(0, 0);
 }
 

@@ -1,7 +1,6 @@
 // The shared grid helpers: the standard look, reading cells, block actions, row deletion,
 // number columns and their limits, sum formulas.
 #include "TestSupport.h"
-
 #include "common/Colors.h"
 #include "common/grid/MduSpread.h"
 
@@ -19,7 +18,8 @@ void fill(Grid& grid, int cols, int rows) {
     grid.setMaxCols(cols);
     grid.setMaxRows(rows);
     for (int r = 1; r <= rows; ++r)
-        for (int c = 1; c <= cols; ++c) grid.SetText(c, r, QStringLiteral("%1-%2").arg(c).arg(r));
+        for (int c = 1; c <= cols; ++c)
+            grid.SetText(c, r, QStringLiteral("%1-%2").arg(c).arg(r));
 }
 
 } // namespace
@@ -38,7 +38,8 @@ private Q_SLOTS:
         QCOMPARE(grid.CursorStyle(), 2);
         QCOMPARE(grid.SelectBlockOptions(), 0);
         for (int r = 1; r <= 4; ++r)
-            for (int c = 1; c <= 3; ++c) QVERIFY(grid.Lock(c, r));
+            for (int c = 1; c <= 3; ++c)
+                QVERIFY(grid.Lock(c, r));
         QVERIFY(!grid.EditModePermanent());
         QCOMPARE(grid.MaxRows(), 4);
     }
@@ -91,8 +92,10 @@ private Q_SLOTS:
         fill(grid, 2, 4);
         CommonSpreadDesign(grid, false, true, false, false);
         QCOMPARE(int(msgs.boxes().size()), 1);
-        QCOMPARE(msgs.last().text,
-                 QStringLiteral("Error 380 (Invalid property value) in procedure CommonSpreadDesign of Module MduSpread"));
+        QCOMPARE(
+            msgs.last().text,
+            QStringLiteral(
+                "Error 380 (Invalid property value) in procedure CommonSpreadDesign of Module MduSpread"));
         QCOMPARE(msgs.last().buttons, int(MbOk));
         QCOMPARE(grid.MaxRows(), 0);
         QCOMPARE(grid.RefStyle(), 2);
@@ -156,7 +159,8 @@ private Q_SLOTS:
         Grid grid;
         fill(grid, 3, 4);
         ClearBlock(grid, kAllCells, 2, kAllCells, 2);
-        for (int c = 1; c <= 3; ++c) QCOMPARE(GetGridText(grid, c, 2), QString());
+        for (int c = 1; c <= 3; ++c)
+            QCOMPARE(GetGridText(grid, c, 2), QString());
         QCOMPARE(GetGridText(grid, 1, 3), QStringLiteral("1-3"));
         QCOMPARE(grid.DataRowCnt(), 4);
     }
@@ -183,7 +187,8 @@ private Q_SLOTS:
         Grid grid;
         fill(grid, 3, 3);
         PaintBlock(grid, 1, 2, 3, 2, 12632319);
-        for (int c = 1; c <= 3; ++c) QCOMPARE(grid.BackColor(c, 2), 12632319);
+        for (int c = 1; c <= 3; ++c)
+            QCOMPARE(grid.BackColor(c, 2), 12632319);
         QCOMPARE(grid.BackColor(1, 1), 0xFFFFFF);
         PaintBlock(grid, kAllCells, 2, kAllCells, 2, 0xFFFFFF);
         QCOMPARE(grid.BackColor(2, 2), 0xFFFFFF);
@@ -344,11 +349,13 @@ private Q_SLOTS:
         test::TestHome home;
         Grid grid;
         fill(grid, 4, 5);
-        for (int r = 1; r <= 5; ++r) grid.SetText(3, r, QString::number(r * 100));
+        for (int r = 1; r <= 5; ++r)
+            grid.SetText(3, r, QString::number(r * 100));
         SetSumFormula(grid, 3, 4);
         QCOMPARE(grid.Formula(4, 1), QStringLiteral("SUM(R1C3:R5C3)"));
         QCOMPARE(GetGridText(grid, 4, 1), QStringLiteral("1500"));
-        for (int r = 2; r <= 5; ++r) QCOMPARE(GetGridText(grid, 4, r), QString());
+        for (int r = 2; r <= 5; ++r)
+            QCOMPARE(GetGridText(grid, 4, r), QString());
         grid.SetText(3, 2, QStringLiteral("1,000"));
         QCOMPARE(GetGridText(grid, 4, 1), QStringLiteral("2300"));
     }
