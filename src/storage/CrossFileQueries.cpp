@@ -12,11 +12,11 @@ bool openAcrossFiles(Database& db, const QString& otherFile, const QString& alia
                      const QString& sql, const QVariantList& values) {
     rs.close();
     if (!db.isOpen()) {
-        ReportQueryFailure(ErrNotOpened, QString(), sql);
+        ReportQueryFailure(ErrNotOpened, QString(), sqlForDisplay(sql, values));
         return false;
     }
     if (!db.attach(otherFile, alias)) {
-        ReportQueryFailure(-1, QStringLiteral("unable to open database: ") + otherFile, sql);
+        ReportQueryFailure(-1, QStringLiteral("unable to open database: ") + otherFile, sqlForDisplay(sql, values));
         return false;
     }
     const bool ok = OpenSnapshot(db, rs, sql, values);

@@ -64,6 +64,39 @@ void ReportQueryFailure(int errorNumber, const QString& description, const QStri
     }
 }
 
+namespace {
+QString displayedValue(const QVariant& value) {
+    if (!value.isValid() || value.isNull()) return QStringLiteral("Null");
+    switch (value.typeId()) {
+    case QMetaType::Int:
+    case QMetaType::LongLong:
+    case QMetaType::UInt:
+    case QMetaType::ULongLong:
+    case QMetaType::Double:
+    case QMetaType::Float: return value.toString();
+    default: return u'\'' + value.toString() + u'\'';
+    }
+}
+} // namespace
+
+QString sqlForDisplay(const QString& sql, const QVariantList& values) {
+    QString out;
+    int next = 0;
+    QChar quote;
+    for (QChar c : sql) {
+        if (!quote.isNull()) {
+            if (c == quote) quote = QChar();
+        } else if (c == u'\'' || c == u'"') {
+            quote = c;
+        } else if (c == u'?' && next < values.size()) {
+            out += displayedValue(values[next++]);
+            continue;
+        }
+        out += c;
+    }
+    return out;
+}
+
 QString likeLiteral(const QString& text) {
     QString out;
     for (QChar c : text) {
@@ -172,7 +205,7 @@ bool Database::tryExecute(const QString& sql, const QVariantList& values) {
 
 bool Database::Execute(const QString& sql, const QVariantList& values) {
     if (tryExecute(sql, values)) return true;
-    ReportQueryFailure(m_lastErrorNumber, m_lastErrorDescription, sql);
+    ReportQueryFailure(m_lastErrorNumber, m_lastErrorDescription, sqlForDisplay(sql, values));
     return false;
 }
 

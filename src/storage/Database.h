@@ -200,6 +200,9 @@ QString declaredType(int type, int size);
 
 // The box a failed statement shows, chosen by error number (exposed for tests).
 void ReportQueryFailure(int errorNumber, const QString& description, const QString& sql);
+// The statement as a failure box shows it: each ? outside quotes replaced by its value, text
+// between single quotes, numbers plain, a missing value as Null. For the eye only, never run.
+QString sqlForDisplay(const QString& sql, const QVariantList& values);
 
 // A LIKE pattern that matches the typed text literally (its %, _ and \ escaped with \);
 // use with "LIKE ? ESCAPE '\'".

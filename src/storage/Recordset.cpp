@@ -91,7 +91,7 @@ bool openRecordset(Database& db, Recordset& rs, const QString& sql, const QVaria
     QSqlQuery q(db.connection());
     q.setForwardOnly(true);
     if (!db.run(q, statement, values)) {
-        ReportQueryFailure(db.lastErrorNumber(), db.lastErrorDescription(), sql);
+        ReportQueryFailure(db.lastErrorNumber(), db.lastErrorDescription(), sqlForDisplay(sql, values));
         return false;
     }
     const QSqlRecord rec = q.record();

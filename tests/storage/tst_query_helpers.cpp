@@ -128,11 +128,12 @@ private Q_SLOTS:
         auto& msgs = test::script();
         const QString sql = QStringLiteral("UPDATE Trader SET Mobile = ?");
         QVERIFY(!db.Execute(sql, {QStringLiteral("010")}));
-        QCOMPARE(msgs.last().text, kExpressionText + sql);
+        QCOMPARE(msgs.last().text, kExpressionText + QStringLiteral("UPDATE Trader SET Mobile = '010'"));
         QCOMPARE(msgs.last().title, QStringLiteral("Query"));
         const QString insert = QStringLiteral("INSERT INTO Trader (Code, Mobile) VALUES (?, ?)");
         QVERIFY(!db.Execute(insert, {QStringLiteral("000001"), QStringLiteral("010")}));
-        QCOMPARE(msgs.last().text, kExpressionText + insert);
+        QCOMPARE(msgs.last().text,
+                 kExpressionText + QStringLiteral("INSERT INTO Trader (Code, Mobile) VALUES ('000001', '010')"));
     }
     void lockedStoreShowsTheEngineDescriptionUnderMdbError() {
         test::TestHome home;
@@ -147,7 +148,7 @@ private Q_SLOTS:
         const QString sql = QStringLiteral("INSERT INTO Trader (Code) VALUES (?)");
         QVERIFY(!db.Execute(sql, {QStringLiteral("000002")}));
         QCOMPARE(db.lastErrorNumber(), int(ErrEngine));
-        QCOMPARE(msgs.last().text, QStringLiteral("database is locked\r") + sql);
+        QCOMPARE(msgs.last().text, QStringLiteral("database is locked\rINSERT INTO Trader (Code) VALUES ('000002')"));
         QCOMPARE(msgs.last().title, QStringLiteral("MDB 오류"));
         other.rollback();
     }
@@ -158,7 +159,8 @@ private Q_SLOTS:
         auto& msgs = test::script();
         const QString sql = QStringLiteral("INSERT INTO User (Company) VALUES (?)");
         QVERIFY(!db.Execute(sql, {QStringLiteral("무번호")}));
-        QCOMPARE(msgs.last().text, QStringLiteral("NOT NULL constraint failed: User.Serial\r") + sql);
+        QCOMPARE(msgs.last().text,
+                 QStringLiteral("NOT NULL constraint failed: User.Serial\rINSERT INTO User (Company) VALUES ('무번호')"));
         QCOMPARE(msgs.last().title, QStringLiteral("ERROR"));
         QCOMPARE(msgs.last().buttons, int(MbInformation));
         QVERIFY(db.lastErrorNumber() != ErrSyntax && db.lastErrorNumber() != ErrNotOpened &&
@@ -184,6 +186,12 @@ private Q_SLOTS:
         QCOMPARE(msgs.last().text, text);
         QCOMPARE(msgs.last().title, title);
         QCOMPARE(msgs.last().buttons, int(MbInformation));
+    }
+    void failureBoxShowsTheStatementWithItsValues() {
+        QCOMPARE(sqlForDisplay(QStringLiteral("UPDATE T SET a = ?, b = ?, c = '?' WHERE d = ? AND e = ?"),
+                               {QStringLiteral("it's"), 12.5, 3, QVariant()}),
+                 QStringLiteral("UPDATE T SET a = 'it's', b = 12.5, c = '?' WHERE d = 3 AND e = Null"));
+        QCOMPARE(sqlForDisplay(QStringLiteral("SELECT ?"), {}), QStringLiteral("SELECT ?"));
     }
     void executeReadsRecordsAffected() {
         test::TestHome home;

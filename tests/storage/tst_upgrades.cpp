@@ -263,7 +263,7 @@ private Q_SLOTS:
         auto& msgs = test::script();
         startUpSteps();
         QCOMPARE(msgs.boxes().size(), size_t(1));
-        QCOMPARE(msgs.last().text, QStringLiteral("blocked\rUpdate NewAcount Set UserCode = ?"));
+        QCOMPARE(msgs.last().text, QStringLiteral("blocked\rUpdate NewAcount Set UserCode = '111-11-11111'"));
         QCOMPARE(msgs.last().title, QStringLiteral("ERROR"));
         QVERIFY(!stores().dbTax.hasColumn(QStringLiteral("NewAcount"), QStringLiteral("UserCode")));
         QVERIFY(stores().dbTax.Execute(QStringLiteral("DROP TRIGGER stop")));
