@@ -60,6 +60,7 @@ void Grid::setMaxRows(int rows) {
     }
     m_model->setMaxRows(rows);
     clampActiveCell();
+    resumeEditing();
 }
 
 void Grid::setMaxCols(int cols) {
@@ -132,6 +133,12 @@ void Grid::SetFormula(int col, int row, const QString& formula) {
 void Grid::SetLock(int col, int row, bool locked) {
     m_model->setLock(col, row, locked);
     if (m_editing && locked && m_model->isLocked(m_activeCol, m_activeRow)) finishEdit();
+    resumeEditing();
+}
+
+// In permanent edit mode a focused grid edits its active cell whenever that cell allows it.
+void Grid::resumeEditing() {
+    if (m_editModePermanent && !m_editing && gridHasFocus()) beginEdit();
 }
 
 void Grid::SetCellType(int col, int row, const CellFormat& format) {

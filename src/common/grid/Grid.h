@@ -170,6 +170,7 @@ private:
     bool startTypingInto(QKeyEvent* event);
     bool canEdit(int col, int row) const;
     void beginEdit();
+    void resumeEditing();
     void finishEdit();
     void revertEdit();
     void placeEditor();

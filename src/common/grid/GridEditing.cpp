@@ -46,6 +46,10 @@ bool Grid::SetActiveCell(int col, int row) {
 bool Grid::moveActiveCell(int col, int row) {
     const bool noCell = col == 0 && row == 0;
     if (!noCell && !m_model->contains(col, row)) return false;
+    if (col == m_activeCol && row == m_activeRow) { // already there: nothing to announce
+        resumeEditing();
+        return true;
+    }
     const int generation = ++m_moveGeneration;
     const bool announce = m_moveDepth < kMaxNestedMoves && m_activeCol > 0 && m_activeRow > 0;
     ++m_moveDepth;

@@ -125,7 +125,7 @@ bool GridModel::setText(int col, int row, const QString& text) {
     if (c->text == stored) return true;
     c->text = stored;
     changed(col, row);
-    recalcFormulas();
+    recalcFormulas(false);
     return true;
 }
 
@@ -174,20 +174,26 @@ std::optional<double> GridModel::evaluate(const QString& formula) const {
     return total;
 }
 
-void GridModel::recalcFormulas() {
+// Formulas are few (a sum in row 1); their places are found again only when cells moved or
+// formulas were written, so that filling a long list stays cheap.
+void GridModel::recalcFormulas(bool placesChanged) {
     if (m_recalculating) return;
+    if (placesChanged) {
+        m_formulaCells.clear();
+        for (int r = 1; r <= maxRows(); ++r)
+            for (int c = 1; c <= maxCols(); ++c)
+                if (!cell(c, r)->formula.isEmpty()) m_formulaCells.emplace_back(c, r);
+    }
     m_recalculating = true;
-    for (int r = 1; r <= maxRows(); ++r) {
-        for (int c = 1; c <= maxCols(); ++c) {
-            Cell* target = cell(c, r);
-            if (target->formula.isEmpty()) continue;
-            const auto result = evaluate(target->formula);
-            const CellFormat f = format(c, r);
-            const QString text = result ? gridnum::plain(*result, f.isNumber() ? f.decimals : 6) : QString();
-            if (target->text == text) continue;
-            target->text = text;
-            changed(c, r);
-        }
+    for (const QPoint& at : m_formulaCells) {
+        Cell* target = cell(at.x(), at.y());
+        if (!target || target->formula.isEmpty()) continue;
+        const auto result = evaluate(target->formula);
+        const CellFormat f = format(at.x(), at.y());
+        const QString text = result ? gridnum::plain(*result, f.isNumber() ? f.decimals : 6) : QString();
+        if (target->text == text) continue;
+        target->text = text;
+        changed(at.x(), at.y());
     }
     m_recalculating = false;
 }

@@ -6,6 +6,7 @@
 #include "common/grid/GridTypes.h"
 
 #include <QAbstractTableModel>
+#include <QPoint>
 #include <QRect>
 #include <optional>
 #include <vector>
@@ -107,7 +108,7 @@ private:
     QString storedText(const Cell& c, const CellFormat& f, const QString& text, bool* ok) const;
     void changed(int col, int row);
     void changedBlock(const QRect& block);
-    void recalcFormulas();
+    void recalcFormulas(bool placesChanged = true);
     std::optional<double> evaluate(const QString& formula) const;
 
     std::vector<Row> m_rows;
@@ -115,6 +116,7 @@ private:
     bool m_lockAll = false;
     int m_oddBack = kWhiteColor, m_oddFore = 0, m_evenBack = kWhiteColor, m_evenFore = 0;
     bool m_recalculating = false;
+    std::vector<QPoint> m_formulaCells;
 };
 
 } // namespace nb

@@ -1,5 +1,5 @@
 #pragma once
-// The vocabulary of the grid: cell types with their limits, the special row and column
+// The vocabulary of the grid: cell types with their limits, the reserved row and column
 // numbers, the colours of the standard look, and the error a grid raises on a bad value.
 
 #include <QString>

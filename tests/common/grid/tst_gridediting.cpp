@@ -216,6 +216,18 @@ private Q_SLOTS:
         w.press(Qt::Key_Right);
         QVERIFY(w.grid->EditMode());
     }
+    void unlockingTheActiveRowStartsItsEdit() {
+        test::TestHome home;
+        GridWindow w;
+        w.grid->SetLock(kAllCells, kAllCells, true);
+        QVERIFY(!w.grid->EditMode());
+        w.grid->SetLock(kAllCells, 1, false);
+        QVERIFY(w.grid->EditMode());
+        QCOMPARE(w.edits.back().mode, 1);
+        w.type(QStringLiteral("새 줄"));
+        w.press(Qt::Key_Return);
+        QCOMPARE(w.grid->Text(1, 1), QStringLiteral("새 줄"));
+    }
     void floatCellRefusesLettersExtraPlacesAndTheThirteenthDigit() {
         test::TestHome home;
         GridWindow w;
@@ -455,6 +467,16 @@ private Q_SLOTS:
         QCOMPARE(w.leaves.back(), (QList<int>{1, 1, 2, 4}));
         QCOMPARE(w.edits.back().col, 2);
         QCOMPARE(w.edits.back().mode, 1);
+    }
+    void setActiveCellOnTheActiveCellAnnouncesNothing() {
+        test::TestHome home;
+        GridWindow w;
+        w.grid->SetActiveCell(2, 2);
+        const size_t leaves = w.leaves.size(), edits = w.edits.size();
+        QVERIFY(w.grid->SetActiveCell(2, 2));
+        QCOMPARE(w.leaves.size(), leaves);
+        QCOMPARE(w.edits.size(), edits);
+        QVERIFY(w.grid->EditMode());
     }
     void textChangedFollowsEditsAndTheProgram() {
         test::TestHome home;

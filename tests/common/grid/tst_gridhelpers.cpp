@@ -385,6 +385,29 @@ private Q_SLOTS:
         QCOMPARE(GetGridText(grid, 2, 1), QStringLiteral("1,750,000"));
         QCOMPARE(grid.Value(2, 1), 1750000.0);
     }
+    void maxRowsZeroClearsTheGridAndOneGivesABlankRow() {
+        test::TestHome home;
+        Grid grid;
+        fill(grid, 3, 4);
+        SetActiveCell(grid, 2, 4);
+        grid.setMaxRows(0);
+        QCOMPARE(grid.ActiveRow(), 0);
+        QCOMPARE(grid.ActiveCol(), 0);
+        grid.setMaxRows(1);
+        QCOMPARE(GetGridText(grid, 1, 1), QString());
+        QCOMPARE(grid.DataRowCnt(), 0);
+        QCOMPARE(grid.ActiveRow(), 1);
+        QCOMPARE(grid.ActiveCol(), 1);
+    }
+    void fewerRowsMoveTheActiveCellUp() {
+        test::TestHome home;
+        Grid grid;
+        fill(grid, 2, 6);
+        SetActiveCell(grid, 2, 6);
+        grid.setMaxRows(3);
+        QCOMPARE(grid.ActiveRow(), 3);
+        QCOMPARE(grid.ActiveCol(), 2);
+    }
     void dataRowCntCountsTheLastRowWithAnyText() {
         test::TestHome home;
         Grid grid;
