@@ -3,7 +3,6 @@
 #include "core/AppState.h"
 #include "storage/Stores.h"
 
-
 namespace nb {
 namespace {
 
@@ -16,7 +15,8 @@ bool openAcrossFiles(Database& db, const QString& otherFile, const QString& alia
         return false;
     }
     if (!db.attach(otherFile, alias)) {
-        ReportQueryFailure(-1, QStringLiteral("unable to open database: ") + otherFile, sqlForDisplay(sql, values));
+        ReportQueryFailure(-1, QStringLiteral("unable to open database: ") + otherFile,
+                           sqlForDisplay(sql, values));
         return false;
     }
     const bool ok = OpenSnapshot(db, rs, sql, values);
@@ -29,7 +29,8 @@ bool openAcrossFiles(Database& db, const QString& otherFile, const QString& alia
 QString statementListSql(bool withTrader) {
     return QStringLiteral("Select master.*, trader.C_Name from master Left Join ") + kBasicAlias +
            QStringLiteral(".Trader On master.ccode = trader.code where billdate between ? and ?") +
-           (withTrader ? QStringLiteral(" AND CCode = ?") : QString()) + QStringLiteral(" order by BillDate, billno");
+           (withTrader ? QStringLiteral(" AND CCode = ?") : QString()) +
+           QStringLiteral(" order by BillDate, billno");
 }
 
 bool OpenStatementList(Database& bill, const QString& basicFile, Recordset& rs, const QString& from,
@@ -56,8 +57,8 @@ QString tradersNotDealtSinceSql() {
                           " ORDER BY C_Name");
 }
 
-bool OpenTradersNotDealtSince(Database& basic, const QString& billFile, Recordset& rs, const QString& nameText,
-                              const QString& date) {
+bool OpenTradersNotDealtSince(Database& basic, const QString& billFile, Recordset& rs,
+                              const QString& nameText, const QString& date) {
     const QString pattern = u'%' + likeLiteral(nameText) + u'%';
     return openAcrossFiles(basic, billFile, kBillAlias, rs, tradersNotDealtSinceSql(), {pattern, date});
 }

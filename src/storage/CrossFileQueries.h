@@ -31,8 +31,8 @@ bool OpenStatementList(Recordset& rs, const QString& from, const QString& to,
 // contains the text literally and whose last statement is before the date or who have none,
 // ordered by C_Name. Bound values: the LIKE pattern ("%" + likeLiteral(text) + "%"), date.
 QString tradersNotDealtSinceSql();
-bool OpenTradersNotDealtSince(Database& basic, const QString& billFile, Recordset& rs, const QString& nameText,
-                              const QString& date);
+bool OpenTradersNotDealtSince(Database& basic, const QString& billFile, Recordset& rs,
+                              const QString& nameText, const QString& date);
 bool OpenTradersNotDealtSince(Recordset& rs, const QString& nameText, const QString& date);
 
 } // namespace nb

@@ -28,7 +28,8 @@ int engineCodeOf(const QSqlError& error) {
 bool runInternal(const QSqlDatabase& db, const QString& sql, const QVariantList& values = {}) {
     QSqlQuery q(db);
     if (!q.prepare(sql)) return false;
-    for (const QVariant& v : values) q.addBindValue(v);
+    for (const QVariant& v : values)
+        q.addBindValue(v);
     return q.exec();
 }
 
@@ -40,9 +41,9 @@ QString newConnectionName() {
 
 int errorNumberFor(const QString& engineText, int engineCode) {
     const QString text = engineText.toLower();
-    static const char* const notUnderstood[] = {"syntax error",      "no such table", "no such column",
-                                                "has no column named", "incomplete input",
-                                                "unrecognized token"};
+    static const char* const notUnderstood[] = {"syntax error",     "no such table",
+                                                "no such column",   "has no column named",
+                                                "incomplete input", "unrecognized token"};
     for (const char* phrase : notUnderstood)
         if (text.contains(QLatin1String(phrase))) return ErrSyntax;
     const int primary = engineCode & 0xFF;
@@ -59,8 +60,12 @@ void ReportQueryFailure(int errorNumber, const QString& description, const QStri
     case ErrNotOpened:
         ShowInfo(QStringLiteral("Data Base MDB가 선언되지 않았습니다.\r") + sql, QStringLiteral("MDB 오류"));
         break;
-    case ErrEngine: ShowInfo(description + u'\r' + sql, QStringLiteral("MDB 오류")); break;
-    default: ShowInfo(description + u'\r' + sql, QStringLiteral("ERROR")); break;
+    case ErrEngine:
+        ShowInfo(description + u'\r' + sql, QStringLiteral("MDB 오류"));
+        break;
+    default:
+        ShowInfo(description + u'\r' + sql, QStringLiteral("ERROR"));
+        break;
     }
 }
 
@@ -73,8 +78,10 @@ QString displayedValue(const QVariant& value) {
     case QMetaType::UInt:
     case QMetaType::ULongLong:
     case QMetaType::Double:
-    case QMetaType::Float: return value.toString();
-    default: return u'\'' + value.toString() + u'\'';
+    case QMetaType::Float:
+        return value.toString();
+    default:
+        return u'\'' + value.toString() + u'\'';
     }
 }
 } // namespace
@@ -114,13 +121,17 @@ QString quoteName(const QString& name) {
 
 Database::Database() = default;
 
-Database::~Database() { close(); }
+Database::~Database() {
+    close();
+}
 
 bool Database::isOpen() const {
     return !m_connection.isEmpty() && QSqlDatabase::database(m_connection, false).isOpen();
 }
 
-QSqlDatabase Database::connection() const { return QSqlDatabase::database(m_connection, false); }
+QSqlDatabase Database::connection() const {
+    return QSqlDatabase::database(m_connection, false);
+}
 
 // Opens the connection on path; the journal mode is the first real read, so a file that is
 // no store fails here.
@@ -185,7 +196,8 @@ bool Database::run(QSqlQuery& q, const QString& sql, const QVariantList& values)
     ++m_statementsRun;
     bool ok = q.prepare(sql);
     if (ok) {
-        for (const QVariant& v : values) q.addBindValue(v);
+        for (const QVariant& v : values)
+            q.addBindValue(v);
         ok = q.exec();
     }
     if (!ok) {
@@ -258,7 +270,8 @@ QStringList Database::columns(const QString& table) const {
     q.prepare(QStringLiteral("SELECT name FROM pragma_table_info(?)"));
     q.addBindValue(table);
     q.exec();
-    while (q.next()) out << q.value(0).toString();
+    while (q.next())
+        out << q.value(0).toString();
     return out;
 }
 
@@ -284,13 +297,15 @@ QList<IndexInfo> Database::indexes(const QString& table) const {
     q.prepare(QStringLiteral("SELECT name, \"unique\", origin FROM pragma_index_list(?)"));
     q.addBindValue(table);
     q.exec();
-    while (q.next()) out.push_back({q.value(0).toString(), q.value(1).toInt() != 0, q.value(2).toString(), {}});
+    while (q.next())
+        out.push_back({q.value(0).toString(), q.value(1).toInt() != 0, q.value(2).toString(), {}});
     for (IndexInfo& index : out) {
         QSqlQuery c(connection());
         c.prepare(QStringLiteral("SELECT name FROM pragma_index_info(?) ORDER BY seqno"));
         c.addBindValue(index.name);
         c.exec();
-        while (c.next()) index.columns << c.value(0).toString();
+        while (c.next())
+            index.columns << c.value(0).toString();
     }
     return out;
 }

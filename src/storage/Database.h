@@ -31,21 +31,23 @@ enum DaoType : int {
 // Error numbers the failure boxes are chosen by.
 enum DbError : int {
     ErrNone = 0,
-    ErrNotOpened = 91,  // the store file was never opened
-    ErrSyntax = 3011,   // statement not understood, or names a missing table or column
-    ErrEngine = 3261,   // the file or a table is locked by another connection
+    ErrNotOpened = 91, // the store file was never opened
+    ErrSyntax = 3011,  // statement not understood, or names a missing table or column
+    ErrEngine = 3261,  // the file or a table is locked by another connection
 };
 
 // Booleans are stored as the original stored them.
 inline constexpr int kStoredTrue = -1;
 inline constexpr int kStoredFalse = 0;
-inline int storedBool(bool value) { return value ? kStoredTrue : kStoredFalse; }
+inline int storedBool(bool value) {
+    return value ? kStoredTrue : kStoredFalse;
+}
 
 // One index of a table as the store file holds it.
 struct IndexInfo {
     QString name;
     bool unique = false;
-    QString origin;  // "c" created by CREATE INDEX, "pk" / "u" from the table's constraints
+    QString origin; // "c" created by CREATE INDEX, "pk" / "u" from the table's constraints
     QStringList columns;
 };
 
@@ -96,7 +98,7 @@ public:
     bool inTransaction() const { return !m_savepoints.isEmpty(); }
 
     // Schema questions, names compared without regard to case unless stated.
-    bool hasTable(const QString& table) const;  // exact name, as the upgrade steps compare
+    bool hasTable(const QString& table) const; // exact name, as the upgrade steps compare
     QStringList columns(const QString& table) const;
     bool hasColumn(const QString& table, const QString& column) const;
     // The declared type of a column as the file holds it ("TEXT(6)", "REAL"), empty if absent.
@@ -150,7 +152,7 @@ public:
 
     int fieldCount() const { return int(m_names.size()); }
     QString fieldName(int i) const { return m_names.value(i); }
-    int fieldIndex(const QString& name) const;  // without regard to case; -1 when absent
+    int fieldIndex(const QString& name) const; // without regard to case; -1 when absent
     // The value of the current row; an invalid QVariant for a missing field or no current row.
     QVariant field(const QString& name) const;
     QVariant field(int index) const;
@@ -175,7 +177,7 @@ private:
     bool m_open = false;
     bool m_dynaset = false;
     Database* m_db = nullptr;
-    QString m_table;  // the table a dynaset adds rows to
+    QString m_table; // the table a dynaset adds rows to
     QStringList m_names;
     std::vector<QVariantList> m_rows;
     int m_row = 0;

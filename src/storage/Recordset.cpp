@@ -11,7 +11,7 @@ QString tableOf(const QString& sql) {
     for (int i = 0; i + 1 < words.size(); ++i)
         if (words[i].compare(QStringLiteral("FROM"), Qt::CaseInsensitive) == 0)
             return QString(words[i + 1]).remove(u';');
-    return sql.simplified().section(u' ', 0, 0);  // a plain table name
+    return sql.simplified().section(u' ', 0, 0); // a plain table name
 }
 
 } // namespace
@@ -27,9 +27,13 @@ QVariant Recordset::field(int index) const {
     return m_rows[size_t(m_row)].value(index);
 }
 
-QVariant Recordset::field(const QString& name) const { return field(fieldIndex(name)); }
+QVariant Recordset::field(const QString& name) const {
+    return field(fieldIndex(name));
+}
 
-bool Recordset::isNull(const QString& name) const { return field(name).isNull(); }
+bool Recordset::isNull(const QString& name) const {
+    return field(name).isNull();
+}
 
 QString Recordset::text(const QString& name) const {
     const QVariant v = field(name);
@@ -84,7 +88,8 @@ void Recordset::close() {
     m_table.clear();
 }
 
-bool openRecordset(Database& db, Recordset& rs, const QString& sql, const QVariantList& values, bool dynaset) {
+bool openRecordset(Database& db, Recordset& rs, const QString& sql, const QVariantList& values,
+                   bool dynaset) {
     rs.close();
     const bool plainTable = !sql.trimmed().contains(u' ');
     const QString statement = plainTable ? QStringLiteral("SELECT * FROM ") + sql.trimmed() : sql;
@@ -95,11 +100,13 @@ bool openRecordset(Database& db, Recordset& rs, const QString& sql, const QVaria
         return false;
     }
     const QSqlRecord rec = q.record();
-    for (int i = 0; i < rec.count(); ++i) rs.m_names << rec.fieldName(i);
+    for (int i = 0; i < rec.count(); ++i)
+        rs.m_names << rec.fieldName(i);
     while (q.next()) {
         QVariantList row;
         row.reserve(rec.count());
-        for (int i = 0; i < rec.count(); ++i) row << q.value(i);
+        for (int i = 0; i < rec.count(); ++i)
+            row << q.value(i);
         rs.m_rows.push_back(std::move(row));
     }
     rs.m_open = true;
@@ -110,7 +117,9 @@ bool openRecordset(Database& db, Recordset& rs, const QString& sql, const QVaria
     return true;
 }
 
-bool OpenDb(Database& db, const QString& path, int exclusive) { return db.open(path, exclusive != 0); }
+bool OpenDb(Database& db, const QString& path, int exclusive) {
+    return db.open(path, exclusive != 0);
+}
 
 bool OpenDynaset(Database& db, Recordset& rs, const QString& sql, const QVariantList& values) {
     return openRecordset(db, rs, sql, values, true);
@@ -120,6 +129,8 @@ bool OpenSnapshot(Database& db, Recordset& rs, const QString& sql, const QVarian
     return openRecordset(db, rs, sql, values, false);
 }
 
-void CloseRs(Recordset& rs) { rs.close(); }
+void CloseRs(Recordset& rs) {
+    rs.close();
+}
 
 } // namespace nb

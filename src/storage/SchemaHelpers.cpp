@@ -1,8 +1,7 @@
 // The schema helpers: column types as the store declares them, index names, the primary index
 // rule, and DAO_AddField, the one live helper that adds a column.
-#include "storage/Database.h"
-
 #include "common/Messages.h"
+#include "storage/Database.h"
 
 namespace nb {
 namespace {
@@ -30,16 +29,23 @@ QString addColumnSql(const QString& table, const QString& field, int type, int s
 
 QString declaredType(int type, int size) {
     switch (type) {
-    case dbBoolean: return QStringLiteral("BOOLEAN");
-    case dbByte: return QStringLiteral("TINYINT");
-    case dbInteger: return QStringLiteral("SMALLINT");
-    case dbLong: return QStringLiteral("INTEGER");
+    case dbBoolean:
+        return QStringLiteral("BOOLEAN");
+    case dbByte:
+        return QStringLiteral("TINYINT");
+    case dbInteger:
+        return QStringLiteral("SMALLINT");
+    case dbLong:
+        return QStringLiteral("INTEGER");
     case dbSingle:
-    case dbDouble: return QStringLiteral("REAL");
+    case dbDouble:
+        return QStringLiteral("REAL");
     case dbText:
         return size > 0 ? QStringLiteral("TEXT(") + QString::number(size) + u')' : QStringLiteral("TEXT");
-    case dbMemo: return QStringLiteral("TEXT");
-    default: return QStringLiteral("NUMERIC");
+    case dbMemo:
+        return QStringLiteral("TEXT");
+    default:
+        return QStringLiteral("NUMERIC");
     }
 }
 
@@ -71,7 +77,7 @@ bool DAO_AddField(Database& db, const QString& table, const QString& field, int 
     }
     reportAddFieldFailure(db, table, field);
     db.rollback();
-    return true;  // the original carried on after its report and still answered true
+    return true; // the original carried on after its report and still answered true
 }
 
 } // namespace nb

@@ -5,30 +5,52 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-
 #include <unistd.h>
 
 namespace nb {
 namespace {
 
-ColumnDef text(const QString& name, int size) { return {name, dbText, size, false}; }
-ColumnDef memo(const QString& name) { return {name, dbMemo, 0, false}; }
-ColumnDef real(const QString& name) { return {name, dbDouble, 0, false}; }
-ColumnDef single(const QString& name) { return {name, dbSingle, 0, false}; }
-ColumnDef longInt(const QString& name) { return {name, dbLong, 0, false}; }
-ColumnDef shortInt(const QString& name) { return {name, dbInteger, 0, false}; }
-ColumnDef byteInt(const QString& name) { return {name, dbByte, 0, false}; }
-ColumnDef yesNo(const QString& name) { return {name, dbBoolean, 0, false}; }
+ColumnDef text(const QString& name, int size) {
+    return {name, dbText, size, false};
+}
+ColumnDef memo(const QString& name) {
+    return {name, dbMemo, 0, false};
+}
+ColumnDef real(const QString& name) {
+    return {name, dbDouble, 0, false};
+}
+ColumnDef single(const QString& name) {
+    return {name, dbSingle, 0, false};
+}
+ColumnDef longInt(const QString& name) {
+    return {name, dbLong, 0, false};
+}
+ColumnDef shortInt(const QString& name) {
+    return {name, dbInteger, 0, false};
+}
+ColumnDef byteInt(const QString& name) {
+    return {name, dbByte, 0, false};
+}
+ColumnDef yesNo(const QString& name) {
+    return {name, dbBoolean, 0, false};
+}
 
 // An index only for the speed of the documents' queries.
-IndexDef speed(const QStringList& columns) { return {columns.first(), columns, false}; }
+IndexDef speed(const QStringList& columns) {
+    return {columns.first(), columns, false};
+}
 
 TableDef userTable() {
     return {QStringLiteral("User"),
-            {text(QStringLiteral("Company"), 50), text(QStringLiteral("Delegate"), 30),
-             {QStringLiteral("Serial"), dbText, 12, true}, text(QStringLiteral("Post"), 7),
-             text(QStringLiteral("Addr"), 100), text(QStringLiteral("Phone"), 20), text(QStringLiteral("Fax"), 20),
-             text(QStringLiteral("Status"), 50), text(QStringLiteral("Item"), 50)},
+            {text(QStringLiteral("Company"), 50),
+             text(QStringLiteral("Delegate"), 30),
+             {QStringLiteral("Serial"), dbText, 12, true},
+             text(QStringLiteral("Post"), 7),
+             text(QStringLiteral("Addr"), 100),
+             text(QStringLiteral("Phone"), 20),
+             text(QStringLiteral("Fax"), 20),
+             text(QStringLiteral("Status"), 50),
+             text(QStringLiteral("Item"), 50)},
             {{QStringLiteral("PK"), {QStringLiteral("Serial")}, true}}};
 }
 
@@ -36,7 +58,8 @@ TableDef environmentTable() {
     return {QStringLiteral("Environment"),
             {shortInt(QStringLiteral("StockProc")), byteInt(QStringLiteral("Standard")),
              shortInt(QStringLiteral("Special")), shortInt(QStringLiteral("StockManage")),
-             text(QStringLiteral("Password"), 20), text(QStringLiteral("sPost"), 7), text(QStringLiteral("ePost"), 7)},
+             text(QStringLiteral("Password"), 20), text(QStringLiteral("sPost"), 7),
+             text(QStringLiteral("ePost"), 7)},
             {}};
 }
 
@@ -58,42 +81,49 @@ TableDef traderTable() {
 
 TableDef productTable() {
     return {QStringLiteral("Product"),
-            {text(QStringLiteral("Code"), 6), text(QStringLiteral("PName"), 50), text(QStringLiteral("PNorm"), 50),
-             real(QStringLiteral("BuyPrice")), real(QStringLiteral("SalePrice")), text(QStringLiteral("Unit"), 10),
+            {text(QStringLiteral("Code"), 6), text(QStringLiteral("PName"), 50),
+             text(QStringLiteral("PNorm"), 50), real(QStringLiteral("BuyPrice")),
+             real(QStringLiteral("SalePrice")), text(QStringLiteral("Unit"), 10),
              text(QStringLiteral("Bigo"), 255), real(QStringLiteral("PTax"))},
             {speed({QStringLiteral("Code")})}};
 }
 
 TableDef postTable() {
     return {QStringLiteral("Post"),
-            {text(QStringLiteral("ZIPCODE"), 6), text(QStringLiteral("SIDO"), 20), text(QStringLiteral("GUGUN"), 30),
-             text(QStringLiteral("DONG"), 50), text(QStringLiteral("BUNJI"), 50)},
+            {text(QStringLiteral("ZIPCODE"), 6), text(QStringLiteral("SIDO"), 20),
+             text(QStringLiteral("GUGUN"), 30), text(QStringLiteral("DONG"), 50),
+             text(QStringLiteral("BUNJI"), 50)},
             {speed({QStringLiteral("DONG")})}};
 }
 
 TableDef masterTable() {
     return {QStringLiteral("Master"),
-            {text(QStringLiteral("BillNo"), 6), text(QStringLiteral("BillDate"), 10), text(QStringLiteral("CCode"), 6),
-             real(QStringLiteral("TotAmount")), real(QStringLiteral("TotVat")), longInt(QStringLiteral("NumBill"))},
-            {speed({QStringLiteral("BillNo")}), speed({QStringLiteral("BillDate")}), speed({QStringLiteral("CCode")})}};
+            {text(QStringLiteral("BillNo"), 6), text(QStringLiteral("BillDate"), 10),
+             text(QStringLiteral("CCode"), 6), real(QStringLiteral("TotAmount")),
+             real(QStringLiteral("TotVat")), longInt(QStringLiteral("NumBill"))},
+            {speed({QStringLiteral("BillNo")}), speed({QStringLiteral("BillDate")}),
+             speed({QStringLiteral("CCode")})}};
 }
 
 TableDef detailTable() {
     return {QStringLiteral("Detail"),
-            {text(QStringLiteral("BillNo"), 6), longInt(QStringLiteral("BillSEQ")), text(QStringLiteral("PName"), 50),
-             text(QStringLiteral("Unit"), 10), real(QStringLiteral("Quant")), real(QStringLiteral("Price")),
-             real(QStringLiteral("DC")), real(QStringLiteral("Amount")), real(QStringLiteral("VAT"))},
+            {text(QStringLiteral("BillNo"), 6), longInt(QStringLiteral("BillSEQ")),
+             text(QStringLiteral("PName"), 50), text(QStringLiteral("Unit"), 10),
+             real(QStringLiteral("Quant")), real(QStringLiteral("Price")), real(QStringLiteral("DC")),
+             real(QStringLiteral("Amount")), real(QStringLiteral("VAT"))},
             {speed({QStringLiteral("BillNo"), QStringLiteral("BillSEQ")})}};
 }
 
 TableDef newAcountTable() {
     return {QStringLiteral("NewAcount"),
-            {text(QStringLiteral("TaxCode"), 10), text(QStringLiteral("CCode"), 6), text(QStringLiteral("PName"), 50),
-             text(QStringLiteral("PNorm"), 50), real(QStringLiteral("Quantity")), real(QStringLiteral("UnitCost")),
-             real(QStringLiteral("TradeKum")), real(QStringLiteral("VatKum")), text(QStringLiteral("DealDate"), 10),
-             memo(QStringLiteral("IssueDate")), text(QStringLiteral("TradeDate"), 10),
-             text(QStringLiteral("UserCode"), 15)},
-            {speed({QStringLiteral("TaxCode")}), speed({QStringLiteral("CCode")}), speed({QStringLiteral("DealDate")})}};
+            {text(QStringLiteral("TaxCode"), 10), text(QStringLiteral("CCode"), 6),
+             text(QStringLiteral("PName"), 50), text(QStringLiteral("PNorm"), 50),
+             real(QStringLiteral("Quantity")), real(QStringLiteral("UnitCost")),
+             real(QStringLiteral("TradeKum")), real(QStringLiteral("VatKum")),
+             text(QStringLiteral("DealDate"), 10), memo(QStringLiteral("IssueDate")),
+             text(QStringLiteral("TradeDate"), 10), text(QStringLiteral("UserCode"), 15)},
+            {speed({QStringLiteral("TaxCode")}), speed({QStringLiteral("CCode")}),
+             speed({QStringLiteral("DealDate")})}};
 }
 
 QList<IndexDef> primaryAndPlain(const QStringList& columns) {
@@ -102,37 +132,42 @@ QList<IndexDef> primaryAndPlain(const QStringList& columns) {
 
 TableDef buyTaxTable() {
     return {QStringLiteral("BuyTax"),
-            {text(QStringLiteral("Serial"), 8), text(QStringLiteral("CCode"), 6), text(QStringLiteral("PCode"), 9),
-             text(QStringLiteral("CName"), 40), text(QStringLiteral("DealDate"), 10),
-             text(QStringLiteral("IssueDate"), 10), longInt(QStringLiteral("TradeKum")),
-             longInt(QStringLiteral("VatKum")), longInt(QStringLiteral("Blank")), text(QStringLiteral("List"), 30),
+            {text(QStringLiteral("Serial"), 8), text(QStringLiteral("CCode"), 6),
+             text(QStringLiteral("PCode"), 9), text(QStringLiteral("CName"), 40),
+             text(QStringLiteral("DealDate"), 10), text(QStringLiteral("IssueDate"), 10),
+             longInt(QStringLiteral("TradeKum")), longInt(QStringLiteral("VatKum")),
+             longInt(QStringLiteral("Blank")), text(QStringLiteral("List"), 30),
              text(QStringLiteral("Section"), 1), text(QStringLiteral("UserCode"), 15)},
             primaryAndPlain({QStringLiteral("Serial"), QStringLiteral("CCode"), QStringLiteral("DealDate")})};
 }
 
 TableDef totalTable(const QString& name) {
     return {name,
-            {text(QStringLiteral("Serial"), 8), text(QStringLiteral("CCode"), 6), longInt(QStringLiteral("TradeKum")),
-             longInt(QStringLiteral("VatKum")), longInt(QStringLiteral("Blank")), text(QStringLiteral("CName"), 30),
+            {text(QStringLiteral("Serial"), 8), text(QStringLiteral("CCode"), 6),
+             longInt(QStringLiteral("TradeKum")), longInt(QStringLiteral("VatKum")),
+             longInt(QStringLiteral("Blank")), text(QStringLiteral("CName"), 30),
              text(QStringLiteral("UserCode"), 15)},
             primaryAndPlain({QStringLiteral("Serial"), QStringLiteral("CCode")})};
 }
 
 TableDef estiBaseTable() {
     return {QStringLiteral("EstiBase"),
-            {text(QStringLiteral("EstiCode"), 20), text(QStringLiteral("CCode"), 6), text(QStringLiteral("CName"), 50),
-             text(QStringLiteral("EstiDate"), 10), text(QStringLiteral("DeriveDate"), 10),
-             text(QStringLiteral("ClassName"), 100), real(QStringLiteral("EstiKum")),
-             text(QStringLiteral("EstiHanKum"), 100), yesNo(QStringLiteral("Vat")), text(QStringLiteral("Refer"), 30),
+            {text(QStringLiteral("EstiCode"), 20), text(QStringLiteral("CCode"), 6),
+             text(QStringLiteral("CName"), 50), text(QStringLiteral("EstiDate"), 10),
+             text(QStringLiteral("DeriveDate"), 10), text(QStringLiteral("ClassName"), 100),
+             real(QStringLiteral("EstiKum")), text(QStringLiteral("EstiHanKum"), 100),
+             yesNo(QStringLiteral("Vat")), text(QStringLiteral("Refer"), 30),
              text(QStringLiteral("Validate"), 50), text(QStringLiteral("Section"), 50)},
             {speed({QStringLiteral("EstiCode")})}};
 }
 
 TableDef estimateTable() {
     return {QStringLiteral("Estimate"),
-            {longInt(QStringLiteral("Seq")), text(QStringLiteral("Code"), 20), text(QStringLiteral("PCode"), 6),
-             text(QStringLiteral("PName"), 50), text(QStringLiteral("PNorm"), 50), single(QStringLiteral("EAmount")),
-             single(QStringLiteral("EUnitPrice")), longInt(QStringLiteral("EstiKum")), text(QStringLiteral("EUnit"), 10)},
+            {longInt(QStringLiteral("Seq")), text(QStringLiteral("Code"), 20),
+             text(QStringLiteral("PCode"), 6), text(QStringLiteral("PName"), 50),
+             text(QStringLiteral("PNorm"), 50), single(QStringLiteral("EAmount")),
+             single(QStringLiteral("EUnitPrice")), longInt(QStringLiteral("EstiKum")),
+             text(QStringLiteral("EUnit"), 10)},
             {speed({QStringLiteral("Code")}), speed({QStringLiteral("Seq")})}};
 }
 
@@ -152,11 +187,12 @@ QString columnSql(const TableDef& table, const ColumnDef& column) {
 
 QString indexSql(const TableDef& table, const IndexDef& index) {
     QStringList columns;
-    for (const QString& c : index.columns) columns << quoteName(c);
+    for (const QString& c : index.columns)
+        columns << quoteName(c);
     return QStringLiteral("CREATE ") + (index.primary ? QStringLiteral("UNIQUE ") : QString()) +
            QStringLiteral("INDEX IF NOT EXISTS ") + quoteName(storeIndexName(table.name, index.name)) +
-           QStringLiteral(" ON ") + quoteName(table.name) + QStringLiteral(" (") + columns.join(QStringLiteral(", ")) +
-           u')';
+           QStringLiteral(" ON ") + quoteName(table.name) + QStringLiteral(" (") +
+           columns.join(QStringLiteral(", ")) + u')';
 }
 
 // The file was built without a flush per statement; it reaches the disk once, before it is
@@ -168,14 +204,22 @@ bool flushToDisk(const QString& path) {
 
 } // namespace
 
-QList<TableDef> basicTables() { return {userTable(), environmentTable(), traderTable(), productTable()}; }
-QList<TableDef> billTables() { return {masterTable(), detailTable()}; }
+QList<TableDef> basicTables() {
+    return {userTable(), environmentTable(), traderTable(), productTable()};
+}
+QList<TableDef> billTables() {
+    return {masterTable(), detailTable()};
+}
 QList<TableDef> taxTables() {
     return {newAcountTable(), buyTaxTable(), totalTable(QStringLiteral("BuyTotal")),
             totalTable(QStringLiteral("SaleTotal"))};
 }
-QList<TableDef> estimateTables() { return {estiBaseTable(), estimateTable()}; }
-QList<TableDef> postTables() { return {postTable()}; }
+QList<TableDef> estimateTables() {
+    return {estiBaseTable(), estimateTable()};
+}
+QList<TableDef> postTables() {
+    return {postTable()};
+}
 
 TableDef tableDef(const QString& name) {
     for (const auto& file : {basicTables(), billTables(), taxTables(), estimateTables(), postTables()})
@@ -186,10 +230,12 @@ TableDef tableDef(const QString& name) {
 
 QStringList createStatements(const TableDef& table) {
     QStringList columns;
-    for (const ColumnDef& column : table.columns) columns << columnSql(table, column);
-    QStringList out{QStringLiteral("CREATE TABLE IF NOT EXISTS ") + quoteName(table.name) + QStringLiteral(" (") +
-                    columns.join(QStringLiteral(", ")) + u')'};
-    for (const IndexDef& index : table.indexes) out << indexSql(table, index);
+    for (const ColumnDef& column : table.columns)
+        columns << columnSql(table, column);
+    QStringList out{QStringLiteral("CREATE TABLE IF NOT EXISTS ") + quoteName(table.name) +
+                    QStringLiteral(" (") + columns.join(QStringLiteral(", ")) + u')'};
+    for (const IndexDef& index : table.indexes)
+        out << indexSql(table, index);
     return out;
 }
 
@@ -227,8 +273,9 @@ bool createStoreFile(const QString& path, const QList<TableDef>& tables) {
 void CreateMissingStoreFiles() {
     const AppState& a = app();
     const std::pair<QString, QList<TableDef>> files[] = {
-        {a.DbBasicFile, basicTables()}, {a.DbBillFile, billTables()},         {a.DbTaxFile, taxTables()},
-        {a.DbInOutFile, {}},            {a.DbEstimateFile, estimateTables()}, {a.DbPostFile, postTables()},
+        {a.DbBasicFile, basicTables()},       {a.DbBillFile, billTables()},
+        {a.DbTaxFile, taxTables()},           {a.DbInOutFile, {}},
+        {a.DbEstimateFile, estimateTables()}, {a.DbPostFile, postTables()},
     };
     for (const auto& [path, tables] : files)
         if (!path.isEmpty() && !QFileInfo::exists(path)) createStoreFile(path, tables);

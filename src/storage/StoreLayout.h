@@ -23,13 +23,13 @@ namespace nb {
 
 struct ColumnDef {
     QString name;
-    int type = dbText;  // DaoType
-    int size = 0;       // text width; 0 for the engine's default
+    int type = dbText; // DaoType
+    int size = 0;      // text width; 0 for the engine's default
     bool required = false;
 };
 
 struct IndexDef {
-    QString name;  // the original's name on the table; the store's is storeIndexName(table, name)
+    QString name; // the original's name on the table; the store's is storeIndexName(table, name)
     QStringList columns;
     bool primary = false;
 };
@@ -41,11 +41,11 @@ struct TableDef {
 };
 
 // The tables of each file, in the order they are created.
-QList<TableDef> basicTables();     // User, Environment, Trader, Product
-QList<TableDef> billTables();      // Master, Detail
-QList<TableDef> taxTables();       // NewAcount, BuyTax, BuyTotal, SaleTotal
-QList<TableDef> estimateTables();  // EstiBase, Estimate
-QList<TableDef> postTables();      // Post
+QList<TableDef> basicTables();    // User, Environment, Trader, Product
+QList<TableDef> billTables();     // Master, Detail
+QList<TableDef> taxTables();      // NewAcount, BuyTax, BuyTotal, SaleTotal
+QList<TableDef> estimateTables(); // EstiBase, Estimate
+QList<TableDef> postTables();     // Post
 // One table by name (exact), from any file; an empty definition when unknown.
 TableDef tableDef(const QString& name);
 

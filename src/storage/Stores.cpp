@@ -16,7 +16,9 @@ void forgetMissingDefaultSupplier() {
     SaveEnv(kDefaultSupplierKey, QString());
 }
 
-bool openAllUsers() { return OpenSnapshot(stores().dbBasic, rsUser(), QStringLiteral("SELECT * FROM User")); }
+bool openAllUsers() {
+    return OpenSnapshot(stores().dbBasic, rsUser(), QStringLiteral("SELECT * FROM User"));
+}
 
 } // namespace
 
@@ -52,18 +54,19 @@ Recordset& rsUser() {
 bool LoadDefaultUser() {
     AppState& a = app();
     const bool byDefault = !a.DefaultSerial.isEmpty();
-    const bool opened = byDefault ? OpenSnapshot(stores().dbBasic, rsUser(),
-                                                 QStringLiteral("SELECT * FROM User WHERE Serial = ?"),
-                                                 {a.DefaultSerial})
-                                  : openAllUsers();
+    const bool opened =
+        byDefault ? OpenSnapshot(stores().dbBasic, rsUser(),
+                                 QStringLiteral("SELECT * FROM User WHERE Serial = ?"), {a.DefaultSerial})
+                  : openAllUsers();
     if (!opened) return false;
     if (byDefault && rsUser().RecordCount() == 0) {
         forgetMissingDefaultSupplier();
         if (!openAllUsers()) return false;
     }
     if (!rsUser().EOF_()) {
-        a.DefaultCompany = rsUser().isNull(QStringLiteral("Company")) ? kPlaceholderCompany
-                                                                      : rsUser().text(QStringLiteral("Company"));
+        a.DefaultCompany = rsUser().isNull(QStringLiteral("Company"))
+                               ? kPlaceholderCompany
+                               : rsUser().text(QStringLiteral("Company"));
         return true;
     }
     a.DefaultCompany = kPlaceholderCompany;

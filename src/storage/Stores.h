@@ -6,10 +6,10 @@
 namespace nb {
 
 struct Stores {
-    Database dbBasic;     // User, Environment, Trader, Product
-    Database dbBill;      // Master, Detail
-    Database dbTax;       // NewAcount, BuyTax, BuyTotal, SaleTotal
-    Database dbEstimate;  // EstiBase, Estimate (opened by the quotation screen)
+    Database dbBasic;    // User, Environment, Trader, Product
+    Database dbBill;     // Master, Detail
+    Database dbTax;      // NewAcount, BuyTax, BuyTotal, SaleTotal
+    Database dbEstimate; // EstiBase, Estimate (opened by the quotation screen)
 };
 Stores& stores();
 // Closes everything (tests, and before the files are replaced).

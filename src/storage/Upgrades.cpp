@@ -39,7 +39,8 @@ bool addInvoiceSupplierColumn(Database& tax, Database& basic) {
     }
     bool moved = true;
     if (!users.EOF_())
-        moved = tax.Execute(QStringLiteral("Update NewAcount Set UserCode = ?"), {users.text(QStringLiteral("Serial"))});
+        moved = tax.Execute(QStringLiteral("Update NewAcount Set UserCode = ?"),
+                            {users.text(QStringLiteral("Serial"))});
     CloseRs(users);
     moved ? void(tax.commit()) : tax.rollback();
     return true;
@@ -50,7 +51,8 @@ bool addInvoiceSupplierColumn(Database& tax, Database& basic) {
 void addSupplierPrimaryIndex(Database& basic) {
     const QString table = QStringLiteral("User");
     if (!basic.hasTable(table) || basic.hasPrimaryIndex(table)) return;
-    basic.Execute(QStringLiteral("CREATE UNIQUE INDEX ") + quoteName(storeIndexName(table, QStringLiteral("PK"))) +
+    basic.Execute(QStringLiteral("CREATE UNIQUE INDEX ") +
+                  quoteName(storeIndexName(table, QStringLiteral("PK"))) +
                   QStringLiteral(" ON \"User\" (\"Serial\")"));
 }
 

@@ -3,7 +3,6 @@
 // by raw statements (old layouts), and reading a file without the program's helpers.
 
 #include "TestSupport.h"
-
 #include "core/AppState.h"
 #include "storage/Database.h"
 
@@ -46,15 +45,19 @@ inline QVariantList rawColumn(const QString& path, const QString& sql) {
     if (!db.open(path)) return out;
     QSqlQuery q(db.connection());
     if (!q.exec(sql)) return out;
-    while (q.next()) out << q.value(0);
+    while (q.next())
+        out << q.value(0);
     return out;
 }
 
-inline QVariant rawValue(const QString& path, const QString& sql) { return rawColumn(path, sql).value(0); }
+inline QVariant rawValue(const QString& path, const QString& sql) {
+    return rawColumn(path, sql).value(0);
+}
 
 inline QStringList texts(const QVariantList& values) {
     QStringList out;
-    for (const QVariant& v : values) out << (v.isNull() ? QStringLiteral("<null>") : v.toString());
+    for (const QVariant& v : values)
+        out << (v.isNull() ? QStringLiteral("<null>") : v.toString());
     return out;
 }
 

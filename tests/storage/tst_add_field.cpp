@@ -36,7 +36,8 @@ private Q_SLOTS:
         QVERIFY(DAO_AddField(db, QStringLiteral("Trader"), QStringLiteral("HPhone"), dbText, 14, true,
                              QStringLiteral("UPDATE Trader SET HPhone = ''")));
         QCOMPARE(db.columns(QStringLiteral("Trader")).last(), QStringLiteral("HPhone"));
-        QCOMPARE(db.columnType(QStringLiteral("Trader"), QStringLiteral("HPhone")), QStringLiteral("TEXT(14)"));
+        QCOMPARE(db.columnType(QStringLiteral("Trader"), QStringLiteral("HPhone")),
+                 QStringLiteral("TEXT(14)"));
         QCOMPARE(test::texts(test::rawColumn(db.path(), QStringLiteral("SELECT HPhone FROM Trader"))),
                  (QStringList{QString(), QString()}));
         // The second call finds the column: the statement does not run again.
@@ -46,7 +47,8 @@ private Q_SLOTS:
         QVERIFY(!DAO_AddField(db, QStringLiteral("Trader"), QStringLiteral("HPhone"), dbText, 14, true,
                               QStringLiteral("UPDATE Trader SET HPhone = ''")));
         QCOMPARE(db.statementsRun(), before);
-        QCOMPARE(test::rawValue(db.path(), QStringLiteral("SELECT HPhone FROM Trader WHERE Code = '000001'")).toString(),
+        QCOMPARE(test::rawValue(db.path(), QStringLiteral("SELECT HPhone FROM Trader WHERE Code = '000001'"))
+                     .toString(),
                  QStringLiteral("010-1"));
         QVERIFY(msgs.records().empty());
     }
@@ -59,18 +61,23 @@ private Q_SLOTS:
         QVERIFY(!DAO_AddField(db, QStringLiteral("Product"), QStringLiteral("Unit"), dbText, 10, true,
                               QStringLiteral("UPDATE Product SET Unit = PNorm, PNorm = ''")));
         QCOMPARE(db.statementsRun(), before);
-        QCOMPARE(test::rawValue(db.path(), QStringLiteral("SELECT PNorm FROM Product")).toString(), QStringLiteral("EA"));
+        QCOMPARE(test::rawValue(db.path(), QStringLiteral("SELECT PNorm FROM Product")).toString(),
+                 QStringLiteral("EA"));
         QCOMPARE(db.columns(QStringLiteral("Product")).count(), 4);
     }
     void sizeZeroLeavesTheWidthToTheEngine() {
         test::TestHome home;
         Database db;
         QVERIFY(db.open(oldBasicFile(home)));
-        QVERIFY(DAO_AddField(db, QStringLiteral("Trader"), QStringLiteral("Memo"), dbText, 0, true, QString()));
+        QVERIFY(
+            DAO_AddField(db, QStringLiteral("Trader"), QStringLiteral("Memo"), dbText, 0, true, QString()));
         QCOMPARE(db.columnType(QStringLiteral("Trader"), QStringLiteral("Memo")), QStringLiteral("TEXT"));
-        QVERIFY(DAO_AddField(db, QStringLiteral("Trader"), QStringLiteral("Points"), dbLong, 0, false, QString()));
-        QCOMPARE(db.columnType(QStringLiteral("Trader"), QStringLiteral("Points")), QStringLiteral("INTEGER"));
-        QVERIFY(DAO_AddField(db, QStringLiteral("Trader"), QStringLiteral("Grade"), dbLong, 7, false, QString()));
+        QVERIFY(DAO_AddField(db, QStringLiteral("Trader"), QStringLiteral("Points"), dbLong, 0, false,
+                             QString()));
+        QCOMPARE(db.columnType(QStringLiteral("Trader"), QStringLiteral("Points")),
+                 QStringLiteral("INTEGER"));
+        QVERIFY(
+            DAO_AddField(db, QStringLiteral("Trader"), QStringLiteral("Grade"), dbLong, 7, false, QString()));
         QCOMPARE(db.columnType(QStringLiteral("Trader"), QStringLiteral("Grade")), QStringLiteral("INTEGER"));
     }
     void allowZeroLengthDecidesWhetherEmptyTextIsAccepted() {
@@ -78,8 +85,10 @@ private Q_SLOTS:
         Database db;
         QVERIFY(db.open(oldBasicFile(home)));
         auto& msgs = test::script();
-        QVERIFY(DAO_AddField(db, QStringLiteral("Trader"), QStringLiteral("Strict"), dbText, 5, false, QString()));
-        QVERIFY(DAO_AddField(db, QStringLiteral("Trader"), QStringLiteral("Loose"), dbText, 5, true, QString()));
+        QVERIFY(DAO_AddField(db, QStringLiteral("Trader"), QStringLiteral("Strict"), dbText, 5, false,
+                             QString()));
+        QVERIFY(
+            DAO_AddField(db, QStringLiteral("Trader"), QStringLiteral("Loose"), dbText, 5, true, QString()));
         QVERIFY(db.Execute(QStringLiteral("UPDATE Trader SET Loose = ''")));
         QVERIFY(db.Execute(QStringLiteral("UPDATE Trader SET Strict = NULL")));
         QVERIFY(msgs.records().empty());
@@ -93,8 +102,8 @@ private Q_SLOTS:
         QVERIFY(DAO_AddField(db, QStringLiteral("Trader"), QStringLiteral("HPhone"), dbText, 14, true,
                              QStringLiteral("UPDATE Trader SET Missing = ''")));
         QCOMPARE(msgs.boxes().size(), size_t(1));
-        QCOMPARE(msgs.last().text, failureText(3011, QStringLiteral("no such column: Missing"), QStringLiteral("Trader"),
-                                               QStringLiteral("HPhone")));
+        QCOMPARE(msgs.last().text, failureText(3011, QStringLiteral("no such column: Missing"),
+                                               QStringLiteral("Trader"), QStringLiteral("HPhone")));
         QCOMPARE(msgs.last().title, applicationTitle());
         QCOMPARE(msgs.last().buttons, int(MbOk));
         // The column went with its statement, so the next start adds both again.
@@ -108,8 +117,8 @@ private Q_SLOTS:
         auto& msgs = test::script();
         QVERIFY(DAO_AddField(db, QStringLiteral("Absent"), QStringLiteral("HPhone"), dbText, 14, true,
                              QStringLiteral("UPDATE Absent SET HPhone = ''")));
-        QCOMPARE(msgs.last().text, failureText(3011, QStringLiteral("no such table: Absent"), QStringLiteral("Absent"),
-                                               QStringLiteral("HPhone")));
+        QCOMPARE(msgs.last().text, failureText(3011, QStringLiteral("no such table: Absent"),
+                                               QStringLiteral("Absent"), QStringLiteral("HPhone")));
     }
     void neverOpenedStoreShowsTheReport() {
         test::TestHome home;
@@ -118,8 +127,9 @@ private Q_SLOTS:
         QVERIFY(DAO_AddField(never, QStringLiteral("Trader"), QStringLiteral("HPhone"), dbText, 14, true,
                              QStringLiteral("UPDATE Trader SET HPhone = ''")));
         QCOMPARE(msgs.boxes().size(), size_t(1));
-        QCOMPARE(msgs.last().text, failureText(91, QStringLiteral("Object variable or With block variable not set"),
-                                               QStringLiteral("Trader"), QStringLiteral("HPhone")));
+        QCOMPARE(msgs.last().text,
+                 failureText(91, QStringLiteral("Object variable or With block variable not set"),
+                             QStringLiteral("Trader"), QStringLiteral("HPhone")));
     }
     void declaredTypesFollowTheOriginalTypes() {
         QCOMPARE(declaredType(dbText, 6), QStringLiteral("TEXT(6)"));

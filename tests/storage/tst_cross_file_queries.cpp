@@ -1,7 +1,6 @@
 // The two queries across store files: the statement list with the traders' names, and the
 // traders not dealt with since a date.
 #include "StoreTestKit.h"
-
 #include "storage/CrossFileQueries.h"
 #include "storage/StoreLayout.h"
 #include "storage/Stores.h"
@@ -13,15 +12,18 @@ using namespace nb;
 namespace {
 
 void addTrader(const QString& code, const QString& name) {
-    QVERIFY(stores().dbBasic.Execute(QStringLiteral("INSERT INTO Trader (Code, C_Name, Phone) VALUES (?, ?, ?)"),
-                                     {code, name, QStringLiteral("02-") + code}));
+    QVERIFY(
+        stores().dbBasic.Execute(QStringLiteral("INSERT INTO Trader (Code, C_Name, Phone) VALUES (?, ?, ?)"),
+                                 {code, name, QStringLiteral("02-") + code}));
 }
 
 void addStatement(const QString& billNo, const QString& date, const QString& trader) {
-    QVERIFY(stores().dbBill.Execute(QStringLiteral("INSERT INTO Master (BillNo, BillDate, CCode) VALUES (?, ?, ?)"),
-                                    {billNo, date, trader}));
-    QVERIFY(stores().dbBill.Execute(QStringLiteral("INSERT INTO Detail (BillNo, BillSEQ, PName) VALUES (?, 1, ?)"),
-                                    {billNo, QStringLiteral("품목")}));
+    QVERIFY(stores().dbBill.Execute(
+        QStringLiteral("INSERT INTO Master (BillNo, BillDate, CCode) VALUES (?, ?, ?)"),
+        {billNo, date, trader}));
+    QVERIFY(stores().dbBill.Execute(
+        QStringLiteral("INSERT INTO Detail (BillNo, BillSEQ, PName) VALUES (?, 1, ?)"),
+        {billNo, QStringLiteral("품목")}));
 }
 
 void openStores(const test::TestHome& home) {
@@ -45,13 +47,15 @@ QStringList rowsOf(Recordset& rs, const QStringList& fields) {
     QStringList out;
     for (rs.MoveFirst(); !rs.EOF_(); rs.MoveNext()) {
         QStringList row;
-        for (const QString& f : fields) row << rs.text(f);
+        for (const QString& f : fields)
+            row << rs.text(f);
         out << row.join(u'|');
     }
     return out;
 }
 
-const QStringList kStatementFields{QStringLiteral("BillNo"), QStringLiteral("BillDate"), QStringLiteral("C_Name")};
+const QStringList kStatementFields{QStringLiteral("BillNo"), QStringLiteral("BillDate"),
+                                   QStringLiteral("C_Name")};
 const QStringList kIdleFields{QStringLiteral("C_Name"), QStringLiteral("Code"), QStringLiteral("lastdate")};
 
 } // namespace
@@ -64,10 +68,10 @@ private Q_SLOTS:
         layDownTraders(home);
         Recordset rs;
         QVERIFY(OpenStatementList(rs, QStringLiteral("2024-01-01"), QStringLiteral("2024-12-31")));
-        QCOMPARE(rowsOf(rs, kStatementFields),
-                 (QStringList{QStringLiteral("000001|2024-01-05|가나상사"), QStringLiteral("000002|2024-01-10|가나상사"),
-                              QStringLiteral("000003|2024-03-01|다라상회")}));
-        QCOMPARE(rs.fieldIndex(QStringLiteral("TotAmount")) >= 0, true);  // every Master column comes along
+        QCOMPARE(rowsOf(rs, kStatementFields), (QStringList{QStringLiteral("000001|2024-01-05|가나상사"),
+                                                            QStringLiteral("000002|2024-01-10|가나상사"),
+                                                            QStringLiteral("000003|2024-03-01|다라상회")}));
+        QCOMPARE(rs.fieldIndex(QStringLiteral("TotAmount")) >= 0, true); // every Master column comes along
     }
     void statementListKeepsAStatementWhoseTraderIsGone() {
         test::TestHome home;
@@ -94,8 +98,8 @@ private Q_SLOTS:
         Recordset rs;
         // Without its leading zero a January date falls outside January ...
         QVERIFY(OpenStatementList(rs, QStringLiteral("2024-01-01"), QStringLiteral("2024-01-31")));
-        QCOMPARE(rowsOf(rs, kStatementFields),
-                 (QStringList{QStringLiteral("000001|2024-01-05|가나상사"), QStringLiteral("000002|2024-01-10|가나상사")}));
+        QCOMPARE(rowsOf(rs, kStatementFields), (QStringList{QStringLiteral("000001|2024-01-05|가나상사"),
+                                                            QStringLiteral("000002|2024-01-10|가나상사")}));
         // ... and sorts after March.
         QVERIFY(OpenStatementList(rs, QStringLiteral("2024-01-01"), QStringLiteral("2024-12-31")));
         QCOMPARE(rowsOf(rs, kStatementFields).last(), QStringLiteral("000004|2024-1-20|가나상사"));
@@ -144,10 +148,14 @@ private Q_SLOTS:
         test::TestHome home;
         layDownTraders(home);
         // What the trader screen runs on delete: its statements' heads and its invoices go.
-        QVERIFY(stores().dbBill.Execute(QStringLiteral("DELETE FROM Master WHERE CCode = ?"), {QStringLiteral("000001")}));
-        QVERIFY(stores().dbTax.Execute(QStringLiteral("DELETE FROM NewAcount WHERE CCode = ?"), {QStringLiteral("000001")}));
-        QVERIFY(stores().dbBasic.Execute(QStringLiteral("DELETE FROM Trader WHERE Code = ?"), {QStringLiteral("000001")}));
-        QCOMPARE(test::texts(test::rawColumn(app().DbBillFile, QStringLiteral("SELECT BillNo FROM Detail ORDER BY BillNo"))),
+        QVERIFY(stores().dbBill.Execute(QStringLiteral("DELETE FROM Master WHERE CCode = ?"),
+                                        {QStringLiteral("000001")}));
+        QVERIFY(stores().dbTax.Execute(QStringLiteral("DELETE FROM NewAcount WHERE CCode = ?"),
+                                       {QStringLiteral("000001")}));
+        QVERIFY(stores().dbBasic.Execute(QStringLiteral("DELETE FROM Trader WHERE Code = ?"),
+                                         {QStringLiteral("000001")}));
+        QCOMPARE(test::texts(test::rawColumn(app().DbBillFile,
+                                             QStringLiteral("SELECT BillNo FROM Detail ORDER BY BillNo"))),
                  (QStringList{QStringLiteral("000001"), QStringLiteral("000002"), QStringLiteral("000003")}));
         QCOMPARE(test::texts(test::rawColumn(app().DbBillFile, QStringLiteral("SELECT BillNo FROM Master"))),
                  QStringList{QStringLiteral("000003")});
@@ -160,7 +168,8 @@ private Q_SLOTS:
         QSqlQuery q(stores().dbBill.connection());
         QVERIFY(q.exec(QStringLiteral("PRAGMA database_list")));
         QStringList names;
-        while (q.next()) names << q.value(1).toString();
+        while (q.next())
+            names << q.value(1).toString();
         QCOMPARE(names, QStringList{QStringLiteral("main")});
         QVERIFY(OpenStatementList(rs, QStringLiteral("2024-01-01"), QStringLiteral("2024-12-31")));
         QCOMPARE(rs.RecordCount(), 3);
@@ -173,9 +182,10 @@ private Q_SLOTS:
         Recordset rs;
         QVERIFY(!OpenStatementList(stores().dbBill, gone, rs, QStringLiteral("2024-01-01"),
                                    QStringLiteral("2024-12-31")));
-        QCOMPARE(msgs.last().text, QStringLiteral("unable to open database: ") + gone + u'\r' +
-                                       sqlForDisplay(statementListSql(false),
-                                                     {QStringLiteral("2024-01-01"), QStringLiteral("2024-12-31")}));
+        QCOMPARE(msgs.last().text,
+                 QStringLiteral("unable to open database: ") + gone + u'\r' +
+                     sqlForDisplay(statementListSql(false),
+                                   {QStringLiteral("2024-01-01"), QStringLiteral("2024-12-31")}));
         QCOMPARE(msgs.last().title, QStringLiteral("ERROR"));
         QVERIFY(!QFile::exists(gone));
         QVERIFY(!rs.isOpen());
@@ -186,7 +196,8 @@ private Q_SLOTS:
         auto& msgs = test::script();
         Recordset rs;
         QVERIFY(!OpenTradersNotDealtSince(rs, QStringLiteral("가"), QStringLiteral("2024-01-01")));
-        QVERIFY(msgs.last().text.startsWith(QStringLiteral("Data Base MDB가 선언되지 않았습니다.\rSELECT C_Name")));
+        QVERIFY(msgs.last().text.startsWith(
+            QStringLiteral("Data Base MDB가 선언되지 않았습니다.\rSELECT C_Name")));
         QCOMPARE(msgs.last().title, QStringLiteral("MDB 오류"));
     }
 };

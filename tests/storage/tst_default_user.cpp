@@ -1,6 +1,5 @@
 // Opening the three stores at start, and finding the default supplier into rsUser.
 #include "StoreTestKit.h"
-
 #include "core/Settings.h"
 #include "storage/StoreLayout.h"
 #include "storage/Stores.h"
@@ -55,7 +54,7 @@ private Q_SLOTS:
         QVERIFY(!OpenDatabases());
         QVERIFY(stores().dbBasic.isOpen());
         QVERIFY(!stores().dbTax.isOpen());
-        QVERIFY(!stores().dbBill.isOpen());  // the file is there, but behind the failure
+        QVERIFY(!stores().dbBill.isOpen()); // the file is there, but behind the failure
         QVERIFY(msgs.records().empty());
         QVERIFY(!QFile::exists(app().DbTaxFile));
     }
@@ -155,7 +154,7 @@ private Q_SLOTS:
         QCOMPARE(msgs.last().text, QStringLiteral("Data Base MDB가 선언되지 않았습니다.\r"
                                                   "SELECT * FROM User WHERE Serial = '111-11-11111'"));
         QCOMPARE(msgs.last().title, QStringLiteral("MDB 오류"));
-        QCOMPARE(app().DefaultSerial, QStringLiteral("111-11-11111"));  // nothing else happens
+        QCOMPARE(app().DefaultSerial, QStringLiteral("111-11-11111")); // nothing else happens
         QCOMPARE(app().DefaultCompany, QStringLiteral("이전"));
         QVERIFY(!rsUser().isOpen());
     }

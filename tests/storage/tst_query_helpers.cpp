@@ -1,7 +1,6 @@
 // The query helpers: opening files, the failure boxes by error number, reading and writing
 // rows with bound values, transactions and the count of statements run.
 #include "StoreTestKit.h"
-
 #include "storage/StoreLayout.h"
 
 #include <QFile>
@@ -133,7 +132,8 @@ private Q_SLOTS:
         const QString insert = QStringLiteral("INSERT INTO Trader (Code, Mobile) VALUES (?, ?)");
         QVERIFY(!db.Execute(insert, {QStringLiteral("000001"), QStringLiteral("010")}));
         QCOMPARE(msgs.last().text,
-                 kExpressionText + QStringLiteral("INSERT INTO Trader (Code, Mobile) VALUES ('000001', '010')"));
+                 kExpressionText +
+                     QStringLiteral("INSERT INTO Trader (Code, Mobile) VALUES ('000001', '010')"));
     }
     void lockedStoreShowsTheEngineDescriptionUnderMdbError() {
         test::TestHome home;
@@ -148,7 +148,8 @@ private Q_SLOTS:
         const QString sql = QStringLiteral("INSERT INTO Trader (Code) VALUES (?)");
         QVERIFY(!db.Execute(sql, {QStringLiteral("000002")}));
         QCOMPARE(db.lastErrorNumber(), int(ErrEngine));
-        QCOMPARE(msgs.last().text, QStringLiteral("database is locked\rINSERT INTO Trader (Code) VALUES ('000002')"));
+        QCOMPARE(msgs.last().text,
+                 QStringLiteral("database is locked\rINSERT INTO Trader (Code) VALUES ('000002')"));
         QCOMPARE(msgs.last().title, QStringLiteral("MDB 오류"));
         other.rollback();
     }
@@ -159,8 +160,10 @@ private Q_SLOTS:
         auto& msgs = test::script();
         const QString sql = QStringLiteral("INSERT INTO User (Company) VALUES (?)");
         QVERIFY(!db.Execute(sql, {QStringLiteral("무번호")}));
-        QCOMPARE(msgs.last().text,
-                 QStringLiteral("NOT NULL constraint failed: User.Serial\rINSERT INTO User (Company) VALUES ('무번호')"));
+        QCOMPARE(
+            msgs.last().text,
+            QStringLiteral(
+                "NOT NULL constraint failed: User.Serial\rINSERT INTO User (Company) VALUES ('무번호')"));
         QCOMPARE(msgs.last().title, QStringLiteral("ERROR"));
         QCOMPARE(msgs.last().buttons, int(MbInformation));
         QVERIFY(db.lastErrorNumber() != ErrSyntax && db.lastErrorNumber() != ErrNotOpened &&
@@ -214,7 +217,7 @@ private Q_SLOTS:
         QVERIFY(OpenSnapshot(db, rs, QStringLiteral("SELECT * FROM Trader")));
         QVERIFY(rs.isNull(QStringLiteral("Phone")));
         QCOMPARE(rs.text(QStringLiteral("Phone")), QString());
-        QVERIFY(!rs.text(QStringLiteral("Phone")).isNull());  // written back it stays the empty text
+        QVERIFY(!rs.text(QStringLiteral("Phone")).isNull()); // written back it stays the empty text
         QVERIFY(rs.isNull(QStringLiteral("TotNoPay")));
         QCOMPARE(rs.number(QStringLiteral("TotNoPay")), 0.0);
         QCOMPARE(rs.text(QStringLiteral("C_Name")), QStringLiteral("가"));
@@ -240,16 +243,19 @@ private Q_SLOTS:
         Database db;
         openFreshBasic(home, db);
         const QStringList names{QStringLiteral("O'Neil 상사"), QStringLiteral("a\\b"), QStringLiteral("x]y"),
-                                QStringLiteral("50%"), QStringLiteral("a_b"), QStringLiteral("axb"),
+                                QStringLiteral("50%"),         QStringLiteral("a_b"),  QStringLiteral("axb"),
                                 QStringLiteral("500")};
         for (int i = 0; i < names.size(); ++i)
             addTrader(db, QStringLiteral("%1").arg(i + 1, 6, 10, QLatin1Char('0')), names[i]);
         const auto find = [&](const QString& typed) {
             Recordset rs;
-            OpenSnapshot(db, rs, QStringLiteral("SELECT C_Name FROM Trader WHERE C_Name LIKE ? ESCAPE '\\' ORDER BY Code"),
-                         {u'%' + likeLiteral(typed) + u'%'});
+            OpenSnapshot(
+                db, rs,
+                QStringLiteral("SELECT C_Name FROM Trader WHERE C_Name LIKE ? ESCAPE '\\' ORDER BY Code"),
+                {u'%' + likeLiteral(typed) + u'%'});
             QStringList out;
-            for (; !rs.EOF_(); rs.MoveNext()) out << rs.text(QStringLiteral("C_Name"));
+            for (; !rs.EOF_(); rs.MoveNext())
+                out << rs.text(QStringLiteral("C_Name"));
             return out;
         };
         QCOMPARE(find(QStringLiteral("'")), QStringList{QStringLiteral("O'Neil 상사")});
@@ -298,7 +304,7 @@ private Q_SLOTS:
                            {QStringLiteral("000002"), storedBool(true)}));
         Recordset rs;
         QVERIFY(OpenSnapshot(db, rs, QStringLiteral("SELECT bDeled FROM Trader ORDER BY Code")));
-        QCOMPARE(rs.field(QStringLiteral("bDeled")).toInt(), 0);  // never null: false when not set
+        QCOMPARE(rs.field(QStringLiteral("bDeled")).toInt(), 0); // never null: false when not set
         QVERIFY(!rs.flag(QStringLiteral("bDeled")));
         rs.MoveNext();
         QCOMPARE(rs.field(QStringLiteral("bDeled")).toInt(), -1);
@@ -329,12 +335,13 @@ private Q_SLOTS:
         openFreshBasic(home, db);
         QVERIFY(db.beginTransaction());
         addTrader(db, QStringLiteral("000001"), QStringLiteral("가"));
-        QVERIFY(db.beginTransaction());  // an inner save rolled back alone
+        QVERIFY(db.beginTransaction()); // an inner save rolled back alone
         addTrader(db, QStringLiteral("000002"), QStringLiteral("나"));
         db.rollback();
         addTrader(db, QStringLiteral("000003"), QStringLiteral("다"));
         QVERIFY(db.commit());
-        QCOMPARE(test::texts(test::rawColumn(app().DbBasicFile, QStringLiteral("SELECT Code FROM Trader ORDER BY Code"))),
+        QCOMPARE(test::texts(test::rawColumn(app().DbBasicFile,
+                                             QStringLiteral("SELECT Code FROM Trader ORDER BY Code"))),
                  (QStringList{QStringLiteral("000001"), QStringLiteral("000003")}));
     }
     void statementsRunCountsStatementsButNotSchemaQuestions() {

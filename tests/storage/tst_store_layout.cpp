@@ -1,7 +1,6 @@
 // The store files made when missing: every table with its columns in order, declared types
 // and widths, the indexes, the journal, and existing files left alone.
 #include "StoreTestKit.h"
-
 #include "storage/StoreLayout.h"
 
 #include <QCryptographicHash>
@@ -39,7 +38,9 @@ QStringList tableNames(const QString& path) {
         path, QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY rowid")));
 }
 
-QStringList list(const char* spaced) { return QString::fromUtf8(spaced).split(u' '); }
+QStringList list(const char* spaced) {
+    return QString::fromUtf8(spaced).split(u' ');
+}
 
 } // namespace
 
@@ -81,35 +82,53 @@ private Q_SLOTS:
         QTest::addColumn<QString>("file");
         QTest::addColumn<QString>("table");
         QTest::addColumn<QStringList>("columns");
-        QTest::newRow("User") << "basic" << "User" << list("Company Delegate Serial Post Addr Phone Fax Status Item");
-        QTest::newRow("Environment") << "basic" << "Environment"
+        QTest::newRow("User") << "basic"
+                              << "User" << list("Company Delegate Serial Post Addr Phone Fax Status Item");
+        QTest::newRow("Environment") << "basic"
+                                     << "Environment"
                                      << list("StockProc Standard Special StockManage Password sPost ePost");
-        QTest::newRow("Trader") << "basic" << "Trader"
-                                << list("Code C_Name U_Name Serial Phone Fax HPhone DDD Charge VAT Addr1 Addr2 Post "
-                                        "Status Item OpenDate CloseDate EnterDate Section TotNoPay Bigo bDeled");
-        QTest::newRow("Product") << "basic" << "Product" << list("Code PName PNorm BuyPrice SalePrice Unit Bigo PTax");
-        QTest::newRow("Post") << "post" << "Post" << list("ZIPCODE SIDO GUGUN DONG BUNJI");
-        QTest::newRow("Master") << "bill" << "Master" << list("BillNo BillDate CCode TotAmount TotVat NumBill");
-        QTest::newRow("Detail") << "bill" << "Detail" << list("BillNo BillSEQ PName Unit Quant Price DC Amount VAT");
-        QTest::newRow("NewAcount") << "tax" << "NewAcount"
-                                   << list("TaxCode CCode PName PNorm Quantity UnitCost TradeKum VatKum DealDate "
-                                           "IssueDate TradeDate UserCode");
-        QTest::newRow("BuyTax") << "tax" << "BuyTax"
-                                << list("Serial CCode PCode CName DealDate IssueDate TradeKum VatKum Blank List "
-                                        "Section UserCode");
-        QTest::newRow("SaleTotal") << "tax" << "SaleTotal" << list("Serial CCode TradeKum VatKum Blank CName UserCode");
-        QTest::newRow("BuyTotal") << "tax" << "BuyTotal" << list("Serial CCode TradeKum VatKum Blank CName UserCode");
-        QTest::newRow("EstiBase") << "estimate" << "EstiBase"
-                                  << list("EstiCode CCode CName EstiDate DeriveDate ClassName EstiKum EstiHanKum Vat "
-                                          "Refer Validate Section");
-        QTest::newRow("Estimate") << "estimate" << "Estimate"
+        QTest::newRow("Trader")
+            << "basic"
+            << "Trader"
+            << list("Code C_Name U_Name Serial Phone Fax HPhone DDD Charge VAT Addr1 Addr2 Post "
+                    "Status Item OpenDate CloseDate EnterDate Section TotNoPay Bigo bDeled");
+        QTest::newRow("Product") << "basic"
+                                 << "Product" << list("Code PName PNorm BuyPrice SalePrice Unit Bigo PTax");
+        QTest::newRow("Post") << "post"
+                              << "Post" << list("ZIPCODE SIDO GUGUN DONG BUNJI");
+        QTest::newRow("Master") << "bill"
+                                << "Master" << list("BillNo BillDate CCode TotAmount TotVat NumBill");
+        QTest::newRow("Detail") << "bill"
+                                << "Detail" << list("BillNo BillSEQ PName Unit Quant Price DC Amount VAT");
+        QTest::newRow("NewAcount")
+            << "tax"
+            << "NewAcount"
+            << list("TaxCode CCode PName PNorm Quantity UnitCost TradeKum VatKum DealDate "
+                    "IssueDate TradeDate UserCode");
+        QTest::newRow("BuyTax")
+            << "tax"
+            << "BuyTax"
+            << list("Serial CCode PCode CName DealDate IssueDate TradeKum VatKum Blank List "
+                    "Section UserCode");
+        QTest::newRow("SaleTotal") << "tax"
+                                   << "SaleTotal"
+                                   << list("Serial CCode TradeKum VatKum Blank CName UserCode");
+        QTest::newRow("BuyTotal") << "tax"
+                                  << "BuyTotal" << list("Serial CCode TradeKum VatKum Blank CName UserCode");
+        QTest::newRow("EstiBase")
+            << "estimate"
+            << "EstiBase"
+            << list("EstiCode CCode CName EstiDate DeriveDate ClassName EstiKum EstiHanKum Vat "
+                    "Refer Validate Section");
+        QTest::newRow("Estimate") << "estimate"
+                                  << "Estimate"
                                   << list("Seq Code PCode PName PNorm EAmount EUnitPrice EstiKum EUnit");
     }
     void columnsAreInTheirOrder() {
         QFETCH(QString, file);
         QFETCH(QString, table);
         QFETCH(QStringList, columns);
-        test::TestHome home;  // the files read were made once, in initTestCase
+        test::TestHome home; // the files read were made once, in initTestCase
         Database db;
         QVERIFY(db.open(pathOf(file)));
         QCOMPARE(db.columns(table), columns);
@@ -147,7 +166,7 @@ private Q_SLOTS:
         row("bill", "Detail", "VAT", "REAL");
         row("tax", "NewAcount", "CCode", "TEXT(6)");
         row("tax", "NewAcount", "DealDate", "TEXT(10)");
-        row("tax", "NewAcount", "IssueDate", "TEXT");  // the remark, as long as it is
+        row("tax", "NewAcount", "IssueDate", "TEXT"); // the remark, as long as it is
         row("tax", "NewAcount", "UserCode", "TEXT(15)");
         row("tax", "NewAcount", "TradeKum", "REAL");
         row("tax", "BuyTax", "Serial", "TEXT(8)");
@@ -175,7 +194,7 @@ private Q_SLOTS:
         QFETCH(QString, table);
         QFETCH(QString, column);
         QFETCH(QString, type);
-        test::TestHome home;  // the files read were made once, in initTestCase
+        test::TestHome home; // the files read were made once, in initTestCase
         Database db;
         QVERIFY(db.open(pathOf(file)));
         QCOMPARE(db.columnType(table, column), type);
@@ -186,9 +205,10 @@ private Q_SLOTS:
         QTest::addColumn<QString>("index");
         QTest::addColumn<QStringList>("columns");
         QTest::addColumn<bool>("unique");
-        const auto row = [](const char* file, const char* table, const char* index, const char* columns, bool unique) {
-            QTest::newRow(index) << QString::fromUtf8(file) << QString::fromUtf8(table) << QString::fromUtf8(index)
-                                 << list(columns) << unique;
+        const auto row = [](const char* file, const char* table, const char* index, const char* columns,
+                            bool unique) {
+            QTest::newRow(index) << QString::fromUtf8(file) << QString::fromUtf8(table)
+                                 << QString::fromUtf8(index) << list(columns) << unique;
         };
         row("basic", "User", "User_PK", "Serial", true);
         row("basic", "Trader", "Trader_Code", "Code", false);
@@ -216,7 +236,7 @@ private Q_SLOTS:
         QFETCH(QString, index);
         QFETCH(QStringList, columns);
         QFETCH(bool, unique);
-        test::TestHome home;  // the files read were made once, in initTestCase
+        test::TestHome home; // the files read were made once, in initTestCase
         Database db;
         QVERIFY(db.open(pathOf(file)));
         bool found = false;
@@ -256,9 +276,10 @@ private Q_SLOTS:
         test::TestHome home;
         test::useStoreFolder(home);
         CreateMissingStoreFiles();
-        for (const QString& path : {app().DbBasicFile, app().DbBillFile, app().DbTaxFile, app().DbEstimateFile,
-                                    app().DbPostFile, app().DbInOutFile})
-            QCOMPARE(test::rawValue(path, QStringLiteral("PRAGMA journal_mode")).toString(), QStringLiteral("wal"));
+        for (const QString& path : {app().DbBasicFile, app().DbBillFile, app().DbTaxFile,
+                                    app().DbEstimateFile, app().DbPostFile, app().DbInOutFile})
+            QCOMPARE(test::rawValue(path, QStringLiteral("PRAGMA journal_mode")).toString(),
+                     QStringLiteral("wal"));
         Database db;
         QVERIFY(db.open(app().DbBillFile));
         QSqlQuery q(db.connection());

@@ -1,7 +1,6 @@
 // The schema steps at start on files of older installations: what each step adds, the data
 // moves, what stops a step, and that a current store passes with no statement run.
 #include "StoreTestKit.h"
-
 #include "storage/StoreLayout.h"
 #include "storage/Stores.h"
 
@@ -12,31 +11,34 @@ namespace {
 const QString kOldUser = QStringLiteral(
     "CREATE TABLE User (Company TEXT(50), Delegate TEXT(30), Serial TEXT(12), Post TEXT(7), Addr TEXT(100), "
     "Phone TEXT(20), Fax TEXT(20), Status TEXT(50), Item TEXT(50))");
-const QString kOldTrader = QStringLiteral("CREATE TABLE Trader (Code TEXT(6), C_Name TEXT(50), Phone TEXT(20))");
+const QString kOldTrader =
+    QStringLiteral("CREATE TABLE Trader (Code TEXT(6), C_Name TEXT(50), Phone TEXT(20))");
 const QString kOldProduct =
     QStringLiteral("CREATE TABLE Product (Code TEXT(6), PName TEXT(50), PNorm TEXT(50), SalePrice REAL)");
-const QString kOldNewAcount = QStringLiteral(
-    "CREATE TABLE NewAcount (TaxCode TEXT(10), CCode TEXT(6), PName TEXT(50), TradeKum REAL, DealDate TEXT(10), "
-    "IssueDate TEXT)");
+const QString kOldNewAcount = QStringLiteral("CREATE TABLE NewAcount (TaxCode TEXT(10), CCode TEXT(6), PName "
+                                             "TEXT(50), TradeKum REAL, DealDate TEXT(10), "
+                                             "IssueDate TEXT)");
 
 // An older installation: no BuyTax / BuyTotal / SaleTotal, no NewAcount.UserCode, no
 // Trader.HPhone, the unit kept in Product.PNorm, User without a primary index.
 void layDownOldFiles(const test::TestHome& home, const QStringList& basicExtra = {},
                      const QStringList& taxExtra = {}) {
     test::useStoreFolder(home);
-    QVERIFY(test::runRaw(app().DbBasicFile,
-                         QStringList{kOldUser, kOldTrader, kOldProduct,
-                                     QStringLiteral("INSERT INTO Trader VALUES ('000001', '가나상사', '02-1')"),
-                                     QStringLiteral("INSERT INTO Product VALUES ('000001', '볼트', 'EA', 100)"),
-                                     QStringLiteral("INSERT INTO Product VALUES ('000002', '너트', NULL, 50)")} +
-                             basicExtra));
-    QVERIFY(test::runRaw(app().DbTaxFile,
-                         QStringList{kOldNewAcount,
-                                     QStringLiteral("INSERT INTO NewAcount VALUES ('100000', '000001', '볼트', 1000, "
-                                                    "'2024-01-05', '')"),
-                                     QStringLiteral("INSERT INTO NewAcount VALUES ('100001', '000002', '너트', 500, "
-                                                    "'2024-01-06', '')")} +
-                             taxExtra));
+    QVERIFY(
+        test::runRaw(app().DbBasicFile,
+                     QStringList{kOldUser, kOldTrader, kOldProduct,
+                                 QStringLiteral("INSERT INTO Trader VALUES ('000001', '가나상사', '02-1')"),
+                                 QStringLiteral("INSERT INTO Product VALUES ('000001', '볼트', 'EA', 100)"),
+                                 QStringLiteral("INSERT INTO Product VALUES ('000002', '너트', NULL, 50)")} +
+                         basicExtra));
+    QVERIFY(test::runRaw(
+        app().DbTaxFile,
+        QStringList{kOldNewAcount,
+                    QStringLiteral("INSERT INTO NewAcount VALUES ('100000', '000001', '볼트', 1000, "
+                                   "'2024-01-05', '')"),
+                    QStringLiteral("INSERT INTO NewAcount VALUES ('100001', '000002', '너트', 500, "
+                                   "'2024-01-06', '')")} +
+            taxExtra));
     QVERIFY(test::runRaw(app().DbBillFile, {QStringLiteral("CREATE TABLE Master (BillNo TEXT(6))")}));
 }
 
@@ -46,7 +48,9 @@ void startUpSteps() {
     UpgradeColumns();
 }
 
-QStringList column(const QString& path, const QString& sql) { return test::texts(test::rawColumn(path, sql)); }
+QStringList column(const QString& path, const QString& sql) {
+    return test::texts(test::rawColumn(path, sql));
+}
 
 bool hasIndexNamed(Database& db, const QString& table, const QString& name) {
     for (const IndexInfo& info : db.indexes(table))
@@ -63,10 +67,12 @@ private Q_SLOTS:
         test::TestHome home;
         test::useStoreFolder(home);
         CreateMissingStoreFiles();
-        QVERIFY(test::runRaw(app().DbBasicFile,
-                             {QStringLiteral("INSERT INTO User (Serial, Company) VALUES ('123-45-67890', '하나')"),
-                              QStringLiteral("INSERT INTO Product (Code, PNorm, Unit) VALUES ('000001', '규격', 'EA')")}));
-        QVERIFY(test::runRaw(app().DbTaxFile, {QStringLiteral("INSERT INTO NewAcount (TaxCode) VALUES ('100000')")}));
+        QVERIFY(test::runRaw(
+            app().DbBasicFile,
+            {QStringLiteral("INSERT INTO User (Serial, Company) VALUES ('123-45-67890', '하나')"),
+             QStringLiteral("INSERT INTO Product (Code, PNorm, Unit) VALUES ('000001', '규격', 'EA')")}));
+        QVERIFY(test::runRaw(app().DbTaxFile,
+                             {QStringLiteral("INSERT INTO NewAcount (TaxCode) VALUES ('100000')")}));
         auto& msgs = test::script();
         startUpSteps();
         QCOMPARE(stores().dbBasic.statementsRun(), 0);
@@ -84,7 +90,8 @@ private Q_SLOTS:
         startUpSteps();
         QVERIFY(msgs.records().empty());
         Database& tax = stores().dbTax;
-        for (const QString& table : {QStringLiteral("BuyTax"), QStringLiteral("BuyTotal"), QStringLiteral("SaleTotal")}) {
+        for (const QString& table :
+             {QStringLiteral("BuyTax"), QStringLiteral("BuyTotal"), QStringLiteral("SaleTotal")}) {
             QVERIFY(tax.hasTable(table));
             QCOMPARE(tax.columns(table).count(), tableDef(table).columns.count());
             QVERIFY(hasIndexNamed(tax, table, table + QStringLiteral("_PrimaryKey")));
@@ -92,12 +99,15 @@ private Q_SLOTS:
             QVERIFY(tax.hasPrimaryIndex(table));
         }
         QCOMPARE(tax.columns(QStringLiteral("NewAcount")).last(), QStringLiteral("UserCode"));
-        QCOMPARE(tax.columnType(QStringLiteral("NewAcount"), QStringLiteral("UserCode")), QStringLiteral("TEXT(15)"));
+        QCOMPARE(tax.columnType(QStringLiteral("NewAcount"), QStringLiteral("UserCode")),
+                 QStringLiteral("TEXT(15)"));
         Database& basic = stores().dbBasic;
         QVERIFY(hasIndexNamed(basic, QStringLiteral("User"), QStringLiteral("User_PK")));
         QVERIFY(basic.hasPrimaryIndex(QStringLiteral("User")));
-        QCOMPARE(basic.columnType(QStringLiteral("Trader"), QStringLiteral("HPhone")), QStringLiteral("TEXT(14)"));
-        QCOMPARE(basic.columnType(QStringLiteral("Product"), QStringLiteral("Unit")), QStringLiteral("TEXT(10)"));
+        QCOMPARE(basic.columnType(QStringLiteral("Trader"), QStringLiteral("HPhone")),
+                 QStringLiteral("TEXT(14)"));
+        QCOMPARE(basic.columnType(QStringLiteral("Product"), QStringLiteral("Unit")),
+                 QStringLiteral("TEXT(10)"));
     }
     void secondStartRunsNoStatement() {
         test::TestHome home;
@@ -112,8 +122,9 @@ private Q_SLOTS:
     }
     void invoiceRowsGetTheSerialOfTheFirstSupplier() {
         test::TestHome home;
-        layDownOldFiles(home, {QStringLiteral("INSERT INTO User (Serial, Company) VALUES ('222-22-22222', '둘')"),
-                               QStringLiteral("INSERT INTO User (Serial, Company) VALUES ('111-11-11111', '하나')")});
+        layDownOldFiles(
+            home, {QStringLiteral("INSERT INTO User (Serial, Company) VALUES ('222-22-22222', '둘')"),
+                   QStringLiteral("INSERT INTO User (Serial, Company) VALUES ('111-11-11111', '하나')")});
         startUpSteps();
         QCOMPARE(column(app().DbTaxFile, QStringLiteral("SELECT UserCode FROM NewAcount ORDER BY TaxCode")),
                  (QStringList{QStringLiteral("222-22-22222"), QStringLiteral("222-22-22222")}));
@@ -153,7 +164,8 @@ private Q_SLOTS:
         test::TestHome home;
         layDownOldFiles(home);
         startUpSteps();
-        QCOMPARE(column(app().DbBasicFile, QStringLiteral("SELECT HPhone FROM Trader")), QStringList{QString()});
+        QCOMPARE(column(app().DbBasicFile, QStringLiteral("SELECT HPhone FROM Trader")),
+                 QStringList{QString()});
     }
     void productWithUnitInOtherCaseKeepsPNorm() {
         test::TestHome home;
@@ -175,8 +187,8 @@ private Q_SLOTS:
     }
     void userWithPrimaryIndexOfAnotherNameGainsNoPK_data() {
         QTest::addColumn<QStringList>("layout");
-        QTest::newRow("primary key of the table")
-            << QStringList{QStringLiteral("CREATE TABLE User (Company TEXT(50), Serial TEXT(12) PRIMARY KEY)")};
+        QTest::newRow("primary key of the table") << QStringList{
+            QStringLiteral("CREATE TABLE User (Company TEXT(50), Serial TEXT(12) PRIMARY KEY)")};
         QTest::newRow("unique index made as primary")
             << QStringList{QStringLiteral("CREATE TABLE User (Company TEXT(50), Serial TEXT(12))"),
                            QStringLiteral("CREATE UNIQUE INDEX User_PrimaryKey ON User (Serial)")};
@@ -208,8 +220,9 @@ private Q_SLOTS:
         auto& msgs = test::script();
         startUpSteps();
         QCOMPARE(msgs.boxes().size(), size_t(1));
-        QCOMPARE(msgs.last().text, QStringLiteral("UNIQUE constraint failed: User.Serial\r"
-                                                  "CREATE UNIQUE INDEX \"User_PK\" ON \"User\" (\"Serial\")"));
+        QCOMPARE(msgs.last().text,
+                 QStringLiteral("UNIQUE constraint failed: User.Serial\r"
+                                "CREATE UNIQUE INDEX \"User_PK\" ON \"User\" (\"Serial\")"));
         QCOMPARE(msgs.last().title, QStringLiteral("ERROR"));
         QVERIFY(!stores().dbBasic.hasPrimaryIndex(QStringLiteral("User")));
         // The other steps went on.
@@ -241,7 +254,8 @@ private Q_SLOTS:
         auto& msgs = test::script();
         startUpSteps();
         QCOMPARE(msgs.boxes().size(), size_t(1));
-        QCOMPARE(msgs.last().text, QStringLiteral("Jet Data Base Engine의 식을 확인하세요.\rselect Serial from User"));
+        QCOMPARE(msgs.last().text,
+                 QStringLiteral("Jet Data Base Engine의 식을 확인하세요.\rselect Serial from User"));
         QCOMPARE(msgs.last().title, QStringLiteral("Query"));
         QVERIFY(!stores().dbTax.hasColumn(QStringLiteral("NewAcount"), QStringLiteral("UserCode")));
         QVERIFY(!stores().dbBasic.hasTable(QStringLiteral("User")));
@@ -293,15 +307,17 @@ private Q_SLOTS:
         auto& msgs = test::script();
         UpgradeTables();
         QCOMPARE(msgs.boxes().size(), size_t(1));
-        QCOMPARE(msgs.last().text, QStringLiteral("Data Base MDB가 선언되지 않았습니다.\rselect Serial from User"));
+        QCOMPARE(msgs.last().text,
+                 QStringLiteral("Data Base MDB가 선언되지 않았습니다.\rselect Serial from User"));
         QCOMPARE(msgs.last().title, QStringLiteral("MDB 오류"));
         QVERIFY(!s.dbTax.hasColumn(QStringLiteral("NewAcount"), QStringLiteral("UserCode")));
         QVERIFY(s.dbTax.hasTable(QStringLiteral("BuyTax")));
         UpgradeColumns();
         QCOMPARE(msgs.boxes().size(), size_t(3));
-        QCOMPARE(msgs.last().text, QStringLiteral("Error 91 (Object variable or With block variable not set) in "
-                                                  "procedure DAO_AddField of Module mdlCommonHM\r\n"
-                                                  "[TABLE]: Product,    [FIELD]: Unit"));
+        QCOMPARE(msgs.last().text,
+                 QStringLiteral("Error 91 (Object variable or With block variable not set) in "
+                                "procedure DAO_AddField of Module mdlCommonHM\r\n"
+                                "[TABLE]: Product,    [FIELD]: Unit"));
     }
     void unopenedTaxStoreIsReportedOnce() {
         test::TestHome home;
@@ -310,7 +326,8 @@ private Q_SLOTS:
         auto& msgs = test::script();
         UpgradeTables();
         QCOMPARE(msgs.boxes().size(), size_t(1));
-        QVERIFY(msgs.last().text.startsWith(QStringLiteral("Data Base MDB가 선언되지 않았습니다.\rCREATE TABLE")));
+        QVERIFY(msgs.last().text.startsWith(
+            QStringLiteral("Data Base MDB가 선언되지 않았습니다.\rCREATE TABLE")));
         QVERIFY(stores().dbBasic.hasPrimaryIndex(QStringLiteral("User")));
     }
 };
