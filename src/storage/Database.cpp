@@ -133,8 +133,9 @@ QSqlDatabase Database::connection() const {
     return QSqlDatabase::database(m_connection, false);
 }
 
-// Opens the connection on path; the journal mode is the first real read, so a file that is
-// no store fails here.
+// Opens the connection on path. Reading the schema is the first real read, so a file that is
+// no store fails here. A new file gets the WAL journal; an existing one is switched to it when
+// it can be written (a read-only file keeps its journal and is still read).
 bool Database::connect(const QString& path, bool creating) {
     m_connection = newConnectionName();
     bool ok = false;
@@ -142,8 +143,9 @@ bool Database::connect(const QString& path, bool creating) {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
         db.setDatabaseName(path);
         ok = db.open() && (!creating || runInternal(db, QStringLiteral("PRAGMA synchronous=OFF"))) &&
-             runInternal(db, QStringLiteral("PRAGMA journal_mode=WAL")) &&
-             runInternal(db, QStringLiteral("PRAGMA foreign_keys=OFF"));
+             runInternal(db, QStringLiteral("SELECT count(*) FROM sqlite_master"));
+        const bool wal = ok && runInternal(db, QStringLiteral("PRAGMA journal_mode=WAL"));
+        ok = ok && (wal || !creating) && runInternal(db, QStringLiteral("PRAGMA foreign_keys=OFF"));
     }
     if (!ok) {
         close();
