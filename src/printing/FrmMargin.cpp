@@ -15,7 +15,9 @@
 namespace nb {
 namespace {
 
-bool keepsMargins(int Doc) { return Doc == 0 || Doc == 1; }
+bool keepsMargins(int Doc) {
+    return Doc == 0 || Doc == 1;
+}
 
 } // namespace
 
@@ -88,7 +90,9 @@ void FrmMargin::InitForm(int Doc) {
     lblDoc->setText(documentTitle());
 }
 
-QString FrmMargin::documentTitle() const { return documentName(m_doc); }
+QString FrmMargin::documentTitle() const {
+    return documentName(m_doc);
+}
 
 void FrmMargin::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);

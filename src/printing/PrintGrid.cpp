@@ -12,8 +12,9 @@ namespace nb {
 namespace {
 
 const QStringList& fixedKoreanNames() {
-    static const QStringList names{QStringLiteral("굴림체"), QStringLiteral("돋움체"), QStringLiteral("바탕체"),
-                                   QStringLiteral("궁서체"), QString::fromLatin1(kFixedKoreanFont)};
+    static const QStringList names{QStringLiteral("굴림체"), QStringLiteral("돋움체"),
+                                   QStringLiteral("바탕체"), QStringLiteral("궁서체"),
+                                   QString::fromLatin1(kFixedKoreanFont)};
     return names;
 }
 
@@ -29,20 +30,26 @@ bool isInstalled(const QString& family) {
 
 } // namespace
 
-double printColumnWidth(double fontSizePt) { return fontSizePt / 2.0 / kPointsPerInch; }
+double printColumnWidth(double fontSizePt) {
+    return fontSizePt / 2.0 / kPointsPerInch;
+}
 
-double printRowY(double topMargin, double row) { return (topMargin + row) / kRowsPerInch; }
+double printRowY(double topMargin, double row) {
+    return (topMargin + row) / kRowsPerInch;
+}
 
 double printTabX(int leftMargin, double tab, double fontSizePt) {
     return (leftMargin + tab - 1) * printColumnWidth(fontSizePt);
 }
 
-int printColumns(QChar ch) { return ch.unicode() < 0x80 ? 1 : 2; }
+int printColumns(QChar ch) {
+    return ch.unicode() < 0x80 ? 1 : 2;
+}
 
 int printColumns(QStringView text) {
     int columns = 0;
     for (QChar ch : text) {
-        if (ch.isLowSurrogate()) continue;  // a pair is one character
+        if (ch.isLowSurrogate()) continue; // a pair is one character
         columns += printColumns(ch);
     }
     return columns;
@@ -57,7 +64,8 @@ QString printFontFamily(const QString& requestedName) {
 }
 
 bool isFixedPitchPrintFont(const QString& requestedName) {
-    return printFontFamily(requestedName).compare(QString::fromLatin1(kFixedKoreanFont), Qt::CaseInsensitive) == 0 ||
+    return printFontFamily(requestedName)
+                   .compare(QString::fromLatin1(kFixedKoreanFont), Qt::CaseInsensitive) == 0 ||
            fixedKoreanNames().contains(requestedName, Qt::CaseInsensitive);
 }
 
@@ -65,7 +73,7 @@ qint16 marginColumnsFromText(const QString& text) {
     bool ok = false;
     const double value = text.trimmed().toDouble(&ok);
     if (!ok || !std::isfinite(value)) return 0;
-    const double rounded = std::nearbyint(value);  // the default rounding mode: half to even
+    const double rounded = std::nearbyint(value); // the default rounding mode: half to even
     constexpr double lowest = std::numeric_limits<qint16>::min();
     constexpr double highest = std::numeric_limits<qint16>::max();
     return qint16(std::clamp(rounded, lowest, highest));
@@ -79,8 +87,10 @@ double marginRowsFromText(const QString& text) {
 
 DocumentMargins readDocumentMargins(const QString& document) {
     DocumentMargins margins;
-    margins.left = marginColumnsFromText(GetSetting(kAppSection, document, QStringLiteral("LeftMargin"), QStringLiteral("0")));
-    margins.top = marginRowsFromText(GetSetting(kAppSection, document, QStringLiteral("TopMargin"), QStringLiteral("0")));
+    margins.left = marginColumnsFromText(
+        GetSetting(kAppSection, document, QStringLiteral("LeftMargin"), QStringLiteral("0")));
+    margins.top = marginRowsFromText(
+        GetSetting(kAppSection, document, QStringLiteral("TopMargin"), QStringLiteral("0")));
     return margins;
 }
 

@@ -54,24 +54,37 @@ std::vector<TextPiece> textPieces(const PrintedText& text) {
 }
 
 PrintJob::PrintJob(std::unique_ptr<PrintSurface> surface, QString printerName, QString documentName)
-    : m_surface(std::move(surface)), m_printerName(std::move(printerName)), m_documentName(std::move(documentName)) {}
+    : m_surface(std::move(surface)), m_printerName(std::move(printerName)),
+      m_documentName(std::move(documentName)) {}
 
-PrintJob::~PrintJob() { endDoc(); }
+PrintJob::~PrintJob() {
+    endDoc();
+}
 
 void PrintJob::setMargins(int leftColumns, double topRows) {
     m_leftMargin = leftColumns;
     m_topMargin = topRows;
 }
 
-double PrintJob::rowY(double row) const { return printRowY(m_topMargin, row); }
+double PrintJob::rowY(double row) const {
+    return printRowY(m_topMargin, row);
+}
 
-double PrintJob::tabX(double tab) const { return printTabX(m_leftMargin, tab, m_font.size); }
+double PrintJob::tabX(double tab) const {
+    return printTabX(m_leftMargin, tab, m_font.size);
+}
 
-void PrintJob::setRow(double row) { m_y = rowY(row); }
+void PrintJob::setRow(double row) {
+    m_y = rowY(row);
+}
 
-void PrintJob::setTab(double tab) { m_x = tabX(tab); }
+void PrintJob::setTab(double tab) {
+    m_x = tabX(tab);
+}
 
-double PrintJob::lineHeight() const { return m_font.size * kLineSpacing / kPointsPerInch; }
+double PrintJob::lineHeight() const {
+    return m_font.size * kLineSpacing / kPointsPerInch;
+}
 
 double PrintJob::textWidth(const QString& text) const {
     return printTextWidth(text, m_font);

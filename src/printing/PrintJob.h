@@ -21,7 +21,7 @@ struct PrintFont {
     double size = kBasePrintSize;
     bool bold = false;
     QColor color = Qt::black;
-    bool transparent = true;  // false: the text cell is painted white first
+    bool transparent = true; // false: the text cell is painted white first
 };
 
 // One text as it lands on the page, (x, y) its top-left corner in inches.
@@ -34,15 +34,15 @@ struct PrintedText {
 };
 
 struct PrintedLine {
-    double x1 = 0, y1 = 0, x2 = 0, y2 = 0;  // inches
+    double x1 = 0, y1 = 0, x2 = 0, y2 = 0; // inches
     QColor color = Qt::black;
-    int width = 1;  // DrawWidth: 1 is the thinnest line, 1/96 inch
+    int width = 1; // DrawWidth: 1 is the thinnest line, 1/96 inch
     int page = 1;
 };
 
 struct PrintedPicture {
     QImage image;
-    QRectF rect;  // inches
+    QRectF rect; // inches
     int page = 1;
 };
 
@@ -69,7 +69,7 @@ double printTextWidth(const QString& text, const PrintFont& font);
 struct TextPiece {
     QString text;
     double x = 0;
-    bool condensed = false;  // drawn at half its width
+    bool condensed = false; // drawn at half its width
 };
 std::vector<TextPiece> textPieces(const PrintedText& text);
 
@@ -77,7 +77,7 @@ class PrintJob {
 public:
     explicit PrintJob(std::unique_ptr<PrintSurface> surface, QString printerName = QString(),
                       QString documentName = QString());
-    ~PrintJob();  // ends the document when EndDoc was not called
+    ~PrintJob(); // ends the document when EndDoc was not called
     PrintJob(const PrintJob&) = delete;
     PrintJob& operator=(const PrintJob&) = delete;
 

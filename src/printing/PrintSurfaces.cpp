@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kPdfResolution = 1200;
 constexpr double kRowTolerance = 1e-6;
-constexpr int kHalfWidthStretch = 50;  // percent of the normal width
+constexpr int kHalfWidthStretch = 50; // percent of the normal width
 
 QFont painterFont(const PrintFont& font) {
     QFont qfont(printFontFamily(font.name));
@@ -26,7 +26,8 @@ QFont painterFont(const PrintFont& font) {
 
 } // namespace
 
-PainterSurface::PainterSurface(QPainter& painter, double dotsPerInch) : m_painter(painter), m_dpi(dotsPerInch) {}
+PainterSurface::PainterSurface(QPainter& painter, double dotsPerInch)
+    : m_painter(painter), m_dpi(dotsPerInch) {}
 
 void PainterSurface::drawText(const PrintedText& text) {
     m_painter.save();
@@ -34,8 +35,8 @@ void PainterSurface::drawText(const PrintedText& text) {
     m_painter.setFont(font);
     if (!text.font.transparent) {
         const double height = text.font.size * 1.2 / kPointsPerInch;
-        m_painter.fillRect(QRectF(toDevice(text.x), toDevice(text.y), toDevice(printTextWidth(text.text, text.font)),
-                                  toDevice(height)),
+        m_painter.fillRect(QRectF(toDevice(text.x), toDevice(text.y),
+                                  toDevice(printTextWidth(text.text, text.font)), toDevice(height)),
                            Qt::white);
     }
     m_painter.setPen(text.font.color);
@@ -55,7 +56,8 @@ void PainterSurface::drawLine(const PrintedLine& line) {
     QPen pen(line.color);
     pen.setWidthF(toDevice(line.width / 96.0));
     m_painter.setPen(pen);
-    m_painter.drawLine(QPointF(toDevice(line.x1), toDevice(line.y1)), QPointF(toDevice(line.x2), toDevice(line.y2)));
+    m_painter.drawLine(QPointF(toDevice(line.x1), toDevice(line.y1)),
+                       QPointF(toDevice(line.x2), toDevice(line.y2)));
     m_painter.restore();
 }
 
@@ -65,10 +67,14 @@ void PainterSurface::drawPicture(const PrintedPicture& picture) {
                         picture.image);
 }
 
-PagedDeviceSurface::PagedDeviceSurface(std::unique_ptr<QPagedPaintDevice> device, std::unique_ptr<QPainter> painter)
-    : PainterSurface(*painter, device->logicalDpiX()), m_device(std::move(device)), m_painter(std::move(painter)) {}
+PagedDeviceSurface::PagedDeviceSurface(std::unique_ptr<QPagedPaintDevice> device,
+                                       std::unique_ptr<QPainter> painter)
+    : PainterSurface(*painter, device->logicalDpiX()), m_device(std::move(device)),
+      m_painter(std::move(painter)) {}
 
-PagedDeviceSurface::~PagedDeviceSurface() { finish(); }
+PagedDeviceSurface::~PagedDeviceSurface() {
+    finish();
+}
 
 void PagedDeviceSurface::newPage() {
     if (m_painter->isActive()) m_device->newPage();
@@ -82,7 +88,8 @@ bool PagedDeviceSurface::finish() {
 std::unique_ptr<PrintSurface> makePdfSurface(const QString& path) {
     auto writer = std::make_unique<QPdfWriter>(path);
     writer->setResolution(kPdfResolution);
-    writer->setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF(0, 0, 0, 0)));
+    writer->setPageLayout(
+        QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF(0, 0, 0, 0)));
     writer->setCreator(QStringLiteral("누벨라"));
     auto painter = std::make_unique<QPainter>();
     if (!painter->begin(writer.get())) return nullptr;
@@ -114,7 +121,8 @@ const PrintedText* PrintRecord::find(const QString& text) const {
 
 QStringList PrintRecord::allTexts() const {
     QStringList list;
-    for (const PrintedText& t : texts) list << t.text;
+    for (const PrintedText& t : texts)
+        list << t.text;
     return list;
 }
 

@@ -21,7 +21,7 @@ struct SystemPrinters {
 
 struct PrinterState {
     std::optional<SystemPrinters> forTesting;
-    QString current;  // empty: not chosen yet, the default is current
+    QString current; // empty: not chosen yet, the default is current
     int savedIndex = 0;
     PrintCapture* capture = nullptr;
 };
@@ -32,7 +32,7 @@ PrinterState& state() {
         registerResetHook([] {
             PrintCapture* capture = s.capture;
             s = PrinterState{};
-            s.capture = capture;  // a capture ends with its own scope
+            s.capture = capture; // a capture ends with its own scope
         });
         return true;
     }();
@@ -46,18 +46,22 @@ SystemPrinters systemPrinters() {
 }
 
 const QStringList& documentNames() {
-    static const QStringList names{QStringLiteral("세금계산서"), QStringLiteral("거래명세표"), QStringLiteral("DM인쇄"),
-                                   QStringLiteral("물품가격"), QStringLiteral("청구서")};
+    static const QStringList names{QStringLiteral("세금계산서"), QStringLiteral("거래명세표"),
+                                   QStringLiteral("DM인쇄"), QStringLiteral("물품가격"),
+                                   QStringLiteral("청구서")};
     return names;
 }
 
 // Saving the printer is known only for the invoice and the statement.
-bool hasPrinterSetting(int documentIndex) { return documentIndex == 0 || documentIndex == 1; }
+bool hasPrinterSetting(int documentIndex) {
+    return documentIndex == 0 || documentIndex == 1;
+}
 
 // The PDF printer's file: when the document is done the operator is told where it is.
 class PdfFileSurface : public PrintSurface {
 public:
-    PdfFileSurface(std::unique_ptr<PrintSurface> inner, QString path) : m_inner(std::move(inner)), m_path(std::move(path)) {}
+    PdfFileSurface(std::unique_ptr<PrintSurface> inner, QString path)
+        : m_inner(std::move(inner)), m_path(std::move(path)) {}
     void drawText(const PrintedText& text) override { m_inner->drawText(text); }
     void drawLine(const PrintedLine& line) override { m_inner->drawLine(line); }
     void drawPicture(const PrintedPicture& picture) override { m_inner->drawPicture(picture); }
@@ -65,11 +69,13 @@ public:
     bool finish() override {
         const bool ok = m_inner->finish();
         if (ok)
-            ShowInfo(QStringLiteral("인쇄한 내용을 PDF 파일로 저장했습니다.\n%1").arg(QDir::toNativeSeparators(m_path)),
+            ShowInfo(QStringLiteral("인쇄한 내용을 PDF 파일로 저장했습니다.\n%1")
+                         .arg(QDir::toNativeSeparators(m_path)),
                      QStringLiteral("PDF 인쇄"));
         else
-            ShowWarning(QStringLiteral("PDF 파일을 저장하지 못했습니다.\n%1").arg(QDir::toNativeSeparators(m_path)),
-                        QStringLiteral("PDF 인쇄"));
+            ShowWarning(
+                QStringLiteral("PDF 파일을 저장하지 못했습니다.\n%1").arg(QDir::toNativeSeparators(m_path)),
+                QStringLiteral("PDF 인쇄"));
         return ok;
     }
 
@@ -80,9 +86,13 @@ private:
 
 } // namespace
 
-QString documentName(int index) { return index >= 0 && index < documentNames().size() ? documentNames().at(index) : QString(); }
+QString documentName(int index) {
+    return index >= 0 && index < documentNames().size() ? documentNames().at(index) : QString();
+}
 
-QStringList printerNames() { return systemPrinters().names << kPdfPrinterName; }
+QStringList printerNames() {
+    return systemPrinters().names << kPdfPrinterName;
+}
 
 QString GetDefaultPrinter() {
     const QString name = systemPrinters().defaultName.trimmed();
@@ -95,9 +105,13 @@ QString currentPrinterName() {
     return name.isEmpty() ? kPdfPrinterName : name;
 }
 
-void setCurrentPrinter(const QString& name) { state().current = name; }
+void setCurrentPrinter(const QString& name) {
+    state().current = name;
+}
 
-int SavedPrinterIndex() { return state().savedIndex; }
+int SavedPrinterIndex() {
+    return state().savedIndex;
+}
 
 void SelectDocPrinter(const QString& document) {
     const QStringList names = printerNames();
@@ -109,7 +123,8 @@ void SelectDocPrinter(const QString& document) {
 
 void RestorePrinter() {
     const QStringList names = printerNames();
-    if (state().savedIndex >= 0 && state().savedIndex < names.size()) setCurrentPrinter(names.at(state().savedIndex));
+    if (state().savedIndex >= 0 && state().savedIndex < names.size())
+        setCurrentPrinter(names.at(state().savedIndex));
 }
 
 QString savedDocPrinter(int documentIndex) {
@@ -127,10 +142,12 @@ void saveDocPrinter(int documentIndex, const QString& printerName) {
 QString pdfPrintPath(const QString& document) {
     const QString folder = appFolderFile(QStringLiteral("Print"));
     QDir().mkpath(folder);
-    const QString stem = QStringLiteral("%1/%2-%3").arg(folder, document.isEmpty() ? QStringLiteral("인쇄") : document,
-                                                        QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss")));
+    const QString stem = QStringLiteral("%1/%2-%3")
+                             .arg(folder, document.isEmpty() ? QStringLiteral("인쇄") : document,
+                                  QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss")));
     QString path = stem + QStringLiteral(".pdf");
-    for (int n = 2; QFileInfo::exists(path); ++n) path = QStringLiteral("%1-%2.pdf").arg(stem).arg(n);
+    for (int n = 2; QFileInfo::exists(path); ++n)
+        path = QStringLiteral("%1-%2.pdf").arg(stem).arg(n);
     return path;
 }
 
@@ -141,7 +158,8 @@ std::unique_ptr<PrintJob> startPrintJob(const QString& document) {
         const QString path = pdfPrintPath(document);
         auto pdf = makePdfSurface(path);
         if (!pdf) return nullptr;
-        return std::make_unique<PrintJob>(std::make_unique<PdfFileSurface>(std::move(pdf), path), printer, document);
+        return std::make_unique<PrintJob>(std::make_unique<PdfFileSurface>(std::move(pdf), path), printer,
+                                          document);
     }
     auto surface = makeSystemPrinterSurface(printer);
     if (!surface) return nullptr;
@@ -155,9 +173,13 @@ void PrinterPrepare(PrintJob& job, bool Inches) {
     job.setForeColor(Qt::black);
 }
 
-void SetPrintRow(PrintJob& job, qint16 Row) { job.setRow(Row); }
+void SetPrintRow(PrintJob& job, qint16 Row) {
+    job.setRow(Row);
+}
 
-PrintCapture::PrintCapture() { state().capture = this; }
+PrintCapture::PrintCapture() {
+    state().capture = this;
+}
 
 PrintCapture::~PrintCapture() {
     if (state().capture == this) state().capture = nullptr;

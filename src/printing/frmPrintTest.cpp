@@ -14,14 +14,16 @@ PrintFormDrawer& registeredDrawer() {
     return drawer;
 }
 
-constexpr int kGridRows = 70;     // two copies of 35 rows
+constexpr int kGridRows = 70; // two copies of 35 rows
 constexpr int kGridColumns = 120;
 const QColor kGridColor(0xC0, 0xC0, 0xC0);
 const QColor kGridMarkColor(0x80, 0x80, 0xFF);
 
 } // namespace
 
-void setPrintTestDrawer(PrintFormDrawer drawer) { registeredDrawer() = std::move(drawer); }
+void setPrintTestDrawer(PrintFormDrawer drawer) {
+    registeredDrawer() = std::move(drawer);
+}
 
 void drawPrintGrid(PrintJob& job, double left, double top) {
     PrinterPrepare(job);

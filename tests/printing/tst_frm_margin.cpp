@@ -1,6 +1,5 @@
 // "Margin설정" driven by keys: the saved margins per document, Enter moving on, save and cancel.
 #include "TestSupport.h"
-
 #include "core/Settings.h"
 #include "printing/FrmMargin.h"
 
@@ -20,11 +19,17 @@ void showForm(FrmMargin& form, int doc) {
     QApplication::processEvents();
 }
 
-QString margin(const QString& doc, const QString& key) { return GetSetting(kAppSection, doc, key); }
+QString margin(const QString& doc, const QString& key) {
+    return GetSetting(kAppSection, doc, key);
+}
 
 // Types into the box that has the focus, as the operator does.
-void typeHere(const QString& text) { test::typeText(QApplication::focusWidget(), text); }
-void pressHere(Qt::Key key) { test::pressKey(QApplication::focusWidget(), key); }
+void typeHere(const QString& text) {
+    test::typeText(QApplication::focusWidget(), text);
+}
+void pressHere(Qt::Key key) {
+    test::pressKey(QApplication::focusWidget(), key);
+}
 
 } // namespace
 
@@ -85,7 +90,8 @@ private Q_SLOTS:
     }
     void topMarginIsReadByTheLowerCaseKeyAndWrittenByTheMixedCaseOne() {
         test::TestHome home;
-        SaveSetting(kAppSection, QStringLiteral("세금계산서"), QStringLiteral("topmargin"), QStringLiteral("2.25"));
+        SaveSetting(kAppSection, QStringLiteral("세금계산서"), QStringLiteral("topmargin"),
+                    QStringLiteral("2.25"));
         FrmMargin form;
         showForm(form, 0);
         QCOMPARE(form.TxtTop->text(), QStringLiteral("2.25"));
@@ -110,7 +116,7 @@ private Q_SLOTS:
         showForm(form, 0);
         typeHere(QStringLiteral("9"));
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_C, Qt::AltModifier);
-        QTRY_VERIFY(!form.isVisible());  // a mnemonic presses its button with a short animation
+        QTRY_VERIFY(!form.isVisible()); // a mnemonic presses its button with a short animation
         QCOMPARE(margin(QStringLiteral("세금계산서"), QStringLiteral("TopMargin")), QString());
     }
     void escActsAsCancel() {
@@ -125,7 +131,8 @@ private Q_SLOTS:
     }
     void otherDocumentsOnlyPickTheNameAndKeepTheBoxes() {
         test::TestHome home;
-        SaveSetting(kAppSection, QStringLiteral("세금계산서"), QStringLiteral("TopMargin"), QStringLiteral("5"));
+        SaveSetting(kAppSection, QStringLiteral("세금계산서"), QStringLiteral("TopMargin"),
+                    QStringLiteral("5"));
         SaveSetting(kAppSection, QStringLiteral("DM인쇄"), QStringLiteral("TopMargin"), QStringLiteral("8"));
         FrmMargin form;
         showForm(form, 0);

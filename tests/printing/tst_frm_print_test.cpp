@@ -1,10 +1,9 @@
 // frmPrintTest: the picture box fills the form, and paints the registered form (or the print
 // grid) through the print layer at the screen's resolution.
 #include "TestSupport.h"
-
 #include "core/Settings.h"
-#include "printing/frmPrintTest.h"
 #include "printing/PrintSurfaces.h"
+#include "printing/frmPrintTest.h"
 
 using namespace nb;
 
@@ -35,7 +34,8 @@ private Q_SLOTS:
     }
     void paintingRunsTheRegisteredFormAtTheTopMargin() {
         test::TestHome home;
-        SaveSetting(kAppSection, QStringLiteral("거래명세표"), QStringLiteral("TopMargin"), QStringLiteral("2"));
+        SaveSetting(kAppSection, QStringLiteral("거래명세표"), QStringLiteral("TopMargin"),
+                    QStringLiteral("2"));
         double seenLeft = -1, seenTop = -1;
         setPrintTestDrawer([&](PrintJob& job, double left, double top) {
             seenLeft = left;

@@ -1,7 +1,6 @@
 // "프린트 드라이버 설정" driven by keys: the default printer, the list with "PDF", the saved name
 // per document, Esc without saving.
 #include "TestSupport.h"
-
 #include "core/Settings.h"
 #include "printing/FrmSetPrinter.h"
 #include "printing/PrinterSetup.h"
@@ -26,7 +25,9 @@ void showForm(FrmSetPrinter& form, int doc) {
     form.List1->setFocus();
 }
 
-QString drive(const QString& app) { return GetSetting(app, QStringLiteral("Drive"), app); }
+QString drive(const QString& app) {
+    return GetSetting(app, QStringLiteral("Drive"), app);
+}
 
 } // namespace
 
@@ -125,7 +126,7 @@ private Q_SLOTS:
         QTimer::singleShot(0, [] {
             auto* form = qobject_cast<FrmSetPrinter*>(QApplication::activeModalWidget());
             QVERIFY(form);
-            QCOMPARE(form->List1->currentItem()->text(), QStringLiteral("PDF"));  // the current printer
+            QCOMPARE(form->List1->currentItem()->text(), QStringLiteral("PDF")); // the current printer
             test::pressKey(form->List1, Qt::Key_Home);
             test::pressKey(form->List1, Qt::Key_Down);
             test::pressKey(form->List1, Qt::Key_Return);

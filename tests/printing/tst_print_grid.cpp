@@ -1,6 +1,5 @@
 // The print grid: rows, tab columns, margins as the print reads them, the print font.
 #include "TestSupport.h"
-
 #include "core/Settings.h"
 #include "printing/PrintGrid.h"
 #include "printing/PrintJob.h"
@@ -38,14 +37,16 @@ private Q_SLOTS:
         QCOMPARE(printTabX(-2, 1, 9.75), -2 * 4.875 / 72.0);
         QCOMPARE(printTabX(-2, 10, 9.75) - printTabX(0, 10, 9.75), -2 * printColumnWidth(9.75));
         test::TestHome home;
-        SaveSetting(kAppSection, QStringLiteral("세금계산서"), QStringLiteral("LeftMargin"), QStringLiteral("-3"));
+        SaveSetting(kAppSection, QStringLiteral("세금계산서"), QStringLiteral("LeftMargin"),
+                    QStringLiteral("-3"));
         const DocumentMargins margins = readDocumentMargins(QStringLiteral("세금계산서"));
         QCOMPARE(margins.left, qint16(-3));
         QCOMPARE(printTabX(margins.left, 1, kBasePrintSize), -3 * printColumnWidth(kBasePrintSize));
     }
     void topMarginOfOneAndAHalfMovesPrintDownAQuarterInch() {
         test::TestHome home;
-        SaveSetting(kAppSection, QStringLiteral("거래명세표"), QStringLiteral("TopMargin"), QStringLiteral("1.5"));
+        SaveSetting(kAppSection, QStringLiteral("거래명세표"), QStringLiteral("TopMargin"),
+                    QStringLiteral("1.5"));
         const DocumentMargins margins = readDocumentMargins(QStringLiteral("거래명세표"));
         QCOMPARE(margins.top, 1.5);
         QCOMPARE(printRowY(margins.top, 3) - printRowY(0, 3), 0.25);

@@ -1,7 +1,6 @@
 // A print job as the recorder sees it: text at rows and tabs in the font in force, CurrentX and
 // CurrentY, pictures, lines and pages, in inches.
 #include "TestSupport.h"
-
 #include "printing/PrintSurfaces.h"
 #include "printing/PrinterSetup.h"
 
@@ -113,13 +112,14 @@ private Q_SLOTS:
         r.job.paintPicture(seal, 3.8, 1.25, 0.7, 0.7);
         r.job.setDrawWidth(2);
         r.job.line(0.5, 5.3125, 7.75, 5.3125, Qt::blue);
-        r.job.paintPicture(QImage(), 0, 0, 1, 1);  // an empty picture prints nothing
+        r.job.paintPicture(QImage(), 0, 0, 1, 1); // an empty picture prints nothing
         QCOMPARE(int(r.record->pictures.size()), 1);
         QCOMPARE(r.record->pictures[0].rect, QRectF(3.8, 1.25, 0.7, 0.7));
         QCOMPARE(r.record->pictures[0].image.size(), QSize(10, 20));
         QCOMPARE(int(r.record->lines.size()), 1);
         const PrintedLine& l = r.record->lines[0];
-        QCOMPARE(QRectF(QPointF(l.x1, l.y1), QPointF(l.x2, l.y2)), QRectF(QPointF(0.5, 5.3125), QPointF(7.75, 5.3125)));
+        QCOMPARE(QRectF(QPointF(l.x1, l.y1), QPointF(l.x2, l.y2)),
+                 QRectF(QPointF(0.5, 5.3125), QPointF(7.75, 5.3125)));
         QCOMPARE(l.color, QColor(Qt::blue));
         QCOMPARE(l.width, 2);
     }

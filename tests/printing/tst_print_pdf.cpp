@@ -1,7 +1,6 @@
 // A job written to a PDF file: every field where the grid puts it (checked with pdftotext -bbox),
 // text that extracts cleanly, and a rendered page to look at.
 #include "TestSupport.h"
-
 #include "printing/PrintSurfaces.h"
 #include "printing/PrinterSetup.h"
 #include "printing/frmPrintTest.h"
@@ -30,7 +29,8 @@ QString runTool(const QString& program, const QStringList& arguments) {
 }
 
 std::vector<PdfWord> pdfWords(const QString& pdf) {
-    const QString html = runTool(QStringLiteral("pdftotext"), {QStringLiteral("-bbox"), pdf, QStringLiteral("-")});
+    const QString html =
+        runTool(QStringLiteral("pdftotext"), {QStringLiteral("-bbox"), pdf, QStringLiteral("-")});
     static const QRegularExpression word(QStringLiteral(
         R"re(<word xMin="([\d.]+)" yMin="([\d.]+)" xMax="([\d.]+)" yMax="[\d.]+">([^<]*)</word>)re"));
     std::vector<PdfWord> words;
@@ -38,7 +38,8 @@ std::vector<PdfWord> pdfWords(const QString& pdf) {
         const auto m = it.next();
         QString text = m.captured(4);
         text.replace(QStringLiteral("&amp;"), QStringLiteral("&"));
-        words.push_back(PdfWord{text, m.captured(1).toDouble(), m.captured(2).toDouble(), m.captured(3).toDouble()});
+        words.push_back(
+            PdfWord{text, m.captured(1).toDouble(), m.captured(2).toDouble(), m.captured(3).toDouble()});
     }
     return words;
 }
@@ -50,7 +51,9 @@ const PdfWord* findWord(const std::vector<PdfWord>& words, const QString& text) 
 }
 
 constexpr double kTolerancePt = 0.5;
-double points(double inches) { return inches * kPointsPerInch; }
+double points(double inches) {
+    return inches * kPointsPerInch;
+}
 
 // The fields of the sample sheet: margins 2 columns and 1.5 rows.
 void printSample(PrintJob& job) {
@@ -94,7 +97,7 @@ private Q_SLOTS:
         const double column10 = printColumnWidth(10), column7 = printColumnWidth(7);
         struct Expected {
             QString word;
-            double x, y;  // inches
+            double x, y; // inches
         };
         const std::vector<Expected> expected{
             {QStringLiteral("(주)누벨라"), (2 + 24) * column10, (1.5 + 7) / 6},
@@ -110,10 +113,14 @@ private Q_SLOTS:
         for (const Expected& e : expected) {
             const PdfWord* w = findWord(words, e.word);
             QVERIFY2(w, qPrintable(QStringLiteral("missing word ") + e.word));
-            QVERIFY2(std::abs(w->xMin - points(e.x)) < kTolerancePt,
-                     qPrintable(QStringLiteral("%1: x %2 pt, expected %3").arg(e.word).arg(w->xMin).arg(points(e.x))));
-            QVERIFY2(std::abs(w->yMin - points(e.y)) < kTolerancePt,
-                     qPrintable(QStringLiteral("%1: y %2 pt, expected %3").arg(e.word).arg(w->yMin).arg(points(e.y))));
+            QVERIFY2(
+                std::abs(w->xMin - points(e.x)) < kTolerancePt,
+                qPrintable(
+                    QStringLiteral("%1: x %2 pt, expected %3").arg(e.word).arg(w->xMin).arg(points(e.x))));
+            QVERIFY2(
+                std::abs(w->yMin - points(e.y)) < kTolerancePt,
+                qPrintable(
+                    QStringLiteral("%1: y %2 pt, expected %3").arg(e.word).arg(w->yMin).arg(points(e.y))));
         }
     }
     void spacesExtractAsSpacesNotControlCharacters() {
@@ -123,7 +130,8 @@ private Q_SLOTS:
             PrintJob job(makePdfSurface(pdf));
             printSample(job);
         }
-        const QString text = runTool(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), pdf, QStringLiteral("-")});
+        const QString text =
+            runTool(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), pdf, QStringLiteral("-")});
         QVERIFY(!text.contains(QChar(1)));
         QVERIFY(text.contains(QStringLiteral("=== 이하 여백 ===")));
         QVERIFY(text.contains(QStringLiteral("서울특별시 중구 세종대로 110")));

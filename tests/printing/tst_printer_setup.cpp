@@ -2,7 +2,6 @@
 // document's printer and the printer put back afterwards, where the name is written and where
 // it is read.
 #include "TestSupport.h"
-
 #include "core/Settings.h"
 #include "printing/PrinterSetup.h"
 
@@ -17,7 +16,9 @@ namespace {
 const QString kOffice = QStringLiteral("사무실 레이저");
 const QString kInk = QStringLiteral("잉크젯 B");
 
-void twoPrinters() { setSystemPrintersForTesting({kOffice, kInk}, kOffice); }
+void twoPrinters() {
+    setSystemPrintersForTesting({kOffice, kInk}, kOffice);
+}
 
 } // namespace
 
@@ -82,24 +83,31 @@ private Q_SLOTS:
         test::TestHome home;
         twoPrinters();
         saveDocPrinter(0, kInk);
-        QCOMPARE(GetSetting(QStringLiteral("세금계산서"), QStringLiteral("Drive"), QStringLiteral("세금계산서")), kInk);
-        QCOMPARE(GetSetting(QStringLiteral("브란토2"), QStringLiteral("Drive"), QStringLiteral("세금계산서")), QString());
+        QCOMPARE(
+            GetSetting(QStringLiteral("세금계산서"), QStringLiteral("Drive"), QStringLiteral("세금계산서")),
+            kInk);
+        QCOMPARE(GetSetting(QStringLiteral("브란토2"), QStringLiteral("Drive"), QStringLiteral("세금계산서")),
+                 QString());
         SelectDocPrinter(QStringLiteral("세금계산서"));
         QCOMPARE(currentPrinterName(), kOffice);
     }
     void statementPrinterIsWrittenUnderItsOwnApplicationName() {
         test::TestHome home;
         saveDocPrinter(1, kInk);
-        QCOMPARE(GetSetting(QStringLiteral("거래명세표"), QStringLiteral("Drive"), QStringLiteral("거래명세표")), kInk);
+        QCOMPARE(
+            GetSetting(QStringLiteral("거래명세표"), QStringLiteral("Drive"), QStringLiteral("거래명세표")),
+            kInk);
         QCOMPARE(savedDocPrinter(1), kInk);
         saveDocPrinter(2, kInk);
         QCOMPARE(savedDocPrinter(2), QString());
-        QCOMPARE(GetSetting(QStringLiteral("DM인쇄"), QStringLiteral("Drive"), QStringLiteral("DM인쇄")), QString());
+        QCOMPARE(GetSetting(QStringLiteral("DM인쇄"), QStringLiteral("Drive"), QStringLiteral("DM인쇄")),
+                 QString());
     }
     void removedPrinterFailsTheMatchSilently() {
         test::TestHome home;
         twoPrinters();
-        SaveSetting(QStringLiteral("브란토2"), QStringLiteral("Drive"), QStringLiteral("세금계산서"), QStringLiteral("치운 프린터"));
+        SaveSetting(QStringLiteral("브란토2"), QStringLiteral("Drive"), QStringLiteral("세금계산서"),
+                    QStringLiteral("치운 프린터"));
         auto& msgs = test::script();
         SelectDocPrinter(QStringLiteral("세금계산서"));
         QCOMPARE(currentPrinterName(), kOffice);
@@ -108,7 +116,8 @@ private Q_SLOTS:
     void restorePrinterPutsBackThePrinterOfTheLastSelection() {
         test::TestHome home;
         twoPrinters();
-        SaveSetting(QStringLiteral("브란토2"), QStringLiteral("Drive"), QStringLiteral("세금계산서"), QStringLiteral("PDF"));
+        SaveSetting(QStringLiteral("브란토2"), QStringLiteral("Drive"), QStringLiteral("세금계산서"),
+                    QStringLiteral("PDF"));
         setCurrentPrinter(kInk);
         SelectDocPrinter(QStringLiteral("세금계산서"));
         QCOMPARE(currentPrinterName(), QStringLiteral("PDF"));
@@ -125,7 +134,8 @@ private Q_SLOTS:
         PrinterPrepare(*job);
         job->printAtTab(3, 84, QStringLiteral("1 0 0 0 0 1"));
         QVERIFY(job->endDoc());
-        const QStringList files = QDir(home.file(QStringLiteral("Print"))).entryList({QStringLiteral("*.pdf")});
+        const QStringList files =
+            QDir(home.file(QStringLiteral("Print"))).entryList({QStringLiteral("*.pdf")});
         QCOMPARE(files.size(), 1);
         QVERIFY(files.first().startsWith(QStringLiteral("세금계산서-")));
         const QString path = home.file(QStringLiteral("Print/") + files.first());
