@@ -162,7 +162,10 @@ std::unique_ptr<PrintJob> startPrintJob(const QString& document) {
                                           document);
     }
     auto surface = makeSystemPrinterSurface(printer);
-    if (!surface) return nullptr;
+    if (!surface) {
+        ShowWarning(QStringLiteral("프린터를 열지 못했습니다.\n%1").arg(printer), QStringLiteral("인쇄"));
+        return nullptr;
+    }
     return std::make_unique<PrintJob>(std::move(surface), printer, document);
 }
 
@@ -186,8 +189,8 @@ PrintCapture::~PrintCapture() {
 }
 
 const PrintRecord& PrintCapture::last() const {
-    Q_ASSERT_X(!m_jobs.empty(), "PrintCapture::last", "no job was started");
-    return *m_jobs.back();
+    static const PrintRecord none;
+    return m_jobs.empty() ? none : *m_jobs.back();
 }
 
 std::unique_ptr<PrintJob> PrintCapture::start(const QString& printer, const QString& document) {

@@ -47,7 +47,7 @@ void saveDocPrinter(int documentIndex, const QString& printerName);
 
 // Starts a job on the current printer for the named document. "PDF" writes
 // <appFolder>/Print/<document>-<yyyyMMdd-HHmmss>.pdf and names the file in a box when the job
-// ends. Null when the printer cannot be opened.
+// ends. Null, after a warning box, when the printer cannot be opened.
 std::unique_ptr<PrintJob> startPrintJob(const QString& document);
 // Where a PDF print of the document started now would go.
 QString pdfPrintPath(const QString& document);
@@ -66,7 +66,7 @@ public:
     PrintCapture(const PrintCapture&) = delete;
     PrintCapture& operator=(const PrintCapture&) = delete;
     const std::vector<std::shared_ptr<PrintRecord>>& jobs() const { return m_jobs; }
-    // The last job; fails the caller's expectations loudly when there is none.
+    // The last job; an empty record (no printer, no texts) when none was started.
     const PrintRecord& last() const;
     std::unique_ptr<PrintJob> start(const QString& printer, const QString& document);
 

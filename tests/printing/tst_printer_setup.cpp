@@ -146,6 +146,22 @@ private Q_SLOTS:
                  QStringLiteral("인쇄한 내용을 PDF 파일로 저장했습니다.\n") + QDir::toNativeSeparators(path));
         QCOMPARE(msgs.last().buttons, int(MbInformation));
     }
+    void aPrinterThatCannotBeOpenedStartsNoJobAndSaysSo() {
+        test::TestHome home;
+        setSystemPrintersForTesting({QStringLiteral("없는 프린터")}, QStringLiteral("없는 프린터"));
+        auto& msgs = test::script();
+        QVERIFY(!startPrintJob(QStringLiteral("세금계산서")));
+        QCOMPARE(msgs.boxes().size(), std::size_t(1));
+        QCOMPARE(msgs.last().text, QStringLiteral("프린터를 열지 못했습니다.\n없는 프린터"));
+        QCOMPARE(msgs.last().title, QStringLiteral("인쇄"));
+        QCOMPARE(msgs.last().buttons, int(MbExclamation));
+    }
+    void captureWithoutAJobHasAnEmptyLastRecord() {
+        PrintCapture capture;
+        QVERIFY(capture.jobs().empty());
+        QVERIFY(capture.last().texts.empty());
+        QVERIFY(capture.last().printerName.isEmpty());
+    }
     void twoPdfPrintsInOneSecondKeepBothFiles() {
         test::TestHome home;
         setSystemPrintersForTesting({}, QString());
