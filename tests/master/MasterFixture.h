@@ -62,11 +62,45 @@ inline void addProduct(const QString& code, const QString& name, const QString& 
          {code, name, norm, buy, sale, unit});
 }
 
-inline void addUser(const QString& serial, const QString& company, const QString& phone = QString()) {
+inline void addUser(const QString& serial, const QString& company = QStringLiteral("가나상사"), const QString& phone = QString()) {
     exec(stores().dbBasic,
          QStringLiteral("INSERT INTO User (Company, Delegate, Serial, Post, Addr, Phone, Fax, Status, Item) "
                         "VALUES (?, '대표', ?, '', '', ?, '', '', '')"),
          {company, serial, phone});
+}
+
+} // namespace nb::test
+
+#include <QApplication>
+#include <QTimer>
+#include <functional>
+
+namespace nb::test {
+
+// Shows a screen as the operator has it: visible and active, so focus moves work.
+inline void showActive(QWidget* w) {
+    w->show();
+    w->activateWindow();
+    QApplication::setActiveWindow(w);
+    QTest::qWait(20);
+}
+
+inline QWidget* focused() { return QApplication::focusWidget(); }
+// Types into whatever box has the focus, then presses a key there.
+inline void typeHere(const QString& text) { typeText(focused(), text); }
+inline void keyHere(Qt::Key key, Qt::KeyboardModifiers mods = Qt::NoModifier) { pressKey(focused(), key, mods); }
+
+// Runs the action on the next modal window once it is up (a list shown by exec()).
+inline void whenModalShows(std::function<void(QWidget*)> action, int tries = 100) {
+    QTimer::singleShot(20, [action, tries] {
+        QWidget* modal = QApplication::activeModalWidget();
+        if (modal && modal->isVisible()) {
+            QApplication::setActiveWindow(modal);
+            action(modal);
+        } else if (tries > 0) {
+            whenModalShows(action, tries - 1);
+        }
+    });
 }
 
 } // namespace nb::test

@@ -1,0 +1,39 @@
+#pragma once
+// The rows a list screen shows: texts read once from a query, with the headings of the grid.
+
+#include "storage/Database.h"
+
+#include <QAbstractTableModel>
+#include <QStringList>
+#include <QVector>
+
+namespace nb {
+
+class ListModel : public QAbstractTableModel {
+    Q_OBJECT
+public:
+    explicit ListModel(const QStringList& headings, QObject* parent = nullptr);
+
+    int rowCount(const QModelIndex& parent = QModelIndex()) const override;
+    int columnCount(const QModelIndex& parent = QModelIndex()) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+    void setHeading(int column, const QString& heading);  // column from 0
+    void setRows(QVector<QStringList> rows);
+    void appendRows(const QVector<QStringList>& rows);
+    void clear();
+    // The text of a cell, columns from 0; empty outside.
+    QString text(int row, int column) const;
+    // The first row whose column holds the value, or -1.
+    int findRow(int column, const QString& value) const;
+
+private:
+    QStringList m_headings;
+    QVector<QStringList> m_rows;
+};
+
+// Every row of an open recordset as texts (null as the empty text), in its column order.
+QVector<QStringList> RowsOf(Recordset& rs);
+
+} // namespace nb

@@ -1,0 +1,118 @@
+#include "master/MasterListForm.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTableView>
+#include <QVBoxLayout>
+
+namespace nb {
+
+MasterListForm::MasterListForm(const QStringList& headings, QWidget* parent) : QDialog(parent) {
+    m_input = new QLineEdit(this);
+    m_input->setObjectName(QStringLiteral("txtinput"));
+    m_model = new ListModel(headings, this);
+    m_grid = new QTableView(this);
+    m_grid->setObjectName(QStringLiteral("grdList"));
+    m_grid->setModel(m_model);
+    m_grid->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_grid->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_grid->verticalHeader()->setDefaultSectionSize(20);
+    m_grid->horizontalHeader()->setStretchLastSection(true);
+    m_hint = new QLabel(this);
+    m_hint->setObjectName(QStringLiteral("pnlFunction"));
+    m_hint->setFrameShape(QFrame::Panel);
+    m_hint->setFrameShadow(QFrame::Sunken);
+    m_select = new QPushButton(QStringLiteral("선택(&S)"), this);
+    m_select->setObjectName(QStringLiteral("btnSelect"));
+    m_quit = new QPushButton(QStringLiteral("닫기(&Q)"), this);
+    m_quit->setObjectName(QStringLiteral("btnQuit"));
+    m_select->setAutoDefault(false);
+    m_quit->setAutoDefault(false);
+
+    m_buttons = new QHBoxLayout;
+    m_buttons->addWidget(m_hint, 1);
+    m_buttons->addWidget(m_select);
+    m_buttons->addWidget(m_quit);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(m_input);
+    layout->addWidget(m_grid, 1);
+    layout->addLayout(m_buttons);
+
+    connect(m_select, &QPushButton::clicked, this, &MasterListForm::chooseActiveRow);
+    connect(m_quit, &QPushButton::clicked, this, &QDialog::reject);
+    connect(m_grid, &QTableView::doubleClicked, this, [this] { chooseActiveRow(); });
+    m_input->installEventFilter(this);
+    m_grid->installEventFilter(this);
+    resize(620, 400);
+}
+
+int MasterListForm::activeRow() const {
+    const QModelIndex current = m_grid->currentIndex();
+    return current.isValid() ? current.row() : -1;
+}
+
+void MasterListForm::selectRow(int row) {
+    if (row < 0 || row >= m_model->rowCount()) return;
+    m_grid->setCurrentIndex(m_model->index(row, 0));
+    m_grid->selectRow(row);
+}
+
+QString MasterListForm::activeText(int column) const { return m_model->text(activeRow(), column - 1); }
+
+void MasterListForm::chooseActiveRow() {
+    const QString key = activeText(keyColumn());
+    if (key.isEmpty()) return;
+    writeTarget(key);
+    accept();
+}
+
+void MasterListForm::holdTarget(QLineEdit* target) {
+    if (!m_target) m_target = target;
+}
+
+void MasterListForm::writeTarget(const QString& key) {
+    if (m_target) m_target->setText(key);
+}
+
+bool MasterListForm::functionKey(int) { return false; }
+
+void MasterListForm::setHints(const QString& entryHint, const QString& gridHint) {
+    m_entryHint = entryHint;
+    m_gridHint = gridHint;
+    m_hint->setText(entryHint);
+}
+
+void MasterListForm::placeFirstColumnWidths(const QList<int>& widths) {
+    for (int c = 0; c < widths.size(); ++c) m_grid->setColumnWidth(c, widths[c]);
+}
+
+bool MasterListForm::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::FocusIn) {
+        m_hint->setText(watched == m_grid ? m_gridHint : m_entryHint);
+    } else if (event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (functionKey(key)) return true;
+        const bool enter = key == Qt::Key_Return || key == Qt::Key_Enter;
+        if (watched == m_input && enter) {
+            searchFromEntry();
+            return true;
+        }
+        if (watched == m_input && (key == Qt::Key_Up || key == Qt::Key_Down)) {
+            m_grid->setFocus();
+            return true;
+        }
+        if (watched == m_grid && enter) {
+            chooseActiveRow();
+            return true;
+        }
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+} // namespace nb
