@@ -1,0 +1,223 @@
+#include "invoice/InvoiceStore.h"
+
+#include "common/text/NumberFormat.h"
+#include "storage/Database.h"
+
+#include <QVariant>
+
+namespace nb {
+
+namespace {
+
+// A number column's value from a box text: commas and blanks removed; null when empty.
+QVariant numberValue(const QString& text) {
+    const QString plain = QString(text.trimmed()).remove(u',');
+    if (plain.isEmpty()) return QVariant();
+    bool ok = false;
+    const double value = NumberFromText(plain, &ok);
+    return ok ? QVariant(value) : QVariant(plain);
+}
+
+QString storedNumberText(const QVariant& value) {
+    if (value.isNull()) return QString();
+    bool ok = false;
+    const double number = value.toDouble(&ok);
+    return ok ? plainNumberText(number) : value.toString();
+}
+
+InvoiceLine lineFromRow(const Recordset& rs) {
+    InvoiceLine line;
+    line.ddyy = rs.text(QStringLiteral("TradeDate"));
+    line.pummok = rs.text(QStringLiteral("PName"));
+    line.dan_num = rs.text(QStringLiteral("PNorm"));
+    line.su_num = storedNumberText(rs.field(QStringLiteral("Quantity")));
+    line.gibon_num = storedNumberText(rs.field(QStringLiteral("UnitCost")));
+    line.gonggum = storedNumberText(rs.field(QStringLiteral("TradeKum")));
+    line.tax_num = storedNumberText(rs.field(QStringLiteral("VatKum")));
+    return line;
+}
+
+std::optional<TaxSums> readSums(Database& dbTax, const QString& sql, const QVariantList& values) {
+    Recordset rs;
+    if (!OpenSnapshot(dbTax, rs, sql, values)) return std::nullopt;
+    TaxSums sums;
+    if (!rs.EOF_()) {
+        sums.supply = rs.number(QStringLiteral("supply"));
+        sums.tax = rs.number(QStringLiteral("tax"));
+    }
+    CloseRs(rs);
+    return sums;
+}
+
+void foldRow(IssuedList& list, const Recordset& rs, int& rowsOfInvoice) {
+    const QString code = rs.text(QStringLiteral("TaxCode"));
+    const double supply = rs.number(QStringLiteral("TradeKum"));
+    const double tax = rs.number(QStringLiteral("VatKum"));
+    if (list.rows.isEmpty() || list.rows.last().taxCode != code) {
+        list.rows.append({rs.text(QStringLiteral("DealDate")), QString(), 0, 0, code});
+        rowsOfInvoice = 0;
+    }
+    IssuedListRow& row = list.rows.last();
+    ++rowsOfInvoice;
+    row.item = rs.text(QStringLiteral("PName"));
+    if (rowsOfInvoice > 1) row.item += QStringLiteral(" 외 ") + QString::number(rowsOfInvoice - 1);
+    row.supply += supply;
+    row.tax += tax;
+    list.supply += supply;
+    list.tax += tax;
+}
+
+} // namespace
+
+std::optional<QString> NextTaxCode(Database& dbTax) {
+    Recordset rs;
+    if (!OpenSnapshot(dbTax, rs, QStringLiteral("SELECT TaxCode FROM NewAcount ORDER BY TaxCode"))) return std::nullopt;
+    QString next = kFirstTaxCode;
+    if (rs.RecordCount() > 0) {
+        rs.MoveLast();
+        const double last = NumberFromText(rs.text(QStringLiteral("TaxCode")));
+        next = QString::number(qint64(last) + 1);
+    }
+    CloseRs(rs);
+    return next;
+}
+
+QString serialFromTaxCode(const QString& taxCode) {
+    if (taxCode.isEmpty()) return QStringLiteral("000-000");
+    const QString mask = QStringLiteral("000");
+    return FormatText(taxCode.left(3), mask) + u'-' + FormatText(taxCode.right(3), mask);
+}
+
+QString serialDigits(const QString& txtSeq) { return txtSeq.left(3) + txtSeq.right(3); }
+
+QList<InvoiceLine> linesToSave(const InvoiceSheet& sheet) {
+    QList<InvoiceLine> lines;
+    for (int i = 0; i <= sheet.curLine; ++i) {
+        if (!sheet.line(i).isComplete()) break;
+        lines.append(sheet.line(i));
+    }
+    return lines;
+}
+
+QList<InvoiceLine> printableLines(const InvoiceSheet& sheet) {
+    QList<InvoiceLine> lines;
+    for (int i = 0; i <= sheet.curLine; ++i)
+        if (sheet.line(i).isComplete()) lines.append(sheet.line(i));
+    return lines;
+}
+
+bool InsertInvoiceRows(Database& dbTax, const QString& taxCode, const InvoiceHead& head,
+                       const QList<InvoiceLine>& lines) {
+    static const QString sql = QStringLiteral(
+        "insert into NewAcount(TaxCode, CCode, PName, PNorm, Quantity, UnitCost, TradeKum, VatKum, DealDate, "
+        "issuedate, TradeDate, UserCode) values(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    if (!dbTax.beginTransaction()) return false;
+    for (const InvoiceLine& line : lines) {
+        const QVariantList values{taxCode,
+                                  head.cCode.trimmed(),
+                                  line.pummok.trimmed(),
+                                  line.dan_num,
+                                  numberValue(line.su_num),
+                                  numberValue(line.gibon_num),
+                                  numberValue(line.gonggum),
+                                  numberValue(FormatText(line.tax_num, kMaskPlain)),
+                                  head.dealDate,
+                                  head.remark.trimmed(),
+                                  line.ddyy.trimmed(),
+                                  head.userCode};
+        if (!dbTax.Execute(sql, values)) {
+            dbTax.rollback();
+            return false;
+        }
+    }
+    return dbTax.commit();
+}
+
+std::optional<IssuedInvoice> ReadIssuedInvoice(Database& dbTax, const QString& taxCode) {
+    Recordset rs;
+    if (!OpenSnapshot(dbTax, rs, QStringLiteral("select * from newacount where TaxCode = ? order by rowid"),
+                      {taxCode}))
+        return std::nullopt;
+    if (rs.RecordCount() == 0) return std::nullopt;
+    IssuedInvoice invoice;
+    invoice.taxCode = rs.text(QStringLiteral("TaxCode"));
+    invoice.cCode = rs.text(QStringLiteral("CCode"));
+    invoice.dealDate = rs.text(QStringLiteral("DealDate"));
+    invoice.remark = rs.text(QStringLiteral("IssueDate"));
+    invoice.userCode = rs.text(QStringLiteral("UserCode"));
+    for (; !rs.EOF_(); rs.MoveNext()) invoice.lines.append(lineFromRow(rs));
+    CloseRs(rs);
+    return invoice;
+}
+
+void ShowIssuedInvoice(InvoiceSheet& sheet, const IssuedInvoice& invoice) {
+    sheet.curLine = 0;
+    sheet.clearLines();
+    const int count = qMin(int(invoice.lines.size()), kInvoiceLines);
+    for (int i = 0; i < count; ++i) sheet.line(i) = invoice.lines.at(i);
+    SumLines(sheet);
+    sheet.curLine = qMax(0, count - 1);
+}
+
+WritingDate writingDateOf(const QString& dealDate) { return {dealDate.mid(0, 4), dealDate.mid(5, 2), dealDate.mid(8, 2)}; }
+
+std::optional<IssuedList> ReadIssuedList(Database& dbTax, const QString& cCode) {
+    Recordset rs;
+    if (!OpenSnapshot(dbTax, rs, QStringLiteral("select * from newacount where ccode = ? order by TaxCode, rowid"),
+                      {cCode}))
+        return std::nullopt;
+    IssuedList list;
+    int rowsOfInvoice = 0;
+    for (; !rs.EOF_(); rs.MoveNext()) foldRow(list, rs, rowsOfInvoice);
+    CloseRs(rs);
+    return list;
+}
+
+bool DeleteInvoice(Database& dbTax, const QString& taxCode) {
+    return dbTax.Execute(QStringLiteral("delete from newacount where taxCode = ?"), {taxCode});
+}
+
+std::optional<TaxSums> ReadAllTaxSums(Database& dbTax) {
+    return readSums(dbTax, QStringLiteral("Select Sum(TradeKum) AS supply, Sum(VatKum) AS tax from NewAcount"), {});
+}
+
+std::optional<TaxSums> ReadTaxSums(Database& dbTax, const QString& from, const QString& to) {
+    return readSums(dbTax,
+                    QStringLiteral("Select Sum(TradeKum) AS supply, Sum(VatKum) AS tax from NewAcount "
+                                   "Where DealDate Between ? and ?"),
+                    {from, to});
+}
+
+QString sumPanelText(double value, const QString& mask) { return FormatNumber(value, mask) + u' '; }
+
+QStringList periodChoices(PeriodKind kind) {
+    switch (kind) {
+    case PeriodKind::Quarter:
+        return {QStringLiteral("1/4분기"), QStringLiteral("2/4분기"), QStringLiteral("3/4분기"),
+                QStringLiteral("4/4분기")};
+    case PeriodKind::Half: return {QStringLiteral("1/2분기"), QStringLiteral("2/2분기")};
+    case PeriodKind::Year: return {QStringLiteral("한해집계")};
+    }
+    return {};
+}
+
+DateRange periodRange(PeriodKind kind, const QString& choice, int year) {
+    const QString y = QString::number(year);
+    auto range = [&](const char* from, const char* to) {
+        return DateRange{y + QLatin1String(from), y + QLatin1String(to)};
+    };
+    switch (kind) {
+    case PeriodKind::Quarter:
+        if (choice == u"1/4분기") return range("-01-01", "-03-31");
+        if (choice == u"2/4분기") return range("-04-01", "-06-30");
+        if (choice == u"3/4분기") return range("-07-01", "-09-30");
+        return range("-10-01", "-12-31");
+    case PeriodKind::Half:
+        if (choice == u"1/2분기") return range("-01-01", "-06-30");
+        return range("-07-01", "-12-31");
+    case PeriodKind::Year: break;
+    }
+    return range("-01-01", "-12-31");
+}
+
+} // namespace nb
