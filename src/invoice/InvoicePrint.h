@@ -1,0 +1,82 @@
+#pragma once
+// The tax invoice on its pre-printed paper: only the values, twice on one sheet (the upper copy
+// from row 1, the lower one from row 36), in inches on the print job, rows six to the inch and
+// columns by tab stop of the font in force. No text of the form itself is drawn.
+
+#include "invoice/InvoiceAmounts.h"
+
+#include <QImage>
+#include <QString>
+#include <QStringList>
+
+namespace nb {
+
+class Database;
+class PrintJob;
+
+// A party as the print reads it (rsPrintUser from User, rsPrintTrader from Trader).
+struct PrintParty {
+    QString serial;
+    QString company;   // User.Company / Trader.C_Name
+    QString delegate;  // User.Delegate / Trader.U_Name
+    QString addr;      // User.Addr / Trader.addr1
+    QString status;
+    QString item;
+    QString phone;
+    QString fax;
+};
+
+// 검색Snp거래처(code): the trader of the code (the first by Code when code is empty) and the
+// supplier of userSerial (the first row of User when it is empty, whatever the screen shows).
+struct PrintParties {
+    PrintParty trader;
+    PrintParty user;
+};
+PrintParties ReadPrintParties(Database& dbBasic, const QString& traderCode, const QString& userSerial);
+
+struct InvoicePrintData {
+    InvoiceSheet sheet;      // the lines, CurLine and the VAT mode
+    QString txtSeq;          // "000-000"
+    PrintParties parties;
+    QString writeYY, writeMM, writeDD;
+    bool printDate = true;   // chkPrnDate
+    bool printPhone = false; // chk_Phone
+    QString bigo;            // the whole remark; the paper shows its first two lines
+    QString youngsu;         // "영수" or "청구"
+    int decimalQty = 0;
+    int decimalPrice = 0;
+};
+
+// The sums for the paper: lines 0 to CurLine, an empty field counting as 0.
+struct PaperSums {
+    qint32 supply = 0;
+    qint32 tax = 0;
+    qint32 total = 0;
+    // 공란수: the empty cells before the supply digits (11 minus its digits), and the same for
+    // the tax in its 10 cells.
+    int blank() const { return 11 - int(QString::number(supply).size()); }
+    int taxBlank() const { return 10 - int(QString::number(tax).size()); }
+};
+PaperSums paperSums(const InvoiceSheet& sheet);
+
+// The seal, 0.7 by 0.7 inches, on both copies; nothing for an empty picture.
+void PrintInvoiceSeal(PrintJob& job, const QImage& seal);
+// Both copies; answers the lines printed over the two.
+int PrintInvoiceCopies(PrintJob& job, const InvoicePrintData& data);
+// One copy (0 upper, 1 lower); answers its lines printed.
+int PrintInvoiceCopy(PrintJob& job, const InvoicePrintData& data, const PaperSums& sums, int copy);
+
+// Pieces of the layout, for the checks of the paper.
+int invoiceLineRow(int i);              // 18, 19, 21, 22, 23
+int blankRuleRow(int curLine);          // 19 + 2 * CurLine
+QString phoneNote(const InvoicePrintData& data, int copy);
+// The address rule: font size and Tab for an address (supplier or receiver side).
+struct AddressPlace {
+    double size;
+    int tab;
+};
+AddressPlace addressPlace(const QString& addr, bool receiver, double baseSize = 10);
+// The mask of a quantity or price by its decimal setting; empty for a setting outside 0..2.
+QString decimalPrintMask(int places);
+
+} // namespace nb
