@@ -7,6 +7,8 @@
 #include "core/Clock.h"
 #include "core/shell/FrmLogin.h"
 #include "core/shell/Nubella.h"
+#include "core/shell/Program.h"
+#include "common/text/frmsosu.h"
 #include "core/shell/ScreenRegistry.h"
 #include "core/shell/frmAbout.h"
 
@@ -227,6 +229,19 @@ private Q_SLOTS:
         test::saveScreenshot(&splash, "splash");
         QTRY_VERIFY_WITH_TIMEOUT(!splash.isVisible(), 4000);
         QVERIFY(!splash.Timer1->isActive());
+    }
+    void decimalSettingsEntryOpensTheNonModalScreen() {
+        registerShellScreens();
+        Nubella w;
+        w.refreshMenuState();
+        w.show();
+        QVERIFY(w.menuAction("mnu_sosu")->isEnabled());
+        w.menuAction("mnu_sosu")->trigger();
+        auto* screen = w.findChild<frmsosu*>();
+        QVERIFY(screen);
+        QVERIFY(screen->isVisible());
+        QVERIFY(QApplication::activeModalWidget() == nullptr);
+        screen->close();
     }
     void bothExitEntriesEndTheProcessAtOnce() {
         for (const char* entry : {"mnu_end", "mnuExit"}) {

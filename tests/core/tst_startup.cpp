@@ -6,6 +6,7 @@
 #include "core/Clock.h"
 #include "core/Settings.h"
 #include "core/shell/Startup.h"
+#include "common/dates/ShortDate.h"
 
 #include <QDir>
 #include <QFile>
@@ -123,7 +124,7 @@ private Q_SLOTS:
         test::TestHome home;
         app().DecimalQty = 5;
         app().DecimalPrice = 5;
-        QVERIFY(ReadDecimalSettings());
+        QVERIFY(LoadDecimalSettings());
         QCOMPARE(app().DecimalQty, 0);
         QCOMPARE(app().DecimalPrice, 0);
     }
@@ -131,14 +132,14 @@ private Q_SLOTS:
         test::TestHome home;
         SaveEnv("chk소수점1", "2");
         SaveEnv("chk소수점2", " 1 ");
-        QVERIFY(ReadDecimalSettings());
+        QVERIFY(LoadDecimalSettings());
         QCOMPARE(app().DecimalQty, 2);
         QCOMPARE(app().DecimalPrice, 1);
     }
     void decimalSettingThatIsNoNumberStopsTheLoad() {
         test::TestHome home;
         SaveEnv("chk소수점1", "두자리");
-        QVERIFY(!ReadDecimalSettings());
+        QVERIFY(!LoadDecimalSettings());
         auto& msgs = test::script();
         ShowTypeMismatch();
         QCOMPARE(msgs.last().text, QStringLiteral("실행 시간 오류 '13':\r\n\r\n형식이 일치하지 않습니다."));
@@ -157,12 +158,43 @@ private Q_SLOTS:
         QCOMPARE(datePanelText(QDate(2004, 1, 1)), QStringLiteral("2004/01/01 목요일"));
         QCOMPARE(datePanelText(QDate(2026, 11, 22)), QStringLiteral("2026/11/22 일요일"));
     }
-    void dateTextsNeedNoMachineDateFormat() {
-        // The program forms its date texts itself; a machine locale with another short date
-        // format changes nothing.
-        QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-        QCOMPARE(datePanelText(QDate(2026, 3, 9)), QStringLiteral("2026/03/09 월요일"));
-        QLocale::setDefault(QLocale::system());
+    void shortDateFormatAlreadyRightIsNotWritten() {
+        test::TestHome home;
+        test::script();
+        struct Recording : ShortDateStore {
+            QString format = QStringLiteral("yyyy-MM-dd");
+            int writes = 0;
+            QString read() const override { return format; }
+            bool write(const QString& f) override {
+                ++writes;
+                format = f;
+                return true;
+            }
+        };
+        auto store = std::make_unique<Recording>();
+        Recording* seen = store.get();
+        setShortDateStore(std::move(store));
+        StartProgram();
+        QCOMPARE(seen->writes, 0);
+    }
+    void otherShortDateFormatIsForcedToIsoOnce() {
+        test::TestHome home;
+        test::script();
+        struct Recording : ShortDateStore {
+            QString format = QStringLiteral("M/d/yyyy");
+            QStringList written;
+            QString read() const override { return format; }
+            bool write(const QString& f) override {
+                written << f;
+                format = f;
+                return true;
+            }
+        };
+        auto store = std::make_unique<Recording>();
+        Recording* seen = store.get();
+        setShortDateStore(std::move(store));
+        StartProgram();
+        QCOMPARE(seen->written, QStringList{"yyyy-MM-dd"});
     }
 };
 

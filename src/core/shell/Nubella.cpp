@@ -130,7 +130,7 @@ bool Nubella::load(bool showSplash) {
     SetMainBackground();
     m_panels[0]->setText(datePanelText(today()));
     setWindowTitle(mainWindowTitle());
-    if (!ReadDecimalSettings()) {
+    if (!LoadDecimalSettings()) {
         ShowTypeMismatch();
         return false;
     }

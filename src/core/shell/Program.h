@@ -4,6 +4,8 @@
 
 namespace nb {
 
+// The screens of the common library (the decimal settings).
+void registerShellScreens();
 int runProgram(int argc, char** argv);
 
 } // namespace nb

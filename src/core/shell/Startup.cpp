@@ -1,6 +1,8 @@
 #include "core/shell/Startup.h"
 
 #include "common/Messages.h"
+#include "common/dates/DateText.h"
+#include "common/dates/ShortDate.h"
 #include "core/AppFolder.h"
 #include "core/AppState.h"
 #include "core/Clock.h"
@@ -22,11 +24,6 @@ QString folderOrDefault(const QString& stored, const QString& fallbackName) {
 // A stored path that names an existing file is kept, wherever it lies; else the default name.
 QString fileOrDefault(const QString& stored, const QString& dbPath, const QString& fileName) {
     return !stored.isEmpty() && QFileInfo(stored).isFile() ? stored : dbPath + u'/' + fileName;
-}
-
-QString weekdayName(const QDate& date) {
-    static const char* const names[] = {"월요일", "화요일", "수요일", "목요일", "금요일", "토요일", "일요일"};
-    return QString::fromUtf8(names[date.dayOfWeek() - 1]);
 }
 
 } // namespace
@@ -84,7 +81,7 @@ QString mainWindowTitle() {
 
 QString datePanelText(const QDate& date) {
     return date.toString(u"yyyy") + u'/' + date.toString(u"MM") + u'/' + date.toString(u"dd") + u' ' +
-           weekdayName(date);
+           GetHanWeekday(date);
 }
 
 std::optional<int> toInteger16(const QString& text) {
@@ -96,7 +93,7 @@ std::optional<int> toInteger16(const QString& text) {
     return int(rounded);
 }
 
-bool ReadDecimalSettings() {
+bool LoadDecimalSettings() {
     const auto qty = toInteger16(GetEnv(QStringLiteral("chk소수점1"), QStringLiteral("0")));
     if (!qty) return false;
     app().DecimalQty = *qty;
@@ -111,9 +108,9 @@ void ShowTypeMismatch() {
 }
 
 void StartProgram() {
-    // Dates are always formed and read as "yyyy-MM-dd" by the program itself, so there is no
-    // machine-wide date format to set. The old statement store conversion runs here, under the
-    // busy cursor, before the settings are read.
+    ForceDateFormat(0);
+    // The old statement store conversion runs here, under the busy cursor, before the settings
+    // are read.
     QApplication::setOverrideCursor(Qt::WaitCursor);
     QApplication::restoreOverrideCursor();
     ReadSettings();

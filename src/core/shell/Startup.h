@@ -22,7 +22,7 @@ std::optional<int> toInteger16(const QString& text);
 
 // Reads "chk소수점1"/"chk소수점2" (default 0) into the shared state. Returns false when a value
 // is not a number: the load stops there.
-bool ReadDecimalSettings();
+bool LoadDecimalSettings();
 // The run-time failure a stopped load shows before the program ends.
 void ShowTypeMismatch();
 
