@@ -20,11 +20,13 @@ constexpr double kSampleDpi = 80;
 InvoicePrintData sampleData() {
     InvoicePrintData d;
     d.txtSeq = QStringLiteral("100-001");
-    d.parties.user = {QStringLiteral("123-45-67890"), QStringLiteral("하르문상사"), QStringLiteral("홍길동"),
-                      QStringLiteral("서울시 중구 을지로 1"), QStringLiteral("도소매"), QStringLiteral("철물"),
-                      QStringLiteral("02-123-4567"), QString()};
-    d.parties.trader = {QStringLiteral("234-56-78901"), QStringLiteral("가나철강"), QStringLiteral("김철수"),
-                        QStringLiteral("부산시 동구 1"), QStringLiteral("제조"), QStringLiteral("강판"),
+    d.parties.user = {QStringLiteral("123-45-67890"), QStringLiteral("하르문상사"),
+                      QStringLiteral("홍길동"),       QStringLiteral("서울시 중구 을지로 1"),
+                      QStringLiteral("도소매"),       QStringLiteral("철물"),
+                      QStringLiteral("02-123-4567"),  QString()};
+    d.parties.trader = {QStringLiteral("234-56-78901"), QStringLiteral("가나철강"),
+                        QStringLiteral("김철수"),       QStringLiteral("부산시 동구 1"),
+                        QStringLiteral("제조"),         QStringLiteral("강판"),
                         QStringLiteral("051-234-5678"), QString()};
     d.writeYY = QStringLiteral("2024");
     d.writeMM = QStringLiteral("05");
@@ -32,10 +34,12 @@ InvoicePrintData sampleData() {
     d.youngsu = QStringLiteral("영수");
     d.bigo = QStringLiteral("견본");
     d.sheet.vat = VatMode::Separate;
-    d.sheet.line(0) = {QStringLiteral("05-10"), QStringLiteral("볼트(M8)"), QStringLiteral("EA"), QStringLiteral("100"),
-                       QStringLiteral("150"), QStringLiteral("15000"), QStringLiteral("1500")};
-    d.sheet.line(1) = {QStringLiteral("05-10"), QStringLiteral("너트(M8)"), QStringLiteral("EA"), QStringLiteral("100"),
-                       QStringLiteral("50"), QStringLiteral("5000"), QStringLiteral("500")};
+    d.sheet.line(0) = {QStringLiteral("05-10"), QStringLiteral("볼트(M8)"), QStringLiteral("EA"),
+                       QStringLiteral("100"),   QStringLiteral("150"),      QStringLiteral("15000"),
+                       QStringLiteral("1500")};
+    d.sheet.line(1) = {QStringLiteral("05-10"), QStringLiteral("너트(M8)"), QStringLiteral("EA"),
+                       QStringLiteral("100"),   QStringLiteral("50"),       QStringLiteral("5000"),
+                       QStringLiteral("500")};
     d.sheet.curLine = 1;
     return d;
 }

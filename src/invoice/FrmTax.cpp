@@ -125,10 +125,17 @@ InvoiceForm FrmTax::formFromControls() const {
 
 void FrmTax::applyFocus(FormFocus focus) {
     switch (focus) {
-    case FormFocus::CName_MAE: CName_MAE->setFocus(); break;
-    case FormFocus::Pummok0: pummok(0)->setFocus(); break;
-    case FormFocus::Grid: grdList->setFocus(); break;
-    case FormFocus::Unchanged: break;
+    case FormFocus::CName_MAE:
+        CName_MAE->setFocus();
+        break;
+    case FormFocus::Pummok0:
+        pummok(0)->setFocus();
+        break;
+    case FormFocus::Grid:
+        grdList->setFocus();
+        break;
+    case FormFocus::Unchanged:
+        break;
     }
 }
 
@@ -191,7 +198,8 @@ void FrmTax::init_form() {
     }
     fillPeriodChoices();
     const QString year = today().toString(QStringLiteral("yyyy"));
-    if (const auto sums = ReadTaxSums(stores().dbTax, year + QStringLiteral("-01-01"), year + QStringLiteral("-03-31")))
+    if (const auto sums =
+            ReadTaxSums(stores().dbTax, year + QStringLiteral("-01-01"), year + QStringLiteral("-03-31")))
         setAllCustomerSums(sums->supply, sums->tax);
 }
 
@@ -216,7 +224,8 @@ void FrmTax::ShowPeriodTotal() {
     if (gubun2[1]->isChecked()) kind = PeriodKind::Half;
     if (gubun2[2]->isChecked()) kind = PeriodKind::Year;
     const DateRange range = periodRange(kind, CmbTerm->currentText(), today().year());
-    if (const auto sums = ReadTaxSums(stores().dbTax, range.from, range.to)) setAllCustomerSums(sums->supply, sums->tax);
+    if (const auto sums = ReadTaxSums(stores().dbTax, range.from, range.to))
+        setAllCustomerSums(sums->supply, sums->tax);
 }
 
 // ---- parties -------------------------------------------------------------------------------
@@ -225,7 +234,8 @@ void FrmTax::ShowSupplier(const QString& serial) {
     Recordset rs;
     const bool read = serial.isEmpty()
                           ? OpenSnapshot(stores().dbBasic, rs, QStringLiteral("SELECT * FROM User"))
-                          : OpenSnapshot(stores().dbBasic, rs, QStringLiteral("SELECT * FROM User WHERE Serial = ?"), {serial});
+                          : OpenSnapshot(stores().dbBasic, rs,
+                                         QStringLiteral("SELECT * FROM User WHERE Serial = ?"), {serial});
     if (!read) return;
     if (rs.EOF_()) {
         CloseRs(rs);
@@ -244,7 +254,8 @@ void FrmTax::ShowSupplier(const QString& serial) {
 
 void FrmTax::ShowTrader(const QString& code) {
     Recordset rs;
-    if (!OpenSnapshot(stores().dbBasic, rs, QStringLiteral("SELECT * FROM Trader where Code = ?"), {code})) return;
+    if (!OpenSnapshot(stores().dbBasic, rs, QStringLiteral("SELECT * FROM Trader where Code = ?"), {code}))
+        return;
     if (!rs.EOF_()) {
         CName_MAE->setText(rs.text(QStringLiteral("C_Name")));
         Name_MAE->setText(rs.text(QStringLiteral("U_Name")));
@@ -286,12 +297,14 @@ void FrmTax::searchReceiver() {
     if (result == 2 || (result == 1 && text.isEmpty())) list->showBelow(pnlGubun);
     list.reset();
     if (result == 0) {
-        const QString question = text.isEmpty()
-                                     ? QStringLiteral("등록된 매출처가 없습니다.\n신규 등록하겠습니까?")
-                                     : QStringLiteral("검색한 매출처가 등록되어 있지 않습니다.\n매출처를 등록하겠습니까?");
+        const QString question =
+            text.isEmpty()
+                ? QStringLiteral("등록된 매출처가 없습니다.\n신규 등록하겠습니까?")
+                : QStringLiteral("검색한 매출처가 등록되어 있지 않습니다.\n매출처를 등록하겠습니까?");
         if (MsgBox(question, MbYesNo | MbQuestion, QStringLiteral("매출처 검색")) == AnsYes) {
             if (invoiceLookups().newTrader)
-                invoiceLookups().newTrader(this, txtCCode, text, today().toString(QStringLiteral("yyyy-MM")), CName_MAE);
+                invoiceLookups().newTrader(this, txtCCode, text, today().toString(QStringLiteral("yyyy-MM")),
+                                           CName_MAE);
         } else {
             CName_MAE->clear();
             CName_MAE->setFocus();
@@ -312,8 +325,8 @@ void FrmTax::searchReceiverByInsert() {
         if (MsgBox(QStringLiteral("등록된 매출처가 없습니다.\n신규 등록하겠습니까?"), MbYesNo | MbQuestion,
                    QStringLiteral("매출처 검색")) == AnsYes) {
             if (invoiceLookups().newTrader)
-                invoiceLookups().newTrader(this, txtCCode, QString(), today().toString(QStringLiteral("yyyy-MM")),
-                                           CName_MAE);
+                invoiceLookups().newTrader(this, txtCCode, QString(),
+                                           today().toString(QStringLiteral("yyyy-MM")), CName_MAE);
         } else {
             CName_MAE->setFocus();
             return;
@@ -355,7 +368,8 @@ bool FrmTax::PickProduct(int i) {
     }
     if (txtPCode->text().isEmpty()) return false;
     Recordset rs;
-    if (OpenSnapshot(stores().dbBasic, rs, QStringLiteral("Select * from Product where Code = ?"), {txtPCode->text()}) &&
+    if (OpenSnapshot(stores().dbBasic, rs, QStringLiteral("Select * from Product where Code = ?"),
+                     {txtPCode->text()}) &&
         !rs.EOF_()) {
         const double price = rs.number(QStringLiteral("SalePrice"));
         pummok(i)->setText(NameWithNorm(rs.text(QStringLiteral("PName")), rs.field(QStringLiteral("PNorm"))));
@@ -368,7 +382,8 @@ bool FrmTax::PickProduct(int i) {
 }
 
 void FrmTax::DeleteLine(int i) {
-    runRule("DeleteLine", [&](InvoiceSheet& s) { nb::DeleteLine(s, i, write_mm->text() + u'-' + write_dd->text()); });
+    runRule("DeleteLine",
+            [&](InvoiceSheet& s) { nb::DeleteLine(s, i, write_mm->text() + u'-' + write_dd->text()); });
     pummok(m_sheet.curLine)->setFocus();
 }
 
@@ -492,7 +507,8 @@ void FrmTax::vaBtn5_Click() {
         CName_MAE->setFocus();
         return;
     }
-    const auto summary = SummarizeStatements(stores().dbBill, code, txtDate[0]->dateText(), txtDate[1]->dateText());
+    const auto summary =
+        SummarizeStatements(stores().dbBill, code, txtDate[0]->dateText(), txtDate[1]->dateText());
     if (!summary) {
         ShowInfo(QStringLiteral("집계내역이 존재하지 않습니다."));
         return;
@@ -566,7 +582,8 @@ void FrmTax::connectControls() {
             txtDate[size_t(k)]->setDateText(ShowCalendar(txtDate[size_t(k)]->dateText(), txtDate[size_t(k)]));
         });
     connect(btnMonthView[2], &QPushButton::clicked, this, [this] {
-        const QString chosen = ShowCalendar(write_yy->text() + u'-' + write_mm->text() + u'-' + write_dd->text(), write_yy);
+        const QString chosen =
+            ShowCalendar(write_yy->text() + u'-' + write_mm->text() + u'-' + write_dd->text(), write_yy);
         const WritingDate date = writingDateOf(chosen);
         if (chosen.isEmpty()) return;
         write_yy->setText(date.yy);

@@ -69,7 +69,8 @@ public:
     std::array<DateBox*, 2> txtDate{};
     Grid* grdList;
     QLabel *imgPic, *picSign;
-    QPushButton *vaBtn1, *vaBtn2, *vaBtn3, *vaBtn4, *vaBtn5, *vaBtn6, *btnSave, *btnTotal, *btnPrinter, *cmdSeal;
+    QPushButton *vaBtn1, *vaBtn2, *vaBtn3, *vaBtn4, *vaBtn5, *vaBtn6, *btnSave, *btnTotal, *btnPrinter,
+        *cmdSeal;
     std::array<QPushButton*, 3> btnMonthView{};
     TaxPaper* paperArea;
 

@@ -1,9 +1,8 @@
 // FrmTax: its controls, where they stand on the drawn paper and beside it, and the tab order.
-#include "invoice/FrmTax.h"
-
 #include "common/dates/DateBox.h"
 #include "common/grid/Grid.h"
 #include "common/text/NumBox.h"
+#include "invoice/FrmTax.h"
 #include "invoice/TaxPaper.h"
 
 #include <QCheckBox>
@@ -83,10 +82,12 @@ void FrmTax::buildPartyFields() {
     struct Row {
         int row, x, width;
     };
-    const Row rows[6] = {{1, 88, 138}, {1, 274, 58}, {0, 88, 200}, {2, 88, kHalf - 94}, {3, 88, 138}, {3, 274, 95}};
+    const Row rows[6] = {{1, 88, 138},        {1, 274, 58}, {0, 88, 200},
+                         {2, 88, kHalf - 94}, {3, 88, 138}, {3, 274, 95}};
     QLineEdit** user[6] = {&CName_user, &Name_User, &Serial_user, &Address_User, &Job_User, &Sub_User};
     QLineEdit** mae[6] = {&CName_MAE, &Name_MAE, &Serial_Mae, &Address_MAE, &Job_MAE, &Sub_MAE};
-    const QStringList userNames{"CName_user", "Name_User", "Serial_user", "Address_User", "Job_User", "Sub_User"};
+    const QStringList userNames{"CName_user",   "Name_User", "Serial_user",
+                                "Address_User", "Job_User",  "Sub_User"};
     const QStringList maeNames{"CName_MAE", "Name_MAE", "Serial_Mae", "Address_MAE", "Job_MAE", "Sub_MAE"};
     for (int k = 0; k < 6; ++k) {
         const int y = kPartyTop + rows[k].row * kPartyRow + 5;
@@ -117,7 +118,8 @@ void FrmTax::buildPaperFields() {
     write_yy = makeBox(QStringLiteral("write_yy"), QRect(4, y, 46, kBoxHeight), paperArea);
     write_mm = makeBox(QStringLiteral("write_mm"), QRect(58, y, 26, kBoxHeight), paperArea);
     write_dd = makeBox(QStringLiteral("write_dd"), QRect(90, y, 26, kBoxHeight), paperArea);
-    for (QLineEdit* box : {write_yy, write_mm, write_dd}) box->setAlignment(Qt::AlignCenter);
+    for (QLineEdit* box : {write_yy, write_mm, write_dd})
+        box->setAlignment(Qt::AlignCenter);
     btnMonthView[2] = makeButton(paperArea, QStringLiteral("btnMonthView_2"), QStringLiteral("▼"),
                                  QRect(121, y, 26, kBoxHeight));
     gong_num = new DigitCells(paperArea);
@@ -144,7 +146,8 @@ void FrmTax::buildPaperFields() {
     txtCCode = makeBox(QStringLiteral("txtCCode"), QRect(), this);
     txtPCode = makeBox(QStringLiteral("txtPCode"), QRect(), this);
     TaxCode = makeBox(QStringLiteral("TaxCode"), QRect(), this);
-    for (QLineEdit* hidden : {txtCCode, txtPCode, TaxCode}) hidden->hide();
+    for (QLineEdit* hidden : {txtCCode, txtPCode, TaxCode})
+        hidden->hide();
 }
 
 void FrmTax::buildLineFields() {
@@ -162,7 +165,8 @@ void FrmTax::buildLineFields() {
 }
 
 void FrmTax::buildSideControls() {
-    QLabel* title = makeLabel(this, QStringLiteral("기 존 발 행 내 역"), QRect(kSideX, 8, kSideWidth, 22), true);
+    QLabel* title =
+        makeLabel(this, QStringLiteral("기 존 발 행 내 역"), QRect(kSideX, 8, kSideWidth, 22), true);
     title->setAlignment(Qt::AlignCenter);
     grdList = new Grid(this);
     grdList->setObjectName(QStringLiteral("grdList"));
@@ -200,14 +204,17 @@ void FrmTax::buildSideControls() {
         txtDate[size_t(k)]->setObjectName(QStringLiteral("txtDate_%1").arg(k));
         txtDate[size_t(k)]->setGeometry(kSideX + k * 152, 440, 120, kBoxHeight);
         txtDate[size_t(k)]->installEventFilter(this);
-        btnMonthView[size_t(k)] = makeButton(this, QStringLiteral("btnMonthView_%1").arg(k), QStringLiteral("▼"),
-                                             QRect(kSideX + k * 152 + 122, 440, 24, kBoxHeight));
+        btnMonthView[size_t(k)] =
+            makeButton(this, QStringLiteral("btnMonthView_%1").arg(k), QStringLiteral("▼"),
+                       QRect(kSideX + k * 152 + 122, 440, 24, kBoxHeight));
     }
 }
 
 void FrmTax::buildButtons() {
-    vaBtn5 = makeButton(this, QStringLiteral("vaBtn5"), QStringLiteral("집 계(&Z)"), QRect(kSideX, 470, kSideWidth, 30));
-    vaBtn6 = makeButton(this, QStringLiteral("vaBtn6"), QStringLiteral("   거래명세표                      발행창"),
+    vaBtn5 = makeButton(this, QStringLiteral("vaBtn5"), QStringLiteral("집 계(&Z)"),
+                        QRect(kSideX, 470, kSideWidth, 30));
+    vaBtn6 = makeButton(this, QStringLiteral("vaBtn6"),
+                        QStringLiteral("   거래명세표                      발행창"),
                         QRect(kSideX, 506, kSideWidth, 36));
     btnTotal = makeButton(this, QStringLiteral("btnTotal"), QStringLiteral("세금계산서 관리"),
                           QRect(kSideX, 548, kSideWidth, 30));
@@ -238,13 +245,17 @@ void FrmTax::buildButtons() {
     pnlHelp = makeLabel(this, QString(), QRect(kPaperX, kBottomY + 54, kWidth, 24), true);
     pnlHelp->setObjectName(QStringLiteral("pnlHelp"));
     const int y = kBottomY + 84;
-    vaBtn2 = makeButton(this, QStringLiteral("vaBtn2"), QStringLiteral("발 행(&P)"), QRect(kPaperX, y, 110, 34));
+    vaBtn2 =
+        makeButton(this, QStringLiteral("vaBtn2"), QStringLiteral("발 행(&P)"), QRect(kPaperX, y, 110, 34));
     makeLabel(this, QStringLiteral("발행시 자동으로 저장됩니다."), QRect(kPaperX, y + 36, 200, 18));
     btnSave = makeButton(this, QStringLiteral("btnSave"), QStringLiteral("저장(S)"), QRect(124, y, 92, 34));
-    vaBtn3 = makeButton(this, QStringLiteral("vaBtn3"), QStringLiteral("다시입력(&R)"), QRect(222, y, 104, 34));
+    vaBtn3 =
+        makeButton(this, QStringLiteral("vaBtn3"), QStringLiteral("다시입력(&R)"), QRect(222, y, 104, 34));
     vaBtn4 = makeButton(this, QStringLiteral("vaBtn4"), QStringLiteral("견본보기"), QRect(332, y, 92, 34));
-    btnPrinter = makeButton(this, QStringLiteral("btnPrinter"), QStringLiteral("프린터설정(&T)"), QRect(430, y, 118, 34));
-    vaBtn1 = makeButton(this, QStringLiteral("vaBtn1"), QStringLiteral("여백설정(&Y)"), QRect(554, y, 104, 34));
+    btnPrinter = makeButton(this, QStringLiteral("btnPrinter"), QStringLiteral("프린터설정(&T)"),
+                            QRect(430, y, 118, 34));
+    vaBtn1 =
+        makeButton(this, QStringLiteral("vaBtn1"), QStringLiteral("여백설정(&Y)"), QRect(554, y, 104, 34));
     cmdSeal = makeButton(this, QStringLiteral("cmdSeal"), QStringLiteral("도장선택"), QRect(664, y, 94, 34));
 }
 
@@ -255,11 +266,14 @@ void FrmTax::buildTabOrder() {
                             LineField::gonggum})
             chain << field(f, i);
     chain << write_yy << write_mm << write_dd << bigo;
-    for (int i = 0; i < kInvoiceLines; ++i) chain << ddyy(i);
-    for (int i = 0; i < kInvoiceLines; ++i) chain << tax_num(i);
+    for (int i = 0; i < kInvoiceLines; ++i)
+        chain << ddyy(i);
+    for (int i = 0; i < kInvoiceLines; ++i)
+        chain << tax_num(i);
     chain << CName_user << Name_User << Serial_user << Address_User << Job_User << Sub_User << Name_MAE
           << Serial_Mae << Address_MAE << Job_MAE << Sub_MAE << youngsu << txtSeq << txtDate[0] << txtDate[1];
-    for (int k = 1; k < chain.size(); ++k) setTabOrder(chain[k - 1], chain[k]);
+    for (int k = 1; k < chain.size(); ++k)
+        setTabOrder(chain[k - 1], chain[k]);
 }
 
 } // namespace nb

@@ -1,8 +1,6 @@
 // FrmTax: the keys and the focus of its fields. Enter and Down move on, Up moves back; item
 // fields take a colour and a help text on focus; a line above CurLine sends the focus to
 // CurLine's line; each column has its own Enter.
-#include "invoice/FrmTax.h"
-
 #include "common/Colors.h"
 #include "common/Messages.h"
 #include "common/dates/DateBox.h"
@@ -10,6 +8,7 @@
 #include "common/input/ImeMode.h"
 #include "common/input/SelectText.h"
 #include "core/Clock.h"
+#include "invoice/FrmTax.h"
 #include "invoice/InvoiceSeal.h"
 
 #include <QApplication>
@@ -26,19 +25,30 @@ const QColor kFocusColor(255, 224, 192);
 
 QString lineHelp(LineField column) {
     switch (column) {
-    case LineField::ddyy: return QStringLiteral("거래일자를 입력하세요");
-    case LineField::pummok: return QStringLiteral("품목 / 규격 을 입력하세요");
-    case LineField::dan_num: return QStringLiteral("단위를 입력하세요");
-    case LineField::su_num: return QStringLiteral("수량을 입력하세요");
-    case LineField::gibon_num: return QStringLiteral("단가를 입력하세요");
-    case LineField::gonggum: return QStringLiteral("공급가액을 입력하세요");
-    case LineField::tax_num: return QStringLiteral("세액을 입력하세요");
+    case LineField::ddyy:
+        return QStringLiteral("거래일자를 입력하세요");
+    case LineField::pummok:
+        return QStringLiteral("품목 / 규격 을 입력하세요");
+    case LineField::dan_num:
+        return QStringLiteral("단위를 입력하세요");
+    case LineField::su_num:
+        return QStringLiteral("수량을 입력하세요");
+    case LineField::gibon_num:
+        return QStringLiteral("단가를 입력하세요");
+    case LineField::gonggum:
+        return QStringLiteral("공급가액을 입력하세요");
+    case LineField::tax_num:
+        return QStringLiteral("세액을 입력하세요");
     }
     return QString();
 }
 
-bool isArrow(int key) { return key == Qt::Key_Left || key == Qt::Key_Right || key == Qt::Key_Up || key == Qt::Key_Down; }
-bool isEnter(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
+bool isArrow(int key) {
+    return key == Qt::Key_Left || key == Qt::Key_Right || key == Qt::Key_Up || key == Qt::Key_Down;
+}
+bool isEnter(int key) {
+    return key == Qt::Key_Return || key == Qt::Key_Enter;
+}
 
 } // namespace
 
@@ -48,7 +58,9 @@ void FrmTax::markFocus(QWidget* box, bool focused) {
     box->setPalette(pal);
 }
 
-void FrmTax::moveFocus(bool next) { focusNextPrevChild(next); }
+void FrmTax::moveFocus(bool next) {
+    focusNextPrevChild(next);
+}
 
 bool FrmTax::locateLineField(QObject* watched, LineField& column, int& i) const {
     for (int c = 0; c < kLineFieldCount; ++c)
@@ -71,8 +83,12 @@ bool FrmTax::eventFilter(QObject* watched, QEvent* event) {
 
 bool FrmTax::lineFieldEvent(LineField column, int i, QEvent* event) {
     switch (event->type()) {
-    case QEvent::FocusIn: lineFieldFocusIn(column, i); return false;
-    case QEvent::FocusOut: lineFieldFocusOut(column, i); return false;
+    case QEvent::FocusIn:
+        lineFieldFocusIn(column, i);
+        return false;
+    case QEvent::FocusOut:
+        lineFieldFocusOut(column, i);
+        return false;
     case QEvent::KeyPress: {
         const auto* key = static_cast<QKeyEvent*>(event);
         if (key->key() == Qt::Key_Insert) {
@@ -81,7 +97,8 @@ bool FrmTax::lineFieldEvent(LineField column, int i, QEvent* event) {
         }
         return lineFieldKey(column, i, key->key());
     }
-    default: return false;
+    default:
+        return false;
     }
 }
 
@@ -110,7 +127,8 @@ void FrmTax::lineFieldFocusIn(LineField column, int i) {
         if (su_num(i)->text().isEmpty()) su_num(i)->setText(QStringLiteral("0"));
         if (gibon_num(i)->text().isEmpty()) gibon_num(i)->setText(QStringLiteral("0"));
         break;
-    default: break;
+    default:
+        break;
     }
 }
 
@@ -130,7 +148,8 @@ void FrmTax::lineFieldFocusOut(LineField column, int i) {
 }
 
 bool FrmTax::askDeleteLine(int i) {
-    if (MsgBox(QStringLiteral("삭제하시겠습니까?"), MbYesNo | MbQuestion, QStringLiteral("삭제")) == AnsYes) DeleteLine(i);
+    if (MsgBox(QStringLiteral("삭제하시겠습니까?"), MbYesNo | MbQuestion, QStringLiteral("삭제")) == AnsYes)
+        DeleteLine(i);
     return true;
 }
 
@@ -157,7 +176,8 @@ bool FrmTax::lineFieldKey(LineField column, int i, int key) {
             return true;
         }
         break;
-    case LineField::dan_num: break;
+    case LineField::dan_num:
+        break;
     case LineField::su_num:
         if (enterOrArrow) runRule("su_num_KeyDown", [i](InvoiceSheet& s) { QuantityEntered(s, i); });
         break;
@@ -198,11 +218,13 @@ bool FrmTax::otherFieldEvent(QObject* watched, QEvent* event) {
             pnlHelp->setText(QStringLiteral("전체검색 : [Enter] or 상호명 앞자리 1자이상 입력 후 Enter"));
         if (watched == txtDate[0]) pnlHelp->setText(QStringLiteral("  집계 시작일을 입력하세요."));
         if (watched == txtDate[1]) pnlHelp->setText(QStringLiteral("  집계 마지막일을 입력하세요."));
-        if (watched == write_yy || watched == write_mm || watched == write_dd || watched == bigo) markFocus(widget, true);
+        if (watched == write_yy || watched == write_mm || watched == write_dd || watched == bigo)
+            markFocus(widget, true);
         return false;
     }
     if (event->type() == QEvent::FocusOut) {
-        if (watched == write_yy || watched == write_mm || watched == write_dd || watched == bigo) markFocus(widget, false);
+        if (watched == write_yy || watched == write_mm || watched == write_dd || watched == bigo)
+            markFocus(widget, false);
         if (dateBox && !m_checkingDate) dateBoxLeft(watched == txtDate[0] ? 0 : 1);
         return false;
     }
@@ -212,7 +234,7 @@ bool FrmTax::otherFieldEvent(QObject* watched, QEvent* event) {
         searchReceiverByInsert();
         return true;
     }
-    if (watched == bigo) return false;  // the remark takes its own line breaks
+    if (watched == bigo) return false; // the remark takes its own line breaks
     if (watched == CName_MAE && isEnter(key)) {
         searchReceiver();
         return true;

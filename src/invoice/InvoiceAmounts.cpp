@@ -14,10 +14,16 @@ namespace {
 const double kTaxRate = 0.1;
 const double kGrossFactor = 1.1;
 
-[[noreturn]] void typeMismatch() { throw InvoiceArithmeticError(13, QStringLiteral("Type mismatch")); }
-[[noreturn]] void overflow() { throw InvoiceArithmeticError(6, QStringLiteral("Overflow")); }
+[[noreturn]] void typeMismatch() {
+    throw InvoiceArithmeticError(13, QStringLiteral("Type mismatch"));
+}
+[[noreturn]] void overflow() {
+    throw InvoiceArithmeticError(6, QStringLiteral("Overflow"));
+}
 
-QString longText(qint32 value) { return QString::number(value); }
+QString longText(qint32 value) {
+    return QString::number(value);
+}
 
 // A 32-bit sum that reports an overflow instead of wrapping.
 qint32 addLong(qint32 a, qint32 b) {
@@ -35,15 +41,19 @@ void writeLine(InvoiceLine& line, const QString& supply, const QString& tax) {
 
 QString vatModeCaption(VatMode mode) {
     switch (mode) {
-    case VatMode::Separate: return QStringLiteral("VAT별도");
-    case VatMode::Included: return QStringLiteral("VAT포함");
-    case VatMode::Exempt: return QStringLiteral("면세");
+    case VatMode::Separate:
+        return QStringLiteral("VAT별도");
+    case VatMode::Included:
+        return QStringLiteral("VAT포함");
+    case VatMode::Exempt:
+        return QStringLiteral("면세");
     }
     return QString();
 }
 
 void InvoiceSheet::clearLines() {
-    for (auto& l : lines) l.clear();
+    for (auto& l : lines)
+        l.clear();
     sumNum.clear();
     gongCaption.clear();
 }
@@ -66,17 +76,21 @@ float parseSingle(const QString& text) {
 qint32 roundToLong(double value) {
     if (!std::isfinite(value)) overflow();
     const double rounded = RoundHalfEven(value);
-    if (rounded > double(std::numeric_limits<qint32>::max()) || rounded < double(std::numeric_limits<qint32>::min()))
+    if (rounded > double(std::numeric_limits<qint32>::max()) ||
+        rounded < double(std::numeric_limits<qint32>::min()))
         overflow();
     return qint32(rounded);
 }
 
-qint32 textToLong(const QString& text) { return roundToLong(parseAmountText(text)); }
+qint32 textToLong(const QString& text) {
+    return roundToLong(parseAmountText(text));
+}
 
 QString plainNumberText(double value) {
     if (value == std::trunc(value) && std::fabs(value) < 1e15) return QString::number(qint64(value));
     QString text = QString::number(value, 'f', 10);
-    while (text.endsWith(u'0')) text.chop(1);
+    while (text.endsWith(u'0'))
+        text.chop(1);
     if (text.endsWith(u'.')) text.chop(1);
     return text;
 }
@@ -96,7 +110,9 @@ void CalcLineAmount(InvoiceSheet& sheet, int i) {
         writeLine(line, longText(supply), longText(addLong(p, -supply)));
         break;
     }
-    case VatMode::Exempt: writeLine(line, longText(p), QStringLiteral("0")); break;
+    case VatMode::Exempt:
+        writeLine(line, longText(p), QStringLiteral("0"));
+        break;
     }
     SumLines(sheet);
 }
@@ -115,7 +131,9 @@ void CalcLineFromSupply(InvoiceSheet& sheet, int i, bool taxOnly) {
             writeLine(line, longText(supply), longText(addLong(gross, -supply)));
             break;
         }
-        case VatMode::Exempt: writeLine(line, plainNumberText(l), QStringLiteral("0")); break;
+        case VatMode::Exempt:
+            writeLine(line, plainNumberText(l), QStringLiteral("0"));
+            break;
         }
     }
     SumLines(sheet);
@@ -124,7 +142,8 @@ void CalcLineFromSupply(InvoiceSheet& sheet, int i, bool taxOnly) {
 QString digitCellsText(qint32 sum, int cells) {
     const QString digits = QString::number(sum);
     QString text;
-    for (QChar ch : digits) text += u' ' + QString(ch);
+    for (QChar ch : digits)
+        text += u' ' + QString(ch);
     return QStringLiteral(" *").repeated(qMax(0, cells - int(digits.size()))) + text;
 }
 
@@ -199,7 +218,8 @@ std::pair<QString, QString> pickedProductSplit(VatMode mode, double salePrice) {
         const qint32 supply = roundToLong(salePrice / kGrossFactor);
         return {longText(supply), longText(roundToLong(salePrice - double(supply)))};
     }
-    case VatMode::Exempt: return {plainNumberText(salePrice), QStringLiteral("0")};
+    case VatMode::Exempt:
+        return {plainNumberText(salePrice), QStringLiteral("0")};
     }
     return {};
 }
@@ -214,7 +234,8 @@ void ApplyPickedProduct(InvoiceSheet& sheet, int i, double salePrice) {
 }
 
 void DeleteLine(InvoiceSheet& sheet, int i, const QString& writeMmDd) {
-    for (int k = i; k < kLastInvoiceLine; ++k) sheet.line(k) = sheet.line(k + 1);
+    for (int k = i; k < kLastInvoiceLine; ++k)
+        sheet.line(k) = sheet.line(k + 1);
     sheet.line(kLastInvoiceLine).clear();
     if (sheet.curLine > 0)
         --sheet.curLine;

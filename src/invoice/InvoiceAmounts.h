@@ -13,8 +13,8 @@
 #include <QString>
 #include <array>
 #include <optional>
-#include <utility>
 #include <stdexcept>
+#include <utility>
 
 namespace nb {
 
@@ -45,11 +45,11 @@ struct InvoiceLine {
 struct InvoiceSheet {
     std::array<InvoiceLine, kInvoiceLines> lines;
     VatMode vat = VatMode::Included;
-    int curLine = 0;        // CurLine: the highest line that may be entered
-    double lastSupply = 0;  // LastSupply
-    double lastTax = 0;     // LastTax
-    QString sumNum;         // Sum_num, plain digits (its box formats them)
-    QString gongCaption;    // caption of gong_num: the digit cells of supply and tax
+    int curLine = 0;       // CurLine: the highest line that may be entered
+    double lastSupply = 0; // LastSupply
+    double lastTax = 0;    // LastTax
+    QString sumNum;        // Sum_num, plain digits (its box formats them)
+    QString gongCaption;   // caption of gong_num: the digit cells of supply and tax
 
     InvoiceLine& line(int i) { return lines.at(size_t(i)); }
     const InvoiceLine& line(int i) const { return lines.at(size_t(i)); }

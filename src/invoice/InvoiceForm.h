@@ -17,15 +17,15 @@ enum class FormFocus { Unchanged, CName_MAE, Pummok0, Grid };
 
 struct InvoiceForm {
     InvoiceSheet sheet;
-    QString txtCCode;     // the receiver's Trader.Code
-    QString TaxCode;      // the number of the invoice on show; empty while a new one is written
+    QString txtCCode; // the receiver's Trader.Code
+    QString TaxCode;  // the number of the invoice on show; empty while a new one is written
     QString txtSeq = QStringLiteral("000-000");
-    bool manualSeq = false;  // chkManualSeq: txtSeq is typed, not taken from the number
+    bool manualSeq = false; // chkManualSeq: txtSeq is typed, not taken from the number
     QString writeYY, writeMM, writeDD;
     QString bigo;
     QString youngsu = QStringLiteral("영수");
-    QString serialUser;   // Serial_user: the supplier on the screen, stored as UserCode
-    QString userSerial;   // UserSerial: the supplier another screen asked for; the print follows it
+    QString serialUser;      // Serial_user: the supplier on the screen, stored as UserCode
+    QString userSerial;      // UserSerial: the supplier another screen asked for; the print follows it
     bool printDate = true;   // chkPrnDate
     bool printPhone = false; // chk_Phone
 

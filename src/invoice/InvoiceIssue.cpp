@@ -17,8 +17,8 @@ namespace {
 const QString kInvoiceDocument = QStringLiteral("세금계산서");
 
 bool confirmIssue() {
-    return MsgBox(QStringLiteral("발행하시겠습니까?"), MbYesNo | MbQuestion, QStringLiteral("세금계산서 발행")) ==
-           AnsYes;
+    return MsgBox(QStringLiteral("발행하시겠습니까?"), MbYesNo | MbQuestion,
+                  QStringLiteral("세금계산서 발행")) == AnsYes;
 }
 
 void prepareJob(PrintJob& job, const QImage& seal) {
@@ -33,7 +33,8 @@ std::optional<int> printCopies(PrintJob& job, const InvoicePrintData& data) {
     try {
         return PrintInvoiceCopies(job, data);
     } catch (const InvoiceArithmeticError& e) {
-        ShowFailureReport(e.number(), e.description(), QStringLiteral("vaBtn2_Click"), QStringLiteral("FrmTax"));
+        ShowFailureReport(e.number(), e.description(), QStringLiteral("vaBtn2_Click"),
+                          QStringLiteral("FrmTax"));
         return std::nullopt;
     }
 }
@@ -87,7 +88,8 @@ IssueResult IssueInvoice(InvoiceForm& form, const QImage& seal) {
     IssueResult result{true, *printed, QString(), FormFocus::Unchanged};
     if (form.TaxCode.isEmpty()) {
         const InvoiceHead head{form.txtCCode, form.dealDate(), form.bigo, form.serialUser};
-        if (InsertInvoiceRows(stores().dbTax, *code, head, printableLines(form.sheet))) result.storedTaxCode = *code;
+        if (InsertInvoiceRows(stores().dbTax, *code, head, printableLines(form.sheet)))
+            result.storedTaxCode = *code;
     }
     form.clearInput();
     job->setFontTransparent(false);

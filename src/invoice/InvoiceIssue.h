@@ -16,8 +16,8 @@ class PrintJob;
 
 struct IssueResult {
     bool printed = false;
-    int linesPrinted = 0;    // over both copies
-    QString storedTaxCode;   // empty when nothing was stored
+    int linesPrinted = 0;  // over both copies
+    QString storedTaxCode; // empty when nothing was stored
     FormFocus focus = FormFocus::Unchanged;
 };
 

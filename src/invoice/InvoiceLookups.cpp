@@ -13,8 +13,7 @@ namespace nb {
 namespace {
 
 // A list dialog of the master library behind the SearchList contract.
-template <class List>
-class DialogList : public SearchList {
+template <class List> class DialogList : public SearchList {
 public:
     explicit DialogList(QWidget* parent) : m_list(new List(parent)) {}
     ~DialogList() override { delete m_list; }
@@ -65,6 +64,8 @@ InvoiceLookups& invoiceLookups() {
     return *slot();
 }
 
-void setInvoiceLookups(const InvoiceLookups& lookups) { slot() = lookups; }
+void setInvoiceLookups(const InvoiceLookups& lookups) {
+    slot() = lookups;
+}
 
 } // namespace nb

@@ -95,7 +95,8 @@ void printDigitCells(PrintJob& job, const PaperSums& sums, int copy) {
     const double x0 = (job.leftMargin() + 1) / 12.0 + 0.75 + 1.52;
     const QString supply = QString::number(sums.supply);
     const QString tax = QString::number(sums.tax);
-    for (int j = 0; j < supply.size(); ++j) job.printAt(x0 + (sums.blank() + j) * kCellPitch, y, supply.mid(j, 1));
+    for (int j = 0; j < supply.size(); ++j)
+        job.printAt(x0 + (sums.blank() + j) * kCellPitch, y, supply.mid(j, 1));
     for (int j = 0; j < tax.size(); ++j)
         job.printAt(x0 + (sums.taxBlank() + 11 + j) * kCellPitch, y, tax.mid(j, 1));
 }
@@ -105,7 +106,8 @@ void printRemark(PrintJob& job, const InvoicePrintData& data, int copy) {
     setFont(job, kBaseSize, false);
     const QStringList lines = remarkPrintLines(data.bigo);
     const double base = kCopyBaseRows[copy];
-    for (int k = 0; k < lines.size(); ++k) job.printAtTab(base + 14 + k, 85, lines.at(k));
+    for (int k = 0; k < lines.size(); ++k)
+        job.printAtTab(base + 14 + k, 85, lines.at(k));
 }
 
 // A quantity or price cell: empty when the text is "0", else through the mask.
@@ -122,7 +124,7 @@ QString amountCell(const QString& text) {
 void printLine(PrintJob& job, const InvoicePrintData& data, const InvoiceLine& line, double row) {
     const QString qtyMask = decimalPrintMask(data.decimalQty);
     const QString priceMask = decimalPrintMask(data.decimalPrice);
-    if (qtyMask.isEmpty() || priceMask.isEmpty()) return;  // no such pair of masks: no line
+    if (qtyMask.isEmpty() || priceMask.isEmpty()) return; // no such pair of masks: no line
     job.printAtTab(row, 12, data.printDate ? line.ddyy : QString());
     job.printAtTab(row, 20, line.pummok);
     job.printAtTab(row, 47, PadBytes(line.dan_num, 4));
@@ -158,13 +160,15 @@ void printTotal(PrintJob& job, const InvoicePrintData& data, const PaperSums& su
 
 PrintParties ReadPrintParties(Database& dbBasic, const QString& traderCode, const QString& userSerial) {
     PrintParties parties;
-    parties.trader = traderCode.isEmpty()
-                         ? readParty(dbBasic, QStringLiteral("SELECT * FROM Trader ORDER BY Code"), {}, true)
-                         : readParty(dbBasic, QStringLiteral("SELECT * FROM Trader WHERE Code = ? ORDER BY Code"),
-                                     {traderCode}, true);
-    parties.user = userSerial.isEmpty()
-                       ? readParty(dbBasic, QStringLiteral("Select * from User"), {}, false)
-                       : readParty(dbBasic, QStringLiteral("Select * from User where serial = ?"), {userSerial}, false);
+    parties.trader =
+        traderCode.isEmpty()
+            ? readParty(dbBasic, QStringLiteral("SELECT * FROM Trader ORDER BY Code"), {}, true)
+            : readParty(dbBasic, QStringLiteral("SELECT * FROM Trader WHERE Code = ? ORDER BY Code"),
+                        {traderCode}, true);
+    parties.user =
+        userSerial.isEmpty()
+            ? readParty(dbBasic, QStringLiteral("Select * from User"), {}, false)
+            : readParty(dbBasic, QStringLiteral("Select * from User where serial = ?"), {userSerial}, false);
     return parties;
 }
 
@@ -203,13 +207,18 @@ int PrintInvoiceCopies(PrintJob& job, const InvoicePrintData& data) {
     const PaperSums sums = paperSums(data.sheet);
     job.setFontTransparent(true);
     int printed = 0;
-    for (int copy = 0; copy < 2; ++copy) printed += PrintInvoiceCopy(job, data, sums, copy);
+    for (int copy = 0; copy < 2; ++copy)
+        printed += PrintInvoiceCopy(job, data, sums, copy);
     return printed;
 }
 
-int invoiceLineRow(int i) { return i < 2 ? 18 + i : 19 + i; }
+int invoiceLineRow(int i) {
+    return i < 2 ? 18 + i : 19 + i;
+}
 
-int blankRuleRow(int curLine) { return 19 + 2 * curLine; }
+int blankRuleRow(int curLine) {
+    return 19 + 2 * curLine;
+}
 
 QString phoneNote(const InvoicePrintData& data, int copy) {
     const PrintParty& other = copy == 0 ? data.parties.trader : data.parties.user;
@@ -220,7 +229,7 @@ QString phoneNote(const InvoicePrintData& data, int copy) {
 }
 
 AddressPlace addressPlace(const QString& addr, bool receiver, double baseSize) {
-    const int n = 2 * int(addr.size());  // two bytes per character, as the text is held
+    const int n = 2 * int(addr.size()); // two bytes per character, as the text is held
     if (n <= 36) return {baseSize, receiver ? 73 : 25};
     if (n > 46) return {baseSize - 3, receiver ? 102 : 35};
     return {baseSize - 2, receiver ? 90 : 30};
@@ -228,10 +237,14 @@ AddressPlace addressPlace(const QString& addr, bool receiver, double baseSize) {
 
 QString decimalPrintMask(int places) {
     switch (places) {
-    case 0: return kMaskAmount;
-    case 1: return kMaskAmount1;
-    case 2: return kMaskAmount2;
-    default: return QString();
+    case 0:
+        return kMaskAmount;
+    case 1:
+        return kMaskAmount1;
+    case 2:
+        return kMaskAmount2;
+    default:
+        return QString();
     }
 }
 

@@ -17,9 +17,9 @@ class PrintJob;
 // A party as the print reads it (rsPrintUser from User, rsPrintTrader from Trader).
 struct PrintParty {
     QString serial;
-    QString company;   // User.Company / Trader.C_Name
-    QString delegate;  // User.Delegate / Trader.U_Name
-    QString addr;      // User.Addr / Trader.addr1
+    QString company;  // User.Company / Trader.C_Name
+    QString delegate; // User.Delegate / Trader.U_Name
+    QString addr;     // User.Addr / Trader.addr1
     QString status;
     QString item;
     QString phone;
@@ -35,8 +35,8 @@ struct PrintParties {
 PrintParties ReadPrintParties(Database& dbBasic, const QString& traderCode, const QString& userSerial);
 
 struct InvoicePrintData {
-    InvoiceSheet sheet;      // the lines, CurLine and the VAT mode
-    QString txtSeq;          // "000-000"
+    InvoiceSheet sheet; // the lines, CurLine and the VAT mode
+    QString txtSeq;     // "000-000"
     PrintParties parties;
     QString writeYY, writeMM, writeDD;
     bool printDate = true;   // chkPrnDate
@@ -67,8 +67,8 @@ int PrintInvoiceCopies(PrintJob& job, const InvoicePrintData& data);
 int PrintInvoiceCopy(PrintJob& job, const InvoicePrintData& data, const PaperSums& sums, int copy);
 
 // Pieces of the layout, for the checks of the paper.
-int invoiceLineRow(int i);              // 18, 19, 21, 22, 23
-int blankRuleRow(int curLine);          // 19 + 2 * CurLine
+int invoiceLineRow(int i);     // 18, 19, 21, 22, 23
+int blankRuleRow(int curLine); // 19 + 2 * CurLine
 QString phoneNote(const InvoicePrintData& data, int copy);
 // The address rule: font size and Tab for an address (supplier or receiver side).
 struct AddressPlace {

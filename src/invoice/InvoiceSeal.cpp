@@ -31,9 +31,13 @@ std::unique_ptr<FileChooser>& chooserSlot() {
 
 } // namespace
 
-QString sealSetting() { return GetSetting(kAppTitle, kEnvSection, kSealPathKey, kSealDefaultPath); }
+QString sealSetting() {
+    return GetSetting(kAppTitle, kEnvSection, kSealPathKey, kSealDefaultPath);
+}
 
-void saveSealSetting(const QString& path) { SaveSetting(kAppTitle, kEnvSection, kSealPathKey, path); }
+void saveSealSetting(const QString& path) {
+    SaveSetting(kAppTitle, kEnvSection, kSealPathKey, path);
+}
 
 QString sealFilePath() {
     QString path = sealSetting();
@@ -53,7 +57,9 @@ FileChooser& fileChooser() {
     return *slot;
 }
 
-void setFileChooser(std::unique_ptr<FileChooser> chooser) { chooserSlot() = std::move(chooser); }
+void setFileChooser(std::unique_ptr<FileChooser> chooser) {
+    chooserSlot() = std::move(chooser);
+}
 
 QString ScriptedFileChooser::openFile(QWidget*, const QString& title, const QString& filter) {
     titles << title;

@@ -71,7 +71,8 @@ void foldRow(IssuedList& list, const Recordset& rs, int& rowsOfInvoice) {
 
 std::optional<QString> NextTaxCode(Database& dbTax) {
     Recordset rs;
-    if (!OpenSnapshot(dbTax, rs, QStringLiteral("SELECT TaxCode FROM NewAcount ORDER BY TaxCode"))) return std::nullopt;
+    if (!OpenSnapshot(dbTax, rs, QStringLiteral("SELECT TaxCode FROM NewAcount ORDER BY TaxCode")))
+        return std::nullopt;
     QString next = kFirstTaxCode;
     if (rs.RecordCount() > 0) {
         rs.MoveLast();
@@ -88,7 +89,9 @@ QString serialFromTaxCode(const QString& taxCode) {
     return FormatText(taxCode.left(3), mask) + u'-' + FormatText(taxCode.right(3), mask);
 }
 
-QString serialDigits(const QString& txtSeq) { return txtSeq.left(3) + txtSeq.right(3); }
+QString serialDigits(const QString& txtSeq) {
+    return txtSeq.left(3) + txtSeq.right(3);
+}
 
 QList<InvoiceLine> linesToSave(const InvoiceSheet& sheet) {
     QList<InvoiceLine> lines;
@@ -145,7 +148,8 @@ std::optional<IssuedInvoice> ReadIssuedInvoice(Database& dbTax, const QString& t
     invoice.dealDate = rs.text(QStringLiteral("DealDate"));
     invoice.remark = rs.text(QStringLiteral("IssueDate"));
     invoice.userCode = rs.text(QStringLiteral("UserCode"));
-    for (; !rs.EOF_(); rs.MoveNext()) invoice.lines.append(lineFromRow(rs));
+    for (; !rs.EOF_(); rs.MoveNext())
+        invoice.lines.append(lineFromRow(rs));
     CloseRs(rs);
     return invoice;
 }
@@ -154,21 +158,26 @@ void ShowIssuedInvoice(InvoiceSheet& sheet, const IssuedInvoice& invoice) {
     sheet.curLine = 0;
     sheet.clearLines();
     const int count = qMin(int(invoice.lines.size()), kInvoiceLines);
-    for (int i = 0; i < count; ++i) sheet.line(i) = invoice.lines.at(i);
+    for (int i = 0; i < count; ++i)
+        sheet.line(i) = invoice.lines.at(i);
     SumLines(sheet);
     sheet.curLine = qMax(0, count - 1);
 }
 
-WritingDate writingDateOf(const QString& dealDate) { return {dealDate.mid(0, 4), dealDate.mid(5, 2), dealDate.mid(8, 2)}; }
+WritingDate writingDateOf(const QString& dealDate) {
+    return {dealDate.mid(0, 4), dealDate.mid(5, 2), dealDate.mid(8, 2)};
+}
 
 std::optional<IssuedList> ReadIssuedList(Database& dbTax, const QString& cCode) {
     Recordset rs;
-    if (!OpenSnapshot(dbTax, rs, QStringLiteral("select * from newacount where ccode = ? order by TaxCode, rowid"),
+    if (!OpenSnapshot(dbTax, rs,
+                      QStringLiteral("select * from newacount where ccode = ? order by TaxCode, rowid"),
                       {cCode}))
         return std::nullopt;
     IssuedList list;
     int rowsOfInvoice = 0;
-    for (; !rs.EOF_(); rs.MoveNext()) foldRow(list, rs, rowsOfInvoice);
+    for (; !rs.EOF_(); rs.MoveNext())
+        foldRow(list, rs, rowsOfInvoice);
     CloseRs(rs);
     return list;
 }
@@ -178,7 +187,8 @@ bool DeleteInvoice(Database& dbTax, const QString& taxCode) {
 }
 
 std::optional<TaxSums> ReadAllTaxSums(Database& dbTax) {
-    return readSums(dbTax, QStringLiteral("Select Sum(TradeKum) AS supply, Sum(VatKum) AS tax from NewAcount"), {});
+    return readSums(dbTax,
+                    QStringLiteral("Select Sum(TradeKum) AS supply, Sum(VatKum) AS tax from NewAcount"), {});
 }
 
 std::optional<TaxSums> ReadTaxSums(Database& dbTax, const QString& from, const QString& to) {
@@ -188,15 +198,19 @@ std::optional<TaxSums> ReadTaxSums(Database& dbTax, const QString& from, const Q
                     {from, to});
 }
 
-QString sumPanelText(double value, const QString& mask) { return FormatNumber(value, mask) + u' '; }
+QString sumPanelText(double value, const QString& mask) {
+    return FormatNumber(value, mask) + u' ';
+}
 
 QStringList periodChoices(PeriodKind kind) {
     switch (kind) {
     case PeriodKind::Quarter:
         return {QStringLiteral("1/4분기"), QStringLiteral("2/4분기"), QStringLiteral("3/4분기"),
                 QStringLiteral("4/4분기")};
-    case PeriodKind::Half: return {QStringLiteral("1/2분기"), QStringLiteral("2/2분기")};
-    case PeriodKind::Year: return {QStringLiteral("한해집계")};
+    case PeriodKind::Half:
+        return {QStringLiteral("1/2분기"), QStringLiteral("2/2분기")};
+    case PeriodKind::Year:
+        return {QStringLiteral("한해집계")};
     }
     return {};
 }
@@ -215,7 +229,8 @@ DateRange periodRange(PeriodKind kind, const QString& choice, int year) {
     case PeriodKind::Half:
         if (choice == u"1/2분기") return range("-01-01", "-06-30");
         return range("-07-01", "-12-31");
-    case PeriodKind::Year: break;
+    case PeriodKind::Year:
+        break;
     }
     return range("-01-01", "-12-31");
 }

@@ -28,10 +28,10 @@ QString serialDigits(const QString& txtSeq);
 
 // The head columns every row of an invoice repeats.
 struct InvoiceHead {
-    QString cCode;     // txtCCode
-    QString dealDate;  // write_yy-write_mm-write_dd
-    QString remark;    // bigo, the whole remark (stored in the column IssueDate)
-    QString userCode;  // Serial_user
+    QString cCode;    // txtCCode
+    QString dealDate; // write_yy-write_mm-write_dd
+    QString remark;   // bigo, the whole remark (stored in the column IssueDate)
+    QString userCode; // Serial_user
 };
 
 // The lines SaveInvoice stores: 0 to CurLine while both the trade date and the tax are
@@ -52,7 +52,7 @@ struct IssuedInvoice {
     QString dealDate;
     QString remark;
     QString userCode;
-    QList<InvoiceLine> lines;  // in the order the rows were written
+    QList<InvoiceLine> lines; // in the order the rows were written
 };
 // Nothing when no row has the number (or the read failed).
 std::optional<IssuedInvoice> ReadIssuedInvoice(Database& dbTax, const QString& taxCode);
@@ -68,14 +68,14 @@ WritingDate writingDateOf(const QString& dealDate);
 // One row of grdList: an invoice folded from its rows.
 struct IssuedListRow {
     QString dealDate;
-    QString item;  // PName of the last row read, with " 외 " and the further rows' count
+    QString item; // PName of the last row read, with " 외 " and the further rows' count
     double supply = 0;
     double tax = 0;
     QString taxCode;
 };
 struct IssuedList {
     QList<IssuedListRow> rows;
-    double supply = 0;  // the customer's sums
+    double supply = 0; // the customer's sums
     double tax = 0;
 };
 // The customer's invoices in number order; nothing when the read failed.

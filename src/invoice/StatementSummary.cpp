@@ -4,13 +4,13 @@
 
 namespace nb {
 
-std::optional<StatementSummary> SummarizeStatements(Database& dbBill, const QString& cCode, const QString& from,
-                                                    const QString& to) {
+std::optional<StatementSummary> SummarizeStatements(Database& dbBill, const QString& cCode,
+                                                    const QString& from, const QString& to) {
     // A bare column beside the aggregates gives one row of the group, as First() did.
-    static const QString sql = QStringLiteral(
-        "Select detail.PName AS name, Count(*) AS lines, Sum(Amount+vat) AS total from detail "
-        "Inner Join master On detail.billno = master.billno "
-        "Where CCode = ? and BillDate Between ? and ? Group by CCode");
+    static const QString sql =
+        QStringLiteral("Select detail.PName AS name, Count(*) AS lines, Sum(Amount+vat) AS total from detail "
+                       "Inner Join master On detail.billno = master.billno "
+                       "Where CCode = ? and BillDate Between ? and ? Group by CCode");
     Recordset rs;
     if (!OpenSnapshot(dbBill, rs, sql, {cCode, from, to})) return std::nullopt;
     std::optional<StatementSummary> summary;
@@ -23,7 +23,8 @@ std::optional<StatementSummary> SummarizeStatements(Database& dbBill, const QStr
 
 QString summaryItemText(const StatementSummary& summary) {
     if (summary.count > 1)
-        return summary.name + QStringLiteral(" 외 ") + QString::number(summary.count - 1) + QStringLiteral("건");
+        return summary.name + QStringLiteral(" 외 ") + QString::number(summary.count - 1) +
+               QStringLiteral("건");
     return summary.name;
 }
 

@@ -20,8 +20,8 @@ struct StatementSummary {
 
 // The customer's statement lines with BillDate between the two dates; nothing when there are
 // none (or the read failed).
-std::optional<StatementSummary> SummarizeStatements(Database& dbBill, const QString& cCode, const QString& from,
-                                                    const QString& to);
+std::optional<StatementSummary> SummarizeStatements(Database& dbBill, const QString& cCode,
+                                                    const QString& from, const QString& to);
 // pummok(0): the name, with " 외 ", count - 1 and "건" when there were several lines.
 QString summaryItemText(const StatementSummary& summary);
 // The summary onto line 0 after clear_input: trade date, item, the amounts of the VAT mode,

@@ -19,7 +19,8 @@ void label(QPainter& p, const QRect& r, const QString& text, int flags = Qt::Ali
 
 void drawVerticalLabel(QPainter& p, const QRect& r, const QString& text) {
     QString stacked;
-    for (QChar c : text) stacked += QString(c) + u'\n';
+    for (QChar c : text)
+        stacked += QString(c) + u'\n';
     stacked.chop(1);
     label(p, r, stacked);
 }
@@ -58,8 +59,10 @@ void drawDateRow(QPainter& p) {
     const int dateCols[] = {0, 54, 86, 118, kCellsLeft};
     const QStringList dateHeads{QStringLiteral("작성 년"), QStringLiteral("월"), QStringLiteral("일"),
                                 QStringLiteral("공란")};
-    for (int k = 1; k < 5; ++k) p.drawLine(dateCols[k], top, dateCols[k], top + height);
-    for (int k = 0; k < 4; ++k) label(p, QRect(dateCols[k], top, dateCols[k + 1] - dateCols[k], kDateHead), dateHeads[k]);
+    for (int k = 1; k < 5; ++k)
+        p.drawLine(dateCols[k], top, dateCols[k], top + height);
+    for (int k = 0; k < 4; ++k)
+        label(p, QRect(dateCols[k], top, dateCols[k + 1] - dateCols[k], kDateHead), dateHeads[k]);
     for (int cell = 1; cell < 21; ++cell) {
         const int x = kCellsLeft + cell * kCellWidth;
         p.setPen(QPen(kInk, cell == 11 ? 2 : 1));
@@ -68,7 +71,8 @@ void drawDateRow(QPainter& p) {
     p.setPen(kInk);
     p.drawLine(kRemarkLeft, top, kRemarkLeft, top + height);
     label(p, QRect(kCellsLeft, top, 11 * kCellWidth, kDateHead), QStringLiteral("공   급   가   액"));
-    label(p, QRect(kCellsLeft + 11 * kCellWidth, top, 10 * kCellWidth, kDateHead), QStringLiteral("세      액"));
+    label(p, QRect(kCellsLeft + 11 * kCellWidth, top, 10 * kCellWidth, kDateHead),
+          QStringLiteral("세      액"));
     label(p, QRect(kRemarkLeft, top, kWidth - kRemarkLeft, kDateHead), QStringLiteral("비      고"));
 }
 
@@ -76,14 +80,16 @@ void drawLines(QPainter& p) {
     const int top = kLinesTop;
     const int height = kLineHead + 5 * kLineRow;
     p.drawRect(0, top, kWidth - 1, height);
-    const QStringList heads{QStringLiteral("월 일"), QStringLiteral("품 목 / 규 격"), QStringLiteral("단위"),
-                            QStringLiteral("수 량"), QStringLiteral("단 가"), QStringLiteral("공 급 가 액"),
+    const QStringList heads{QStringLiteral("월 일"), QStringLiteral("품 목 / 규 격"),
+                            QStringLiteral("단위"),  QStringLiteral("수 량"),
+                            QStringLiteral("단 가"), QStringLiteral("공 급 가 액"),
                             QStringLiteral("세 액")};
     for (int k = 0; k < 7; ++k) {
         if (k > 0) p.drawLine(kLineCols[k] - 2, top, kLineCols[k] - 2, top + height);
         label(p, QRect(kLineCols[k], top, kLineCols[k + 1] - kLineCols[k], kLineHead), heads[k]);
     }
-    for (int row = 0; row <= 5; ++row) p.drawLine(0, top + kLineHead + row * kLineRow, kWidth - 1, top + kLineHead + row * kLineRow);
+    for (int row = 0; row <= 5; ++row)
+        p.drawLine(0, top + kLineHead + row * kLineRow, kWidth - 1, top + kLineHead + row * kLineRow);
 }
 
 void drawTotal(QPainter& p) {
@@ -122,7 +128,9 @@ void drawTaxPaper(QPainter& p, const QRect& area) {
     p.restore();
 }
 
-TaxPaper::TaxPaper(QWidget* parent) : QWidget(parent) { setFixedSize(paper::kWidth, paper::kHeight); }
+TaxPaper::TaxPaper(QWidget* parent) : QWidget(parent) {
+    setFixedSize(paper::kWidth, paper::kHeight);
+}
 
 void TaxPaper::setBackgroundPicture(const QPixmap& picture) {
     m_picture = picture;

@@ -14,15 +14,15 @@ namespace nb {
 namespace paper {
 inline constexpr int kWidth = 750;
 inline constexpr int kHeight = 500;
-inline constexpr int kHalf = 375;        // supplier left, receiver right
-inline constexpr int kSideLabel = 22;    // the vertical "공급자" / "공급받는자" strip
-inline constexpr int kLabelWidth = 62;   // field captions inside a half
+inline constexpr int kHalf = 375;      // supplier left, receiver right
+inline constexpr int kSideLabel = 22;  // the vertical "공급자" / "공급받는자" strip
+inline constexpr int kLabelWidth = 62; // field captions inside a half
 inline constexpr int kPartyTop = 56;
-inline constexpr int kPartyRow = 34;     // four rows: number, name, address, business
-inline constexpr int kDateTop = 198;     // 작성 / 공급가액 / 세액 / 비고
+inline constexpr int kPartyRow = 34; // four rows: number, name, address, business
+inline constexpr int kDateTop = 198; // 작성 / 공급가액 / 세액 / 비고
 inline constexpr int kDateHead = 18;
 inline constexpr int kDateRow = 40;
-inline constexpr int kCellsLeft = 150;   // the 21 digit cells
+inline constexpr int kCellsLeft = 150; // the 21 digit cells
 inline constexpr int kCellWidth = 18;
 inline constexpr int kRemarkLeft = kCellsLeft + 21 * kCellWidth;
 inline constexpr int kLinesTop = 262;

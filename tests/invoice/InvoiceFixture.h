@@ -3,7 +3,6 @@
 // quick ways to put suppliers, traders, products, invoices and statements in place.
 
 #include "TestSupport.h"
-
 #include "core/AppState.h"
 #include "core/shell/Startup.h"
 #include "storage/StoreLayout.h"
@@ -25,20 +24,23 @@ inline bool openInvoiceStores() {
 inline bool run(Database& db, const QString& sql, const QVariantList& values = {}) {
     QSqlQuery q(db.connection());
     q.prepare(sql);
-    for (const QVariant& v : values) q.addBindValue(v);
+    for (const QVariant& v : values)
+        q.addBindValue(v);
     return q.exec();
 }
 
 inline QVariant scalarOf(Database& db, const QString& sql, const QVariantList& values = {}) {
     QSqlQuery q(db.connection());
     q.prepare(sql);
-    for (const QVariant& v : values) q.addBindValue(v);
+    for (const QVariant& v : values)
+        q.addBindValue(v);
     if (!q.exec() || !q.next()) return {};
     return q.value(0);
 }
 
 inline int invoiceRows(const QString& where = QString(), const QVariantList& values = {}) {
-    return scalarOf(stores().dbTax, QStringLiteral("SELECT count(*) FROM NewAcount ") + where, values).toInt();
+    return scalarOf(stores().dbTax, QStringLiteral("SELECT count(*) FROM NewAcount ") + where, values)
+        .toInt();
 }
 
 // One stored invoice row.
@@ -46,8 +48,9 @@ inline bool addInvoiceRow(const QString& taxCode, const QString& cCode, const QS
                           double tax, const QString& dealDate = QStringLiteral("2024-05-10"),
                           const QString& remark = QString()) {
     return run(stores().dbTax,
-               QStringLiteral("INSERT INTO NewAcount (TaxCode, CCode, PName, PNorm, Quantity, UnitCost, TradeKum, "
-                              "VatKum, DealDate, IssueDate, TradeDate, UserCode) VALUES (?,?,?,'EA',1,?,?,?,?,?,?,'')"),
+               QStringLiteral(
+                   "INSERT INTO NewAcount (TaxCode, CCode, PName, PNorm, Quantity, UnitCost, TradeKum, "
+                   "VatKum, DealDate, IssueDate, TradeDate, UserCode) VALUES (?,?,?,'EA',1,?,?,?,?,?,?,'')"),
                {taxCode, cCode, name, supply, supply, tax, dealDate, remark, dealDate.mid(5)});
 }
 
@@ -56,25 +59,29 @@ struct PartyRow {
 };
 
 inline bool addSupplier(const PartyRow& p) {
-    return run(stores().dbBasic,
-               QStringLiteral("INSERT INTO User (Company, Delegate, Serial, Post, Addr, Phone, Fax, Status, Item) "
-                              "VALUES (?, ?, ?, '', ?, ?, ?, ?, ?)"),
-               {p.company, p.delegate, p.serial, p.addr, p.phone, p.fax, p.status, p.item});
+    return run(
+        stores().dbBasic,
+        QStringLiteral("INSERT INTO User (Company, Delegate, Serial, Post, Addr, Phone, Fax, Status, Item) "
+                       "VALUES (?, ?, ?, '', ?, ?, ?, ?, ?)"),
+        {p.company, p.delegate, p.serial, p.addr, p.phone, p.fax, p.status, p.item});
 }
 
 inline bool addTraderRow(const QString& code, const PartyRow& p) {
-    return run(stores().dbBasic,
-               QStringLiteral("INSERT INTO Trader (Code, C_Name, U_Name, Serial, Phone, Fax, Addr1, Addr2, Status, "
-                              "Item, Section, VAT, TotNoPay, bDeled) VALUES (?, ?, ?, ?, ?, ?, ?, '', ?, ?, 0, 0, 0, 0)"),
-               {code, p.company, p.delegate, p.serial, p.phone, p.fax, p.addr, p.status, p.item});
+    return run(
+        stores().dbBasic,
+        QStringLiteral(
+            "INSERT INTO Trader (Code, C_Name, U_Name, Serial, Phone, Fax, Addr1, Addr2, Status, "
+            "Item, Section, VAT, TotNoPay, bDeled) VALUES (?, ?, ?, ?, ?, ?, ?, '', ?, ?, 0, 0, 0, 0)"),
+        {code, p.company, p.delegate, p.serial, p.phone, p.fax, p.addr, p.status, p.item});
 }
 
 inline bool addProductRow(const QString& code, const QString& name, const QString& norm, double sale,
                           const QString& unit) {
-    return run(stores().dbBasic,
-               QStringLiteral("INSERT INTO Product (Code, PName, PNorm, BuyPrice, SalePrice, Unit, Bigo, PTax) "
-                              "VALUES (?, ?, ?, 0, ?, ?, '', 0)"),
-               {code, name, norm, sale, unit});
+    return run(
+        stores().dbBasic,
+        QStringLiteral("INSERT INTO Product (Code, PName, PNorm, BuyPrice, SalePrice, Unit, Bigo, PTax) "
+                       "VALUES (?, ?, ?, 0, ?, ?, '', 0)"),
+        {code, name, norm, sale, unit});
 }
 
 // A statement head and its lines (Amount, VAT per line).
@@ -88,8 +95,9 @@ inline bool addStatement(const QString& billNo, const QString& date, const QStri
     int seq = 0;
     for (const auto& [name, amount, vat] : lines)
         if (!run(stores().dbBill,
-                 QStringLiteral("INSERT INTO Detail (BillNo, BillSEQ, PName, Unit, Quant, Price, DC, Amount, VAT) "
-                                "VALUES (?, ?, ?, '', 1, ?, 0, ?, ?)"),
+                 QStringLiteral(
+                     "INSERT INTO Detail (BillNo, BillSEQ, PName, Unit, Quant, Price, DC, Amount, VAT) "
+                     "VALUES (?, ?, ?, '', 1, ?, 0, ?, ?)"),
                  {billNo, ++seq, name, amount, amount, vat}))
             return false;
     return true;

@@ -4,7 +4,6 @@
 // a scripted row when they are shown.
 
 #include "InvoiceFixture.h"
-
 #include "core/Clock.h"
 #include "invoice/FrmTax.h"
 #include "invoice/InvoiceLookups.h"
@@ -17,10 +16,10 @@ namespace nb::test {
 
 // What the list screens were asked and shown.
 struct LookupLog {
-    QStringList calls;          // "trader:<text>", "product:<text>", "user:<text>", "newTrader:<seed>" ...
-    QStringList shownBelow;     // objectName of the anchor of each list shown
-    QString chooseOnShow;       // the key a shown list delivers ("" leaves the box as it is)
-    QString newCode;            // the key an entry form delivers
+    QStringList calls;      // "trader:<text>", "product:<text>", "user:<text>", "newTrader:<seed>" ...
+    QStringList shownBelow; // objectName of the anchor of each list shown
+    QString chooseOnShow;   // the key a shown list delivers ("" leaves the box as it is)
+    QString newCode;        // the key an entry form delivers
 };
 
 inline LookupLog& lookupLog() {
@@ -40,7 +39,8 @@ public:
         q.addBindValue(text + u'%');
         q.exec();
         QStringList keys;
-        while (q.next()) keys << q.value(0).toString();
+        while (q.next())
+            keys << q.value(0).toString();
         if (keys.size() == 1) target->setText(keys.first());
         return keys.isEmpty() ? 0 : keys.size() == 1 ? 1 : 2;
     }
@@ -59,16 +59,19 @@ inline void installStoreLookups() {
     lookupLog() = LookupLog();
     InvoiceLookups l;
     l.traderList = [](QWidget*) {
-        return std::make_unique<StoreList>(QStringLiteral("trader"),
-                                           QStringLiteral("SELECT Code FROM Trader WHERE C_Name LIKE ? ORDER BY Code"));
+        return std::make_unique<StoreList>(
+            QStringLiteral("trader"),
+            QStringLiteral("SELECT Code FROM Trader WHERE C_Name LIKE ? ORDER BY Code"));
     };
     l.productList = [](QWidget*) {
-        return std::make_unique<StoreList>(QStringLiteral("product"),
-                                           QStringLiteral("SELECT Code FROM Product WHERE PName LIKE ? ORDER BY Code"));
+        return std::make_unique<StoreList>(
+            QStringLiteral("product"),
+            QStringLiteral("SELECT Code FROM Product WHERE PName LIKE ? ORDER BY Code"));
     };
     l.userList = [](QWidget*) {
-        return std::make_unique<StoreList>(QStringLiteral("user"),
-                                           QStringLiteral("SELECT Serial FROM User WHERE Company LIKE ? ORDER BY Serial"));
+        return std::make_unique<StoreList>(
+            QStringLiteral("user"),
+            QStringLiteral("SELECT Serial FROM User WHERE Company LIKE ? ORDER BY Serial"));
     };
     l.newTrader = [](QWidget*, QLineEdit* target, const QString& seed, const QString& date, QWidget*) {
         lookupLog().calls << QStringLiteral("newTrader:") + seed + u':' + date;
@@ -89,18 +92,20 @@ inline void fixClock() {
 // A supplier, two traders (one with earlier invoices) and three products.
 inline void addScreenData() {
     addSupplier({QStringLiteral("123-45-67890"), QStringLiteral("하르문상사"), QStringLiteral("홍길동"),
-                 QStringLiteral("서울시 중구 을지로 1"), QStringLiteral("02-123-4567"), QStringLiteral("02-123-4568"),
-                 QStringLiteral("도소매"), QStringLiteral("철물")});
-    addTraderRow(QStringLiteral("000001"), {QStringLiteral("234-56-78901"), QStringLiteral("가나철강"),
-                                            QStringLiteral("김철수"), QStringLiteral("부산시 동구 중앙대로 1"),
-                                            QStringLiteral("051-234-5678"), QString(), QStringLiteral("제조"),
-                                            QStringLiteral("강판")});
+                 QStringLiteral("서울시 중구 을지로 1"), QStringLiteral("02-123-4567"),
+                 QStringLiteral("02-123-4568"), QStringLiteral("도소매"), QStringLiteral("철물")});
+    addTraderRow(QStringLiteral("000001"),
+                 {QStringLiteral("234-56-78901"), QStringLiteral("가나철강"), QStringLiteral("김철수"),
+                  QStringLiteral("부산시 동구 중앙대로 1"), QStringLiteral("051-234-5678"), QString(),
+                  QStringLiteral("제조"), QStringLiteral("강판")});
     addTraderRow(QStringLiteral("000002"), {QStringLiteral("345-67-89012"), QStringLiteral("다라상회"),
-                                            QStringLiteral("이영희"), QStringLiteral("대구시 1"), QString(), QString(),
-                                            QStringLiteral("소매"), QStringLiteral("잡화")});
-    addProductRow(QStringLiteral("000001"), QStringLiteral("볼트"), QStringLiteral("M8"), 1000, QStringLiteral("EA"));
+                                            QStringLiteral("이영희"), QStringLiteral("대구시 1"), QString(),
+                                            QString(), QStringLiteral("소매"), QStringLiteral("잡화")});
+    addProductRow(QStringLiteral("000001"), QStringLiteral("볼트"), QStringLiteral("M8"), 1000,
+                  QStringLiteral("EA"));
     addProductRow(QStringLiteral("000002"), QStringLiteral("너트"), QString(), 550, QStringLiteral("EA"));
-    addProductRow(QStringLiteral("000003"), QStringLiteral("와셔"), QStringLiteral("8mm"), 120, QStringLiteral("BOX"));
+    addProductRow(QStringLiteral("000003"), QStringLiteral("와셔"), QStringLiteral("8mm"), 120,
+                  QStringLiteral("BOX"));
     addInvoiceRow(QStringLiteral("100000"), QStringLiteral("000001"), QStringLiteral("앵글"), 50000, 5000,
                   QStringLiteral("2024-04-02"));
     addInvoiceRow(QStringLiteral("100001"), QStringLiteral("000001"), QStringLiteral("파이프"), 120000, 12000,

@@ -1,16 +1,15 @@
 // The screen FrmTax driven by keys: its look, the receiver and products by Enter, amounts, the
 // line rules, the issue with scripted boxes, the issued list, the seal, the settings.
 #include "TaxScreenKit.h"
-
 #include "common/dates/DateBox.h"
 #include "common/grid/Grid.h"
+#include "core/Settings.h"
 #include "core/shell/ScreenRegistry.h"
 #include "invoice/FrmPic.h"
 #include "invoice/InvoiceScreens.h"
 #include "invoice/InvoiceSeal.h"
 #include "invoice/TaxPaper.h"
 #include "printing/PrinterSetup.h"
-#include "core/Settings.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -41,7 +40,9 @@ struct Screen {
     ~Screen() { setClock({}); }
 };
 
-void enter(QWidget* w) { test::pressKey(w, Qt::Key_Return); }
+void enter(QWidget* w) {
+    test::pressKey(w, Qt::Key_Return);
+}
 
 // Receiver by Enter: the name typed into CName_MAE, then Enter.
 void chooseReceiver(FrmTax& f, const QString& name) {
@@ -62,7 +63,9 @@ void pickProduct(FrmTax& f, int i, const QString& name, const QString& qty) {
     enter(f.gonggum(i));
 }
 
-QWidget* focused() { return QApplication::focusWidget(); }
+QWidget* focused() {
+    return QApplication::focusWidget();
+}
 
 } // namespace
 
@@ -133,7 +136,8 @@ private Q_SLOTS:
         test::script();
         FrmTax& f = s.open();
         f.CName_MAE->setFocus();
-        QCOMPARE(f.pnlHelp->text(), QStringLiteral("전체검색 : [Enter] or 상호명 앞자리 1자이상 입력 후 Enter"));
+        QCOMPARE(f.pnlHelp->text(),
+                 QStringLiteral("전체검색 : [Enter] or 상호명 앞자리 1자이상 입력 후 Enter"));
         chooseReceiver(f, QStringLiteral("가나"));
         QCOMPARE(f.txtCCode->text(), QStringLiteral("000001"));
         QCOMPARE(f.CName_MAE->text(), QStringLiteral("가나철강"));
@@ -141,7 +145,7 @@ private Q_SLOTS:
         QCOMPARE(f.Address_MAE->text(), QStringLiteral("부산시 동구 중앙대로 1"));
         QCOMPARE(f.ddyy(0)->text(), QStringLiteral("05-10"));
         QCOMPARE(focused(), f.pummok(0));
-        QVERIFY(test::lookupLog().shownBelow.isEmpty());  // one match on a search text: no list
+        QVERIFY(test::lookupLog().shownBelow.isEmpty()); // one match on a search text: no list
         QCOMPARE(f.grdList->Text(2, 1), QStringLiteral("앵글"));
         QCOMPARE(f.grdList->Text(2, 2), QStringLiteral("엘보 외 1"));
         QCOMPARE(f.grdList->Text(3, 2), QStringLiteral("128,000"));
@@ -165,7 +169,8 @@ private Q_SLOTS:
         FrmTax& f = s.open();
         msgs.answer(AnsNo);
         chooseReceiver(f, QStringLiteral("없는곳"));
-        QCOMPARE(msgs.last().text, QStringLiteral("검색한 매출처가 등록되어 있지 않습니다.\n매출처를 등록하겠습니까?"));
+        QCOMPARE(msgs.last().text,
+                 QStringLiteral("검색한 매출처가 등록되어 있지 않습니다.\n매출처를 등록하겠습니까?"));
         QCOMPARE(msgs.last().title, QStringLiteral("매출처 검색"));
         QCOMPARE(msgs.last().buttons, int(MbYesNo | MbQuestion));
         QVERIFY(f.CName_MAE->text().isEmpty());
@@ -210,7 +215,8 @@ private Q_SLOTS:
         chooseReceiver(f, QStringLiteral("가나"));
         test::typeText(f.pummok(0), QStringLiteral("볼트"));
         enter(f.pummok(0));
-        QCOMPARE(test::lookupLog().shownBelow, QStringList{QStringLiteral("pummok_0")});  // one match is shown too
+        QCOMPARE(test::lookupLog().shownBelow,
+                 QStringList{QStringLiteral("pummok_0")}); // one match is shown too
         QCOMPARE(f.pummok(0)->text(), QStringLiteral("볼트(M8)"));
         QCOMPARE(f.dan_num(0)->text(), QStringLiteral("EA"));
         QCOMPARE(f.su_num(0)->text().trimmed(), QStringLiteral("1"));
@@ -227,11 +233,11 @@ private Q_SLOTS:
         FrmTax& f = s.open();
         chooseReceiver(f, QStringLiteral("가나"));
         pickProduct(f, 0, QStringLiteral("볼트"), QStringLiteral("2"));
-        test::typeText(f.pummok(1), QStringLiteral("와"));  // several? one: 와셔; the list shows and closes
+        test::typeText(f.pummok(1), QStringLiteral("와")); // several? one: 와셔; the list shows and closes
         test::lookupLog().chooseOnShow.clear();
         f.txtPCode->setText(QStringLiteral("000001"));
         f.pummok(1)->clear();
-        enter(f.pummok(1));  // empty search: three rows, the list closes without a choice
+        enter(f.pummok(1)); // empty search: three rows, the list closes without a choice
         QCOMPARE(f.pummok(1)->text(), QStringLiteral("볼트(M8)"));
     }
     void unknownProductCancelledEmptiesTheItem() {
@@ -242,7 +248,8 @@ private Q_SLOTS:
         msgs.answer(AnsCancel);
         test::typeText(f.pummok(0), QStringLiteral("없는물건"));
         enter(f.pummok(0));
-        QCOMPARE(msgs.last().text, QStringLiteral("검색된 상품이 없습니다. \n\n상품을 등록하시겠습니까?    "));
+        QCOMPARE(msgs.last().text,
+                 QStringLiteral("검색된 상품이 없습니다. \n\n상품을 등록하시겠습니까?    "));
         QCOMPARE(msgs.last().title, QStringLiteral("상품 검색"));
         QCOMPARE(msgs.last().buttons, 1 | int(MbQuestion));
         QVERIFY(f.pummok(0)->text().isEmpty());
@@ -344,7 +351,8 @@ private Q_SLOTS:
         FrmTax& f = s.open();
         chooseReceiver(f, QStringLiteral("가나"));
         const QStringList names{"볼트", "너트", "와셔", "볼트", "너트"};
-        for (int i = 0; i < 5; ++i) pickProduct(f, i, names[i], QString::number(i + 1));
+        for (int i = 0; i < 5; ++i)
+            pickProduct(f, i, names[i], QString::number(i + 1));
         QCOMPARE(f.CurLine(), 4);
         QCOMPARE(f.pummok(4)->text(), QStringLiteral("너트"));
         QCOMPARE(focused(), f.write_yy);
@@ -379,7 +387,7 @@ private Q_SLOTS:
         pickProduct(f, 0, QStringLiteral("볼트"), QStringLiteral("1"));
         pickProduct(f, 1, QStringLiteral("너트"), QStringLiteral("1"));
         msgs.answer(AnsYes);
-        test::pressKey(f.pummok(2), Qt::Key_F4);  // redirected: CurLine is 2
+        test::pressKey(f.pummok(2), Qt::Key_F4); // redirected: CurLine is 2
         QCOMPARE(msgs.last().text, QStringLiteral("삭제하시겠습니까?"));
         QCOMPARE(msgs.last().title, QStringLiteral("삭제"));
         f.gonggum(0)->setFocus();
@@ -422,7 +430,8 @@ private Q_SLOTS:
         QVERIFY(!capture.last().find(QStringLiteral("셋째줄")));
         QCOMPARE(f.txtSeq->text(), QStringLiteral("100-002"));
         QCOMPARE(test::invoiceRows(QStringLiteral("WHERE TaxCode = '100002'")), 2);
-        QCOMPARE(test::scalarOf(stores().dbTax, QStringLiteral("SELECT IssueDate FROM NewAcount WHERE TaxCode = '100002'"))
+        QCOMPARE(test::scalarOf(stores().dbTax,
+                                QStringLiteral("SELECT IssueDate FROM NewAcount WHERE TaxCode = '100002'"))
                      .toString(),
                  QStringLiteral("첫줄\n둘째줄\n셋째줄"));
         QCOMPARE(f.grdList->Text(2, 3), QStringLiteral("너트 외 1"));
@@ -441,7 +450,7 @@ private Q_SLOTS:
         QCOMPARE(msgs.last().text, QStringLiteral("자료가 저장되었습니다."));
         QVERIFY(capture.jobs().empty());
         QCOMPARE(test::invoiceRows(QStringLiteral("WHERE TaxCode = '100002'")), 1);
-        QCOMPARE(f.pnlSum[2]->text(), QStringLiteral("179,091 "));  // all time, not the period
+        QCOMPARE(f.pnlSum[2]->text(), QStringLiteral("179,091 ")); // all time, not the period
     }
     void issuedInvoiceIsShownReprintedWithoutStoringAndTaxCodeStays() {
         Screen s;
@@ -480,7 +489,8 @@ private Q_SLOTS:
         auto& msgs = test::script();
         FrmTax& f = s.open();
         chooseReceiver(f, QStringLiteral("다라"));
-        test::addInvoiceRow(QStringLiteral("100005"), QStringLiteral("000002"), QStringLiteral("하나"), 100, 10);
+        test::addInvoiceRow(QStringLiteral("100005"), QStringLiteral("000002"), QStringLiteral("하나"), 100,
+                            10);
         chooseReceiver(f, QStringLiteral("다라"));
         QCOMPARE(f.grdList->Text(5, 1), QStringLiteral("100005"));
         emit f.grdList->click(1, 1);
@@ -551,8 +561,9 @@ private Q_SLOTS:
         msgs.answer(AnsYes);
         test::pressKey(f.picSign, Qt::Key_Delete);
         QCOMPARE(msgs.last().title, QStringLiteral("공급자도장 삭제"));
-        QCOMPARE(msgs.last().text, QStringLiteral("공급자도장을 삭제하시겠습니까?\n삭제시 도장인쇄를 하지 않게 됩니다.\n"
-                                                  "※도장파일이 삭제되지는 않습니다. 언제든지 재지정 가능합니다."));
+        QCOMPARE(msgs.last().text,
+                 QStringLiteral("공급자도장을 삭제하시겠습니까?\n삭제시 도장인쇄를 하지 않게 됩니다.\n"
+                                "※도장파일이 삭제되지는 않습니다. 언제든지 재지정 가능합니다."));
         QVERIFY(sealSetting().isEmpty());
         QVERIFY(f.imgPic->pixmap().isNull());
         QVERIFY(!f.picSign->isVisible());

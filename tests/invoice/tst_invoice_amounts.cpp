@@ -1,7 +1,6 @@
 // Line amounts and VAT of the tax invoice: the three number rules, the three modes, typed
 // amounts and taxes, the mode change, the product pick, the totals and their digit cells.
 #include "TestSupport.h"
-
 #include "invoice/InvoiceAmounts.h"
 
 using namespace nb;
@@ -38,9 +37,12 @@ private Q_SLOTS:
         QTest::addColumn<int>("mode");
         QTest::addColumn<QString>("supply");
         QTest::addColumn<QString>("tax");
-        QTest::newRow("VAT별도") << int(VatMode::Separate) << "3000" << "300";
-        QTest::newRow("VAT포함") << int(VatMode::Included) << "2727" << "273";
-        QTest::newRow("면세") << int(VatMode::Exempt) << "3000" << "0";
+        QTest::newRow("VAT별도") << int(VatMode::Separate) << "3000"
+                                 << "300";
+        QTest::newRow("VAT포함") << int(VatMode::Included) << "2727"
+                                 << "273";
+        QTest::newRow("면세") << int(VatMode::Exempt) << "3000"
+                              << "0";
     }
     void quantityThreePriceThousandInEachMode() {
         QFETCH(int, mode);
@@ -238,11 +240,26 @@ private Q_SLOTS:
         QTest::addColumn<QString>("firstTax");
         QTest::addColumn<QString>("supply");
         QTest::addColumn<QString>("tax");
-        QTest::newRow("VAT별도") << 0 << 11000.0 << "11000" << "1100" << "11000" << "1100";
-        QTest::newRow("VAT별도 half") << 0 << 25.0 << "25" << "2" << "25" << "2";
-        QTest::newRow("VAT포함") << 1 << 1000.0 << "909" << "91" << "909" << "91";
-        QTest::newRow("면세") << 2 << 5000.0 << "5000" << "0" << "5000" << "0";
-        QTest::newRow("면세 single") << 2 << 123456789.0 << "123456789" << "0" << "123456792" << "0";
+        QTest::newRow("VAT별도") << 0 << 11000.0 << "11000"
+                                 << "1100"
+                                 << "11000"
+                                 << "1100";
+        QTest::newRow("VAT별도 half") << 0 << 25.0 << "25"
+                                      << "2"
+                                      << "25"
+                                      << "2";
+        QTest::newRow("VAT포함") << 1 << 1000.0 << "909"
+                                 << "91"
+                                 << "909"
+                                 << "91";
+        QTest::newRow("면세") << 2 << 5000.0 << "5000"
+                              << "0"
+                              << "5000"
+                              << "0";
+        QTest::newRow("면세 single") << 2 << 123456789.0 << "123456789"
+                                     << "0"
+                                     << "123456792"
+                                     << "0";
     }
     void pickedProductSplitsThePriceThenQuantityOneDecides() {
         QFETCH(int, mode);
@@ -289,7 +306,7 @@ private Q_SLOTS:
         DeleteLine(sheet, 0, QStringLiteral("05-02"));
         QCOMPARE(sheet.sumNum, QStringLiteral("0"));
         QCOMPARE(sheet.gongCaption, QStringLiteral(" *").repeated(10) + QStringLiteral(" 0") +
-                                         QStringLiteral(" *").repeated(9) + QStringLiteral(" 0"));
+                                        QStringLiteral(" *").repeated(9) + QStringLiteral(" 0"));
     }
     void deleteLineMovesLowerLinesUpAndLowersCurLine() {
         InvoiceSheet sheet;

@@ -2,7 +2,6 @@
 // printed lines, re-issue that stores nothing, the supplier on paper, the seal, and the print of
 // a stored invoice into a PDF file.
 #include "InvoiceFixture.h"
-
 #include "core/AppFolder.h"
 #include "invoice/InvoiceIssue.h"
 #include "invoice/InvoiceSeal.h"
@@ -23,10 +22,10 @@ void addParties() {
     test::addSupplier({QStringLiteral("222-22-22222"), QStringLiteral("둘째공급자"), QStringLiteral("김이"),
                        QStringLiteral("부산"), QStringLiteral("051-2"), QString(), QStringLiteral("소매"),
                        QStringLiteral("공구")});
-    test::addTraderRow(QStringLiteral("000001"), {QStringLiteral("333-33-33333"), QStringLiteral("가나철강"),
-                                                  QStringLiteral("이사장"), QStringLiteral("대구 1"),
-                                                  QStringLiteral("053-3"), QStringLiteral("053-4"),
-                                                  QStringLiteral("제조"), QStringLiteral("강판")});
+    test::addTraderRow(QStringLiteral("000001"),
+                       {QStringLiteral("333-33-33333"), QStringLiteral("가나철강"), QStringLiteral("이사장"),
+                        QStringLiteral("대구 1"), QStringLiteral("053-3"), QStringLiteral("053-4"),
+                        QStringLiteral("제조"), QStringLiteral("강판")});
 }
 
 InvoiceForm newForm() {
@@ -37,12 +36,15 @@ InvoiceForm newForm() {
     form.writeDD = QStringLiteral("10");
     form.serialUser = QStringLiteral("222-22-22222");
     form.sheet.vat = VatMode::Separate;
-    form.sheet.line(0) = {QStringLiteral("05-10"), QStringLiteral("볼트"), QStringLiteral("EA"), QStringLiteral("3"),
-                          QStringLiteral("1,000"), QStringLiteral("3,000"), QStringLiteral("300")};
+    form.sheet.line(0) = {QStringLiteral("05-10"), QStringLiteral("볼트"),  QStringLiteral("EA"),
+                          QStringLiteral("3"),     QStringLiteral("1,000"), QStringLiteral("3,000"),
+                          QStringLiteral("300")};
     return form;
 }
 
-bool onPaper(const PrintRecord& r, const QString& text) { return r.find(text) != nullptr; }
+bool onPaper(const PrintRecord& r, const QString& text) {
+    return r.find(text) != nullptr;
+}
 
 } // namespace
 
@@ -144,7 +146,8 @@ private Q_SLOTS:
         test::TestHome home;
         QVERIFY(test::openInvoiceStores());
         addParties();
-        test::addInvoiceRow(QStringLiteral("100000"), QStringLiteral("000001"), QStringLiteral("볼트"), 3000, 300);
+        test::addInvoiceRow(QStringLiteral("100000"), QStringLiteral("000001"), QStringLiteral("볼트"), 3000,
+                            300);
         test::script().answer(AnsYes);
         PrintCapture capture;
         InvoiceForm form = newForm();
@@ -161,7 +164,8 @@ private Q_SLOTS:
         test::TestHome home;
         QVERIFY(test::openInvoiceStores());
         addParties();
-        test::addInvoiceRow(QStringLiteral("100000"), QStringLiteral("000001"), QStringLiteral("볼트"), 3000, 300);
+        test::addInvoiceRow(QStringLiteral("100000"), QStringLiteral("000001"), QStringLiteral("볼트"), 3000,
+                            300);
         auto& msgs = test::script();
         msgs.answer(AnsYes);
         msgs.answer(AnsYes);
@@ -212,7 +216,7 @@ private Q_SLOTS:
         InvoiceForm form = newForm();
         IssueInvoice(form, loadSealImage());
         QVERIFY(capture.last().pictures.empty());
-        QCOMPARE(int(msgs.records().size()), 1);  // only the question
+        QCOMPARE(int(msgs.records().size()), 1); // only the question
     }
     void defaultSealIsTheGifInTheApplicationFolder() {
         test::TestHome home;
@@ -241,8 +245,8 @@ private Q_SLOTS:
         test::TestHome home;
         QVERIFY(test::openInvoiceStores());
         addParties();
-        test::addInvoiceRow(QStringLiteral("100007"), QStringLiteral("000001"), QStringLiteral("볼트"), 3000, 300,
-                            QStringLiteral("2024-05-10"), QStringLiteral("비고입니다"));
+        test::addInvoiceRow(QStringLiteral("100007"), QStringLiteral("000001"), QStringLiteral("볼트"), 3000,
+                            300, QStringLiteral("2024-05-10"), QStringLiteral("비고입니다"));
         const QString pdf = home.file(QStringLiteral("invoice.pdf"));
         QString reason;
         QCOMPARE(PrintStoredInvoiceToPdf(QStringLiteral("100007"), pdf, &reason), 0);
@@ -251,25 +255,27 @@ private Q_SLOTS:
         bbox.start(QStringLiteral("pdftotext"), {QStringLiteral("-bbox"), pdf, QStringLiteral("-")});
         QVERIFY(bbox.waitForFinished(20000));
         const QString html = QString::fromUtf8(bbox.readAllStandardOutput());
-        for (const char* word : {"첫공급자", "가나철강", "볼트", "비고입니다", "2024", "05-10", "3,000", "300", "영수"})
+        for (const char* word :
+             {"첫공급자", "가나철강", "볼트", "비고입니다", "2024", "05-10", "3,000", "300", "영수"})
             QVERIFY2(html.contains(QString::fromUtf8(word)), word);
         // The serial "1 0 0 0 0 7" is drawn digit by digit: its "7" at Tab 84 of size 11, row 4.
         const QRegularExpression seven(
             QStringLiteral("<word xMin=\"([0-9.]+)\" yMin=\"([0-9.]+)\"[^>]*>7</word>"));
         auto it = seven.globalMatch(html);
         bool found = false;
-        const double expectX = (84 - 1 + 10) * 11 / 2.0;  // points: "1 0 0 0 0 " is 10 columns
+        const double expectX = (84 - 1 + 10) * 11 / 2.0; // points: "1 0 0 0 0 " is 10 columns
         const double expectY = 4 / 6.0 * 72;
         while (it.hasNext()) {
             const auto m = it.next();
-            if (std::abs(m.captured(1).toDouble() - expectX) < 0.5 && std::abs(m.captured(2).toDouble() - expectY) < 0.5)
+            if (std::abs(m.captured(1).toDouble() - expectX) < 0.5 &&
+                std::abs(m.captured(2).toDouble() - expectY) < 0.5)
                 found = true;
         }
         QVERIFY2(found, qPrintable(html.left(4000)));
         QDir().mkpath(test::screenshotDir());
         QProcess png;
-        png.start(QStringLiteral("pdftoppm"), {QStringLiteral("-png"), QStringLiteral("-r"), QStringLiteral("80"),
-                                               QStringLiteral("-singlefile"), pdf,
+        png.start(QStringLiteral("pdftoppm"), {QStringLiteral("-png"), QStringLiteral("-r"),
+                                               QStringLiteral("80"), QStringLiteral("-singlefile"), pdf,
                                                test::screenshotDir() + QStringLiteral("/invoice_print")});
         QVERIFY(png.waitForFinished(20000));
         QVERIFY(QFile::exists(test::screenshotDir() + QStringLiteral("/invoice_print.png")));

@@ -2,7 +2,6 @@
 // digit cells, remark, lines, the blank rule, total, the seal, both copies; through the print
 // layer's recorder.
 #include "TestSupport.h"
-
 #include "invoice/InvoicePrint.h"
 #include "printing/PrintSurfaces.h"
 
@@ -15,19 +14,21 @@ constexpr double kEps = 1e-9;
 InvoicePrintData sampleData() {
     InvoicePrintData d;
     d.txtSeq = QStringLiteral("100-124");
-    d.parties.user = {QStringLiteral("1234567890"), QStringLiteral("하르문상사"), QStringLiteral("김대표"),
-                      QStringLiteral("서울시 중구 1"), QStringLiteral("도소매"), QStringLiteral("철물"),
-                      QStringLiteral("02-111-2222"), QStringLiteral("02-111-3333")};
-    d.parties.trader = {QStringLiteral("222-33-44444"), QStringLiteral("가나철강"), QStringLiteral("이사장"),
-                        QStringLiteral("부산시 1"), QStringLiteral("제조"), QStringLiteral("강판"),
+    d.parties.user = {QStringLiteral("1234567890"),    QStringLiteral("하르문상사"), QStringLiteral("김대표"),
+                      QStringLiteral("서울시 중구 1"), QStringLiteral("도소매"),     QStringLiteral("철물"),
+                      QStringLiteral("02-111-2222"),   QStringLiteral("02-111-3333")};
+    d.parties.trader = {QStringLiteral("222-33-44444"), QStringLiteral("가나철강"),
+                        QStringLiteral("이사장"),       QStringLiteral("부산시 1"),
+                        QStringLiteral("제조"),         QStringLiteral("강판"),
                         QStringLiteral("051-123-4567"), QString()};
     d.writeYY = QStringLiteral("2024");
     d.writeMM = QStringLiteral("05");
     d.writeDD = QStringLiteral("10");
     d.youngsu = QStringLiteral("영수");
     d.sheet.vat = VatMode::Separate;
-    d.sheet.line(0) = {QStringLiteral("05-10"), QStringLiteral("볼트(M8)"), QStringLiteral("EA"), QStringLiteral("3"),
-                       QStringLiteral("1,000"), QStringLiteral("3,000"), QStringLiteral("300")};
+    d.sheet.line(0) = {QStringLiteral("05-10"), QStringLiteral("볼트(M8)"), QStringLiteral("EA"),
+                       QStringLiteral("3"),     QStringLiteral("1,000"),    QStringLiteral("3,000"),
+                       QStringLiteral("300")};
     return d;
 }
 
@@ -36,7 +37,8 @@ struct Printed {
     int lines = 0;
 };
 
-Printed printCopies(const InvoicePrintData& data, int left = 0, double top = 0, const QImage& seal = QImage()) {
+Printed printCopies(const InvoicePrintData& data, int left = 0, double top = 0,
+                    const QImage& seal = QImage()) {
     Printed p;
     PrintJob job(std::make_unique<RecordingSurface>(p.record));
     job.setMargins(left, top);
@@ -46,7 +48,9 @@ Printed printCopies(const InvoicePrintData& data, int left = 0, double top = 0, 
     return p;
 }
 
-double tabX(int left, double tab, double size) { return printTabX(left, tab, size); }
+double tabX(int left, double tab, double size) {
+    return printTabX(left, tab, size);
+}
 
 // Every recorded text equal to `text`.
 std::vector<PrintedText> all(const PrintRecord& r, const QString& text) {
@@ -112,8 +116,8 @@ private Q_SLOTS:
     }
     void longNamesPrintSmaller() {
         InvoicePrintData d = sampleData();
-        d.parties.user.company = QStringLiteral("아주긴이름의주식회사상호명");  // 13 Hangul: 26 columns
-        d.parties.trader.company = QStringLiteral("열한글자로된거래처상호");      // 11 Hangul: 22 columns
+        d.parties.user.company = QStringLiteral("아주긴이름의주식회사상호명"); // 13 Hangul: 26 columns
+        d.parties.trader.company = QStringLiteral("열한글자로된거래처상호");   // 11 Hangul: 22 columns
         const Printed p = printCopies(d);
         QCOMPARE(p.record->find(d.parties.user.company)->font.size, 8.0);
         QVERIFY(placed(*p.record->find(d.parties.user.company), 8, 25, 8));
@@ -203,7 +207,8 @@ private Q_SLOTS:
         d.sheet.vat = VatMode::Exempt;
         d.sheet.line(0).tax_num = QStringLiteral("0");
         const Printed p = printCopies(d);
-        for (const auto& t : p.record->texts) QVERIFY(std::abs(t.x - tabX(0, 95, 10)) > kEps);
+        for (const auto& t : p.record->texts)
+            QVERIFY(std::abs(t.x - tabX(0, 95, 10)) > kEps);
         const double x0 = 1 / 12.0 + 0.75 + 1.52;
         const auto zeros = all(*p.record, QStringLiteral("0"));
         QVERIFY(std::any_of(zeros.begin(), zeros.end(),
@@ -262,7 +267,8 @@ private Q_SLOTS:
     }
     void fiveLinesFilledPrintNoBlankRule() {
         InvoicePrintData d = sampleData();
-        for (int i = 1; i < 5; ++i) d.sheet.line(i) = d.sheet.line(0);
+        for (int i = 1; i < 5; ++i)
+            d.sheet.line(i) = d.sheet.line(0);
         d.sheet.curLine = 4;
         QVERIFY(!printCopies(d).record->find(QStringLiteral("=== 이하 여백 ===")));
     }

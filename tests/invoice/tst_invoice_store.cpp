@@ -1,7 +1,6 @@
 // Numbering and storage of tax invoices: the next number, the rows of a save, an issued
 // invoice read back, the customer's list, the delete and the period sums.
 #include "InvoiceFixture.h"
-
 #include "invoice/InvoiceForm.h"
 #include "invoice/InvoiceStore.h"
 
@@ -17,7 +16,7 @@ InvoiceForm formReadyToSave() {
     form.writeDD = QStringLiteral("10");
     form.serialUser = QStringLiteral("123-45-67890");
     InvoiceLine& line = form.sheet.line(0);
-    line = {QStringLiteral("05-10"), QStringLiteral("볼트(M8)"), QStringLiteral("EA"), QStringLiteral("3"),
+    line = {QStringLiteral("05-10"), QStringLiteral("볼트(M8)"),  QStringLiteral("EA"),   QStringLiteral("3"),
             QStringLiteral("1,000"), QStringLiteral("    2,727"), QStringLiteral("  273")};
     return form;
 }
@@ -36,16 +35,20 @@ private Q_SLOTS:
     void tableEndingWith100123GivesNext100124() {
         test::TestHome home;
         QVERIFY(test::openInvoiceStores());
-        QVERIFY(test::addInvoiceRow(QStringLiteral("100123"), QStringLiteral("000001"), QStringLiteral("a"), 1, 0));
-        QVERIFY(test::addInvoiceRow(QStringLiteral("100007"), QStringLiteral("000001"), QStringLiteral("b"), 1, 0));
+        QVERIFY(test::addInvoiceRow(QStringLiteral("100123"), QStringLiteral("000001"), QStringLiteral("a"),
+                                    1, 0));
+        QVERIFY(test::addInvoiceRow(QStringLiteral("100007"), QStringLiteral("000001"), QStringLiteral("b"),
+                                    1, 0));
         QCOMPARE(NextTaxCode(stores().dbTax), QStringLiteral("100124"));
     }
     void pastNineHundredNinetyNineThousandTheNumberStopsGrowing() {
         test::TestHome home;
         QVERIFY(test::openInvoiceStores());
-        QVERIFY(test::addInvoiceRow(QStringLiteral("999999"), QStringLiteral("000001"), QStringLiteral("a"), 1, 0));
+        QVERIFY(test::addInvoiceRow(QStringLiteral("999999"), QStringLiteral("000001"), QStringLiteral("a"),
+                                    1, 0));
         QCOMPARE(NextTaxCode(stores().dbTax), QStringLiteral("1000000"));
-        QVERIFY(test::addInvoiceRow(QStringLiteral("1000000"), QStringLiteral("000001"), QStringLiteral("b"), 1, 0));
+        QVERIFY(test::addInvoiceRow(QStringLiteral("1000000"), QStringLiteral("000001"), QStringLiteral("b"),
+                                    1, 0));
         QCOMPARE(NextTaxCode(stores().dbTax), QStringLiteral("1000000"));
     }
     void serialFollowsTheNumberAndReadsZerosWhenEmpty() {
@@ -72,8 +75,9 @@ private Q_SLOTS:
         QCOMPARE(result.focus, FormFocus::Pummok0);
         QVERIFY(msgs.records().empty());
         QSqlQuery q(stores().dbTax.connection());
-        QVERIFY(q.exec(QStringLiteral("SELECT TaxCode, CCode, PName, PNorm, Quantity, UnitCost, TradeKum, VatKum, "
-                                      "DealDate, IssueDate, TradeDate, UserCode FROM NewAcount")));
+        QVERIFY(q.exec(
+            QStringLiteral("SELECT TaxCode, CCode, PName, PNorm, Quantity, UnitCost, TradeKum, VatKum, "
+                           "DealDate, IssueDate, TradeDate, UserCode FROM NewAcount")));
         QVERIFY(q.next());
         QCOMPARE(q.value(0).toString(), QStringLiteral("100000"));
         QCOMPARE(q.value(1).toString(), QStringLiteral("000001"));
@@ -144,8 +148,10 @@ private Q_SLOTS:
         QVERIFY(SaveInvoice(form, stores().dbTax).saved);
         QCOMPARE(test::scalarOf(stores().dbTax, QStringLiteral("SELECT IssueDate FROM NewAcount")).toString(),
                  form.bigo);
-        QCOMPARE(remarkPrintLines(form.bigo), QStringList({QStringLiteral("첫째 줄"), QStringLiteral("둘째 줄")}));
-        QCOMPARE(remarkPrintLines(QStringLiteral("하나\r\n둘")), QStringList({QStringLiteral("하나"), QStringLiteral("둘")}));
+        QCOMPARE(remarkPrintLines(form.bigo),
+                 QStringList({QStringLiteral("첫째 줄"), QStringLiteral("둘째 줄")}));
+        QCOMPARE(remarkPrintLines(QStringLiteral("하나\r\n둘")),
+                 QStringList({QStringLiteral("하나"), QStringLiteral("둘")}));
     }
     void aQuoteInANameIsStoredAndFound() {
         test::TestHome home;
@@ -190,11 +196,16 @@ private Q_SLOTS:
         test::TestHome home;
         QVERIFY(test::openInvoiceStores());
         const QString c = QStringLiteral("000001");
-        test::addInvoiceRow(QStringLiteral("100001"), c, QStringLiteral("볼트"), 1000, 100, QStringLiteral("2024-05-01"));
-        test::addInvoiceRow(QStringLiteral("100001"), c, QStringLiteral("너트"), 2000, 200, QStringLiteral("2024-05-01"));
-        test::addInvoiceRow(QStringLiteral("100001"), c, QStringLiteral("와셔"), 3000, 300, QStringLiteral("2024-05-01"));
-        test::addInvoiceRow(QStringLiteral("100002"), QStringLiteral("000002"), QStringLiteral("남의것"), 9, 9);
-        test::addInvoiceRow(QStringLiteral("100003"), c, QStringLiteral("못"), 500, 50, QStringLiteral("2024-06-02"));
+        test::addInvoiceRow(QStringLiteral("100001"), c, QStringLiteral("볼트"), 1000, 100,
+                            QStringLiteral("2024-05-01"));
+        test::addInvoiceRow(QStringLiteral("100001"), c, QStringLiteral("너트"), 2000, 200,
+                            QStringLiteral("2024-05-01"));
+        test::addInvoiceRow(QStringLiteral("100001"), c, QStringLiteral("와셔"), 3000, 300,
+                            QStringLiteral("2024-05-01"));
+        test::addInvoiceRow(QStringLiteral("100002"), QStringLiteral("000002"), QStringLiteral("남의것"), 9,
+                            9);
+        test::addInvoiceRow(QStringLiteral("100003"), c, QStringLiteral("못"), 500, 50,
+                            QStringLiteral("2024-06-02"));
         const auto list = ReadIssuedList(stores().dbTax, c);
         QVERIFY(list);
         QCOMPARE(list->rows.size(), 2);
@@ -210,8 +221,10 @@ private Q_SLOTS:
     void deletingTheLastInvoiceOfACustomerLeavesTheListEmpty() {
         test::TestHome home;
         QVERIFY(test::openInvoiceStores());
-        test::addInvoiceRow(QStringLiteral("100000"), QStringLiteral("000001"), QStringLiteral("볼트"), 1000, 100);
-        test::addInvoiceRow(QStringLiteral("100000"), QStringLiteral("000001"), QStringLiteral("너트"), 1000, 100);
+        test::addInvoiceRow(QStringLiteral("100000"), QStringLiteral("000001"), QStringLiteral("볼트"), 1000,
+                            100);
+        test::addInvoiceRow(QStringLiteral("100000"), QStringLiteral("000001"), QStringLiteral("너트"), 1000,
+                            100);
         QVERIFY(DeleteInvoice(stores().dbTax, QStringLiteral("100000")));
         QCOMPARE(test::invoiceRows(), 0);
         const auto list = ReadIssuedList(stores().dbTax, QStringLiteral("000001"));
@@ -231,15 +244,19 @@ private Q_SLOTS:
     void periodSumsReadOnlyTheirDates() {
         test::TestHome home;
         QVERIFY(test::openInvoiceStores());
-        test::addInvoiceRow(QStringLiteral("100000"), QStringLiteral("1"), QStringLiteral("a"), 1000, 100, QStringLiteral("2024-02-01"));
-        test::addInvoiceRow(QStringLiteral("100001"), QStringLiteral("1"), QStringLiteral("b"), 2000, 200, QStringLiteral("2024-05-01"));
-        const auto q1 = ReadTaxSums(stores().dbTax, QStringLiteral("2024-01-01"), QStringLiteral("2024-03-31"));
+        test::addInvoiceRow(QStringLiteral("100000"), QStringLiteral("1"), QStringLiteral("a"), 1000, 100,
+                            QStringLiteral("2024-02-01"));
+        test::addInvoiceRow(QStringLiteral("100001"), QStringLiteral("1"), QStringLiteral("b"), 2000, 200,
+                            QStringLiteral("2024-05-01"));
+        const auto q1 =
+            ReadTaxSums(stores().dbTax, QStringLiteral("2024-01-01"), QStringLiteral("2024-03-31"));
         QVERIFY(q1);
         QCOMPARE(q1->supply, 1000.0);
         const auto all = ReadAllTaxSums(stores().dbTax);
         QVERIFY(all);
         QCOMPARE(all->tax, 300.0);
-        const auto none = ReadTaxSums(stores().dbTax, QStringLiteral("2023-01-01"), QStringLiteral("2023-12-31"));
+        const auto none =
+            ReadTaxSums(stores().dbTax, QStringLiteral("2023-01-01"), QStringLiteral("2023-12-31"));
         QVERIFY(none);
         QCOMPARE(sumPanelText(none->supply, QStringLiteral("#,##0")), QStringLiteral("0 "));
     }
@@ -248,13 +265,27 @@ private Q_SLOTS:
         QTest::addColumn<QString>("choice");
         QTest::addColumn<QString>("from");
         QTest::addColumn<QString>("to");
-        QTest::newRow("1/4") << 0 << "1/4분기" << "2024-01-01" << "2024-03-31";
-        QTest::newRow("2/4") << 0 << "2/4분기" << "2024-04-01" << "2024-06-30";
-        QTest::newRow("3/4") << 0 << "3/4분기" << "2024-07-01" << "2024-09-30";
-        QTest::newRow("4/4") << 0 << "4/4분기" << "2024-10-01" << "2024-12-31";
-        QTest::newRow("1/2") << 1 << "1/2분기" << "2024-01-01" << "2024-06-30";
-        QTest::newRow("2/2") << 1 << "2/2분기" << "2024-07-01" << "2024-12-31";
-        QTest::newRow("year") << 2 << "한해집계" << "2024-01-01" << "2024-12-31";
+        QTest::newRow("1/4") << 0 << "1/4분기"
+                             << "2024-01-01"
+                             << "2024-03-31";
+        QTest::newRow("2/4") << 0 << "2/4분기"
+                             << "2024-04-01"
+                             << "2024-06-30";
+        QTest::newRow("3/4") << 0 << "3/4분기"
+                             << "2024-07-01"
+                             << "2024-09-30";
+        QTest::newRow("4/4") << 0 << "4/4분기"
+                             << "2024-10-01"
+                             << "2024-12-31";
+        QTest::newRow("1/2") << 1 << "1/2분기"
+                             << "2024-01-01"
+                             << "2024-06-30";
+        QTest::newRow("2/2") << 1 << "2/2분기"
+                             << "2024-07-01"
+                             << "2024-12-31";
+        QTest::newRow("year") << 2 << "한해집계"
+                              << "2024-01-01"
+                              << "2024-12-31";
     }
     void periodChoicesAndTheirDates() {
         QFETCH(int, kind);

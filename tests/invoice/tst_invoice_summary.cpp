@@ -1,6 +1,5 @@
 // The summary invoice line made from the statements of a customer in a period.
 #include "InvoiceFixture.h"
-
 #include "invoice/StatementSummary.h"
 
 using namespace nb;
@@ -11,10 +10,10 @@ private Q_SLOTS:
     void oneStatementLineGivesItsNameAlone() {
         test::TestHome home;
         QVERIFY(test::openInvoiceStores());
-        QVERIFY(test::addStatement(QStringLiteral("000001"), QStringLiteral("2024-05-03"), QStringLiteral("000007"),
-                                   {{QStringLiteral("볼트"), 10000, 1000}}));
-        const auto s = SummarizeStatements(stores().dbBill, QStringLiteral("000007"), QStringLiteral("2024-05-01"),
-                                           QStringLiteral("2024-05-31"));
+        QVERIFY(test::addStatement(QStringLiteral("000001"), QStringLiteral("2024-05-03"),
+                                   QStringLiteral("000007"), {{QStringLiteral("볼트"), 10000, 1000}}));
+        const auto s = SummarizeStatements(stores().dbBill, QStringLiteral("000007"),
+                                           QStringLiteral("2024-05-01"), QStringLiteral("2024-05-31"));
         QVERIFY(s);
         QCOMPARE(s->count, 1);
         QCOMPARE(s->sum, 11000.0);
@@ -31,8 +30,8 @@ private Q_SLOTS:
                            {{QStringLiteral("다음달"), 9000, 900}});
         test::addStatement(QStringLiteral("000004"), QStringLiteral("2024-05-05"), QStringLiteral("000008"),
                            {{QStringLiteral("남의것"), 9000, 900}});
-        const auto s = SummarizeStatements(stores().dbBill, QStringLiteral("000007"), QStringLiteral("2024-05-01"),
-                                           QStringLiteral("2024-05-31"));
+        const auto s = SummarizeStatements(stores().dbBill, QStringLiteral("000007"),
+                                           QStringLiteral("2024-05-01"), QStringLiteral("2024-05-31"));
         QVERIFY(s);
         QCOMPARE(s->count, 3);
         QCOMPARE(s->sum, 6600.0);
@@ -43,8 +42,8 @@ private Q_SLOTS:
         QVERIFY(test::openInvoiceStores());
         test::addStatement(QStringLiteral("000001"), QStringLiteral("2024-05-03"), QStringLiteral("000007"),
                            {{QStringLiteral("가"), 1, 0}, {QStringLiteral("나"), 1, 0}});
-        const auto s = SummarizeStatements(stores().dbBill, QStringLiteral("000007"), QStringLiteral("2024-05-01"),
-                                           QStringLiteral("2024-05-31"));
+        const auto s = SummarizeStatements(stores().dbBill, QStringLiteral("000007"),
+                                           QStringLiteral("2024-05-01"), QStringLiteral("2024-05-31"));
         QVERIFY(s);
         QVERIFY(s->name == u"가" || s->name == u"나");
     }
@@ -58,9 +57,12 @@ private Q_SLOTS:
         QTest::addColumn<int>("mode");
         QTest::addColumn<QString>("supply");
         QTest::addColumn<QString>("tax");
-        QTest::newRow("VAT별도 takes the gross as net") << 0 << "11000" << "1100";
-        QTest::newRow("VAT포함") << 1 << "10000" << "1000";
-        QTest::newRow("면세") << 2 << "11000" << "0";
+        QTest::newRow("VAT별도 takes the gross as net") << 0 << "11000"
+                                                        << "1100";
+        QTest::newRow("VAT포함") << 1 << "10000"
+                                 << "1000";
+        QTest::newRow("면세") << 2 << "11000"
+                              << "0";
     }
     void summaryLineInEachMode() {
         QFETCH(int, mode);
