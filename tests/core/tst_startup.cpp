@@ -14,6 +14,26 @@
 using namespace nb;
 
 namespace {
+// Stands for the machine's short date format and records what the start-up writes to it.
+struct RecordingShortDate : ShortDateStore {
+    QString format;
+    QStringList written;
+    QString read() const override { return format; }
+    bool write(const QString& f) override {
+        written << f;
+        format = f;
+        return true;
+    }
+};
+
+RecordingShortDate* installShortDate(const QString& format) {
+    auto store = std::make_unique<RecordingShortDate>();
+    store->format = format;
+    RecordingShortDate* seen = store.get();
+    setShortDateStore(std::move(store));
+    return seen;
+}
+
 void touch(const QString& path) {
     QDir().mkpath(QFileInfo(path).path());
     QFile f(path);
@@ -161,38 +181,14 @@ private Q_SLOTS:
     void shortDateFormatAlreadyRightIsNotWritten() {
         test::TestHome home;
         test::script();
-        struct Recording : ShortDateStore {
-            QString format = QStringLiteral("yyyy-MM-dd");
-            int writes = 0;
-            QString read() const override { return format; }
-            bool write(const QString& f) override {
-                ++writes;
-                format = f;
-                return true;
-            }
-        };
-        auto store = std::make_unique<Recording>();
-        Recording* seen = store.get();
-        setShortDateStore(std::move(store));
+        RecordingShortDate* seen = installShortDate(QStringLiteral("yyyy-MM-dd"));
         StartProgram();
-        QCOMPARE(seen->writes, 0);
+        QVERIFY(seen->written.isEmpty());
     }
     void otherShortDateFormatIsForcedToIsoOnce() {
         test::TestHome home;
         test::script();
-        struct Recording : ShortDateStore {
-            QString format = QStringLiteral("M/d/yyyy");
-            QStringList written;
-            QString read() const override { return format; }
-            bool write(const QString& f) override {
-                written << f;
-                format = f;
-                return true;
-            }
-        };
-        auto store = std::make_unique<Recording>();
-        Recording* seen = store.get();
-        setShortDateStore(std::move(store));
+        RecordingShortDate* seen = installShortDate(QStringLiteral("M/d/yyyy"));
         StartProgram();
         QCOMPARE(seen->written, QStringList{"yyyy-MM-dd"});
     }
