@@ -41,7 +41,7 @@ FrmUserList::FrmUserList(QWidget* parent)
     txtCCode->setObjectName(QStringLiteral("txtCCode"));
     txtCCode->hide();
     setHints(QStringLiteral("상호명으로 검색  [검색:엔터]"), QStringLiteral("사용자를 선택하세요.[Click or Enter]"));
-    placeFirstColumnWidths({150, 80, 100, 170, 100});
+    placeFirstColumnWidths({130, 70, 100, 150, 110});
 }
 
 void FrmUserList::InitForm(const QString& text, int& result) {

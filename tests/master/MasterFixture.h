@@ -104,3 +104,16 @@ inline void whenModalShows(std::function<void(QWidget*)> action, int tries = 100
 }
 
 } // namespace nb::test
+
+namespace nb::test {
+
+// A few rows straight into the postcode book of the test home.
+inline void addPostRows(const QList<QStringList>& rows) {
+    Database post;
+    if (!post.open(app().DbPostFile)) return;
+    for (const QStringList& r : rows)
+        exec(post, QStringLiteral("INSERT INTO Post (ZIPCODE, SIDO, GUGUN, DONG, BUNJI) VALUES (?, ?, ?, ?, ?)"),
+             {r.value(0), r.value(1), r.value(2), r.value(3), r.value(4)});
+}
+
+} // namespace nb::test
