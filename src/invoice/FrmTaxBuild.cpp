@@ -23,7 +23,7 @@ using namespace paper;
 constexpr int kPaperX = 8;
 constexpr int kPaperY = 8;
 constexpr int kSideX = 770;
-constexpr int kSideWidth = 300;
+constexpr int kSideWidth = 360;
 constexpr int kBottomY = kPaperY + kHeight + 8;
 constexpr int kBoxHeight = 24;
 
@@ -174,7 +174,7 @@ void FrmTax::buildSideControls() {
     grdList->setMaxCols(5);
     grdList->setMaxRows(10);
     const QStringList heads{"발행일자", "품목 / 규격", "공급가액", "세   액", "코드"};
-    const double widths[] = {9.5, 9.5, 7.5, 6, 5.5};
+    const double widths[] = {10, 9.5, 7.5, 6.5, 6.5};
     for (int c = 1; c <= 5; ++c) {
         grdList->SetText(c, 0, heads[c - 1]);
         grdList->setColWidth(c, widths[c - 1]);

@@ -29,7 +29,7 @@ void drawVerticalLabel(QPainter& p, const QRect& r, const QString& text) {
 void drawParty(QPainter& p, int left, const QString& side) {
     const int top = kPartyTop;
     const int height = 4 * kPartyRow;
-    p.drawRect(left, top, kHalf, height);
+    p.drawRect(left, top, qMin(kHalf, kWidth - 1 - left), height);  // the right half's edge stays on the sheet
     p.drawLine(left + kSideLabel, top, left + kSideLabel, top + height);
     drawVerticalLabel(p, QRect(left, top, kSideLabel, height), side);
     const int captionRight = left + kSideLabel + kLabelWidth;

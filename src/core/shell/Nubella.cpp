@@ -45,7 +45,7 @@ Nubella::Nubella(QWidget* parent) : QMainWindow(parent) {
     buildMenus();
     buildStatusPanels();
     refreshMenuState();
-    resize(1024, 720);
+    resize(1200, 780);
 }
 
 QAction* Nubella::addItem(QMenu* menu, const QString& control, const QString& caption) {
