@@ -1,0 +1,118 @@
+#include "master/FrmTraderList.h"
+
+#include "common/Messages.h"
+#include "core/Clock.h"
+#include "master/FrmNewTrader.h"
+#include "master/SearchRules.h"
+#include "master/TraderRecords.h"
+#include "storage/Stores.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace nb {
+namespace {
+
+QString thisMonth() { return today().toString(QStringLiteral("yyyy-MM")); }
+
+} // namespace
+
+FrmTraderList::FrmTraderList(QWidget* parent)
+    : MasterListForm({QStringLiteral("상호"), QStringLiteral("성명"), QStringLiteral("전화번호"), QStringLiteral("주소"),
+                      QStringLiteral("거래처코드")},
+                     parent) {
+    setObjectName(QStringLiteral("FrmTraderList"));
+    setWindowTitle(QStringLiteral("거래처 리스트"));
+    m_new = new QPushButton(QStringLiteral("신규(&N)"), this);
+    m_new->setObjectName(QStringLiteral("btnNew"));
+    m_new->setAutoDefault(false);
+    buttonRow()->insertWidget(2, m_new);
+    m_code = new QLineEdit(this);
+    m_code->setObjectName(QStringLiteral("txtCCode"));
+    m_code->hide();
+    setHints(QStringLiteral("상호명으로 검색  [검색:엔터]   [F3 : 거래처수정]"),
+             QStringLiteral("거래처를 선택하세요.[Click or Enter]   [F3:거래처수정][F4:삭제]"));
+    placeFirstColumnWidths({140, 70, 100, 170, 70});
+    resize(640, 400);
+    connect(m_new, &QPushButton::clicked, this, &FrmTraderList::newTrader);
+}
+
+void FrmTraderList::InitForm(const QString& name, int section, int& result) {
+    m_name = StripSearchText(name);
+    m_section = section;
+    const SqlPart query = TraderListQuery(stores().dbBasic, m_name, section);
+    Recordset rs;
+    model()->clear();
+    result = 0;
+    if (!OpenSnapshot(stores().dbBasic, rs, query.sql, query.values)) return;
+    model()->setRows(RowsOf(rs));
+    selectRow(0);
+    result = rs.RecordCount() == 0 ? 0 : rs.RecordCount() == 1 ? 1 : 2;
+    if (result == 1) writeTarget(rs.text(QStringLiteral("Code")));
+}
+
+void FrmTraderList::refill() {
+    int result = 0;
+    InitForm(m_name, m_section, result);
+}
+
+void FrmTraderList::editActiveRow() {
+    const QString code = activeText(5);
+    if (code.isEmpty()) return;
+    FrmNewTrader form(this);
+    form.InitForm(1, activeText(1), thisMonth(), code);
+    form.exec();
+    refill();
+}
+
+void FrmTraderList::deleteActiveRow() {
+    const QString code = activeText(5);
+    if (code.isEmpty()) return;
+    const int answer = AskYesNo(QStringLiteral("거래처에 대한 모든 거래내역도 삭제됩니다\r\n\r\n"
+                                               "선택하신 거래처를 삭제하시겠습니까?"),
+                                QStringLiteral("거래처 삭제"));
+    if (answer != AnsYes) return;
+    DeleteTraderWithBusiness(code);
+    refill();
+}
+
+void FrmTraderList::newTrader() {
+    FrmNewTrader form(this);
+    form.SetObject(m_code);
+    form.InitForm(0, txtinput()->text(), thisMonth(), QString());
+    form.exec();
+    if (!m_code->text().isEmpty()) refill();
+}
+
+void FrmTraderList::searchFromEntry() {
+    const QString text = txtinput()->text();
+    if (text.isEmpty()) return;
+    Recordset rs;
+    if (!OpenSnapshot(stores().dbBasic, rs,
+                      QStringLiteral("SELECT * FROM Trader WHERE C_Name LIKE ?") + kLikeEscape +
+                          QStringLiteral(" ORDER BY C_Name;"),
+                      {LikePrefix(text)}))
+        return;
+    if (rs.EOF_()) {
+        MsgBox(QStringLiteral("검색된 거래처가 없습니다."));
+        return;
+    }
+    selectRow(model()->findRow(4, rs.text(QStringLiteral("Code"))));
+}
+
+bool FrmTraderList::functionKey(int key) {
+    if (key == Qt::Key_F3) {
+        editActiveRow();
+        return true;
+    }
+    if (key == Qt::Key_F4) {
+        deleteActiveRow();
+        return true;
+    }
+    return false;
+}
+
+} // namespace nb

@@ -1,0 +1,107 @@
+#include "master/TraderRecords.h"
+
+#include "common/Messages.h"
+#include "core/AppState.h"
+#include "common/text/NumBox.h"
+#include "common/text/NumberFormat.h"
+#include "common/text/Rounding.h"
+#include "core/shell/Startup.h"
+#include "master/SearchRules.h"
+#include "storage/Stores.h"
+
+namespace nb {
+namespace {
+
+const QString kSelectTraders = QStringLiteral("SELECT C_Name, U_Name, Phone, Addr1, Code FROM Trader ");
+const QString kOrderTraders = QStringLiteral("ORDER BY C_Name, Trader.rowid;");
+
+// CByte of the original: a number rounded half to even, 0 to 255.
+bool toByte(const QString& text, quint8& out) {
+    bool ok = false;
+    const double value = NumberFromText(text, &ok);
+    if (!ok || text.trimmed().isEmpty() || text.trimmed() == QStringLiteral("-") ||
+        text.trimmed() == QStringLiteral(".")) {
+        ShowTypeMismatch();
+        return false;
+    }
+    const double rounded = RoundHalfEven(value);
+    if (rounded < 0 || rounded > 255) {
+        MsgBox(QStringLiteral("실행 시간 오류 '6':\r\n\r\n오버플로"), MbExclamation, kAppTitle);
+        return false;
+    }
+    out = quint8(rounded);
+    return true;
+}
+
+} // namespace
+
+SqlPart TraderListQuery(Database& db, const QString& name, int section) {
+    SqlPart part{kSelectTraders, {}};
+    if (name.isEmpty()) {
+        if (section < 2) {
+            part.sql += QStringLiteral("WHERE Section = ?  ");
+            part.values << section;
+        }
+        part.sql += kOrderTraders;
+        return part;
+    }
+    if (section > 1) {
+        part.sql += QStringLiteral("WHERE bDeled = ? AND ");
+        part.values << storedBool(false);
+    } else {
+        part.sql += QStringLiteral("WHERE Section = ? AND ");
+        part.values << section;
+    }
+    const QString first = TraderSearchByPhone(name) ? QStringLiteral("Phone") : QStringLiteral("C_Name");
+    const SqlPart narrow = SearchCandidates(db, TraderSearchIndex(), name, {first, QStringLiteral("Addr2")});
+    part.sql += narrow.sql + u'(' + first + QStringLiteral(" LIKE ?") + kLikeEscape + QStringLiteral(" OR Addr2 LIKE ?") +
+                kLikeEscape + QStringLiteral(") ");
+    part.values << narrow.values << LikeContains(name) << LikeContains(name);
+    part.sql += kOrderTraders;
+    return part;
+}
+
+QString LastAddressWord(const QString& address) {
+    for (int i = int(address.size()) - 1; i >= 0; --i)
+        if (address.at(i) == u' ') return address.mid(i + 1);
+    return address;
+}
+
+bool FillTrader(const TraderForm& form, clsTrader& t) {
+    const auto& f = form.fields;
+    t.bySection = quint8(form.mode);
+    t.sCode = form.code;
+    t.sComp = f[0];
+    t.sName = f[1];
+    t.sPhone = f[2];
+    t.sFax = f[3];
+    t.sHP = f[15];
+    if (!f[4].isEmpty() && !toByte(f[4], t.byVAT)) return false;
+    t.sCharge = form.charge;
+    t.sSerial = f[6];
+    t.sStatus = f[7];
+    t.sItem = f[8];
+    t.sPost = f[9];
+    t.sAddr1 = f[10];
+    t.sAddr2 = LastAddressWord(f[10]);
+    t.sBigo = f[11];
+    t.dTotNoPay = NumBoxValue(f[12]);
+    t.sOpenDate = f[13];
+    t.sCloseDate = f[14];
+    return true;
+}
+
+bool DeleteTraderWithBusiness(const QString& code) {
+    Stores& s = stores();
+    Database* files[] = {&s.dbBasic, &s.dbBill, &s.dbTax};
+    const QString statements[] = {QStringLiteral("delete from Trader where Code = ?"),
+                                  QStringLiteral("Delete from master where CCode = ?"),
+                                  QStringLiteral("Delete from NewAcount where CCode = ?")};
+    for (Database* db : files) db->beginTransaction();
+    bool ok = true;
+    for (int i = 0; i < 3 && ok; ++i) ok = files[i]->Execute(statements[i], {code});
+    for (Database* db : files) ok ? (void)db->commit() : db->rollback();
+    return ok;
+}
+
+} // namespace nb
