@@ -10,10 +10,10 @@
 //  - every amount is rounded to the nearest whole number, a tie to the even neighbour, into a
 //    32-bit signed integer; a result outside that range is an overflow.
 
+#include "core/RuntimeError.h"
 #include <QString>
 #include <array>
 #include <optional>
-#include <stdexcept>
 #include <utility>
 
 namespace nb {
@@ -60,16 +60,9 @@ struct InvoiceSheet {
 
 // A run-time error of the arithmetic: 13 "Type mismatch" for text that is no number, 6
 // "Overflow" for a result beyond 32 bits.
-class InvoiceArithmeticError : public std::runtime_error {
+class InvoiceArithmeticError : public RuntimeError {
 public:
-    InvoiceArithmeticError(int number, const QString& description)
-        : std::runtime_error(description.toStdString()), m_number(number), m_description(description) {}
-    int number() const { return m_number; }
-    QString description() const { return m_description; }
-
-private:
-    int m_number;
-    QString m_description;
+    using RuntimeError::RuntimeError;
 };
 
 // ---- the number rules -------------------------------------------------------------------

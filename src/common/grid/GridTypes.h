@@ -2,8 +2,8 @@
 // The vocabulary of the grid: cell types with their limits, the reserved row and column
 // numbers, the colours of the standard look, and the error a grid raises on a bad value.
 
+#include "core/RuntimeError.h"
 #include <QString>
-#include <stdexcept>
 
 namespace nb {
 
@@ -46,16 +46,9 @@ struct CellFormat {
 
 // A refused property value or action, with the number and words of the original's run-time
 // errors (380 "Invalid property value").
-class GridError : public std::runtime_error {
+class GridError : public RuntimeError {
 public:
-    GridError(int number, const QString& description)
-        : std::runtime_error(description.toStdString()), m_number(number), m_description(description) {}
-    int number() const { return m_number; }
-    QString description() const { return m_description; }
-
-private:
-    int m_number;
-    QString m_description;
+    using RuntimeError::RuntimeError;
 };
 
 inline GridError invalidPropertyValue() {
