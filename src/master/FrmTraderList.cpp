@@ -43,6 +43,7 @@ FrmTraderList::FrmTraderList(QWidget* parent)
 void FrmTraderList::InitForm(const QString& name, int section, int& result) {
     m_name = StripSearchText(name);
     m_section = section;
+    txtinput()->setText(m_name);
     const SqlPart query = TraderListQuery(stores().dbBasic, m_name, section);
     Recordset rs;
     model()->clear();

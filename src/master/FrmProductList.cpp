@@ -1,0 +1,138 @@
+#include "master/FrmProductList.h"
+
+#include "common/Messages.h"
+#include "master/FrmNewProduct.h"
+#include "master/ProductRecords.h"
+#include "master/SearchRules.h"
+#include "storage/Stores.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSet>
+
+namespace nb {
+namespace {
+
+constexpr int kPriceColumn = 3;  // from 0
+constexpr int kCodeColumn = 5;
+constexpr int kOkCancel = 1;
+
+QVector<QStringList> rowsFor(const SqlPart& query, int kind, int& count) {
+    Recordset rs;
+    count = 0;
+    if (!OpenSnapshot(stores().dbBasic, rs, query.sql, query.values)) return {};
+    count = rs.RecordCount();
+    return ProductListRows(rs, kind);
+}
+
+} // namespace
+
+FrmProductList::FrmProductList(QWidget* parent)
+    : MasterListForm({QStringLiteral("상품명"), QStringLiteral("단 위"), QStringLiteral("구분"), QStringLiteral("단 가"),
+                      QStringLiteral("대분류명"), QStringLiteral("상품코드"), QStringLiteral("대분류코드")},
+                     parent) {
+    setObjectName(QStringLiteral("FrmProductList"));
+    setWindowTitle(QStringLiteral("상품명 검색"));
+    m_new = new QPushButton(QStringLiteral("신규(&N)"), this);
+    m_new->setObjectName(QStringLiteral("btnNew"));
+    m_new->setAutoDefault(false);
+    buttonRow()->insertWidget(2, m_new);
+    m_code = new QLineEdit(this);
+    m_code->setObjectName(QStringLiteral("txtPCode"));
+    m_code->hide();
+    setHints(QStringLiteral("상품명을 검색하세요.  [검색:Enter]"),
+             QStringLiteral("상품을 선택하세요.[Click or Enter]   [F3:상품수정][F4:삭제]"));
+    placeFirstColumnWidths({190, 50, 45, 90, 70, 70, 70});
+    resize(660, 400);
+    connect(m_new, &QPushButton::clicked, this, &FrmProductList::newProduct);
+    connect(txtinput(), &QLineEdit::textEdited, hintPanel(), &QLabel::clear);
+}
+
+void FrmProductList::SetObject(QLineEdit* target, const QString& text) {
+    holdTarget(target);
+    if (!text.isEmpty()) m_callerText = text;
+    m_called = true;
+}
+
+void FrmProductList::InitForm(int kind, const QString& text, int& result) {
+    m_kind = kind;
+    m_text = text;
+    txtinput()->setText(text);
+    model()->clear();
+    if (kind == 0) model()->setHeading(kPriceColumn, QStringLiteral("매입가"));
+    if (kind == 1) model()->setHeading(kPriceColumn, QStringLiteral("매출가"));
+    int prefixCount = 0, containsCount = 0;
+    QVector<QStringList> rows = rowsFor(ProductPrefixQuery(text), kind, prefixCount);
+    const QVector<QStringList> inside = rowsFor(ProductContainsQuery(text), kind, containsCount);
+    QSet<QString> shown;
+    for (const QStringList& row : rows) shown.insert(row.value(kCodeColumn));
+    // Names that only contain the text follow those that begin with it; none twice.
+    for (const QStringList& row : inside)
+        if (!shown.contains(row.value(kCodeColumn))) rows << row;
+    model()->setRows(rows);
+    selectRow(0);
+    result = ProductListResult(prefixCount, containsCount);
+    if (result == 1) writeTarget(model()->text(0, kCodeColumn));
+}
+
+void FrmProductList::refill() {
+    int result = 0;
+    InitForm(m_kind, m_text, result);
+}
+
+void FrmProductList::editActiveRow() {
+    const QString code = activeText(6);
+    if (code.isEmpty()) return;
+    FrmNewProduct form(this);
+    form.InitForm(QString(), QString(), 1, code);
+    form.exec();
+    refill();
+}
+
+void FrmProductList::deleteActiveRow() {
+    const QString code = activeText(6);
+    if (code.isEmpty()) return;
+    if (MsgBox(QStringLiteral("선택하신 상품을 삭제하시겠습니까?"), kOkCancel, QStringLiteral("상품삭제")) != AnsOk)
+        return;
+    DeleteProduct(code);
+    refill();
+}
+
+void FrmProductList::newProduct() {
+    FrmNewProduct form(this);
+    form.InitForm(txtinput()->text(), QString(), 0, QString());
+    form.exec();
+    refill();
+}
+
+void FrmProductList::searchFromEntry() {
+    const QString text = txtinput()->text();
+    if (text.isEmpty()) return;
+    Recordset rs;
+    if (!OpenSnapshot(stores().dbBasic, rs,
+                      QStringLiteral("SELECT * FROM Product WHERE PName LIKE ?") + kLikeEscape +
+                          QStringLiteral(" ORDER BY PName;"),
+                      {likeLiteral(text)}))
+        return;
+    if (rs.EOF_()) {
+        MsgBox(QStringLiteral("검색한 상품명이 없습니다."));
+        return;
+    }
+    selectRow(model()->findRow(kCodeColumn, rs.text(QStringLiteral("Code"))));
+}
+
+bool FrmProductList::functionKey(int key) {
+    if (key == Qt::Key_F3) {
+        editActiveRow();
+        return true;
+    }
+    if (key == Qt::Key_F4) {
+        deleteActiveRow();
+        return true;
+    }
+    return false;
+}
+
+} // namespace nb
