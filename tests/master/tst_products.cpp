@@ -356,6 +356,8 @@ private Q_SLOTS:
         showActive(&list);
         list.txtinput()->setFocus();
         QCOMPARE(list.hintPanel()->text(), QStringLiteral("상품명을 검색하세요.  [검색:Enter]"));
+        QCOMPARE(list.txtinput()->text(), QStringLiteral("볼"));
+        list.txtinput()->clear();
         typeText(list.txtinput(), "볼트너트");
         QCOMPARE(list.hintPanel()->text(), QString());
         pressKey(list.txtinput(), Qt::Key_Return);
