@@ -1,7 +1,6 @@
 // Times of the two searches with a leading wildcard: the postcode book (the whole country)
 // by town or digits, and 50,000 traders by name, telephone or last address word.
 #include "TestSupport.h"
-
 #include "core/AppState.h"
 #include "core/shell/Startup.h"
 #include "master/PostImport.h"
@@ -41,8 +40,9 @@ void fillTraders(int count) {
     const QStringList kinds = {"상사", "물산", "유통", "산업", "전자", "기계", "상회", "무역"};
     db.beginTransaction();
     QSqlQuery q(db.connection());
-    q.prepare("INSERT INTO Trader (Code, C_Name, U_Name, Phone, Addr1, Addr2, Section, VAT, TotNoPay, bDeled) "
-              "VALUES (?, ?, ?, ?, ?, ?, 0, 0, 0, 0)");
+    q.prepare(
+        "INSERT INTO Trader (Code, C_Name, U_Name, Phone, Addr1, Addr2, Section, VAT, TotNoPay, bDeled) "
+        "VALUES (?, ?, ?, ?, ?, ?, 0, 0, 0, 0)");
     for (int i = 1; i <= count; ++i) {
         const QString town = towns[i % towns.size()];
         const QString word = QString::number(i % 997) + "-" + QString::number(i % 13);
@@ -83,7 +83,7 @@ int main(int argc, char** argv) {
     post.open(nb::app().DbPostFile);
     for (const QString& text : {QString("역삼1동"), QString("신림"), QString("1358"), QString("동")}) {
         int rows = 0;
-        SearchPostBook(post, text);  // first use checks the index
+        SearchPostBook(post, text); // first use checks the index
         const double ms = medianMs([&] { return int(SearchPostBook(post, text).size()); }, rows);
         std::printf("postcode search %-8s %6d rows  %7.2f ms%s\n", qPrintable(text), rows, ms,
                     UsesTrigramIndex(text) ? "" : "  (short text: plain query)");
@@ -95,10 +95,10 @@ int main(int argc, char** argv) {
     }
 
     fillTraders(50000);
-    traderSearch("상사가");  // first use builds the index
+    traderSearch("상사가"); // first use builds the index
     std::printf("traders: 50000 rows\n");
-    for (const QString& text : {QString("가나4999"), QString("123상사"), QString("02-345"), QString("역삼"),
-                                QString("물산")}) {
+    for (const QString& text :
+         {QString("가나4999"), QString("123상사"), QString("02-345"), QString("역삼"), QString("물산")}) {
         int rows = 0;
         const double ms = medianMs([&] { return traderSearch(text); }, rows);
         std::printf("trader search %-10s %6d rows  %7.2f ms%s\n", qPrintable(text), rows, ms,

@@ -19,12 +19,16 @@
 namespace nb {
 namespace {
 
-const char* const kLabels[kProductFieldCount] = {"상 품 명", "규      격", "매 입 가", "매 출 가", "비      고", "단      위"};
-const char* const kHints[kProductFieldCount] = {"상품명을 입력하세요.", "규격을 입력하세요.",   "매입가를 입력하세요.",
-                                                "매출가를 입력하세요.", "비고사항을 입력하세요.", "단위를 입력하세요."};
+const char* const kLabels[kProductFieldCount] = {"상 품 명", "규      격", "매 입 가",
+                                                 "매 출 가", "비      고", "단      위"};
+const char* const kHints[kProductFieldCount] = {"상품명을 입력하세요.",   "규격을 입력하세요.",
+                                                "매입가를 입력하세요.",   "매출가를 입력하세요.",
+                                                "비고사항을 입력하세요.", "단위를 입력하세요."};
 constexpr int kOkCancel = 1;
 
-bool isPriceField(int index) { return index == 2 || index == 3; }
+bool isPriceField(int index) {
+    return index == 2 || index == 3;
+}
 
 } // namespace
 
@@ -60,7 +64,8 @@ void FrmNewProduct::buildControls() {
     m_save->setObjectName(QStringLiteral("btnSave"));
     m_exit = new QPushButton(QStringLiteral("종료(&X)"), this);
     m_exit->setObjectName(QStringLiteral("btnExit"));
-    for (QPushButton* b : {m_save, m_exit}) b->setAutoDefault(false);
+    for (QPushButton* b : {m_save, m_exit})
+        b->setAutoDefault(false);
     auto* bottom = new QHBoxLayout;
     bottom->addWidget(m_hint, 1);
     bottom->addWidget(m_save);
@@ -105,39 +110,55 @@ void FrmNewProduct::InitForm(const QString& name, const QString& caller, int mod
 
 void FrmNewProduct::LoadProduct(const QString& code) {
     Recordset rs;
-    if (!OpenSnapshot(stores().dbBasic, rs, QStringLiteral("Select * from Product where Code = ?"), {code})) return;
+    if (!OpenSnapshot(stores().dbBasic, rs, QStringLiteral("Select * from Product where Code = ?"), {code}))
+        return;
     if (rs.EOF_()) return;
-    const char* const columns[kProductFieldCount] = {"PName", "PNorm", "BuyPrice", "SalePrice", "Bigo", "Unit"};
-    for (int i = 0; i < kProductFieldCount; ++i) m_fields[size_t(i)]->setText(rs.text(QLatin1String(columns[i])));
+    const char* const columns[kProductFieldCount] = {"PName",     "PNorm", "BuyPrice",
+                                                     "SalePrice", "Bigo",  "Unit"};
+    for (int i = 0; i < kProductFieldCount; ++i)
+        m_fields[size_t(i)]->setText(rs.text(QLatin1String(columns[i])));
     m_code->setText(code);
 }
 
-QString FrmNewProduct::hintFor(int index) const { return QString::fromUtf8(kHints[index]); }
+QString FrmNewProduct::hintFor(int index) const {
+    return QString::fromUtf8(kHints[index]);
+}
 
 void FrmNewProduct::emptyForm() {
-    for (QLineEdit* box : m_fields) box->clear();
+    for (QLineEdit* box : m_fields)
+        box->clear();
     m_code->clear();
     m_searched = false;
 }
 
 ProductFields FrmNewProduct::fields() const {
     ProductFields f;
-    for (int i = 0; i < kProductFieldCount; ++i) f[size_t(i)] = m_fields[size_t(i)]->text();
+    for (int i = 0; i < kProductFieldCount; ++i)
+        f[size_t(i)] = m_fields[size_t(i)]->text();
     return f;
 }
 
 void FrmNewProduct::save() {
     QString code = m_code->text();
     for (int i : {2, 3})
-        if (m_fields[size_t(i)]->text().trimmed().isEmpty()) m_fields[size_t(i)]->setText(QStringLiteral("0"));
+        if (m_fields[size_t(i)]->text().trimmed().isEmpty())
+            m_fields[size_t(i)]->setText(QStringLiteral("0"));
     const ProductSave outcome = SaveProduct(fields(), code, m_mode);
     switch (outcome) {
-    case ProductSave::NameMissing: m_fields[0]->setFocus(); return;
-    case ProductSave::Cancelled: m_fields[0]->setFocus(); return;
-    case ProductSave::Declined: emptyForm(); return;
-    case ProductSave::Failed: return;
+    case ProductSave::NameMissing:
+        m_fields[0]->setFocus();
+        return;
+    case ProductSave::Cancelled:
+        m_fields[0]->setFocus();
+        return;
+    case ProductSave::Declined:
+        emptyForm();
+        return;
+    case ProductSave::Failed:
+        return;
     case ProductSave::Inserted:
-    case ProductSave::Updated: break;
+    case ProductSave::Updated:
+        break;
     }
     if (outcome == ProductSave::Inserted && m_target) m_target->setText(m_fields[0]->text());
     // Called from another screen (a target to fill, or a change from the list): back there.
@@ -167,7 +188,9 @@ void FrmNewProduct::searchProduct() {
 
 void FrmNewProduct::deleteSearched() {
     if (!m_searched || m_code->text().isEmpty()) return;
-    if (MsgBox(QStringLiteral("검색하신 상품을 삭제하시겠습니까?"), kOkCancel, QStringLiteral("상품삭제")) != AnsOk) return;
+    if (MsgBox(QStringLiteral("검색하신 상품을 삭제하시겠습니까?"), kOkCancel, QStringLiteral("상품삭제")) !=
+        AnsOk)
+        return;
     DeleteProduct(m_code->text());
     emptyForm();
 }
@@ -176,7 +199,8 @@ bool FrmNewProduct::eventFilter(QObject* watched, QEvent* event) {
     const auto index = int(std::find(m_fields.begin(), m_fields.end(), watched) - m_fields.begin());
     if (index >= kProductFieldCount) return QDialog::eventFilter(watched, event);
     if (event->type() == QEvent::FocusIn) m_hint->setText(hintFor(index));
-    if (event->type() == QEvent::FocusOut && isPriceField(index) && m_fields[size_t(index)]->text().trimmed().isEmpty())
+    if (event->type() == QEvent::FocusOut && isPriceField(index) &&
+        m_fields[size_t(index)]->text().trimmed().isEmpty())
         m_fields[size_t(index)]->setText(QStringLiteral("0"));
     if (event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();

@@ -53,8 +53,12 @@ constexpr int kPostField = 9;
 constexpr int kAddrField = 10;
 constexpr int kBalanceField = 12;
 
-bool isPhoneField(int index) { return index == 2 || index == 3 || index == 15; }
-bool isEnter(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
+bool isPhoneField(int index) {
+    return index == 2 || index == 3 || index == 15;
+}
+bool isEnter(int key) {
+    return key == Qt::Key_Return || key == Qt::Key_Enter;
+}
 
 QLabel* panel(QWidget* parent, const QString& text) {
     auto* label = new QLabel(text, parent);
@@ -111,7 +115,8 @@ void FrmNewTrader::buildControls() {
     m_save->setObjectName(QStringLiteral("btnSave"));
     m_exit = new QPushButton(QStringLiteral("종료(&X)"), this);
     m_exit->setObjectName(QStringLiteral("btnExit"));
-    for (QPushButton* b : {m_save, m_exit}) b->setAutoDefault(false);
+    for (QPushButton* b : {m_save, m_exit})
+        b->setAutoDefault(false);
     auto* bottom = new QHBoxLayout;
     bottom->addWidget(m_caption, 1);
     bottom->addWidget(m_save);
@@ -142,7 +147,7 @@ void FrmNewTrader::buildKeyFlow() {
         enterAsTab->watch(box);
         select->watch(box);
         m_hangul->watch(box);
-        box->installEventFilter(this);  // installed last, so it sees the keys first
+        box->installEventFilter(this); // installed last, so it sees the keys first
     }
 }
 
@@ -152,7 +157,7 @@ void FrmNewTrader::SetObject(QLineEdit* target) {
 
 void FrmNewTrader::InitForm(int mode, const QString& name, const QString& month, const QString& code) {
     m_mode = mode;
-    m_month = month + QStringLiteral("-00");  // kept as the form always had it; nothing reads it
+    m_month = month + QStringLiteral("-00"); // kept as the form always had it; nothing reads it
     m_code = code;
     if (!code.isEmpty()) Disp(code);
     m_fields[0]->setText(StripSearchText(name));
@@ -161,17 +166,20 @@ void FrmNewTrader::InitForm(int mode, const QString& name, const QString& month,
 
 void FrmNewTrader::Disp(const QString& code) {
     Recordset rs;
-    if (!OpenSnapshot(stores().dbBasic, rs, QStringLiteral("select * from Trader where Code = ?"), {code})) return;
+    if (!OpenSnapshot(stores().dbBasic, rs, QStringLiteral("select * from Trader where Code = ?"), {code}))
+        return;
     if (rs.EOF_()) return;
-    const std::pair<int, const char*> shown[] = {{1, "U_Name"}, {2, "Phone"}, {3, "Fax"},     {15, "HPhone"},
-                                                 {10, "Addr1"}, {11, "Bigo"}, {6, "Serial"},  {7, "Status"},
+    const std::pair<int, const char*> shown[] = {{1, "U_Name"}, {2, "Phone"}, {3, "Fax"},    {15, "HPhone"},
+                                                 {10, "Addr1"}, {11, "Bigo"}, {6, "Serial"}, {7, "Status"},
                                                  {8, "Item"},   {9, "Post"}};
-    for (const auto& [index, column] : shown) m_fields[size_t(index)]->setText(rs.text(QLatin1String(column)));
+    for (const auto& [index, column] : shown)
+        m_fields[size_t(index)]->setText(rs.text(QLatin1String(column)));
 }
 
 QString FrmNewTrader::hintFor(int index) const {
     if (index == kBalanceField)
-        return m_mode == 0 ? QStringLiteral("초기 미불금을 입력하세요.") : QStringLiteral("초기 미수금을 입력하세요");
+        return m_mode == 0 ? QStringLiteral("초기 미불금을 입력하세요.")
+                           : QStringLiteral("초기 미수금을 입력하세요");
     for (const FieldInfo& info : kFields)
         if (info.index == index) return QString::fromUtf8(info.hint);
     return QString();
@@ -179,7 +187,8 @@ QString FrmNewTrader::hintFor(int index) const {
 
 TraderForm FrmNewTrader::formValues() const {
     TraderForm form;
-    for (int i = 0; i < kTraderFieldCount; ++i) form.fields[size_t(i)] = m_fields[size_t(i)]->text();
+    for (int i = 0; i < kTraderFieldCount; ++i)
+        form.fields[size_t(i)] = m_fields[size_t(i)]->text();
     form.charge = m_charge->text();
     form.mode = m_mode;
     form.code = m_code;
@@ -187,13 +196,15 @@ TraderForm FrmNewTrader::formValues() const {
 }
 
 void FrmNewTrader::emptyForm() {
-    for (QLineEdit* box : m_fields) box->clear();
+    for (QLineEdit* box : m_fields)
+        box->clear();
     m_charge->clear();
     m_info->clear();
 }
 
 bool FrmNewTrader::prepare() {
-    if (m_fields[kBalanceField]->text().trimmed().isEmpty()) m_fields[kBalanceField]->setText(QStringLiteral("0"));
+    if (m_fields[kBalanceField]->text().trimmed().isEmpty())
+        m_fields[kBalanceField]->setText(QStringLiteral("0"));
     if (m_fields[kVatField]->text().isEmpty()) {
         m_fields[kVatField]->setText(QStringLiteral("0"));
         m_info->setText(VatKindText(0));
@@ -215,7 +226,8 @@ bool FrmNewTrader::saveChange() {
 }
 
 void FrmNewTrader::save() {
-    if (m_fields[0]->text().isEmpty() && m_fields[2]->text().isEmpty() && m_fields[kAddrField]->text().isEmpty()) {
+    if (m_fields[0]->text().isEmpty() && m_fields[2]->text().isEmpty() &&
+        m_fields[kAddrField]->text().isEmpty()) {
         MsgBox(QStringLiteral("상호명, 전화번호, 주소 중 하나는 필수입력입니다."));
         m_fields[0]->setFocus();
         return;
@@ -226,8 +238,9 @@ void FrmNewTrader::save() {
     } else {
         bool found = false;
         m_trader->CheckField(quint8(m_mode), m_fields[0]->text(), found);
-        if (found && AskYesNo(m_fields[0]->text() + QStringLiteral("는 이미 등록된 거래처입니다.\r\n등록하시겠습니까?\r\n"
-                                                                    "[예] - 등록함.\r\n[아니오] - 등록하지 않고 종료"),
+        if (found && AskYesNo(m_fields[0]->text() +
+                                  QStringLiteral("는 이미 등록된 거래처입니다.\r\n등록하시겠습니까?\r\n"
+                                                 "[예] - 등록함.\r\n[아니오] - 등록하지 않고 종료"),
                               QStringLiteral("상호명 중복")) != AnsYes) {
             emptyForm();
             return;
@@ -239,7 +252,9 @@ void FrmNewTrader::save() {
     accept();
 }
 
-void FrmNewTrader::postcode() { RunPostcodeSearch(this, m_fields[kPostField], m_fields[kAddrField]); }
+void FrmNewTrader::postcode() {
+    RunPostcodeSearch(this, m_fields[kPostField], m_fields[kAddrField]);
+}
 
 int FrmNewTrader::indexOf(QObject* watched) const {
     return int(std::find(m_fields.begin(), m_fields.end(), watched) - m_fields.begin());

@@ -49,7 +49,8 @@ void FrmPost::chooseActiveRow() {
     const int row = activeRow();
     if (row < 0) return;
     QStringList values;
-    for (int c = 0; c < 5; ++c) values << model()->text(row, c);
+    for (int c = 0; c < 5; ++c)
+        values << model()->text(row, c);
     deliver(ChosenZip(values.value(0)), values);
     accept();
 }

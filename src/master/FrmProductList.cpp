@@ -15,7 +15,7 @@
 namespace nb {
 namespace {
 
-constexpr int kPriceColumn = 3;  // from 0
+constexpr int kPriceColumn = 3; // from 0
 constexpr int kCodeColumn = 5;
 constexpr int kOkCancel = 1;
 
@@ -30,8 +30,9 @@ QVector<QStringList> rowsFor(const SqlPart& query, int kind, int& count) {
 } // namespace
 
 FrmProductList::FrmProductList(QWidget* parent)
-    : MasterListForm({QStringLiteral("상품명"), QStringLiteral("단 위"), QStringLiteral("구분"), QStringLiteral("단 가"),
-                      QStringLiteral("대분류명"), QStringLiteral("상품코드"), QStringLiteral("대분류코드")},
+    : MasterListForm({QStringLiteral("상품명"), QStringLiteral("단 위"), QStringLiteral("구분"),
+                      QStringLiteral("단 가"), QStringLiteral("대분류명"), QStringLiteral("상품코드"),
+                      QStringLiteral("대분류코드")},
                      parent) {
     setObjectName(QStringLiteral("FrmProductList"));
     setWindowTitle(QStringLiteral("상품명 검색"));
@@ -67,7 +68,8 @@ void FrmProductList::InitForm(int kind, const QString& text, int& result) {
     QVector<QStringList> rows = rowsFor(ProductPrefixQuery(text), kind, prefixCount);
     const QVector<QStringList> inside = rowsFor(ProductContainsQuery(text), kind, containsCount);
     QSet<QString> shown;
-    for (const QStringList& row : rows) shown.insert(row.value(kCodeColumn));
+    for (const QStringList& row : rows)
+        shown.insert(row.value(kCodeColumn));
     // Names that only contain the text follow those that begin with it; none twice.
     for (const QStringList& row : inside)
         if (!shown.contains(row.value(kCodeColumn))) rows << row;
@@ -94,7 +96,8 @@ void FrmProductList::editActiveRow() {
 void FrmProductList::deleteActiveRow() {
     const QString code = activeText(6);
     if (code.isEmpty()) return;
-    if (MsgBox(QStringLiteral("선택하신 상품을 삭제하시겠습니까?"), kOkCancel, QStringLiteral("상품삭제")) != AnsOk)
+    if (MsgBox(QStringLiteral("선택하신 상품을 삭제하시겠습니까?"), kOkCancel, QStringLiteral("상품삭제")) !=
+        AnsOk)
         return;
     DeleteProduct(code);
     refill();

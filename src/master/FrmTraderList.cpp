@@ -16,13 +16,15 @@
 namespace nb {
 namespace {
 
-QString thisMonth() { return today().toString(QStringLiteral("yyyy-MM")); }
+QString thisMonth() {
+    return today().toString(QStringLiteral("yyyy-MM"));
+}
 
 } // namespace
 
 FrmTraderList::FrmTraderList(QWidget* parent)
-    : MasterListForm({QStringLiteral("상호"), QStringLiteral("성명"), QStringLiteral("전화번호"), QStringLiteral("주소"),
-                      QStringLiteral("거래처코드")},
+    : MasterListForm({QStringLiteral("상호"), QStringLiteral("성명"), QStringLiteral("전화번호"),
+                      QStringLiteral("주소"), QStringLiteral("거래처코드")},
                      parent) {
     setObjectName(QStringLiteral("FrmTraderList"));
     setWindowTitle(QStringLiteral("거래처 리스트"));

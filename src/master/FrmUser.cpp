@@ -23,8 +23,9 @@
 namespace nb {
 namespace {
 
-const char* const kFieldLabels[kSupplierFieldCount] = {"상      호", "대  표  자", "사업자번호", "우편번호", "주      소",
-                                                       "전화번호",   "팩스번호",   "업      태", "종      목"};
+const char* const kFieldLabels[kSupplierFieldCount] = {"상      호", "대  표  자", "사업자번호",
+                                                       "우편번호",   "주      소", "전화번호",
+                                                       "팩스번호",   "업      태", "종      목"};
 
 QPushButton* button(QWidget* parent, const QString& caption, const QString& name) {
     auto* b = new QPushButton(caption, parent);
@@ -33,7 +34,9 @@ QPushButton* button(QWidget* parent, const QString& caption, const QString& name
     return b;
 }
 
-bool isEnter(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
+bool isEnter(int key) {
+    return key == Qt::Key_Return || key == Qt::Key_Enter;
+}
 
 } // namespace
 
@@ -74,7 +77,8 @@ void FrmUser::buildControls() {
     m_next = button(this, QStringLiteral("다음 ▶"), QStringLiteral("CmdMove_1"));
     m_quit = button(this, QStringLiteral("닫기(&Q)"), QStringLiteral("btnQuit"));
     auto* buttons = new QHBoxLayout;
-    for (QPushButton* b : {m_save, m_new, m_delete, m_find, m_previous, m_next, m_quit}) buttons->addWidget(b);
+    for (QPushButton* b : {m_save, m_new, m_delete, m_find, m_previous, m_next, m_quit})
+        buttons->addWidget(b);
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(grid);
@@ -94,10 +98,10 @@ void FrmUser::buildControls() {
 
 void FrmUser::buildKeyFlow() {
     QWidget* previous = nullptr;
-    for (QWidget* w : std::initializer_list<QWidget*>{m_fields[0], m_fields[1], m_fields[2], m_fields[3], m_fields[4],
-                                                      m_fields[5], m_fields[6], m_fields[7], m_fields[8], m_default,
-                                                      m_post, m_save, m_new, m_delete, m_find, m_previous, m_next,
-                                                      m_quit}) {
+    for (QWidget* w : std::initializer_list<QWidget*>{m_fields[0], m_fields[1], m_fields[2], m_fields[3],
+                                                      m_fields[4], m_fields[5], m_fields[6], m_fields[7],
+                                                      m_fields[8], m_default, m_post, m_save, m_new, m_delete,
+                                                      m_find, m_previous, m_next, m_quit}) {
         if (previous) setTabOrder(previous, w);
         previous = w;
     }
@@ -108,21 +112,25 @@ void FrmUser::buildKeyFlow() {
         enterAsTab->watch(box);
         select->watch(box);
         m_hangul->watch(box);
-        box->installEventFilter(this);  // installed last, so it sees the keys first
+        box->installEventFilter(this); // installed last, so it sees the keys first
     }
     m_quit->installEventFilter(this);
 }
 
-bool FrmUser::hangulMode() const { return m_hangul->hangulOn(); }
+bool FrmUser::hangulMode() const {
+    return m_hangul->hangulOn();
+}
 
 SupplierFields FrmUser::fields() const {
     SupplierFields f;
-    for (int i = 0; i < kSupplierFieldCount; ++i) f[size_t(i)] = m_fields[size_t(i)]->text();
+    for (int i = 0; i < kSupplierFieldCount; ++i)
+        f[size_t(i)] = m_fields[size_t(i)]->text();
     return f;
 }
 
 void FrmUser::emptyForm() {
-    for (QLineEdit* box : m_fields) box->clear();
+    for (QLineEdit* box : m_fields)
+        box->clear();
     m_default->setChecked(false);
 }
 
@@ -130,7 +138,8 @@ void FrmUser::DisplayUser(const QString& serial) {
     emptyForm();
     SupplierFields f;
     if (!ReadSupplier(serial, f)) return;
-    for (int i = 0; i < kSupplierFieldCount; ++i) m_fields[size_t(i)]->setText(f[size_t(i)]);
+    for (int i = 0; i < kSupplierFieldCount; ++i)
+        m_fields[size_t(i)]->setText(f[size_t(i)]);
     m_default->setChecked(app().DefaultSerial == serial);
     m_state.OldSerial = m_fields[kSerialField]->text();
 }
@@ -197,7 +206,9 @@ void FrmUser::closeForm() {
     if (answer == AnsYes) QDialog::reject();
 }
 
-void FrmUser::postcode() { RunPostcodeSearch(this, m_fields[3], m_fields[4]); }
+void FrmUser::postcode() {
+    RunPostcodeSearch(this, m_fields[3], m_fields[4]);
+}
 
 void FrmUser::defaultClicked(bool checked) {
     const QString serial = m_fields[kSerialField]->text();

@@ -40,7 +40,8 @@ FrmUserList::FrmUserList(QWidget* parent)
     auto* txtCCode = new QLineEdit(this);
     txtCCode->setObjectName(QStringLiteral("txtCCode"));
     txtCCode->hide();
-    setHints(QStringLiteral("상호명으로 검색  [검색:엔터]"), QStringLiteral("사용자를 선택하세요.[Click or Enter]"));
+    setHints(QStringLiteral("상호명으로 검색  [검색:엔터]"),
+             QStringLiteral("사용자를 선택하세요.[Click or Enter]"));
     placeFirstColumnWidths({130, 70, 100, 150, 110});
 }
 

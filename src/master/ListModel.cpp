@@ -5,9 +5,13 @@ namespace nb {
 ListModel::ListModel(const QStringList& headings, QObject* parent)
     : QAbstractTableModel(parent), m_headings(headings) {}
 
-int ListModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : int(m_rows.size()); }
+int ListModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : int(m_rows.size());
+}
 
-int ListModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : int(m_headings.size()); }
+int ListModel::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : int(m_headings.size());
+}
 
 QVariant ListModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::ToolTipRole)) return {};
@@ -39,7 +43,9 @@ void ListModel::appendRows(const QVector<QStringList>& rows) {
     endInsertRows();
 }
 
-void ListModel::clear() { setRows({}); }
+void ListModel::clear() {
+    setRows({});
+}
 
 QString ListModel::text(int row, int column) const {
     if (row < 0 || row >= m_rows.size()) return QString();

@@ -19,7 +19,7 @@ public:
     QVariant data(const QModelIndex& index, int role) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
-    void setHeading(int column, const QString& heading);  // column from 0
+    void setHeading(int column, const QString& heading); // column from 0
     void setRows(QVector<QStringList> rows);
     void appendRows(const QVector<QStringList>& rows);
     void clear();

@@ -63,7 +63,9 @@ void MasterListForm::selectRow(int row) {
     m_grid->selectRow(row);
 }
 
-QString MasterListForm::activeText(int column) const { return m_model->text(activeRow(), column - 1); }
+QString MasterListForm::activeText(int column) const {
+    return m_model->text(activeRow(), column - 1);
+}
 
 void MasterListForm::chooseActiveRow() {
     const QString key = activeText(keyColumn());
@@ -80,7 +82,9 @@ void MasterListForm::writeTarget(const QString& key) {
     if (m_target) m_target->setText(key);
 }
 
-bool MasterListForm::functionKey(int) { return false; }
+bool MasterListForm::functionKey(int) {
+    return false;
+}
 
 void MasterListForm::setHints(const QString& entryHint, const QString& gridHint) {
     m_entryHint = entryHint;
@@ -89,7 +93,8 @@ void MasterListForm::setHints(const QString& entryHint, const QString& gridHint)
 }
 
 void MasterListForm::placeFirstColumnWidths(const QList<int>& widths) {
-    for (int c = 0; c < widths.size(); ++c) m_grid->setColumnWidth(c, widths[c]);
+    for (int c = 0; c < widths.size(); ++c)
+        m_grid->setColumnWidth(c, widths[c]);
 }
 
 bool MasterListForm::eventFilter(QObject* watched, QEvent* event) {

@@ -24,7 +24,8 @@ void registerMasterScreens() {
         form.InitForm(QString(), QString(), 0, QString());
         form.exec();
     });
-    registerMenuAction(QStringLiteral("mnu_postImport"), [](QWidget* mainWindow) { RunPostcodeImport(mainWindow); });
+    registerMenuAction(QStringLiteral("mnu_postImport"),
+                       [](QWidget* mainWindow) { RunPostcodeImport(mainWindow); });
 }
 
 } // namespace nb

@@ -52,13 +52,15 @@ bool openPostStore(Database& db) {
 bool replaceRows(Database& db, const QVector<QStringList>& rows) {
     QSqlQuery q(db.connection());
     if (!q.exec(QStringLiteral("DELETE FROM Post"))) return false;
-    if (!q.prepare(QStringLiteral("INSERT INTO Post (ZIPCODE, SIDO, GUGUN, DONG, BUNJI) VALUES (?, ?, ?, ?, ?)")))
+    if (!q.prepare(
+            QStringLiteral("INSERT INTO Post (ZIPCODE, SIDO, GUGUN, DONG, BUNJI) VALUES (?, ?, ?, ?, ?)")))
         return false;
     const int steps = 100;
     Progress progress(kPostImportTitle, steps);
     const qsizetype perStep = std::max<qsizetype>(1, rows.size() / steps);
     for (qsizetype i = 0; i < rows.size(); ++i) {
-        for (int c = 0; c < 5; ++c) q.bindValue(c, rows[i].value(c));
+        for (int c = 0; c < 5; ++c)
+            q.bindValue(c, rows[i].value(c));
         if (!q.exec()) return false;
         if ((i + 1) % perStep == 0 && progress.value() < steps) {
             progress.step();
@@ -109,9 +111,13 @@ PostcodeBook ReadPostcodeBook(const QString& path) {
         return book;
     }
     const QStringList lines = DecodePostcodeBytes(file.readAll()).split(u'\n');
-    const QList<int> positions = lines.isEmpty() ? QList<int>() : columnPositions(SplitCsvLine(lines.first().trimmed()));
+    const QList<int> positions =
+        lines.isEmpty() ? QList<int>() : columnPositions(SplitCsvLine(lines.first().trimmed()));
     if (positions.isEmpty()) {
-        book.error = QStringLiteral("우편번호 파일의 첫 줄에 ZIPCODE, SIDO, GUGUN, DONG, BUNJI 열이 있어야 합니다.\r\n") + path;
+        book.error =
+            QStringLiteral(
+                "우편번호 파일의 첫 줄에 ZIPCODE, SIDO, GUGUN, DONG, BUNJI 열이 있어야 합니다.\r\n") +
+            path;
         return book;
     }
     book.rows.reserve(lines.size());
@@ -138,7 +144,8 @@ int ImportPostcodeFile(const QString& path) {
     }
     Database db;
     if (!openPostStore(db)) {
-        ShowWarning(QStringLiteral("우편번호 데이터베이스를 열 수 없습니다.\r\n") + app().DbPostFile, kPostImportTitle);
+        ShowWarning(QStringLiteral("우편번호 데이터베이스를 열 수 없습니다.\r\n") + app().DbPostFile,
+                    kPostImportTitle);
         return -1;
     }
     QApplication::setOverrideCursor(Qt::WaitCursor);
@@ -148,12 +155,15 @@ int ImportPostcodeFile(const QString& path) {
     ok ? (void)db.commit() : db.rollback();
     QApplication::restoreOverrideCursor();
     if (!ok) {
-        ShowWarning(QStringLiteral("우편번호를 가져오는 중 오류가 발생했습니다.\r\n기존 우편번호는 그대로 남아 있습니다."),
-                    kPostImportTitle);
+        ShowWarning(
+            QStringLiteral(
+                "우편번호를 가져오는 중 오류가 발생했습니다.\r\n기존 우편번호는 그대로 남아 있습니다."),
+            kPostImportTitle);
         return -1;
     }
     QString text = QStringLiteral("우편번호 %1건을 가져왔습니다.").arg(book.rows.size());
-    if (book.skipped > 0) text += QStringLiteral("\r\n우편번호가 여섯 자리가 아닌 %1줄은 건너뛰었습니다.").arg(book.skipped);
+    if (book.skipped > 0)
+        text += QStringLiteral("\r\n우편번호가 여섯 자리가 아닌 %1줄은 건너뛰었습니다.").arg(book.skipped);
     ShowInfo(text, kPostImportTitle);
     return int(book.rows.size());
 }

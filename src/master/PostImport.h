@@ -19,9 +19,9 @@ QString DecodePostcodeBytes(const QByteArray& bytes);
 QStringList SplitCsvLine(const QString& line);
 
 struct PostcodeBook {
-    QVector<QStringList> rows;  // ZIPCODE (six digits), SIDO, GUGUN, DONG, BUNJI
-    int skipped = 0;            // lines whose postcode is not six digits
-    QString error;              // why the file could not be read; empty when it could
+    QVector<QStringList> rows; // ZIPCODE (six digits), SIDO, GUGUN, DONG, BUNJI
+    int skipped = 0;           // lines whose postcode is not six digits
+    QString error;             // why the file could not be read; empty when it could
 };
 PostcodeBook ReadPostcodeBook(const QString& path);
 

@@ -42,7 +42,8 @@ SqlPart PostSearchQuery(Database& db, const QString& text, const PostLimits& lim
     } else {
         const QString column = PostSearchByZip(text) ? QStringLiteral("ZIPCODE") : QStringLiteral("DONG");
         const SqlPart narrow = SearchCandidates(db, PostSearchIndex(), text, {column});
-        part.sql += QStringLiteral("WHERE ") + narrow.sql + column + QStringLiteral(" LIKE ?") + kLikeEscape + u' ';
+        part.sql +=
+            QStringLiteral("WHERE ") + narrow.sql + column + QStringLiteral(" LIKE ?") + kLikeEscape + u' ';
         part.values << narrow.values << LikeContains(text);
         addLimits(part, limits, false);
     }
@@ -56,11 +57,12 @@ QVector<QStringList> SearchPostBook(Database& postDb, const QString& text) {
     QSqlQuery q(postDb.connection());
     q.setForwardOnly(true);
     q.prepare(query.sql);
-    for (const QVariant& v : query.values) q.addBindValue(v);
+    for (const QVariant& v : query.values)
+        q.addBindValue(v);
     if (!q.exec()) return rows;
     while (q.next())
-        rows.push_back({q.value(0).toString(), q.value(1).toString(), q.value(2).toString(), q.value(3).toString(),
-                        q.value(4).toString()});
+        rows.push_back({q.value(0).toString(), q.value(1).toString(), q.value(2).toString(),
+                        q.value(3).toString(), q.value(4).toString()});
     return rows;
 }
 
@@ -70,7 +72,9 @@ QVector<QStringList> SearchPostBook(const QString& text) {
     return SearchPostBook(postDb, text);
 }
 
-QString SingleHitZip(const QString& zip) { return FormatText(zip, QStringLiteral("###-###")); }
+QString SingleHitZip(const QString& zip) {
+    return FormatText(zip, QStringLiteral("###-###"));
+}
 
 QString ChosenZip(const QString& zip) {
     return zip.size() == 6 ? FormatText(zip, QStringLiteral("000-000")) : zip;

@@ -17,7 +17,9 @@
 namespace nb {
 namespace {
 
-Database& basic() { return stores().dbBasic; }
+Database& basic() {
+    return stores().dbBasic;
+}
 
 const QString kListSelect =
     QStringLiteral("SELECT Product.PName AS pName, Product.PNorm AS pNorm, Product.PTax AS PTax, "
@@ -45,9 +47,10 @@ bool sameProduct(const QString& name, const QString& norm, QString& found) {
 }
 
 int askAboutSameProduct(const QString& name) {
-    return AskYesNoCancel(QStringLiteral("(") + name + QStringLiteral(")는 이미 등록된 상품입니다.\r\n수정하시겠습니까?\r\n"
-                                                                  "[예] - 수정함.\r\n[아니오] - 등록하지 않고 종료\r\n"
-                                                                  "[취소] - 다시 입력함."),
+    return AskYesNoCancel(QStringLiteral("(") + name +
+                              QStringLiteral(")는 이미 등록된 상품입니다.\r\n수정하시겠습니까?\r\n"
+                                             "[예] - 수정함.\r\n[아니오] - 등록하지 않고 종료\r\n"
+                                             "[취소] - 다시 입력함."),
                           QStringLiteral("상품명 중복"));
 }
 
@@ -65,7 +68,9 @@ void insertProduct(const ProductFields& f, qint32 buy, qint32 sale, const QStrin
     ShowNotice(QStringLiteral("자료가 저장되었습니다."), 700);
 }
 
-QString emptyPriceToZero(const QString& text) { return text.trimmed().isEmpty() ? QStringLiteral("0") : text; }
+QString emptyPriceToZero(const QString& text) {
+    return text.trimmed().isEmpty() ? QStringLiteral("0") : text;
+}
 
 } // namespace
 
@@ -74,7 +79,8 @@ bool FindProduct(Recordset& rs, const QString& code, const QString& name, bool a
     if (all)
         opened = OpenSnapshot(basic(), rs, QStringLiteral("SELECT * FROM Product ORDER BY Code;"));
     else if (!code.isEmpty())
-        opened = OpenSnapshot(basic(), rs, QStringLiteral("SELECT * FROM Product WHERE Code = ? ORDER BY Code;"), {code});
+        opened = OpenSnapshot(basic(), rs,
+                              QStringLiteral("SELECT * FROM Product WHERE Code = ? ORDER BY Code;"), {code});
     else
         opened = OpenSnapshot(basic(), rs,
                               QStringLiteral("SELECT * FROM Product WHERE PName LIKE ?") + kLikeEscape +
@@ -87,8 +93,8 @@ QString GetProductName(const QString& code) {
     const QString procedure = QStringLiteral("GetProductName");
     const QString module = QStringLiteral("ModModule");
     if (!basic().isOpen()) {
-        ShowFailureReport(ErrNotOpened, QStringLiteral("Object variable or With block variable not set"), procedure,
-                          module);
+        ShowFailureReport(ErrNotOpened, QStringLiteral("Object variable or With block variable not set"),
+                          procedure, module);
         return QString();
     }
     QSqlQuery q(basic().connection());
@@ -99,8 +105,8 @@ QString GetProductName(const QString& code) {
     }
     if (!ok) {
         const QSqlError e = q.lastError();
-        ShowFailureReport(errorNumberFor(e.databaseText(), e.nativeErrorCode().toInt()), e.databaseText(), procedure,
-                          module);
+        ShowFailureReport(errorNumberFor(e.databaseText(), e.nativeErrorCode().toInt()), e.databaseText(),
+                          procedure, module);
         return QString();
     }
     if (!q.next()) return QString();
@@ -109,7 +115,8 @@ QString GetProductName(const QString& code) {
 
 bool NextProductCode(QString& code) {
     Recordset rs;
-    if (!OpenSnapshot(basic(), rs, QStringLiteral("Select Code from Product order by Code desc"))) return false;
+    if (!OpenSnapshot(basic(), rs, QStringLiteral("Select Code from Product order by Code desc")))
+        return false;
     if (rs.EOF_()) {
         code = QStringLiteral("000001");
         return true;
@@ -190,16 +197,21 @@ QVector<QStringList> ProductListRows(Recordset& rs, int kind) {
         if (kind == 0) price = ListPriceText(rs.number(QStringLiteral("PBuyPrice")));
         if (kind == 1 || kind == 3) price = ListPriceText(rs.number(QStringLiteral("PSalePrice")));
         rows.push_back({NameWithNorm(rs.text(QStringLiteral("pName")), rs.field(QStringLiteral("pNorm"))),
-                        rs.text(QStringLiteral("Unit")), taxFree ? QStringLiteral("면세") : QStringLiteral("과세"), price,
-                        QString(), rs.text(QStringLiteral("PCode")), QString()});
+                        rs.text(QStringLiteral("Unit")),
+                        taxFree ? QStringLiteral("면세") : QStringLiteral("과세"), price, QString(),
+                        rs.text(QStringLiteral("PCode")), QString()});
     }
     rs.MoveFirst();
     return rows;
 }
 
-SqlPart ProductPrefixQuery(const QString& text) { return listQuery(LikePrefix(text), text); }
+SqlPart ProductPrefixQuery(const QString& text) {
+    return listQuery(LikePrefix(text), text);
+}
 
-SqlPart ProductContainsQuery(const QString& text) { return listQuery(LikeContains(text), text); }
+SqlPart ProductContainsQuery(const QString& text) {
+    return listQuery(LikeContains(text), text);
+}
 
 int ProductListResult(int prefixCount, int containsCount) {
     const int sum = prefixCount + containsCount;

@@ -20,7 +20,9 @@ QSet<QString>& readyIndexes() {
     return ready;
 }
 
-QString readyKey(const Database& db, const SearchIndexDef& def) { return db.path() + u'|' + def.index; }
+QString readyKey(const Database& db, const SearchIndexDef& def) {
+    return db.path() + u'|' + def.index;
+}
 
 bool run(Database& db, const QString& sql) {
     QSqlQuery q(db.connection());
@@ -29,7 +31,8 @@ bool run(Database& db, const QString& sql) {
 
 QString prefixed(const QString& prefix, const QStringList& columns) {
     QStringList out;
-    for (const QString& c : columns) out << prefix + c;
+    for (const QString& c : columns)
+        out << prefix + c;
     return out.join(QStringLiteral(", "));
 }
 
@@ -69,7 +72,8 @@ bool createIndex(Database& db, const SearchIndexDef& def) {
 // True when every row of the table stands in the index with the same texts, and no more.
 bool indexMatchesTable(Database& db, const SearchIndexDef& def) {
     QStringList differs;
-    for (const QString& c : def.columns) differs << QStringLiteral("s.%1 IS NOT t.%1").arg(c);
+    for (const QString& c : def.columns)
+        differs << QStringLiteral("s.%1 IS NOT t.%1").arg(c);
     const QString sql =
         QStringLiteral("SELECT (SELECT count(*) FROM %1) = (SELECT count(*) FROM %2) AND NOT EXISTS "
                        "(SELECT 1 FROM %1 t LEFT JOIN %2 s ON s.rowid = t.rowid WHERE s.rowid IS NULL OR %3)")
@@ -80,7 +84,8 @@ bool indexMatchesTable(Database& db, const SearchIndexDef& def) {
 
 bool hasAllTriggers(Database& db, const SearchIndexDef& def) {
     QSqlQuery q(db.connection());
-    q.prepare(QStringLiteral("SELECT count(*) FROM sqlite_master WHERE type = 'trigger' AND name IN (?, ?, ?)"));
+    q.prepare(
+        QStringLiteral("SELECT count(*) FROM sqlite_master WHERE type = 'trigger' AND name IN (?, ?, ?)"));
     q.addBindValue(triggerName(def, "_ai"));
     q.addBindValue(triggerName(def, "_ad"));
     q.addBindValue(triggerName(def, "_au"));
@@ -96,20 +101,27 @@ QString matchPhrase(const QString& text, const QStringList& columns) {
 } // namespace
 
 const SearchIndexDef& TraderSearchIndex() {
-    static const SearchIndexDef def{QStringLiteral("Trader"), QStringLiteral("Trader_search"),
-                                    {QStringLiteral("C_Name"), QStringLiteral("Phone"), QStringLiteral("Addr2")}};
+    static const SearchIndexDef def{
+        QStringLiteral("Trader"),
+        QStringLiteral("Trader_search"),
+        {QStringLiteral("C_Name"), QStringLiteral("Phone"), QStringLiteral("Addr2")}};
     return def;
 }
 
 const SearchIndexDef& PostSearchIndex() {
-    static const SearchIndexDef def{QStringLiteral("Post"), QStringLiteral("Post_search"),
+    static const SearchIndexDef def{QStringLiteral("Post"),
+                                    QStringLiteral("Post_search"),
                                     {QStringLiteral("ZIPCODE"), QStringLiteral("DONG")}};
     return def;
 }
 
-bool UsesTrigramIndex(const QString& text) { return text.toUcs4().size() >= kTrigramMinChars; }
+bool UsesTrigramIndex(const QString& text) {
+    return text.toUcs4().size() >= kTrigramMinChars;
+}
 
-bool HasSearchIndex(Database& db, const SearchIndexDef& def) { return db.hasTable(def.index); }
+bool HasSearchIndex(Database& db, const SearchIndexDef& def) {
+    return db.hasTable(def.index);
+}
 
 void DropSearchIndex(Database& db, const SearchIndexDef& def) {
     for (const char* suffix : {"_ai", "_ad", "_au"})
@@ -141,8 +153,9 @@ SqlPart SearchCandidates(Database& db, const SearchIndexDef& def, const QString&
                          const QStringList& columns) {
     if (!UsesTrigramIndex(text) || !db.isOpen()) return {};
     if (!readyIndexes().contains(readyKey(db, def)) && !EnsureSearchIndex(db, def)) return {};
-    return {QStringLiteral("%1.rowid IN (SELECT rowid FROM %2 WHERE %2 MATCH ?) AND ").arg(def.table, def.index),
-            {matchPhrase(text, columns)}};
+    return {
+        QStringLiteral("%1.rowid IN (SELECT rowid FROM %2 WHERE %2 MATCH ?) AND ").arg(def.table, def.index),
+        {matchPhrase(text, columns)}};
 }
 
 } // namespace nb

@@ -14,12 +14,12 @@
 namespace nb {
 
 struct SearchIndexDef {
-    QString table;    // the indexed table
-    QString index;    // the FTS5 table beside it
+    QString table; // the indexed table
+    QString index; // the FTS5 table beside it
     QStringList columns;
 };
-const SearchIndexDef& TraderSearchIndex();  // Trader: C_Name, Phone, Addr2
-const SearchIndexDef& PostSearchIndex();    // Post: ZIPCODE, DONG
+const SearchIndexDef& TraderSearchIndex(); // Trader: C_Name, Phone, Addr2
+const SearchIndexDef& PostSearchIndex();   // Post: ZIPCODE, DONG
 
 inline constexpr int kTrigramMinChars = 3;
 // True when the text is long enough for a trigram index.

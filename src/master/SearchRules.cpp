@@ -13,11 +13,17 @@ QString StripSearchText(const QString& text) {
     return out;
 }
 
-QString LikePrefix(const QString& text) { return likeLiteral(text) + u'%'; }
+QString LikePrefix(const QString& text) {
+    return likeLiteral(text) + u'%';
+}
 
-QString LikeContains(const QString& text) { return u'%' + likeLiteral(text) + u'%'; }
+QString LikeContains(const QString& text) {
+    return u'%' + likeLiteral(text) + u'%';
+}
 
-bool IsDigitCode(int code) { return code >= 48 && code <= 57; }
+bool IsDigitCode(int code) {
+    return code >= 48 && code <= 57;
+}
 
 bool IsOutsideLetterBands(int code) {
     return code >= 0 && !(code >= 66 && code <= 89) && !(code >= 98 && code <= 121);
@@ -39,6 +45,8 @@ bool ProductSearchesCode(const QString& text) {
     return code >= 0 && (code < 66 || code >= 122);
 }
 
-bool PostSearchByZip(const QString& text) { return FirstCharCode(text) >= 0; }
+bool PostSearchByZip(const QString& text) {
+    return FirstCharCode(text) >= 0;
+}
 
 } // namespace nb

@@ -10,11 +10,14 @@
 namespace nb {
 namespace {
 
-Database& basic() { return stores().dbBasic; }
+Database& basic() {
+    return stores().dbBasic;
+}
 
 bool serialExists(const QString& serial) {
     Recordset rs;
-    if (!OpenSnapshot(basic(), rs, QStringLiteral("SELECT * FROM User where Serial = ?"), {serial})) return false;
+    if (!OpenSnapshot(basic(), rs, QStringLiteral("SELECT * FROM User where Serial = ?"), {serial}))
+        return false;
     return !rs.EOF_();
 }
 
@@ -22,7 +25,8 @@ bool insertSupplier(const SupplierFields& fields) {
     Recordset rs;
     if (!OpenDynaset(basic(), rs, QStringLiteral("User"))) return false;
     rs.AddNew();
-    for (int i = 0; i < kSupplierFieldCount; ++i) rs.setField(SupplierColumns()[size_t(i)], fields[size_t(i)]);
+    for (int i = 0; i < kSupplierFieldCount; ++i)
+        rs.setField(SupplierColumns()[size_t(i)], fields[size_t(i)]);
     return rs.Update();
 }
 
@@ -52,9 +56,11 @@ const std::array<QString, kSupplierFieldCount>& SupplierColumns() {
 bool ReadSupplier(const QString& serial, SupplierFields& fields) {
     fields = {};
     Recordset rs;
-    if (!OpenSnapshot(basic(), rs, QStringLiteral("SELECT * FROM User WHERE Serial = ?"), {serial})) return false;
+    if (!OpenSnapshot(basic(), rs, QStringLiteral("SELECT * FROM User WHERE Serial = ?"), {serial}))
+        return false;
     if (rs.EOF_()) return false;
-    for (int i = 0; i < kSupplierFieldCount; ++i) fields[size_t(i)] = rs.text(SupplierColumns()[size_t(i)]);
+    for (int i = 0; i < kSupplierFieldCount; ++i)
+        fields[size_t(i)] = rs.text(SupplierColumns()[size_t(i)]);
     return true;
 }
 
@@ -65,7 +71,8 @@ SupplierSave SaveSupplier(SupplierFormState& state, const SupplierFields& fields
         return SupplierSave::SerialMissing;
     }
     if (state.IsNew && serialExists(serial)) {
-        ShowInfo(QStringLiteral("이미 같은 사업자번호가 등록되어 있습니다.\r\n사업자번호는 중복될 수 없습니다."));
+        ShowInfo(
+            QStringLiteral("이미 같은 사업자번호가 등록되어 있습니다.\r\n사업자번호는 중복될 수 없습니다."));
         return SupplierSave::Duplicate;
     }
     basic().beginTransaction();
@@ -77,8 +84,9 @@ SupplierSave SaveSupplier(SupplierFormState& state, const SupplierFields& fields
     state.OldSerial = serial;
     if (defaultChecked) SetDefaultSupplier(serial);
     ResetLegacySettings();
-    ShowNotice(state.HasUser ? QStringLiteral("자료를 수정하였습니다.") : QStringLiteral("자료를 저장하였습니다."), 500,
-               kNoticeColor);
+    ShowNotice(state.HasUser ? QStringLiteral("자료를 수정하였습니다.")
+                             : QStringLiteral("자료를 저장하였습니다."),
+               500, kNoticeColor);
     StampHandOver();
     return SupplierSave::Saved;
 }
@@ -91,7 +99,8 @@ void ResetLegacySettings() {
         rs.AddNew();
         for (const char* name : {"StockProc", "Standard", "Special", "StockManage"})
             rs.setField(QLatin1String(name), 0);
-        for (const char* name : {"Password", "sPost", "ePost"}) rs.setField(QLatin1String(name), QString());
+        for (const char* name : {"Password", "sPost", "ePost"})
+            rs.setField(QLatin1String(name), QString());
         rs.Update();
     }
     basic().commit();
@@ -109,7 +118,8 @@ void ResetLegacySettings() {
 void StampHandOver() {
     const QString app2 = QStringLiteral("브란토2");
     if (GetSetting(app2, kEnvSection, QStringLiteral("StartYear")).isEmpty())
-        SaveSetting(app2, kEnvSection, QStringLiteral("StartYear"), today().toString(QStringLiteral("yyyy-MM")));
+        SaveSetting(app2, kEnvSection, QStringLiteral("StartYear"),
+                    today().toString(QStringLiteral("yyyy-MM")));
 }
 
 void SetDefaultSupplier(const QString& serial) {

@@ -21,9 +21,9 @@ inline const QString kDefaultSupplierKey = QStringLiteral("기본사업자");
 bool ReadSupplier(const QString& serial, SupplierFields& fields);
 
 struct SupplierFormState {
-    bool HasUser = false;  // the last LoadDefaultUser at load or at the default check box
-    bool IsNew = false;    // set by cmdNew, cleared by a save
-    QString OldSerial;     // Serial of the row shown
+    bool HasUser = false; // the last LoadDefaultUser at load or at the default check box
+    bool IsNew = false;   // set by cmdNew, cleared by a save
+    QString OldSerial;    // Serial of the row shown
 };
 
 enum class SupplierSave { Saved, SerialMissing, Duplicate, Failed };

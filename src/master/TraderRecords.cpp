@@ -1,10 +1,10 @@
 #include "master/TraderRecords.h"
 
 #include "common/Messages.h"
-#include "core/AppState.h"
 #include "common/text/NumBox.h"
 #include "common/text/NumberFormat.h"
 #include "common/text/Rounding.h"
+#include "core/AppState.h"
 #include "core/shell/Startup.h"
 #include "master/SearchRules.h"
 #include "storage/Stores.h"
@@ -54,8 +54,8 @@ SqlPart TraderListQuery(Database& db, const QString& name, int section) {
     }
     const QString first = TraderSearchByPhone(name) ? QStringLiteral("Phone") : QStringLiteral("C_Name");
     const SqlPart narrow = SearchCandidates(db, TraderSearchIndex(), name, {first, QStringLiteral("Addr2")});
-    part.sql += narrow.sql + u'(' + first + QStringLiteral(" LIKE ?") + kLikeEscape + QStringLiteral(" OR Addr2 LIKE ?") +
-                kLikeEscape + QStringLiteral(") ");
+    part.sql += narrow.sql + u'(' + first + QStringLiteral(" LIKE ?") + kLikeEscape +
+                QStringLiteral(" OR Addr2 LIKE ?") + kLikeEscape + QStringLiteral(") ");
     part.values << narrow.values << LikeContains(name) << LikeContains(name);
     part.sql += kOrderTraders;
     return part;
@@ -97,10 +97,13 @@ bool DeleteTraderWithBusiness(const QString& code) {
     const QString statements[] = {QStringLiteral("delete from Trader where Code = ?"),
                                   QStringLiteral("Delete from master where CCode = ?"),
                                   QStringLiteral("Delete from NewAcount where CCode = ?")};
-    for (Database* db : files) db->beginTransaction();
+    for (Database* db : files)
+        db->beginTransaction();
     bool ok = true;
-    for (int i = 0; i < 3 && ok; ++i) ok = files[i]->Execute(statements[i], {code});
-    for (Database* db : files) ok ? (void)db->commit() : db->rollback();
+    for (int i = 0; i < 3 && ok; ++i)
+        ok = files[i]->Execute(statements[i], {code});
+    for (Database* db : files)
+        ok ? (void)db->commit() : db->rollback();
     return ok;
 }
 

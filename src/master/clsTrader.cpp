@@ -5,35 +5,39 @@
 #include "core/Clock.h"
 #include "storage/Stores.h"
 
-
 namespace nb {
 namespace {
 
 const QString kNotPayErrorText = QStringLiteral("현재미수금 데이터를 갱신하는 중 오류가 발생했습니다.");
 
 QString saveFailureText(int number, const QString& description) {
-    return QStringLiteral("자료를 저장하는 중 오류가 발생했습니다.\r\n\r\n오류번호 : ") + QString::number(number) +
-           QStringLiteral("\r\n오류내용 : ") + description +
+    return QStringLiteral("자료를 저장하는 중 오류가 발생했습니다.\r\n\r\n오류번호 : ") +
+           QString::number(number) + QStringLiteral("\r\n오류내용 : ") + description +
            QStringLiteral("\r\n\r\n입력하신 내용을 다시 한번 확인하여 주십시요.");
 }
 
-QString codeText(qint64 value) { return QStringLiteral("%1").arg(value, 6, 10, QLatin1Char('0')); }
+QString codeText(qint64 value) {
+    return QStringLiteral("%1").arg(value, 6, 10, QLatin1Char('0'));
+}
 
 } // namespace
 
-Database& clsTrader::db() const { return stores().dbBasic; }
+Database& clsTrader::db() const {
+    return stores().dbBasic;
+}
 
 void clsTrader::SaveTrader() {
     Recordset rs;
     // The dynaset only names the table the new row goes to; no rows need reading.
     if (!OpenDynaset(db(), rs, QStringLiteral("SELECT * FROM Trader ORDER BY Code LIMIT 0"))) return;
-    const QVariantList values{sCode,  sComp,   sName,     sSerial,    sPhone,     sFax,   sHP,
-                              sDDD,   sCharge, int(byVAT), sAddr1,    sAddr2,     sPost,  sStatus,
-                              sItem,  sOpenDate, sCloseDate, sEnterDate, int(bySection), dTotNoPay, sBigo};
-    const QString sql = QStringLiteral(
-        "INSERT INTO Trader (Code, C_Name, U_Name, Serial, Phone, Fax, HPhone, DDD, Charge, VAT, Addr1, Addr2, "
-        "Post, Status, Item, OpenDate, CloseDate, EnterDate, Section, TotNoPay, Bigo) "
-        "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    const QVariantList values{sCode, sComp,     sName,      sSerial,    sPhone,         sFax,      sHP,
+                              sDDD,  sCharge,   int(byVAT), sAddr1,     sAddr2,         sPost,     sStatus,
+                              sItem, sOpenDate, sCloseDate, sEnterDate, int(bySection), dTotNoPay, sBigo};
+    const QString sql =
+        QStringLiteral("INSERT INTO Trader (Code, C_Name, U_Name, Serial, Phone, Fax, HPhone, DDD, Charge, "
+                       "VAT, Addr1, Addr2, "
+                       "Post, Status, Item, OpenDate, CloseDate, EnterDate, Section, TotNoPay, Bigo) "
+                       "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
     rs.close();
     if (!db().tryExecute(sql, values) || db().RecordsAffected() == 0) {
         MsgBox(saveFailureText(db().lastErrorNumber(), db().lastErrorDescription()));
@@ -43,9 +47,10 @@ void clsTrader::SaveTrader() {
 }
 
 void clsTrader::UpdateTrader() {
-    db().Execute(QStringLiteral("UPDATE Trader SET C_Name = ?, U_Name = ?, Serial = ?, Phone = ?, Fax = ?, "
-                                "HPhone = ?, Addr1 = ?, Post = ?, Status = ?, Item = ?, Bigo = ? WHERE Code = ?"),
-                 {sComp, sName, sSerial, sPhone, sFax, sHP, sAddr1, sPost, sStatus, sItem, sBigo, sCode});
+    db().Execute(
+        QStringLiteral("UPDATE Trader SET C_Name = ?, U_Name = ?, Serial = ?, Phone = ?, Fax = ?, "
+                       "HPhone = ?, Addr1 = ?, Post = ?, Status = ?, Item = ?, Bigo = ? WHERE Code = ?"),
+        {sComp, sName, sSerial, sPhone, sFax, sHP, sAddr1, sPost, sStatus, sItem, sBigo, sCode});
     // The notice comes first and the count is read only after it, as the operator has
     // always seen it: a code that is gone shows both.
     ShowNotice(QStringLiteral("자료가 갱신되었습니다."), 700);
@@ -54,7 +59,8 @@ void clsTrader::UpdateTrader() {
 
 void clsTrader::Update_Charge() {
     db().Execute(QStringLiteral("UPDATE Trader SET Charge = ? WHERE Code = ?;"), {sCharge, sCode});
-    if (db().RecordsAffected() == 0) MsgBox(QStringLiteral("거래처 담당자를 변경하는 중 오류가 발생했습니다."));
+    if (db().RecordsAffected() == 0)
+        MsgBox(QStringLiteral("거래처 담당자를 변경하는 중 오류가 발생했습니다."));
 }
 
 void clsTrader::TraderList(Recordset& rs, bool& found) {
@@ -68,13 +74,14 @@ void clsTrader::FindTrader(Recordset& rs, const QString& code, const QString& co
                            const QString& phone, const QString& addr, bool& found) {
     bool opened = false;
     if (!code.isEmpty()) {
-        opened = OpenSnapshot(db(), rs, QStringLiteral("SELECT * FROM Trader WHERE Code = ? ORDER BY Code;"), {code});
+        opened = OpenSnapshot(db(), rs, QStringLiteral("SELECT * FROM Trader WHERE Code = ? ORDER BY Code;"),
+                              {code});
     } else {
         const QString like = QStringLiteral(" LIKE ?") + QStringLiteral(" ESCAPE '\\'");
         opened = OpenSnapshot(db(), rs,
-                              QStringLiteral("SELECT * FROM Trader WHERE C_Name") + like + QStringLiteral(" OR U_Name") +
-                                  like + QStringLiteral(" OR Phone") + like + QStringLiteral(" OR Addr2") + like +
-                                  QStringLiteral(" ORDERY BY Code;"),
+                              QStringLiteral("SELECT * FROM Trader WHERE C_Name") + like +
+                                  QStringLiteral(" OR U_Name") + like + QStringLiteral(" OR Phone") + like +
+                                  QStringLiteral(" OR Addr2") + like + QStringLiteral(" ORDERY BY Code;"),
                               {u'%' + likeLiteral(comp) + u'%', u'%' + likeLiteral(name) + u'%',
                                u'%' + likeLiteral(phone) + u'%', u'%' + likeLiteral(addr) + u'%'});
     }
@@ -138,7 +145,8 @@ void clsTrader::CheckField(quint8 section, const QString& comp, bool& found) {
 void clsTrader::initNonKum(double& amount) {
     Recordset rs;
     amount = 0;
-    if (!OpenSnapshot(db(), rs, QStringLiteral("SELECT TotNoPay FROM Trader WHERE Code = ?;"), {sCode})) return;
+    if (!OpenSnapshot(db(), rs, QStringLiteral("SELECT TotNoPay FROM Trader WHERE Code = ?;"), {sCode}))
+        return;
     if (!rs.EOF_()) amount = rs.number(QStringLiteral("TotNoPay"));
 }
 
@@ -164,10 +172,14 @@ void clsTrader::charge_trade(const QString& charge, const QString& code) {
 
 QString VatKindText(int kind) {
     switch (kind) {
-    case 0: return QStringLiteral("계산안함");
-    case 1: return QStringLiteral("부가세포함");
-    case 2: return QStringLiteral("부가세별도");
-    default: return QString();
+    case 0:
+        return QStringLiteral("계산안함");
+    case 1:
+        return QStringLiteral("부가세포함");
+    case 2:
+        return QStringLiteral("부가세별도");
+    default:
+        return QString();
     }
 }
 

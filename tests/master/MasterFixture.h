@@ -3,7 +3,6 @@
 // and quick ways to put rows in place.
 
 #include "TestSupport.h"
-
 #include "core/AppState.h"
 #include "core/shell/Startup.h"
 #include "storage/StoreLayout.h"
@@ -27,7 +26,8 @@ inline bool openMasterStores() {
 inline bool exec(Database& db, const QString& sql, const QVariantList& values = {}) {
     QSqlQuery q(db.connection());
     q.prepare(sql);
-    for (const QVariant& v : values) q.addBindValue(v);
+    for (const QVariant& v : values)
+        q.addBindValue(v);
     return q.exec();
 }
 
@@ -35,7 +35,8 @@ inline bool exec(Database& db, const QString& sql, const QVariantList& values = 
 inline QVariant scalar(Database& db, const QString& sql, const QVariantList& values = {}) {
     QSqlQuery q(db.connection());
     q.prepare(sql);
-    for (const QVariant& v : values) q.addBindValue(v);
+    for (const QVariant& v : values)
+        q.addBindValue(v);
     if (!q.exec() || !q.next()) return {};
     return q.value(0);
 }
@@ -49,8 +50,9 @@ inline void addTrader(const QString& code, const QString& name, const QString& p
                       const QString& addr1 = QString(), int section = 0, const QString& addr2 = QString()) {
     const QString word = addr2.isEmpty() ? addr1.section(u' ', -1) : addr2;
     exec(stores().dbBasic,
-         QStringLiteral("INSERT INTO Trader (Code, C_Name, U_Name, Phone, Addr1, Addr2, Section, VAT, TotNoPay, bDeled) "
-                        "VALUES (?, ?, ?, ?, ?, ?, ?, 0, 0, 0)"),
+         QStringLiteral(
+             "INSERT INTO Trader (Code, C_Name, U_Name, Phone, Addr1, Addr2, Section, VAT, TotNoPay, bDeled) "
+             "VALUES (?, ?, ?, ?, ?, ?, ?, 0, 0, 0)"),
          {code, name, QStringLiteral("대표") + code, phone, addr1, word, section});
 }
 
@@ -62,7 +64,8 @@ inline void addProduct(const QString& code, const QString& name, const QString& 
          {code, name, norm, buy, sale, unit});
 }
 
-inline void addUser(const QString& serial, const QString& company = QStringLiteral("가나상사"), const QString& phone = QString()) {
+inline void addUser(const QString& serial, const QString& company = QStringLiteral("가나상사"),
+                    const QString& phone = QString()) {
     exec(stores().dbBasic,
          QStringLiteral("INSERT INTO User (Company, Delegate, Serial, Post, Addr, Phone, Fax, Status, Item) "
                         "VALUES (?, '대표', ?, '', '', ?, '', '', '')"),
@@ -85,10 +88,16 @@ inline void showActive(QWidget* w) {
     QTest::qWait(20);
 }
 
-inline QWidget* focused() { return QApplication::focusWidget(); }
+inline QWidget* focused() {
+    return QApplication::focusWidget();
+}
 // Types into whatever box has the focus, then presses a key there.
-inline void typeHere(const QString& text) { typeText(focused(), text); }
-inline void keyHere(Qt::Key key, Qt::KeyboardModifiers mods = Qt::NoModifier) { pressKey(focused(), key, mods); }
+inline void typeHere(const QString& text) {
+    typeText(focused(), text);
+}
+inline void keyHere(Qt::Key key, Qt::KeyboardModifiers mods = Qt::NoModifier) {
+    pressKey(focused(), key, mods);
+}
 
 // Runs the action on the next modal window once it is up (a list shown by exec()).
 inline void whenModalShows(std::function<void(QWidget*)> action, int tries = 100) {
@@ -112,7 +121,8 @@ inline void addPostRows(const QList<QStringList>& rows) {
     Database post;
     if (!post.open(app().DbPostFile)) return;
     for (const QStringList& r : rows)
-        exec(post, QStringLiteral("INSERT INTO Post (ZIPCODE, SIDO, GUGUN, DONG, BUNJI) VALUES (?, ?, ?, ?, ?)"),
+        exec(post,
+             QStringLiteral("INSERT INTO Post (ZIPCODE, SIDO, GUGUN, DONG, BUNJI) VALUES (?, ?, ?, ?, ?)"),
              {r.value(0), r.value(1), r.value(2), r.value(3), r.value(4)});
 }
 

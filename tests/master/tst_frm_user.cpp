@@ -1,8 +1,8 @@
 // The supplier screen driven by keys: Enter through the fields, the shaping on leaving, save,
 // new, delete, previous/next, find with its list, the postcode search and the close question.
 #include "MasterFixture.h"
-
 #include "core/Settings.h"
+#include "common/input/ImeMode.h"
 #include "master/FrmUser.h"
 #include "master/FrmUserList.h"
 
@@ -50,10 +50,10 @@ private Q_SLOTS:
         showActive(&form);
         QVERIFY(!form.state().HasUser);
         form.txtinput(0)->setFocus();
-        for (const QString& value : {QStringLiteral("가나상사"), QStringLiteral("홍길동"), QStringLiteral("1234567890"),
-                                     QStringLiteral("135080"), QStringLiteral("123-4"),
-                                     QStringLiteral("02-123-4567"), QStringLiteral("02-123-4568"),
-                                     QStringLiteral("도소매"), QStringLiteral("문구")}) {
+        for (const QString& value :
+             {QStringLiteral("가나상사"), QStringLiteral("홍길동"), QStringLiteral("1234567890"),
+              QStringLiteral("135080"), QStringLiteral("123-4"), QStringLiteral("02-123-4567"),
+              QStringLiteral("02-123-4568"), QStringLiteral("도소매"), QStringLiteral("문구")}) {
             typeHere(value);
             keyHere(Qt::Key_Return);
         }
@@ -85,6 +85,25 @@ private Q_SLOTS:
         keyHere(Qt::Key_Down);
         QCOMPARE(form.txtinput(2)->text(), QStringLiteral("123-45-67890"));
         QCOMPARE(focused(), form.txtinput(3));
+    }
+    void theHangulKeyFlipsTheModeTheNextFieldOpensIn() {
+        TestHome home;
+        QVERIFY(openMasterStores());
+        script();
+        FrmUser form;
+        showActive(&form);
+        QVERIFY(form.hangulMode());
+        form.txtinput(0)->setFocus();
+        const auto hangulKey = [] {
+            QTest::sendKeyEvent(QTest::Press, focused(), Qt::Key_Hangul, QString(), Qt::NoModifier);
+            QTest::sendKeyEvent(QTest::Release, focused(), Qt::Key_Hangul, QString(), Qt::NoModifier);
+        };
+        hangulKey();
+        QVERIFY(!form.hangulMode());
+        keyHere(Qt::Key_Return);
+        QVERIFY(!imeModeIsHangul(form.txtinput(1)));
+        hangulKey();
+        QVERIFY(form.hangulMode());
     }
     void upInTheFirstFieldGoesToQuitAndRightComesBack() {
         TestHome home;
@@ -126,8 +145,9 @@ private Q_SLOTS:
         form.txtinput(2)->setText("111-11-11111");
         form.btnSave()->click();
         QCOMPARE(msgs.last().title, kAppTitle);
-        QCOMPARE(msgs.last().text,
-                 QStringLiteral("이미 같은 사업자번호가 등록되어 있습니다.\r\n사업자번호는 중복될 수 없습니다."));
+        QCOMPARE(
+            msgs.last().text,
+            QStringLiteral("이미 같은 사업자번호가 등록되어 있습니다.\r\n사업자번호는 중복될 수 없습니다."));
     }
     void clickingTheDefaultCheckMakesTheShownSupplierTheDefault() {
         TestHome home;
@@ -139,7 +159,7 @@ private Q_SLOTS:
         form.ChkDefault()->click();
         QCOMPARE(GetEnv("기본사업자"), QStringLiteral("111-11-11111"));
         QCOMPARE(app().DefaultSerial, QStringLiteral("111-11-11111"));
-        form.ChkDefault()->click();  // unchecking does nothing
+        form.ChkDefault()->click(); // unchecking does nothing
         QCOMPARE(GetEnv("기본사업자"), QStringLiteral("111-11-11111"));
     }
     void deleteAsksWithNoAsDefaultAndShowsTheNextSupplier() {
@@ -231,7 +251,7 @@ private Q_SLOTS:
             list->txtinput()->setFocus();
             list->txtinput()->clear();
             typeText(list->txtinput(), "가나유");
-            pressKey(list->txtinput(), Qt::Key_Return);  // finds the row
+            pressKey(list->txtinput(), Qt::Key_Return); // finds the row
             QCOMPARE(list->activeText(5), QStringLiteral("333-33-33333"));
             list->grdList()->setFocus();
             QCOMPARE(list->hintPanel()->text(), QStringLiteral("사용자를 선택하세요.[Click or Enter]"));
@@ -241,7 +261,8 @@ private Q_SLOTS:
         });
         form.cmdFind()->click();
         QVERIFY(seen);
-        QCOMPARE(form.txtinput(2)->text(), QStringLiteral("111-11-11111"));  // rows by company: 가나물산, 가나상사, 가나유통
+        QCOMPARE(form.txtinput(2)->text(),
+                 QStringLiteral("111-11-11111")); // rows by company: 가나물산, 가나상사, 가나유통
         QCOMPARE(msgs.boxes().size(), size_t(0));
     }
     void theListsEntrySearchSaysWhenNothingIsFound() {
@@ -270,7 +291,9 @@ private Q_SLOTS:
         showActive(&form);
         const QString shown = form.txtinput(2)->text();
         form.txtinput(0)->setText("가나");
-        whenModalShows([](QWidget* modal) { pressKey(modal->focusWidget() ? modal->focusWidget() : modal, Qt::Key_Escape); });
+        whenModalShows([](QWidget* modal) {
+            pressKey(modal->focusWidget() ? modal->focusWidget() : modal, Qt::Key_Escape);
+        });
         form.cmdFind()->click();
         QCOMPARE(form.txtinput(2)->text(), shown);
     }
@@ -309,7 +332,8 @@ private Q_SLOTS:
         TestHome home;
         QVERIFY(openMasterStores());
         script();
-        addPostRows({{"135080", "서울", "강남구", "역삼동", "1~100"}, {"100011", "서울", "중구", "명동1가", ""}});
+        addPostRows(
+            {{"135080", "서울", "강남구", "역삼동", "1~100"}, {"100011", "서울", "중구", "명동1가", ""}});
         FrmUser form;
         showActive(&form);
         form.txtinput(3)->setFocus();

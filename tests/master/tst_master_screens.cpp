@@ -1,7 +1,6 @@
 // The menu entries of master data: each registered, each opening its screen modally over the
 // main window.
 #include "MasterFixture.h"
-
 #include "core/Clock.h"
 #include "core/shell/ScreenRegistry.h"
 #include "master/FrmNewProduct.h"

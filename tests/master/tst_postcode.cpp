@@ -2,7 +2,6 @@
 // the search by digits or by town with its single-hit delivery, the list screen by keys, and
 // the trigram index giving exactly the rows of the plain query.
 #include "MasterFixture.h"
-
 #include "common/text/Cp949.h"
 #include "master/FrmPost.h"
 #include "master/PostImport.h"
@@ -20,13 +19,12 @@ using namespace nb::test;
 
 namespace {
 
-const QString kSmallBook = QStringLiteral(
-    "SEQ,ZIPCODE,SIDO,GUGUN,DONG,BUNJI\n"
-    "1,135-080,서울,강남구,역삼동,1~100\n"
-    "2,135081,서울,강남구,역삼1동,\n"
-    "3,100-011,서울,중구,명동1가,\n"
-    "4,612-020,부산,해운대구,우동,\"1,2번지\"\n"
-    "5,똠123,서울,중구,햏동,\n");
+const QString kSmallBook = QStringLiteral("SEQ,ZIPCODE,SIDO,GUGUN,DONG,BUNJI\n"
+                                          "1,135-080,서울,강남구,역삼동,1~100\n"
+                                          "2,135081,서울,강남구,역삼1동,\n"
+                                          "3,100-011,서울,중구,명동1가,\n"
+                                          "4,612-020,부산,해운대구,우동,\"1,2번지\"\n"
+                                          "5,똠123,서울,중구,햏동,\n");
 
 QString writeBook(const TestHome& home, const QString& name, const QByteArray& bytes) {
     const QString path = home.file(name);
@@ -38,7 +36,8 @@ QString writeBook(const TestHome& home, const QString& name, const QByteArray& b
 
 QStringList zips(const QVector<QStringList>& rows) {
     QStringList out;
-    for (const QStringList& r : rows) out << r.value(0);
+    for (const QStringList& r : rows)
+        out << r.value(0);
     return out;
 }
 
@@ -50,7 +49,8 @@ QStringList plainZips(Database& db, const QString& text) {
     q.addBindValue("%" + likeLiteral(text) + "%");
     q.exec();
     QStringList out;
-    while (q.next()) out << q.value(0).toString();
+    while (q.next())
+        out << q.value(0).toString();
     return out;
 }
 
@@ -67,7 +67,8 @@ private Q_SLOTS:
         QCOMPARE(ImportPostcodeFile(path), 4);
         QCOMPARE(msgs.last().title, kPostImportTitle);
         QCOMPARE(msgs.last().text,
-                 QStringLiteral("우편번호 4건을 가져왔습니다.\r\n우편번호가 여섯 자리가 아닌 1줄은 건너뛰었습니다."));
+                 QStringLiteral(
+                     "우편번호 4건을 가져왔습니다.\r\n우편번호가 여섯 자리가 아닌 1줄은 건너뛰었습니다."));
         QVERIFY(!msgs.progressValues().isEmpty());
         const auto rows = SearchPostBook("");
         QCOMPARE(zips(rows), (QStringList{"100011", "135080", "135081", "612020"}));
@@ -89,11 +90,14 @@ private Q_SLOTS:
         QVERIFY(openMasterStores());
         auto& msgs = script();
         ImportPostcodeFile(writeBook(home, "a.csv", kSmallBook.toUtf8()));
-        QCOMPARE(ImportPostcodeFile(writeBook(home, "b.csv", "ZIPCODE,SIDO,GUGUN,DONG,BUNJI\n999999,X,Y,Z,\n")), 1);
+        QCOMPARE(
+            ImportPostcodeFile(writeBook(home, "b.csv", "ZIPCODE,SIDO,GUGUN,DONG,BUNJI\n999999,X,Y,Z,\n")),
+            1);
         QCOMPARE(SearchPostBook("").size(), 1);
         QCOMPARE(ImportPostcodeFile(writeBook(home, "c.csv", "ZIP,SIDO\n1,2\n")), -1);
-        QCOMPARE(msgs.last().text.section("\r\n", 0, 0),
-                 QStringLiteral("우편번호 파일의 첫 줄에 ZIPCODE, SIDO, GUGUN, DONG, BUNJI 열이 있어야 합니다."));
+        QCOMPARE(
+            msgs.last().text.section("\r\n", 0, 0),
+            QStringLiteral("우편번호 파일의 첫 줄에 ZIPCODE, SIDO, GUGUN, DONG, BUNJI 열이 있어야 합니다."));
         QCOMPARE(SearchPostBook("").size(), 1);
         QCOMPARE(ImportPostcodeFile(home.file("missing.csv")), -1);
         QVERIFY(msgs.last().text.startsWith(QStringLiteral("우편번호 파일을 열 수 없습니다.")));
@@ -113,14 +117,16 @@ private Q_SLOTS:
     void aNumericTextFindsPostcodesContainingItAnywhere() {
         TestHome home;
         QVERIFY(openMasterStores());
-        addPostRows({{"135080", "서울", "강남구", "역삼동", ""}, {"100135", "서울", "중구", "명동", ""},
+        addPostRows({{"135080", "서울", "강남구", "역삼동", ""},
+                     {"100135", "서울", "중구", "명동", ""},
                      {"612020", "부산", "해운대구", "우동", ""}});
         QCOMPARE(zips(SearchPostBook("135")), (QStringList{"100135", "135080"}));
     }
     void anExactSingleHitFillsTheFieldsWithoutAWindow() {
         TestHome home;
         QVERIFY(openMasterStores());
-        addPostRows({{"135080", "서울", "강남구", "역삼동", "1~100"}, {"100011", "서울", "중구", "명동1가", ""}});
+        addPostRows(
+            {{"135080", "서울", "강남구", "역삼동", "1~100"}, {"100011", "서울", "중구", "명동1가", ""}});
         QLineEdit zip, addr;
         FrmPost form;
         form.SetObject(&zip, &addr);
@@ -177,7 +183,8 @@ private Q_SLOTS:
     void theLimitsBranchesStillNarrowTheSearch() {
         TestHome home;
         QVERIFY(openMasterStores());
-        addPostRows({{"100011", "서울", "중구", "명동", ""}, {"135080", "서울", "강남구", "역삼동", ""},
+        addPostRows({{"100011", "서울", "중구", "명동", ""},
+                     {"135080", "서울", "강남구", "역삼동", ""},
                      {"612020", "부산", "해운대구", "우동", ""}});
         postLimits() = {"135000", ""};
         QCOMPARE(zips(SearchPostBook("")), (QStringList{"135080", "612020"}));
@@ -192,7 +199,8 @@ private Q_SLOTS:
         QCOMPARE(ChosenZip("135080"), QStringLiteral("135-080"));
         QCOMPARE(ChosenZip("012345"), QStringLiteral("012-345"));
         QCOMPARE(ChosenZip("12345"), QStringLiteral("12345"));
-        QCOMPARE(AddressPrefix({"135080", "서울", "강남구", "역삼동", "1~100"}), QStringLiteral("서울 강남구 역삼동"));
+        QCOMPARE(AddressPrefix({"135080", "서울", "강남구", "역삼동", "1~100"}),
+                 QStringLiteral("서울 강남구 역삼동"));
     }
     void theListByKeysSearchesAgainAndEnterDelivers() {
         TestHome home;
@@ -211,9 +219,10 @@ private Q_SLOTS:
         typeText(form.txtinput(), "역삼");
         pressKey(form.txtinput(), Qt::Key_Return);
         QVERIFY(form.model()->rowCount() > 1);
-        for (int r = 0; r < form.model()->rowCount(); ++r) QVERIFY(form.model()->text(r, 3).contains("역삼"));
+        for (int r = 0; r < form.model()->rowCount(); ++r)
+            QVERIFY(form.model()->text(r, 3).contains("역삼"));
         form.txtinput()->clear();
-        pressKey(form.txtinput(), Qt::Key_Return);  // an empty text leaves the list
+        pressKey(form.txtinput(), Qt::Key_Return); // an empty text leaves the list
         QVERIFY(form.model()->rowCount() > 1);
         form.grdList()->setFocus();
         saveScreenshot(&form, "frm_post");
@@ -227,7 +236,8 @@ private Q_SLOTS:
     void escClosesWithoutWriting() {
         TestHome home;
         QVERIFY(openMasterStores());
-        addPostRows({{"135080", "서울", "강남구", "역삼동", ""}, {"135090", "서울", "강남구", "역삼2동", ""}});
+        addPostRows(
+            {{"135080", "서울", "강남구", "역삼동", ""}, {"135090", "서울", "강남구", "역삼2동", ""}});
         QLineEdit zip, addr;
         FrmPost form;
         form.SetObject(&zip, &addr);
@@ -254,17 +264,19 @@ private Q_SLOTS:
         QVERIFY(q.sql.contains("MATCH"));
         QSqlQuery plan(post.connection());
         plan.prepare("EXPLAIN QUERY PLAN " + q.sql);
-        for (const QVariant& v : q.values) plan.addBindValue(v);
+        for (const QVariant& v : q.values)
+            plan.addBindValue(v);
         QVERIFY(plan.exec());
         QString steps;
-        while (plan.next()) steps += plan.value(3).toString() + "\n";
+        while (plan.next())
+            steps += plan.value(3).toString() + "\n";
         QVERIFY2(!steps.contains(QRegularExpression("SCAN Post(\\s|$)")), qPrintable(steps));
     }
     void theIndexFollowsEveryWrite() {
         TestHome home;
         QVERIFY(openMasterStores());
         addPostRows({{"135080", "서울", "강남구", "역삼동", ""}});
-        QCOMPARE(SearchPostBook("역삼동").size(), 1);  // builds the index
+        QCOMPARE(SearchPostBook("역삼동").size(), 1); // builds the index
         addPostRows({{"135090", "서울", "강남구", "역삼2동", ""}});
         Database post;
         QVERIFY(post.open(app().DbPostFile));

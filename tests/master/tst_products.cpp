@@ -1,7 +1,6 @@
 // Products: numbering, the save with its duplicate question and whole-number prices, the
 // shared look-ups, the two-query list with its answer, and both screens driven by keys.
 #include "MasterFixture.h"
-
 #include "master/FrmNewProduct.h"
 #include "master/FrmProductList.h"
 #include "master/ProductRecords.h"
@@ -28,7 +27,8 @@ ProductFields product(const QString& name, const QString& norm = QString(), cons
 
 QStringList listCodes(FrmProductList& list) {
     QStringList out;
-    for (int r = 0; r < list.model()->rowCount(); ++r) out << list.model()->text(r, 5);
+    for (int r = 0; r < list.model()->rowCount(); ++r)
+        out << list.model()->text(r, 5);
     return out;
 }
 
@@ -80,8 +80,9 @@ private Q_SLOTS:
         msgs.answer(AnsCancel);
         QCOMPARE(SaveProduct(product("볼트", "M8", "11", "22"), code, 0), ProductSave::Cancelled);
         QCOMPARE(msgs.last().title, QStringLiteral("상품명 중복"));
-        QCOMPARE(msgs.last().text, QStringLiteral("(볼트)는 이미 등록된 상품입니다.\r\n수정하시겠습니까?\r\n"
-                                                  "[예] - 수정함.\r\n[아니오] - 등록하지 않고 종료\r\n[취소] - 다시 입력함."));
+        QCOMPARE(msgs.last().text,
+                 QStringLiteral("(볼트)는 이미 등록된 상품입니다.\r\n수정하시겠습니까?\r\n"
+                                "[예] - 수정함.\r\n[아니오] - 등록하지 않고 종료\r\n[취소] - 다시 입력함."));
         QCOMPARE(msgs.last().buttons, int(MbYesNoCancel | MbQuestion));
         msgs.answer(AnsNo);
         QCOMPARE(SaveProduct(product("볼트", "M8", "11", "22"), code, 0), ProductSave::Declined);
@@ -120,7 +121,7 @@ private Q_SLOTS:
         QString code;
         SaveProduct(product("볼트", "", "  2,000.5", "1,500.75"), code, 0);
         QCOMPARE(productField("000001", "SalePrice").toDouble(), 1501.0);
-        QCOMPARE(productField("000001", "BuyPrice").toDouble(), 2000.0);  // half to even
+        QCOMPARE(productField("000001", "BuyPrice").toDouble(), 2000.0); // half to even
     }
     void aPriceThatIsNoNumberFailsClearly() {
         TestHome home;
@@ -183,7 +184,8 @@ private Q_SLOTS:
         exec(stores().dbBasic, "DROP TABLE Product");
         QCOMPARE(GetProductName("000001"), QString());
         QVERIFY(msgs.last().text.startsWith(QStringLiteral("Error 3011 (")));
-        QVERIFY(msgs.last().text.endsWith(QStringLiteral(") in procedure GetProductName of Module ModModule")));
+        QVERIFY(
+            msgs.last().text.endsWith(QStringLiteral(") in procedure GetProductName of Module ModModule")));
     }
     void findProductByCodeByNameOrAll() {
         TestHome home;
@@ -259,10 +261,12 @@ private Q_SLOTS:
         QCOMPARE(list.model()->text(0, 1), QStringLiteral("EA"));
         QCOMPARE(list.model()->text(0, 2), QStringLiteral("면세"));
         QCOMPARE(list.model()->text(0, 3), QStringLiteral("2,500.5"));
-        QCOMPARE(list.model()->headerData(3, Qt::Horizontal, Qt::DisplayRole).toString(), QStringLiteral("매출가"));
+        QCOMPARE(list.model()->headerData(3, Qt::Horizontal, Qt::DisplayRole).toString(),
+                 QStringLiteral("매출가"));
         list.InitForm(0, "볼트", result);
         QCOMPARE(list.model()->text(0, 3), QStringLiteral("1,500"));
-        QCOMPARE(list.model()->headerData(3, Qt::Horizontal, Qt::DisplayRole).toString(), QStringLiteral("매입가"));
+        QCOMPARE(list.model()->headerData(3, Qt::Horizontal, Qt::DisplayRole).toString(),
+                 QStringLiteral("매입가"));
         list.InitForm(4, "볼트", result);
         QCOMPARE(list.model()->text(0, 3), QString());
         QCOMPARE(list.activeRow(), 0);
@@ -408,7 +412,7 @@ private Q_SLOTS:
         typeHere("M8");
         keyHere(Qt::Key_Return);
         QCOMPARE(form.SSPanel1()->text(), QStringLiteral("매입가를 입력하세요."));
-        keyHere(Qt::Key_Return);  // an empty price becomes 0 on leaving
+        keyHere(Qt::Key_Return); // an empty price becomes 0 on leaving
         QCOMPARE(form.txtinput(2)->text().trimmed(), QStringLiteral("0"));
         QCOMPARE(form.SSPanel1()->text(), QStringLiteral("매출가를 입력하세요."));
         typeHere("1500");
@@ -425,7 +429,7 @@ private Q_SLOTS:
         QCOMPARE(msgs.last().text, QStringLiteral("자료가 저장되었습니다."));
         QCOMPARE(productField("000001", "SalePrice").toDouble(), 1500.0);
         QCOMPARE(productField("000001", "Unit").toString(), QStringLiteral("EA"));
-        QCOMPARE(form.txtinput(0)->text(), QString());  // ready for the next one
+        QCOMPARE(form.txtinput(0)->text(), QString()); // ready for the next one
         QVERIFY(form.isVisible());
     }
     void aSaveCalledByAnotherScreenWritesTheNameAndCloses() {
@@ -449,7 +453,7 @@ private Q_SLOTS:
         FrmNewProduct form;
         form.InitForm("", "", 0, "");
         showActive(&form);
-        keyHere(Qt::Key_F4);  // nothing searched yet
+        keyHere(Qt::Key_F4); // nothing searched yet
         QCOMPARE(msgs.records().size(), size_t(0));
         typeHere("와셔");
         keyHere(Qt::Key_F3);

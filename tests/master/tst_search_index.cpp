@@ -1,7 +1,6 @@
 // The trigram index beside Trader: the same rows in the same order as the plain query, kept
 // in step with every write, rebuilt when out of step, and no table scan for three characters.
 #include "MasterFixture.h"
-
 #include "master/SearchIndex.h"
 #include "master/SearchRules.h"
 #include "master/TraderRecords.h"
@@ -18,24 +17,28 @@ QStringList codesOf(const SqlPart& query) {
     Recordset rs;
     OpenSnapshot(stores().dbBasic, rs, query.sql, query.values);
     QStringList out;
-    for (; !rs.EOF_(); rs.MoveNext()) out << rs.text("Code");
+    for (; !rs.EOF_(); rs.MoveNext())
+        out << rs.text("Code");
     return out;
 }
 
 // The list's rows by the plain LIKE conditions, without the index.
 QStringList plainCodes(const QString& name) {
     const QString first = TraderSearchByPhone(name) ? "Phone" : "C_Name";
-    return codesOf({"SELECT Code FROM Trader WHERE Section = 0 AND (" + first + " LIKE ? ESCAPE '\\' OR Addr2 LIKE ? "
-                    "ESCAPE '\\') ORDER BY C_Name, rowid",
+    return codesOf({"SELECT Code FROM Trader WHERE Section = 0 AND (" + first +
+                        " LIKE ? ESCAPE '\\' OR Addr2 LIKE ? "
+                        "ESCAPE '\\') ORDER BY C_Name, rowid",
                     {LikeContains(name), LikeContains(name)}});
 }
 
 void addMany() {
-    const QStringList names = {"가나상사", "ABC Trading", "abc무역", "O'Neil", "50%할인", "A_B상회", "가나상사",
-                               "역삼물산", "대한전자", "한국기계"};
+    const QStringList names = {"가나상사", "ABC Trading", "abc무역",  "O'Neil",   "50%할인",
+                               "A_B상회",  "가나상사",    "역삼물산", "대한전자", "한국기계"};
     for (int i = 0; i < 200; ++i)
-        addTrader(QString("%1").arg(i + 1, 6, 10, QChar('0')), names[i % names.size()] + QString::number(i % 7),
-                  QString("02-%1-%2").arg(100 + i).arg(1000 + i * 3), "서울 강남구 역삼동 " + QString::number(i % 11));
+        addTrader(QString("%1").arg(i + 1, 6, 10, QChar('0')),
+                  names[i % names.size()] + QString::number(i % 7),
+                  QString("02-%1-%2").arg(100 + i).arg(1000 + i * 3),
+                  "서울 강남구 역삼동 " + QString::number(i % 11));
 }
 
 } // namespace
@@ -64,10 +67,12 @@ private Q_SLOTS:
         QVERIFY(q.sql.contains("MATCH"));
         QSqlQuery plan(stores().dbBasic.connection());
         plan.prepare("EXPLAIN QUERY PLAN " + q.sql);
-        for (const QVariant& v : q.values) plan.addBindValue(v);
+        for (const QVariant& v : q.values)
+            plan.addBindValue(v);
         QVERIFY(plan.exec());
         QString steps;
-        while (plan.next()) steps += plan.value(3).toString() + "\n";
+        while (plan.next())
+            steps += plan.value(3).toString() + "\n";
         QVERIFY2(!steps.contains(QRegularExpression("SCAN Trader(\\s|$)")), qPrintable(steps));
     }
     void theIndexFollowsSavesUpdatesAndDeletes() {
@@ -100,9 +105,11 @@ private Q_SLOTS:
         addTrader("000002", "가나다라마");
         QVERIFY(EnsureSearchIndex(stores().dbBasic, TraderSearchIndex()));
         QCOMPARE(scalar(stores().dbBasic, "SELECT count(*) FROM Trader_search").toInt(), 2);
-        QCOMPARE(scalar(stores().dbBasic,
-                        "SELECT count(*) FROM sqlite_master WHERE type = 'trigger' AND name LIKE 'Trader_search%'").toInt(),
-                 3);
+        QCOMPARE(
+            scalar(stores().dbBasic,
+                   "SELECT count(*) FROM sqlite_master WHERE type = 'trigger' AND name LIKE 'Trader_search%'")
+                .toInt(),
+            3);
     }
     void ensureSearchIndexesMakesWhatTheFileHolds() {
         TestHome home;

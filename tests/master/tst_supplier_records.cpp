@@ -1,7 +1,6 @@
 // Suppliers: the save with its replace and duplicate check, the default supplier, the reset of
 // the legacy settings and the hand-over stamp, delete, previous/next, and the list's search.
 #include "MasterFixture.h"
-
 #include "core/Clock.h"
 #include "core/Settings.h"
 #include "master/FrmUserList.h"
@@ -16,10 +15,13 @@ using namespace nb::test;
 namespace {
 
 SupplierFields supplier(const QString& serial, const QString& company = QStringLiteral("가나상사")) {
-    return {company, "홍길동", serial, "135-080", "서울 강남구", "02-123-4567", "02-123-4568", "도소매", "문구"};
+    return {company,       "홍길동",      serial,   "135-080", "서울 강남구",
+            "02-123-4567", "02-123-4568", "도소매", "문구"};
 }
 
-int userRows() { return count(stores().dbBasic, "User"); }
+int userRows() {
+    return count(stores().dbBasic, "User");
+}
 
 } // namespace
 
@@ -45,7 +47,7 @@ private Q_SLOTS:
         TestHome home;
         QVERIFY(openMasterStores());
         auto& msgs = script();
-        SupplierFormState state;  // HasUser stays false until a new visit or the check box
+        SupplierFormState state; // HasUser stays false until a new visit or the check box
         QCOMPARE(SaveSupplier(state, supplier("123-45-67890"), false), SupplierSave::Saved);
         msgs.clear();
         QCOMPARE(SaveSupplier(state, supplier("123-45-67890", "바뀐상사"), false), SupplierSave::Failed);
@@ -63,7 +65,8 @@ private Q_SLOTS:
         SupplierFormState state{true, false, "111-11-11111"};
         QCOMPARE(SaveSupplier(state, supplier("222-22-22222"), false), SupplierSave::Saved);
         QCOMPARE(userRows(), 1);
-        QCOMPARE(scalar(stores().dbBasic, "SELECT Serial FROM User").toString(), QStringLiteral("222-22-22222"));
+        QCOMPARE(scalar(stores().dbBasic, "SELECT Serial FROM User").toString(),
+                 QStringLiteral("222-22-22222"));
         QCOMPARE(app().DefaultSerial, QStringLiteral("111-11-11111"));
         QCOMPARE(GetEnv(kDefaultSupplierKey), QStringLiteral("111-11-11111"));
         QCOMPARE(state.OldSerial, QStringLiteral("222-22-22222"));
@@ -104,10 +107,12 @@ private Q_SLOTS:
         QVERIFY(openMasterStores());
         script();
         addUser("111-11-11111", "가나");
-        exec(stores().dbBasic, "CREATE TRIGGER refuse BEFORE INSERT ON User BEGIN SELECT RAISE(ABORT, 'no'); END");
+        exec(stores().dbBasic,
+             "CREATE TRIGGER refuse BEFORE INSERT ON User BEGIN SELECT RAISE(ABORT, 'no'); END");
         SupplierFormState state{true, false, "111-11-11111"};
         QCOMPARE(SaveSupplier(state, supplier("222-22-22222"), false), SupplierSave::Failed);
-        QCOMPARE(scalar(stores().dbBasic, "SELECT Serial FROM User").toString(), QStringLiteral("111-11-11111"));
+        QCOMPARE(scalar(stores().dbBasic, "SELECT Serial FROM User").toString(),
+                 QStringLiteral("111-11-11111"));
     }
     void anEmptySerialIsRefused() {
         TestHome home;
@@ -125,8 +130,9 @@ private Q_SLOTS:
         addUser("123-45-67890");
         SupplierFormState state{true, true, "123-45-67890"};
         QCOMPARE(SaveSupplier(state, supplier("123-45-67890"), false), SupplierSave::Duplicate);
-        QCOMPARE(msgs.last().text,
-                 QStringLiteral("이미 같은 사업자번호가 등록되어 있습니다.\r\n사업자번호는 중복될 수 없습니다."));
+        QCOMPARE(
+            msgs.last().text,
+            QStringLiteral("이미 같은 사업자번호가 등록되어 있습니다.\r\n사업자번호는 중복될 수 없습니다."));
         QCOMPARE(userRows(), 1);
         QVERIFY(state.IsNew);
     }
@@ -168,16 +174,19 @@ private Q_SLOTS:
         SupplierFormState state;
         SaveSupplier(state, supplier("123-45-67890"), false);
         QCOMPARE(count(stores().dbBasic, "Environment"), 1);
-        QCOMPARE(scalar(stores().dbBasic,
-                        "SELECT StockProc + Standard + Special + StockManage FROM Environment").toInt(), 0);
-        QCOMPARE(scalar(stores().dbBasic, "SELECT Password || sPost || ePost FROM Environment").toString(), QString());
+        QCOMPARE(
+            scalar(stores().dbBasic, "SELECT StockProc + Standard + Special + StockManage FROM Environment")
+                .toInt(),
+            0);
+        QCOMPARE(scalar(stores().dbBasic, "SELECT Password || sPost || ePost FROM Environment").toString(),
+                 QString());
         QVERIFY(postLimits().sPost.isEmpty() && postLimits().ePost.isEmpty());
         QCOMPARE(GetEnv("암호번호"), QString());
         QCOMPARE(GetEnv("암호사용여부"), QStringLiteral("0"));
         QCOMPARE(GetEnv("chk소수점"), QString());
         QVERIFY(!app().PasswordInUse);
         QCOMPARE(app().DecimalQty, 0);
-        QCOMPARE(GetEnv("chk소수점1"), QStringLiteral("2"));  // on disk untouched
+        QCOMPARE(GetEnv("chk소수점1"), QStringLiteral("2")); // on disk untouched
     }
     void theHandOverStampIsWrittenOnceAsYearAndMonth() {
         TestHome home;
@@ -238,7 +247,8 @@ private Q_SLOTS:
         QTest::newRow("z searches anywhere") << "z" << QStringList{"zeta A"};
         QTest::newRow("a sign searches anywhere") << "%" << QStringList{"50% 할인"};
         QTest::newRow("a digit searches the telephone") << "555" << QStringList{"Beta"};
-        QTest::newRow("an empty text lists all") << "" << QStringList{"50% 할인", "Alpha", "Beta", "yoyo", "zeta A", "가나상사", "가나상사 A"};
+        QTest::newRow("an empty text lists all")
+            << "" << QStringList{"50% 할인", "Alpha", "Beta", "yoyo", "zeta A", "가나상사", "가나상사 A"};
     }
     void listSearchByFirstCharacterCode() {
         QFETCH(QString, text);
@@ -256,7 +266,8 @@ private Q_SLOTS:
         Recordset rs;
         QVERIFY(OpenSnapshot(stores().dbBasic, rs, q.sql, q.values));
         QStringList got;
-        for (; !rs.EOF_(); rs.MoveNext()) got << rs.text("Company");
+        for (; !rs.EOF_(); rs.MoveNext())
+            got << rs.text("Company");
         QCOMPARE(got, companies);
     }
     void listInitFormAnswersZeroOneOrTwo() {

@@ -1,7 +1,6 @@
 // The trader record class: every operation of its interface, the two look-ups beside it, and
 // text that must be stored as typed.
 #include "MasterFixture.h"
-
 #include "core/Clock.h"
 #include "master/clsTrader.h"
 
@@ -35,8 +34,8 @@ clsTrader filledTrader(const QString& code, const QString& name) {
 }
 
 QVariant traderField(const QString& code, const QString& column) {
-    return scalar(stores().dbBasic, QStringLiteral("SELECT ") + column + QStringLiteral(" FROM Trader WHERE Code = ?"),
-                  {code});
+    return scalar(stores().dbBasic,
+                  QStringLiteral("SELECT ") + column + QStringLiteral(" FROM Trader WHERE Code = ?"), {code});
 }
 
 } // namespace
@@ -66,13 +65,16 @@ private Q_SLOTS:
     void saveTraderFailureShowsTheHandlersBox() {
         TestHome home;
         QVERIFY(openMasterStores());
-        exec(stores().dbBasic, "CREATE TRIGGER refuse BEFORE INSERT ON Trader BEGIN SELECT RAISE(ABORT, 'refused'); END");
+        exec(stores().dbBasic,
+             "CREATE TRIGGER refuse BEFORE INSERT ON Trader BEGIN SELECT RAISE(ABORT, 'refused'); END");
         auto& msgs = script();
         filledTrader("000001", "가나").SaveTrader();
         QCOMPARE(msgs.records().size(), size_t(1));
-        QVERIFY(msgs.last().text.startsWith(QStringLiteral("자료를 저장하는 중 오류가 발생했습니다.\r\n\r\n오류번호 : ")));
+        QVERIFY(msgs.last().text.startsWith(
+            QStringLiteral("자료를 저장하는 중 오류가 발생했습니다.\r\n\r\n오류번호 : ")));
         QVERIFY(msgs.last().text.contains(QStringLiteral("\r\n오류내용 : ")));
-        QVERIFY(msgs.last().text.endsWith(QStringLiteral("\r\n\r\n입력하신 내용을 다시 한번 확인하여 주십시요.")));
+        QVERIFY(msgs.last().text.endsWith(
+            QStringLiteral("\r\n\r\n입력하신 내용을 다시 한번 확인하여 주십시요.")));
         QCOMPARE(msgs.last().buttons, int(MbOk));
     }
     void quotesBackslashesAndWildcardsAreStoredAsTyped() {
@@ -259,14 +261,15 @@ private Q_SLOTS:
         QString code = "keep";
         QVERIFY(!clsTrader().NextCode(code));
         QCOMPARE(code, QStringLiteral("keep"));
-        QCOMPARE(msgs.last().text,
-                 QStringLiteral("Error 13 (형식이 일치하지 않습니다.) in procedure NextCode of Module clsTrader"));
+        QCOMPARE(
+            msgs.last().text,
+            QStringLiteral("Error 13 (형식이 일치하지 않습니다.) in procedure NextCode of Module clsTrader"));
     }
     void updateNoPayMovesTheBalanceByTheDifference() {
         TestHome home;
         QVERIFY(openMasterStores());
         auto& msgs = script();
-        filledTrader("000001", "가").SaveTrader();  // balance 15000
+        filledTrader("000001", "가").SaveTrader(); // balance 15000
         clsTrader t;
         t.sCode = "000001";
         t.UpdateNoPay(5000, 8000);

@@ -2,7 +2,6 @@
 // shaping, the last address word, modes 0 and 1, the duplicate question, the list contract,
 // F3, F4 with the trader's business, and new.
 #include "MasterFixture.h"
-
 #include "core/Clock.h"
 #include "master/FrmNewTrader.h"
 #include "master/FrmTraderList.h"
@@ -24,7 +23,8 @@ QVariant traderField(const QString& code, const QString& column) {
 
 QStringList listCodes(FrmTraderList& list) {
     QStringList out;
-    for (int r = 0; r < list.model()->rowCount(); ++r) out << list.model()->text(r, 4);
+    for (int r = 0; r < list.model()->rowCount(); ++r)
+        out << list.model()->text(r, 4);
     return out;
 }
 
@@ -47,8 +47,9 @@ private Q_SLOTS:
         QCOMPARE(focused(), form.txtinput(0));
         QCOMPARE(form.pnlCaption()->text(), QStringLiteral("상호명을 입력하세요."));
         const QList<std::pair<int, QString>> steps = {
-            {0, "가나상사"}, {1, "홍길동"}, {2, "0212345678"}, {3, "021234567"}, {15, "01012345678"}, {4, "2"},
-            {5, ""}, {6, "123-45-67890"}, {7, "도소매"}, {8, "문구"}, {9, "역삼"}};
+            {0, "가나상사"},     {1, "홍길동"}, {2, "0212345678"}, {3, "021234567"},
+            {15, "01012345678"}, {4, "2"},      {5, ""},           {6, "123-45-67890"},
+            {7, "도소매"},       {8, "문구"},   {9, "역삼"}};
         for (const auto& [index, text] : steps) {
             QCOMPARE(focused(), form.txtinput(index));
             QCOMPARE(form.pnlCaption()->text(), form.hintFor(index));
@@ -140,8 +141,9 @@ private Q_SLOTS:
         msgs.answer(AnsNo);
         form.btnSave()->click();
         QCOMPARE(msgs.last().title, QStringLiteral("상호명 중복"));
-        QCOMPARE(msgs.last().text, QStringLiteral("가나상사는 이미 등록된 거래처입니다.\r\n등록하시겠습니까?\r\n"
-                                                  "[예] - 등록함.\r\n[아니오] - 등록하지 않고 종료"));
+        QCOMPARE(msgs.last().text,
+                 QStringLiteral("가나상사는 이미 등록된 거래처입니다.\r\n등록하시겠습니까?\r\n"
+                                "[예] - 등록함.\r\n[아니오] - 등록하지 않고 종료"));
         QCOMPARE(msgs.last().buttons, int(MbYesNo | MbQuestion));
         QVERIFY(form.isVisible());
         QCOMPARE(form.txtinput(0)->text(), QString());
@@ -199,7 +201,8 @@ private Q_SLOTS:
         QVERIFY(openMasterStores());
         auto& msgs = script();
         addTrader("000001", "가나상사", "02-111-1111", "서울 중구 1");
-        exec(stores().dbBasic, "UPDATE Trader SET VAT = 1, Charge = '김', TotNoPay = 500 WHERE Code = '000001'");
+        exec(stores().dbBasic,
+             "UPDATE Trader SET VAT = 1, Charge = '김', TotNoPay = 500 WHERE Code = '000001'");
         FrmNewTrader form;
         form.InitForm(1, "가나상사", "2004-05", "000001");
         QCOMPARE(form.txtinput(2)->text(), QStringLiteral("02-111-1111"));
@@ -294,12 +297,12 @@ private Q_SLOTS:
         FrmTraderList list;
         int result = 0;
         list.InitForm("명동", 0, result);
-        QCOMPARE(listCodes(list), (QStringList{"000001", "000002"}));  // last word or name
+        QCOMPARE(listCodes(list), (QStringList{"000001", "000002"})); // last word or name
         list.InitForm("1111", 0, result);
-        QCOMPARE(listCodes(list), (QStringList{"000001", "000003"}));  // telephone or last word
+        QCOMPARE(listCodes(list), (QStringList{"000001", "000003"})); // telephone or last word
         list.InitForm("상", 0, result);
         QCOMPARE(listCodes(list), (QStringList{"000001", "000002"}));
-        list.InitForm("중구", 0, result);  // a middle word of the address is not searched
+        list.InitForm("중구", 0, result); // a middle word of the address is not searched
         QCOMPARE(result, 0);
     }
     void listKeepsToTheSectionBelowTwoAndShowsEveryKindAbove() {
@@ -332,7 +335,7 @@ private Q_SLOTS:
         QCOMPARE(listCodes(list), (QStringList{"000001"}));
         list.InitForm("A_B", 0, result);
         QCOMPARE(listCodes(list), (QStringList{"000003"}));
-        list.InitForm("O'Neil", 0, result);  // the quote is removed before the search
+        list.InitForm("O'Neil", 0, result); // the quote is removed before the search
         QCOMPARE(result, 0);
         list.InitForm("Neil", 0, result);
         QCOMPARE(result, 1);
@@ -359,7 +362,8 @@ private Q_SLOTS:
         QCOMPARE(msgs.last().text, QStringLiteral("검색된 거래처가 없습니다."));
         pressKey(list.txtinput(), Qt::Key_Down);
         QCOMPARE(focused(), list.grdList());
-        QCOMPARE(list.hintPanel()->text(), QStringLiteral("거래처를 선택하세요.[Click or Enter]   [F3:거래처수정][F4:삭제]"));
+        QCOMPARE(list.hintPanel()->text(),
+                 QStringLiteral("거래처를 선택하세요.[Click or Enter]   [F3:거래처수정][F4:삭제]"));
         saveScreenshot(&list, "frm_trader_list");
         QLineEdit target;
         list.SetObject(&target);
@@ -400,22 +404,27 @@ private Q_SLOTS:
         auto& msgs = script();
         addTrader("000001", "가나상사");
         addTrader("000002", "가나물산");
-        exec(stores().dbBill, "INSERT INTO Master (BillNo, BillDate, CCode) VALUES ('000001', '2004-05-01', '000001')");
-        exec(stores().dbBill, "INSERT INTO Master (BillNo, BillDate, CCode) VALUES ('000002', '2004-05-01', '000002')");
+        exec(stores().dbBill,
+             "INSERT INTO Master (BillNo, BillDate, CCode) VALUES ('000001', '2004-05-01', '000001')");
+        exec(stores().dbBill,
+             "INSERT INTO Master (BillNo, BillDate, CCode) VALUES ('000002', '2004-05-01', '000002')");
         exec(stores().dbBill, "INSERT INTO Detail (BillNo, BillSEQ, PName) VALUES ('000001', 1, '볼트')");
-        exec(stores().dbTax, "INSERT INTO NewAcount (TaxCode, CCode, PName) VALUES ('100000', '000001', '볼트')");
-        exec(stores().dbTax, "INSERT INTO NewAcount (TaxCode, CCode, PName) VALUES ('100001', '000002', '너트')");
+        exec(stores().dbTax,
+             "INSERT INTO NewAcount (TaxCode, CCode, PName) VALUES ('100000', '000001', '볼트')");
+        exec(stores().dbTax,
+             "INSERT INTO NewAcount (TaxCode, CCode, PName) VALUES ('100001', '000002', '너트')");
         FrmTraderList list;
         int result = 0;
         list.InitForm("가나", 0, result);
         showActive(&list);
         list.grdList()->setFocus();
-        list.selectRow(1);  // 가나상사
+        list.selectRow(1); // 가나상사
         msgs.answer(AnsNo);
         pressKey(list.grdList(), Qt::Key_F4);
         QCOMPARE(msgs.last().title, QStringLiteral("거래처 삭제"));
         QCOMPARE(msgs.last().text,
-                 QStringLiteral("거래처에 대한 모든 거래내역도 삭제됩니다\r\n\r\n선택하신 거래처를 삭제하시겠습니까?"));
+                 QStringLiteral(
+                     "거래처에 대한 모든 거래내역도 삭제됩니다\r\n\r\n선택하신 거래처를 삭제하시겠습니까?"));
         QCOMPARE(count(stores().dbBasic, "Trader"), 2);
         msgs.answer(AnsYes);
         pressKey(list.grdList(), Qt::Key_F4);
@@ -433,7 +442,8 @@ private Q_SLOTS:
         script();
         addTrader("000001", "가나상사");
         exec(stores().dbTax, "INSERT INTO NewAcount (TaxCode, CCode) VALUES ('100000', '000001')");
-        exec(stores().dbTax, "CREATE TRIGGER refuse BEFORE DELETE ON NewAcount BEGIN SELECT RAISE(ABORT, 'no'); END");
+        exec(stores().dbTax,
+             "CREATE TRIGGER refuse BEFORE DELETE ON NewAcount BEGIN SELECT RAISE(ABORT, 'no'); END");
         QVERIFY(!DeleteTraderWithBusiness("000001"));
         QCOMPARE(count(stores().dbBasic, "Trader"), 1);
     }
