@@ -10,11 +10,11 @@ namespace nb {
 // The search screens drop "'", "\" and "]" from typed text before searching.
 QString StripSearchText(const QString& text);
 
-// Patterns for "LIKE ? ESCAPE '\'": "text*" and "*text*" of the original.
+// Patterns for "LIKE ? ESCAPE '\'": a name that starts with the text, or holds it anywhere.
 QString LikePrefix(const QString& text);
 QString LikeContains(const QString& text);
 // The clause that goes with them.
-inline const QString kLikeEscape = QStringLiteral(" ESCAPE '\\'");
+inline const QString kLikeEscape = QStringLiteral(" ESCAPE '\'");
 
 // True for a code from 48 to 57.
 bool IsDigitCode(int code);

@@ -15,7 +15,7 @@ namespace {
 const QString kSelectTraders = QStringLiteral("SELECT C_Name, U_Name, Phone, Addr1, Code FROM Trader ");
 const QString kOrderTraders = QStringLiteral("ORDER BY C_Name, Trader.rowid;");
 
-// CByte of the original: a number rounded half to even, 0 to 255.
+// The byte conversion of the VAT kind: a number rounded half to even, 0 to 255.
 bool toByte(const QString& text, quint8& out) {
     bool ok = false;
     const double value = NumberFromText(text, &ok);

@@ -43,7 +43,7 @@ public:
     // Traders not marked deleted, by name.
     void TraderList(Recordset& rs, bool& found);
     // By code, or (with an empty code) by the other texts; that branch names its order with
-    // the word the original misspelt, so the engine refuses it and the failure box shows.
+    // a misspelt word ("ORDERY"), so the engine refuses it and the failure box shows.
     void FindTrader(Recordset& rs, const QString& code, const QString& comp, const QString& name,
                     const QString& phone, const QString& addr, bool& found);
     void DeleteTrader(const QString& code);
