@@ -2,6 +2,10 @@
 
 #include "common/input/FormPlacement.h"
 #include "core/Lifecycle.h"
+#include "master/FrmNewProduct.h"
+#include "master/FrmNewTrader.h"
+#include "master/FrmProductList.h"
+#include "master/FrmTraderList.h"
 #include "master/FrmUser.h"
 #include "master/FrmUserList.h"
 
@@ -37,6 +41,35 @@ public:
     }
 };
 
+class TraderList : public DialogList<FrmTraderList> {
+public:
+    using DialogList::DialogList;
+    int InitForm(QLineEdit* target, const QString& text, const QString&, int kind) override {
+        m_list->SetObject(target);
+        int result = 0;
+        m_list->InitForm(text, kind, result);
+        return result;
+    }
+};
+
+class ProductList : public DialogList<FrmProductList> {
+public:
+    using DialogList::DialogList;
+    int InitForm(QLineEdit* target, const QString& text, const QString& traderCode, int kind) override {
+        m_list->SetObject(target, traderCode);
+        int result = 0;
+        m_list->InitForm(kind, text, result);
+        return result;
+    }
+};
+
+// An entry form bound to the target, placed below the anchor and shown modally.
+template <class Form> void showEntryBelow(Form& form, QLineEdit* target, QWidget* anchor) {
+    form.SetObject(target);
+    if (anchor) MoveFormUnder(&form, anchor);
+    form.exec();
+}
+
 std::optional<InvoiceLookups>& slot() {
     static std::optional<InvoiceLookups> lookups;
     static const bool hooked = [] {
@@ -51,7 +84,21 @@ std::optional<InvoiceLookups>& slot() {
 
 InvoiceLookups masterLookups() {
     InvoiceLookups l;
+    l.traderList = [](QWidget* parent) { return std::make_unique<TraderList>(parent); };
+    l.productList = [](QWidget* parent) { return std::make_unique<ProductList>(parent); };
     l.userList = [](QWidget* parent) { return std::make_unique<UserList>(parent); };
+    l.newTrader = [](QWidget* parent, QLineEdit* target, const QString& seed, const QString& month,
+                     QWidget* anchor) {
+        FrmNewTrader form(parent);
+        form.InitForm(0, seed, month, QString());
+        showEntryBelow(form, target, anchor);
+    };
+    l.newProduct = [](QWidget* parent, QLineEdit* target, const QString& seed, const QString& date,
+                      QWidget* anchor) {
+        FrmNewProduct form(parent);
+        form.InitForm(seed, date, 0, QString());
+        showEntryBelow(form, target, anchor);
+    };
     l.userEntry = [](QWidget* parent) {
         FrmUser form(parent);
         form.exec();

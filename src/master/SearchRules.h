@@ -14,7 +14,7 @@ QString StripSearchText(const QString& text);
 QString LikePrefix(const QString& text);
 QString LikeContains(const QString& text);
 // The clause that goes with them.
-inline const QString kLikeEscape = QStringLiteral(" ESCAPE '\'");
+inline const QString kLikeEscape = QStringLiteral(" ESCAPE '\\'");
 
 // True for a code from 48 to 57.
 bool IsDigitCode(int code);
