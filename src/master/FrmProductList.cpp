@@ -36,18 +36,13 @@ FrmProductList::FrmProductList(QWidget* parent)
                      parent) {
     setObjectName(QStringLiteral("FrmProductList"));
     setWindowTitle(QStringLiteral("상품명 검색"));
-    m_new = new QPushButton(QStringLiteral("신규(&N)"), this);
-    m_new->setObjectName(QStringLiteral("btnNew"));
-    m_new->setAutoDefault(false);
-    buttonRow()->insertWidget(2, m_new);
-    m_code = new QLineEdit(this);
-    m_code->setObjectName(QStringLiteral("txtPCode"));
-    m_code->hide();
+    QPushButton* newButton = allowChanges();
+    m_code = addHiddenKeyBox(QStringLiteral("txtPCode"));
     setHints(QStringLiteral("상품명을 검색하세요.  [검색:Enter]"),
              QStringLiteral("상품을 선택하세요.[Click or Enter]   [F3:상품수정][F4:삭제]"));
     placeFirstColumnWidths({190, 50, 45, 90, 70, 70, 70});
     resize(660, 400);
-    connect(m_new, &QPushButton::clicked, this, &FrmProductList::newProduct);
+    connect(newButton, &QPushButton::clicked, this, &FrmProductList::newProduct);
     connect(txtinput(), &QLineEdit::textEdited, hintPanel(), &QLabel::clear);
 }
 
@@ -113,29 +108,10 @@ void FrmProductList::newProduct() {
 void FrmProductList::searchFromEntry() {
     const QString text = txtinput()->text();
     if (text.isEmpty()) return;
-    Recordset rs;
-    if (!OpenSnapshot(stores().dbBasic, rs,
-                      QStringLiteral("SELECT * FROM Product WHERE PName LIKE ?") + kLikeEscape +
-                          QStringLiteral(" ORDER BY PName;"),
-                      {likeLiteral(text)}))
-        return;
-    if (rs.EOF_()) {
-        MsgBox(QStringLiteral("검색한 상품명이 없습니다."));
-        return;
-    }
-    selectRow(model()->findRow(kCodeColumn, rs.text(QStringLiteral("Code"))));
-}
-
-bool FrmProductList::functionKey(int key) {
-    if (key == Qt::Key_F3) {
-        editActiveRow();
-        return true;
-    }
-    if (key == Qt::Key_F4) {
-        deleteActiveRow();
-        return true;
-    }
-    return false;
+    selectFirstMatch(QStringLiteral("SELECT * FROM Product WHERE PName LIKE ?") + kLikeEscape +
+                         QStringLiteral(" ORDER BY PName;"),
+                     likeLiteral(text), QStringLiteral("Code"), kCodeColumn,
+                     QStringLiteral("검색한 상품명이 없습니다."));
 }
 
 } // namespace nb

@@ -12,7 +12,6 @@ class FrmProductList : public MasterListForm {
 public:
     explicit FrmProductList(QWidget* parent = nullptr);
 
-    QPushButton* btnNew() const { return m_new; }
     QLineEdit* txtPCode() const { return m_code; }
     bool calledByAnotherForm() const { return m_called; }
     QString callerText() const { return m_callerText; }
@@ -24,18 +23,16 @@ public:
     void InitForm(int kind, const QString& text, int& result);
 
 public Q_SLOTS:
-    void editActiveRow();
-    void deleteActiveRow();
+    void editActiveRow() override;
+    void deleteActiveRow() override;
     void newProduct();
 
 protected:
     int keyColumn() const override { return 6; }
     void searchFromEntry() override;
-    bool functionKey(int key) override;
 
 private:
     void refill();
-    QPushButton* m_new = nullptr;
     QLineEdit* m_code = nullptr;
     QString m_callerText;
     bool m_called = false;

@@ -8,7 +8,6 @@
 #include "storage/Stores.h"
 
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -28,18 +27,13 @@ FrmTraderList::FrmTraderList(QWidget* parent)
                      parent) {
     setObjectName(QStringLiteral("FrmTraderList"));
     setWindowTitle(QStringLiteral("거래처 리스트"));
-    m_new = new QPushButton(QStringLiteral("신규(&N)"), this);
-    m_new->setObjectName(QStringLiteral("btnNew"));
-    m_new->setAutoDefault(false);
-    buttonRow()->insertWidget(2, m_new);
-    m_code = new QLineEdit(this);
-    m_code->setObjectName(QStringLiteral("txtCCode"));
-    m_code->hide();
+    QPushButton* newButton = allowChanges();
+    m_code = addHiddenKeyBox(QStringLiteral("txtCCode"));
     setHints(QStringLiteral("상호명으로 검색  [검색:엔터]   [F3 : 거래처수정]"),
              QStringLiteral("거래처를 선택하세요.[Click or Enter]   [F3:거래처수정][F4:삭제]"));
     placeFirstColumnWidths({140, 70, 100, 170, 70});
     resize(640, 400);
-    connect(m_new, &QPushButton::clicked, this, &FrmTraderList::newTrader);
+    connect(newButton, &QPushButton::clicked, this, &FrmTraderList::newTrader);
 }
 
 void FrmTraderList::InitForm(const QString& name, int section, int& result) {
@@ -93,29 +87,10 @@ void FrmTraderList::newTrader() {
 void FrmTraderList::searchFromEntry() {
     const QString text = txtinput()->text();
     if (text.isEmpty()) return;
-    Recordset rs;
-    if (!OpenSnapshot(stores().dbBasic, rs,
-                      QStringLiteral("SELECT * FROM Trader WHERE C_Name LIKE ?") + kLikeEscape +
-                          QStringLiteral(" ORDER BY C_Name;"),
-                      {LikePrefix(text)}))
-        return;
-    if (rs.EOF_()) {
-        MsgBox(QStringLiteral("검색된 거래처가 없습니다."));
-        return;
-    }
-    selectRow(model()->findRow(4, rs.text(QStringLiteral("Code"))));
-}
-
-bool FrmTraderList::functionKey(int key) {
-    if (key == Qt::Key_F3) {
-        editActiveRow();
-        return true;
-    }
-    if (key == Qt::Key_F4) {
-        deleteActiveRow();
-        return true;
-    }
-    return false;
+    selectFirstMatch(QStringLiteral("SELECT * FROM Trader WHERE C_Name LIKE ?") + kLikeEscape +
+                         QStringLiteral(" ORDER BY C_Name;"),
+                     LikePrefix(text), QStringLiteral("Code"), 4,
+                     QStringLiteral("검색된 거래처가 없습니다."));
 }
 
 } // namespace nb

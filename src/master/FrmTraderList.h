@@ -12,7 +12,6 @@ class FrmTraderList : public MasterListForm {
 public:
     explicit FrmTraderList(QWidget* parent = nullptr);
 
-    QPushButton* btnNew() const { return m_new; }
     QLineEdit* txtCCode() const { return m_code; }
 
     void SetObject(QLineEdit* target) { holdTarget(target); }
@@ -21,20 +20,18 @@ public:
 
 public Q_SLOTS:
     // F3: the entry form in change mode for the active row, then the list again.
-    void editActiveRow();
+    void editActiveRow() override;
     // F4: asks, then deletes the trader of the active row with its business.
-    void deleteActiveRow();
+    void deleteActiveRow() override;
     // btnNew: the entry form for a new trader with the typed name.
     void newTrader();
 
 protected:
     int keyColumn() const override { return 5; }
     void searchFromEntry() override;
-    bool functionKey(int key) override;
 
 private:
     void refill();
-    QPushButton* m_new = nullptr;
     QLineEdit* m_code = nullptr;
     QString m_name;
     int m_section = 0;

@@ -1,6 +1,5 @@
 #include "master/FrmUserList.h"
 
-#include "common/Messages.h"
 #include "master/SearchRules.h"
 #include "storage/Stores.h"
 
@@ -66,17 +65,10 @@ void FrmUserList::InitForm(const QString& text, int& result) {
 void FrmUserList::searchFromEntry() {
     const QString text = txtinput()->text();
     if (text.isEmpty()) return;
-    Recordset rs;
-    if (!OpenSnapshot(stores().dbBasic, rs,
-                      QStringLiteral("SELECT Serial FROM User WHERE Company LIKE ?") + kLikeEscape +
-                          QStringLiteral(" ORDER BY Company;"),
-                      {LikePrefix(text)}))
-        return;
-    if (rs.EOF_()) {
-        MsgBox(QStringLiteral("검색된 사용자가 없습니다."));
-        return;
-    }
-    selectRow(model()->findRow(4, rs.text(QStringLiteral("Serial"))));
+    selectFirstMatch(QStringLiteral("SELECT Serial FROM User WHERE Company LIKE ?") + kLikeEscape +
+                         QStringLiteral(" ORDER BY Company;"),
+                     LikePrefix(text), QStringLiteral("Serial"), 4,
+                     QStringLiteral("검색된 사용자가 없습니다."));
 }
 
 } // namespace nb

@@ -1,5 +1,8 @@
 #include "master/MasterListForm.h"
 
+#include "common/Messages.h"
+#include "storage/Stores.h"
+
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -82,8 +85,43 @@ void MasterListForm::writeTarget(const QString& key) {
     if (m_target) m_target->setText(key);
 }
 
-bool MasterListForm::functionKey(int) {
+bool MasterListForm::functionKey(int key) {
+    if (!m_new) return false;
+    if (key == Qt::Key_F3) {
+        editActiveRow();
+        return true;
+    }
+    if (key == Qt::Key_F4) {
+        deleteActiveRow();
+        return true;
+    }
     return false;
+}
+
+QPushButton* MasterListForm::allowChanges() {
+    m_new = new QPushButton(QStringLiteral("신규(&N)"), this);
+    m_new->setObjectName(QStringLiteral("btnNew"));
+    m_new->setAutoDefault(false);
+    m_buttons->insertWidget(2, m_new);
+    return m_new;
+}
+
+QLineEdit* MasterListForm::addHiddenKeyBox(const QString& objectName) {
+    auto* box = new QLineEdit(this);
+    box->setObjectName(objectName);
+    box->hide();
+    return box;
+}
+
+void MasterListForm::selectFirstMatch(const QString& sql, const QString& pattern, const QString& keyField,
+                                      int keyColumn0, const QString& notFound) {
+    Recordset rs;
+    if (!OpenSnapshot(stores().dbBasic, rs, sql, {pattern})) return;
+    if (rs.EOF_()) {
+        MsgBox(notFound);
+        return;
+    }
+    selectRow(m_model->findRow(keyColumn0, rs.text(keyField)));
 }
 
 void MasterListForm::setHints(const QString& entryHint, const QString& gridHint) {
