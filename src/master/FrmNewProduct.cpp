@@ -1,20 +1,17 @@
 #include "master/FrmNewProduct.h"
 
 #include "common/Messages.h"
-#include "common/input/KeyFlow.h"
-#include "common/input/SelectText.h"
 #include "common/text/NumBox.h"
+#include "master/EntryForm.h"
 #include "master/FrmProductList.h"
 #include "master/SearchRules.h"
 #include "storage/Stores.h"
 
 #include <QGridLayout>
-#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QVBoxLayout>
 
 namespace nb {
 namespace {
@@ -41,10 +38,7 @@ FrmNewProduct::FrmNewProduct(QWidget* parent) : QDialog(parent) {
 void FrmNewProduct::buildControls() {
     auto* grid = new QGridLayout;
     for (int i = 0; i < kProductFieldCount; ++i) {
-        auto* label = new QLabel(QString::fromUtf8(kLabels[i]), this);
-        label->setFrameShape(QFrame::Panel);
-        label->setFrameShadow(QFrame::Raised);
-        label->setMinimumWidth(80);
+        auto* label = fieldCaption(this, QString::fromUtf8(kLabels[i]));
         auto* box = new QLineEdit(this);
         box->setObjectName(QStringLiteral("txtinput_%1").arg(i));
         m_fields[size_t(i)] = box;
@@ -56,36 +50,15 @@ void FrmNewProduct::buildControls() {
     m_code = new QLineEdit(this);
     m_code->setObjectName(QStringLiteral("txtPCode"));
     m_code->hide();
-    m_hint = new QLabel(this);
-    m_hint->setObjectName(QStringLiteral("SSPanel1"));
-    m_hint->setFrameShape(QFrame::Panel);
-    m_hint->setFrameShadow(QFrame::Sunken);
-    m_save = new QPushButton(QStringLiteral("저장(&S)"), this);
-    m_save->setObjectName(QStringLiteral("btnSave"));
-    m_exit = new QPushButton(QStringLiteral("종료(&X)"), this);
-    m_exit->setObjectName(QStringLiteral("btnExit"));
-    for (QPushButton* b : {m_save, m_exit})
-        b->setAutoDefault(false);
-    auto* bottom = new QHBoxLayout;
-    bottom->addWidget(m_hint, 1);
-    bottom->addWidget(m_save);
-    bottom->addWidget(m_exit);
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(grid);
-    layout->addLayout(bottom);
+    const SaveExitRow row = addSaveExitRow(this, grid, QStringLiteral("SSPanel1"));
+    m_hint = row.hint;
+    m_save = row.save;
+    m_exit = row.exit;
     resize(460, 260);
 
-    auto* enterAsTab = new EnterAsTabFilter(this);
-    auto* select = new SelectAllOnFocus(this);
-    for (QLineEdit* box : m_fields) {
-        enterAsTab->watch(box);
-        select->watch(box);
-        box->installEventFilter(this);
-    }
-    setTabOrder(m_fields[5], m_save);
-    setTabOrder(m_save, m_exit);
+    watchEntryBoxes(this, m_fields);
+    chainTabOrder({m_fields[5], m_save, m_exit});
     connect(m_save, &QPushButton::clicked, this, &FrmNewProduct::save);
-    connect(m_exit, &QPushButton::clicked, this, &QDialog::reject);
 }
 
 void FrmNewProduct::SetObject(QLineEdit* target) {
@@ -196,7 +169,7 @@ void FrmNewProduct::deleteSearched() {
 }
 
 bool FrmNewProduct::eventFilter(QObject* watched, QEvent* event) {
-    const auto index = int(std::find(m_fields.begin(), m_fields.end(), watched) - m_fields.begin());
+    const int index = boxIndex(m_fields, watched);
     if (index >= kProductFieldCount) return QDialog::eventFilter(watched, event);
     if (event->type() == QEvent::FocusIn) m_hint->setText(hintFor(index));
     if (event->type() == QEvent::FocusOut && isPriceField(index) &&

@@ -2,21 +2,19 @@
 
 #include "common/Messages.h"
 #include "common/input/ImeMode.h"
-#include "common/input/KeyFlow.h"
-#include "common/input/SelectText.h"
 #include "common/text/Identity.h"
 #include "common/text/NumBox.h"
+#include "master/EntryForm.h"
 #include "master/FrmPost.h"
 #include "master/SearchRules.h"
 #include "storage/Stores.h"
 
 #include <QGridLayout>
-#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QVBoxLayout>
+#include <vector>
 
 namespace nb {
 namespace {
@@ -56,17 +54,6 @@ constexpr int kBalanceField = 12;
 bool isPhoneField(int index) {
     return index == 2 || index == 3 || index == 15;
 }
-bool isEnter(int key) {
-    return key == Qt::Key_Return || key == Qt::Key_Enter;
-}
-
-QLabel* panel(QWidget* parent, const QString& text) {
-    auto* label = new QLabel(text, parent);
-    label->setFrameShape(QFrame::Panel);
-    label->setFrameShadow(QFrame::Raised);
-    label->setMinimumWidth(80);
-    return label;
-}
 
 } // namespace
 
@@ -86,69 +73,41 @@ void FrmNewTrader::buildControls() {
         auto* box = new QLineEdit(this);
         box->setObjectName(QStringLiteral("txtinput_%1").arg(info.index));
         m_fields[size_t(info.index)] = box;
-        grid->addWidget(panel(this, QString::fromUtf8(info.label)), i, 0);
+        grid->addWidget(fieldCaption(this, QString::fromUtf8(info.label)), i, 0);
         grid->addWidget(box, i, 1);
     }
-    m_info = new QLabel(this);
-    m_info->setObjectName(QStringLiteral("pnlInfo"));
-    m_info->setFrameShape(QFrame::Panel);
-    m_info->setFrameShadow(QFrame::Sunken);
+    m_info = hintPanel(this, QStringLiteral("pnlInfo"));
     grid->addWidget(m_info, 5, 2);
     m_charge = new QLineEdit(this);
     m_charge->setObjectName(QStringLiteral("txtCharge"));
     m_charge->setReadOnly(true);
     m_charge->setFocusPolicy(Qt::NoFocus);
     grid->addWidget(m_charge, 6, 2);
-    m_post = new QPushButton(QStringLiteral("우편번호"), this);
-    m_post->setObjectName(QStringLiteral("btnPost"));
-    m_post->setAutoDefault(false);
+    m_post = formButton(this, QStringLiteral("우편번호"), QStringLiteral("btnPost"));
     m_post->setFocusPolicy(Qt::NoFocus);
     grid->addWidget(m_post, 10, 2);
     grid->setColumnStretch(1, 1);
     AttachNumBox(m_fields[kBalanceField]);
 
-    m_caption = new QLabel(this);
-    m_caption->setObjectName(QStringLiteral("pnlCaption"));
-    m_caption->setFrameShape(QFrame::Panel);
-    m_caption->setFrameShadow(QFrame::Sunken);
-    m_save = new QPushButton(QStringLiteral("저장(&S)"), this);
-    m_save->setObjectName(QStringLiteral("btnSave"));
-    m_exit = new QPushButton(QStringLiteral("종료(&X)"), this);
-    m_exit->setObjectName(QStringLiteral("btnExit"));
-    for (QPushButton* b : {m_save, m_exit})
-        b->setAutoDefault(false);
-    auto* bottom = new QHBoxLayout;
-    bottom->addWidget(m_caption, 1);
-    bottom->addWidget(m_save);
-    bottom->addWidget(m_exit);
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(grid);
-    layout->addLayout(bottom);
+    const SaveExitRow row = addSaveExitRow(this, grid, QStringLiteral("pnlCaption"));
+    m_caption = row.hint;
+    m_save = row.save;
+    m_exit = row.exit;
     resize(560, 560);
 
     connect(m_save, &QPushButton::clicked, this, &FrmNewTrader::save);
-    connect(m_exit, &QPushButton::clicked, this, &QDialog::reject);
     connect(m_post, &QPushButton::clicked, this, &FrmNewTrader::postcode);
 }
 
 void FrmNewTrader::buildKeyFlow() {
-    QWidget* previous = nullptr;
-    for (const FieldInfo& info : kFields) {
-        QWidget* w = m_fields[size_t(info.index)];
-        if (previous) setTabOrder(previous, w);
-        previous = w;
-    }
-    setTabOrder(previous, m_save);
-    setTabOrder(m_save, m_exit);
-    auto* enterAsTab = new EnterAsTabFilter(this);
-    auto* select = new SelectAllOnFocus(this);
+    std::vector<QWidget*> order;
+    for (const FieldInfo& info : kFields)
+        order.push_back(m_fields[size_t(info.index)]);
+    order.push_back(m_save);
+    order.push_back(m_exit);
+    chainTabOrder(order);
     m_hangul = new HangulModeKeeper(this);
-    for (QLineEdit* box : m_fields) {
-        enterAsTab->watch(box);
-        select->watch(box);
-        m_hangul->watch(box);
-        box->installEventFilter(this); // installed last, so it sees the keys first
-    }
+    watchEntryBoxes(this, m_fields, m_hangul);
 }
 
 void FrmNewTrader::SetObject(QLineEdit* target) {
@@ -256,10 +215,6 @@ void FrmNewTrader::postcode() {
     RunPostcodeSearch(this, m_fields[kPostField], m_fields[kAddrField]);
 }
 
-int FrmNewTrader::indexOf(QObject* watched) const {
-    return int(std::find(m_fields.begin(), m_fields.end(), watched) - m_fields.begin());
-}
-
 void FrmNewTrader::leaveField(int index) {
     QLineEdit* box = m_fields[size_t(index)];
     if (isPhoneField(index)) box->setText(FormatPhone(box->text()));
@@ -274,7 +229,7 @@ void FrmNewTrader::leaveField(int index) {
 
 bool FrmNewTrader::fieldKey(int index, int key) {
     const bool empty = m_fields[size_t(index)]->text().isEmpty();
-    if (index == kPostField && ((isEnter(key) && !empty) || (key == Qt::Key_PageDown && empty))) {
+    if (index == kPostField && ((isEnterKey(key) && !empty) || (key == Qt::Key_PageDown && empty))) {
         postcode();
         return true;
     }
@@ -286,7 +241,7 @@ bool FrmNewTrader::fieldKey(int index, int key) {
 }
 
 bool FrmNewTrader::eventFilter(QObject* watched, QEvent* event) {
-    const int index = indexOf(watched);
+    const int index = boxIndex(m_fields, watched);
     if (index >= kTraderFieldCount) return QDialog::eventFilter(watched, event);
     if (event->type() == QEvent::FocusIn) m_caption->setText(hintFor(index));
     if (event->type() == QEvent::FocusOut) {

@@ -58,7 +58,6 @@ private:
     TraderForm formValues() const;
     void leaveField(int index);
     bool fieldKey(int index, int key);
-    int indexOf(QObject* watched) const;
 
     std::array<QLineEdit*, kTraderFieldCount> m_fields{};
     QLineEdit* m_charge = nullptr;

@@ -3,10 +3,9 @@
 #include "common/Messages.h"
 #include "common/input/FormPlacement.h"
 #include "common/input/ImeMode.h"
-#include "common/input/KeyFlow.h"
-#include "common/input/SelectText.h"
 #include "common/text/Identity.h"
 #include "core/AppState.h"
+#include "master/EntryForm.h"
 #include "master/FrmPost.h"
 #include "master/FrmUserList.h"
 #include "storage/Stores.h"
@@ -27,17 +26,6 @@ const char* const kFieldLabels[kSupplierFieldCount] = {"상      호", "대  표
                                                        "우편번호",   "주      소", "전화번호",
                                                        "팩스번호",   "업      태", "종      목"};
 
-QPushButton* button(QWidget* parent, const QString& caption, const QString& name) {
-    auto* b = new QPushButton(caption, parent);
-    b->setObjectName(name);
-    b->setAutoDefault(false);
-    return b;
-}
-
-bool isEnter(int key) {
-    return key == Qt::Key_Return || key == Qt::Key_Enter;
-}
-
 } // namespace
 
 FrmUser::FrmUser(QWidget* parent) : QDialog(parent) {
@@ -53,29 +41,26 @@ FrmUser::FrmUser(QWidget* parent) : QDialog(parent) {
 void FrmUser::buildControls() {
     auto* grid = new QGridLayout;
     for (int i = 0; i < kSupplierFieldCount; ++i) {
-        auto* label = new QLabel(QString::fromUtf8(kFieldLabels[i]), this);
-        label->setFrameShape(QFrame::Panel);
-        label->setFrameShadow(QFrame::Raised);
-        label->setMinimumWidth(90);
+        auto* label = fieldCaption(this, QString::fromUtf8(kFieldLabels[i]), 90);
         m_fields[size_t(i)] = new QLineEdit(this);
         m_fields[size_t(i)]->setObjectName(QStringLiteral("txtinput_%1").arg(i));
         grid->addWidget(label, i, 0);
         grid->addWidget(m_fields[size_t(i)], i, 1, 1, i == 3 ? 1 : 2);
     }
-    m_post = button(this, QStringLiteral("우편번호"), QStringLiteral("btnPost"));
+    m_post = formButton(this, QStringLiteral("우편번호"), QStringLiteral("btnPost"));
     grid->addWidget(m_post, 3, 2);
     grid->setColumnStretch(1, 1);
     m_default = new QCheckBox(QStringLiteral("기본 사업자로 설정"), this);
     m_default->setObjectName(QStringLiteral("ChkDefault"));
     grid->addWidget(m_default, kSupplierFieldCount, 1);
 
-    m_save = button(this, QStringLiteral("저장(&S)"), QStringLiteral("btnSave"));
-    m_new = button(this, QStringLiteral("신규(&N)"), QStringLiteral("cmdNew"));
-    m_delete = button(this, QStringLiteral("삭제(&D)"), QStringLiteral("cmdDelete"));
-    m_find = button(this, QStringLiteral("찾기(&F)"), QStringLiteral("cmdFind"));
-    m_previous = button(this, QStringLiteral("◀ 이전"), QStringLiteral("CmdMove_0"));
-    m_next = button(this, QStringLiteral("다음 ▶"), QStringLiteral("CmdMove_1"));
-    m_quit = button(this, QStringLiteral("닫기(&Q)"), QStringLiteral("btnQuit"));
+    m_save = formButton(this, QStringLiteral("저장(&S)"), QStringLiteral("btnSave"));
+    m_new = formButton(this, QStringLiteral("신규(&N)"), QStringLiteral("cmdNew"));
+    m_delete = formButton(this, QStringLiteral("삭제(&D)"), QStringLiteral("cmdDelete"));
+    m_find = formButton(this, QStringLiteral("찾기(&F)"), QStringLiteral("cmdFind"));
+    m_previous = formButton(this, QStringLiteral("◀ 이전"), QStringLiteral("CmdMove_0"));
+    m_next = formButton(this, QStringLiteral("다음 ▶"), QStringLiteral("CmdMove_1"));
+    m_quit = formButton(this, QStringLiteral("닫기(&Q)"), QStringLiteral("btnQuit"));
     auto* buttons = new QHBoxLayout;
     for (QPushButton* b : {m_save, m_new, m_delete, m_find, m_previous, m_next, m_quit})
         buttons->addWidget(b);
@@ -97,23 +82,11 @@ void FrmUser::buildControls() {
 }
 
 void FrmUser::buildKeyFlow() {
-    QWidget* previous = nullptr;
-    for (QWidget* w : std::initializer_list<QWidget*>{m_fields[0], m_fields[1], m_fields[2], m_fields[3],
-                                                      m_fields[4], m_fields[5], m_fields[6], m_fields[7],
-                                                      m_fields[8], m_default, m_post, m_save, m_new, m_delete,
-                                                      m_find, m_previous, m_next, m_quit}) {
-        if (previous) setTabOrder(previous, w);
-        previous = w;
-    }
-    auto* enterAsTab = new EnterAsTabFilter(this);
-    auto* select = new SelectAllOnFocus(this);
+    chainTabOrder({m_fields[0], m_fields[1], m_fields[2], m_fields[3], m_fields[4], m_fields[5], m_fields[6],
+                   m_fields[7], m_fields[8], m_default, m_post, m_save, m_new, m_delete, m_find, m_previous,
+                   m_next, m_quit});
     m_hangul = new HangulModeKeeper(this);
-    for (QLineEdit* box : m_fields) {
-        enterAsTab->watch(box);
-        select->watch(box);
-        m_hangul->watch(box);
-        box->installEventFilter(this); // installed last, so it sees the keys first
-    }
+    watchEntryBoxes(this, m_fields, m_hangul);
     m_quit->installEventFilter(this);
 }
 
@@ -224,7 +197,7 @@ void FrmUser::shapeOnLeave(int index) {
 }
 
 bool FrmUser::fieldKey(int index, int key) {
-    if (index == 3 && isEnter(key)) {
+    if (index == 3 && isEnterKey(key)) {
         postcode();
         return true;
     }
@@ -236,7 +209,7 @@ bool FrmUser::fieldKey(int index, int key) {
 }
 
 bool FrmUser::eventFilter(QObject* watched, QEvent* event) {
-    const auto index = int(std::find(m_fields.begin(), m_fields.end(), watched) - m_fields.begin());
+    const int index = boxIndex(m_fields, watched);
     if (event->type() == QEvent::FocusOut && index < kSupplierFieldCount) shapeOnLeave(index);
     if (event->type() != QEvent::KeyPress) return QDialog::eventFilter(watched, event);
     const int key = static_cast<QKeyEvent*>(event)->key();

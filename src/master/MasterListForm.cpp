@@ -1,6 +1,7 @@
 #include "master/MasterListForm.h"
 
 #include "common/Messages.h"
+#include "master/EntryForm.h"
 #include "storage/Stores.h"
 
 #include <QEvent>
@@ -27,16 +28,9 @@ MasterListForm::MasterListForm(const QStringList& headings, QWidget* parent) : Q
     m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_grid->verticalHeader()->setDefaultSectionSize(20);
     m_grid->horizontalHeader()->setStretchLastSection(true);
-    m_hint = new QLabel(this);
-    m_hint->setObjectName(QStringLiteral("pnlFunction"));
-    m_hint->setFrameShape(QFrame::Panel);
-    m_hint->setFrameShadow(QFrame::Sunken);
-    m_select = new QPushButton(QStringLiteral("선택(&S)"), this);
-    m_select->setObjectName(QStringLiteral("btnSelect"));
-    m_quit = new QPushButton(QStringLiteral("닫기(&Q)"), this);
-    m_quit->setObjectName(QStringLiteral("btnQuit"));
-    m_select->setAutoDefault(false);
-    m_quit->setAutoDefault(false);
+    m_hint = nb::hintPanel(this, QStringLiteral("pnlFunction"));
+    m_select = formButton(this, QStringLiteral("선택(&S)"), QStringLiteral("btnSelect"));
+    m_quit = formButton(this, QStringLiteral("닫기(&Q)"), QStringLiteral("btnQuit"));
 
     m_buttons = new QHBoxLayout;
     m_buttons->addWidget(m_hint, 1);
@@ -99,9 +93,7 @@ bool MasterListForm::functionKey(int key) {
 }
 
 QPushButton* MasterListForm::allowChanges() {
-    m_new = new QPushButton(QStringLiteral("신규(&N)"), this);
-    m_new->setObjectName(QStringLiteral("btnNew"));
-    m_new->setAutoDefault(false);
+    m_new = formButton(this, QStringLiteral("신규(&N)"), QStringLiteral("btnNew"));
     m_buttons->insertWidget(2, m_new);
     return m_new;
 }
@@ -141,7 +133,7 @@ bool MasterListForm::eventFilter(QObject* watched, QEvent* event) {
     } else if (event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (functionKey(key)) return true;
-        const bool enter = key == Qt::Key_Return || key == Qt::Key_Enter;
+        const bool enter = isEnterKey(key);
         if (watched == m_input && enter) {
             searchFromEntry();
             return true;
