@@ -2,40 +2,15 @@
 // What the invoice tests share: a test home with every store file created and opened, and
 // quick ways to put suppliers, traders, products, invoices and statements in place.
 
-#include "TestSupport.h"
-#include "core/AppState.h"
-#include "core/shell/Startup.h"
+#include "StoreFixture.h"
 #include "storage/StoreLayout.h"
-#include "storage/Stores.h"
-
-#include <QDir>
-#include <QSqlQuery>
-#include <QVariantList>
 
 namespace nb::test {
 
-inline bool openInvoiceStores() {
-    ReadSettings();
-    QDir().mkpath(app().DbPath);
-    CreateMissingStoreFiles();
-    return OpenDatabases();
-}
-
-inline bool run(Database& db, const QString& sql, const QVariantList& values = {}) {
-    QSqlQuery q(db.connection());
-    q.prepare(sql);
-    for (const QVariant& v : values)
-        q.addBindValue(v);
-    return q.exec();
-}
-
+inline bool openInvoiceStores() { return openStores(); }
+inline bool run(Database& db, const QString& sql, const QVariantList& values = {}) { return exec(db, sql, values); }
 inline QVariant scalarOf(Database& db, const QString& sql, const QVariantList& values = {}) {
-    QSqlQuery q(db.connection());
-    q.prepare(sql);
-    for (const QVariant& v : values)
-        q.addBindValue(v);
-    if (!q.exec() || !q.next()) return {};
-    return q.value(0);
+    return scalar(db, sql, values);
 }
 
 inline int invoiceRows(const QString& where = QString(), const QVariantList& values = {}) {

@@ -2,44 +2,12 @@
 // What the master data tests share: a test home with every store file created and opened,
 // and quick ways to put rows in place.
 
-#include "TestSupport.h"
-#include "core/AppState.h"
-#include "core/shell/Startup.h"
+#include "StoreFixture.h"
 #include "storage/StoreLayout.h"
-#include "storage/Stores.h"
-
-#include <QDir>
-#include <QSqlQuery>
-#include <QVariantList>
 
 namespace nb::test {
 
-// Paths under <home>/Dbs, every store file created and the three shared ones opened.
-inline bool openMasterStores() {
-    ReadSettings();
-    QDir().mkpath(app().DbPath);
-    CreateMissingStoreFiles();
-    return OpenDatabases();
-}
-
-// Runs a statement with bound values on a store; false on failure.
-inline bool exec(Database& db, const QString& sql, const QVariantList& values = {}) {
-    QSqlQuery q(db.connection());
-    q.prepare(sql);
-    for (const QVariant& v : values)
-        q.addBindValue(v);
-    return q.exec();
-}
-
-// The first column of the first row of a query, invalid when there is none.
-inline QVariant scalar(Database& db, const QString& sql, const QVariantList& values = {}) {
-    QSqlQuery q(db.connection());
-    q.prepare(sql);
-    for (const QVariant& v : values)
-        q.addBindValue(v);
-    if (!q.exec() || !q.next()) return {};
-    return q.value(0);
-}
+inline bool openMasterStores() { return openStores(); }
 
 inline int count(Database& db, const QString& table) {
     return scalar(db, QStringLiteral("SELECT count(*) FROM ") + table).toInt();
