@@ -7,14 +7,8 @@
 
 namespace nb::test {
 
-inline bool openInvoiceStores() { return openStores(); }
-inline bool run(Database& db, const QString& sql, const QVariantList& values = {}) { return exec(db, sql, values); }
-inline QVariant scalarOf(Database& db, const QString& sql, const QVariantList& values = {}) {
-    return scalar(db, sql, values);
-}
-
 inline int invoiceRows(const QString& where = QString(), const QVariantList& values = {}) {
-    return scalarOf(stores().dbTax, QStringLiteral("SELECT count(*) FROM NewAcount ") + where, values)
+    return scalar(stores().dbTax, QStringLiteral("SELECT count(*) FROM NewAcount ") + where, values)
         .toInt();
 }
 
@@ -22,7 +16,7 @@ inline int invoiceRows(const QString& where = QString(), const QVariantList& val
 inline bool addInvoiceRow(const QString& taxCode, const QString& cCode, const QString& name, double supply,
                           double tax, const QString& dealDate = QStringLiteral("2024-05-10"),
                           const QString& remark = QString()) {
-    return run(stores().dbTax,
+    return exec(stores().dbTax,
                QStringLiteral(
                    "INSERT INTO NewAcount (TaxCode, CCode, PName, PNorm, Quantity, UnitCost, TradeKum, "
                    "VatKum, DealDate, IssueDate, TradeDate, UserCode) VALUES (?,?,?,'EA',1,?,?,?,?,?,?,'')"),
@@ -34,7 +28,7 @@ struct PartyRow {
 };
 
 inline bool addSupplier(const PartyRow& p) {
-    return run(
+    return exec(
         stores().dbBasic,
         QStringLiteral("INSERT INTO User (Company, Delegate, Serial, Post, Addr, Phone, Fax, Status, Item) "
                        "VALUES (?, ?, ?, '', ?, ?, ?, ?, ?)"),
@@ -42,7 +36,7 @@ inline bool addSupplier(const PartyRow& p) {
 }
 
 inline bool addTraderRow(const QString& code, const PartyRow& p) {
-    return run(
+    return exec(
         stores().dbBasic,
         QStringLiteral(
             "INSERT INTO Trader (Code, C_Name, U_Name, Serial, Phone, Fax, Addr1, Addr2, Status, "
@@ -52,7 +46,7 @@ inline bool addTraderRow(const QString& code, const PartyRow& p) {
 
 inline bool addProductRow(const QString& code, const QString& name, const QString& norm, double sale,
                           const QString& unit) {
-    return run(
+    return exec(
         stores().dbBasic,
         QStringLiteral("INSERT INTO Product (Code, PName, PNorm, BuyPrice, SalePrice, Unit, Bigo, PTax) "
                        "VALUES (?, ?, ?, 0, ?, ?, '', 0)"),
@@ -62,14 +56,14 @@ inline bool addProductRow(const QString& code, const QString& name, const QStrin
 // A statement head and its lines (Amount, VAT per line).
 inline bool addStatement(const QString& billNo, const QString& date, const QString& cCode,
                          const QList<std::tuple<QString, double, double>>& lines) {
-    if (!run(stores().dbBill,
+    if (!exec(stores().dbBill,
              QStringLiteral("INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, NumBill) "
                             "VALUES (?, ?, ?, 0, 0, 0)"),
              {billNo, date, cCode}))
         return false;
     int seq = 0;
     for (const auto& [name, amount, vat] : lines)
-        if (!run(stores().dbBill,
+        if (!exec(stores().dbBill,
                  QStringLiteral(
                      "INSERT INTO Detail (BillNo, BillSEQ, PName, Unit, Quant, Price, DC, Amount, VAT) "
                      "VALUES (?, ?, ?, '', 1, ?, 0, ?, ?)"),

@@ -28,7 +28,7 @@ struct Screen {
     std::unique_ptr<FrmTax> form;
     Screen() {
         test::fixClock();
-        test::openInvoiceStores();
+        test::openStores();
         test::addScreenData();
         test::installStoreLookups();
     }
@@ -113,7 +113,7 @@ private Q_SLOTS:
     void noSupplierAsksForTheSupplierEntry() {
         test::TestHome home;
         test::fixClock();
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         test::installStoreLookups();
         auto& msgs = test::script();
         FrmTax f;
@@ -430,7 +430,7 @@ private Q_SLOTS:
         QVERIFY(!capture.last().find(QStringLiteral("셋째줄")));
         QCOMPARE(f.txtSeq->text(), QStringLiteral("100-002"));
         QCOMPARE(test::invoiceRows(QStringLiteral("WHERE TaxCode = '100002'")), 2);
-        QCOMPARE(test::scalarOf(stores().dbTax,
+        QCOMPARE(test::scalar(stores().dbTax,
                                 QStringLiteral("SELECT IssueDate FROM NewAcount WHERE TaxCode = '100002'"))
                      .toString(),
                  QStringLiteral("첫줄\n둘째줄\n셋째줄"));

@@ -53,7 +53,7 @@ class TestInvoiceIssue : public QObject {
 private Q_SLOTS:
     void issueWithoutReceiverAsksForIt() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         auto& msgs = test::script();
         PrintCapture capture;
         InvoiceForm form = newForm();
@@ -65,7 +65,7 @@ private Q_SLOTS:
     }
     void issueWithoutFirstTaxAsksToCheckTheData() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         auto& msgs = test::script();
         PrintCapture capture;
         InvoiceForm form = newForm();
@@ -76,7 +76,7 @@ private Q_SLOTS:
     }
     void answeringNoPrintsAndStoresNothing() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         auto& msgs = test::script();
         msgs.answer(AnsNo);
         PrintCapture capture;
@@ -91,7 +91,7 @@ private Q_SLOTS:
     }
     void firstInvoiceIsNumbered100000AndShownAs100_000OnPaper() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         addParties();
         test::script().answer(AnsYes);
         PrintCapture capture;
@@ -113,7 +113,7 @@ private Q_SLOTS:
     }
     void manualNumberGoesOnPaperWhileTheStoredNumberIsComputed() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         addParties();
         test::addInvoiceRow(QStringLiteral("100123"), QStringLiteral("000009"), QStringLiteral("a"), 1, 0);
         test::script().answer(AnsYes);
@@ -129,7 +129,7 @@ private Q_SLOTS:
     }
     void issueStoresTheLinesItPrintedAcrossAGap() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         addParties();
         test::script().answer(AnsYes);
         PrintCapture capture;
@@ -144,7 +144,7 @@ private Q_SLOTS:
     }
     void reissueOfAnInvoiceOnShowStoresNothingAndShowsTheNextFreeNumber() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         addParties();
         test::addInvoiceRow(QStringLiteral("100000"), QStringLiteral("000001"), QStringLiteral("볼트"), 3000,
                             300);
@@ -162,7 +162,7 @@ private Q_SLOTS:
     }
     void taxCodeStaysAfterReissueSoTheNextInvoiceStoresNothing() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         addParties();
         test::addInvoiceRow(QStringLiteral("100000"), QStringLiteral("000001"), QStringLiteral("볼트"), 3000,
                             300);
@@ -182,7 +182,7 @@ private Q_SLOTS:
     }
     void paperSupplierFollowsUserSerialWhileTheRowsKeepTheScreensSupplier() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         addParties();
         test::script().answer(AnsYes);
         PrintCapture capture;
@@ -190,7 +190,7 @@ private Q_SLOTS:
         IssueInvoice(form, QImage());
         QVERIFY(onPaper(capture.last(), QStringLiteral("첫공급자")));
         QVERIFY(!onPaper(capture.last(), QStringLiteral("둘째공급자")));
-        QCOMPARE(test::scalarOf(stores().dbTax, QStringLiteral("SELECT UserCode FROM NewAcount")).toString(),
+        QCOMPARE(test::scalar(stores().dbTax, QStringLiteral("SELECT UserCode FROM NewAcount")).toString(),
                  QStringLiteral("222-22-22222"));
         test::script().answer(AnsYes);
         InvoiceForm other = newForm();
@@ -200,7 +200,7 @@ private Q_SLOTS:
     }
     void removedSealFileLeavesTheSealOutWithoutAWord() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         addParties();
         const QString path = home.file(QStringLiteral("도장.png"));
         QImage seal(10, 10, QImage::Format_ARGB32);
@@ -231,7 +231,7 @@ private Q_SLOTS:
     }
     void sealIsPrintedOnBothCopies() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         addParties();
         test::script().answer(AnsYes);
         PrintCapture capture;
@@ -243,7 +243,7 @@ private Q_SLOTS:
     }
     void storedInvoicePrintsToAPdfWithItsOwnNumberAndDate() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         addParties();
         test::addInvoiceRow(QStringLiteral("100007"), QStringLiteral("000001"), QStringLiteral("볼트"), 3000,
                             300, QStringLiteral("2024-05-10"), QStringLiteral("비고입니다"));
@@ -282,7 +282,7 @@ private Q_SLOTS:
     }
     void missingInvoiceGivesAReasonAndNoFile() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         const QString pdf = home.file(QStringLiteral("none.pdf"));
         QString reason;
         QVERIFY(PrintStoredInvoiceToPdf(QStringLiteral("123456"), pdf, &reason) != 0);

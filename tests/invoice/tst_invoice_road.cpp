@@ -24,7 +24,7 @@ struct Road {
     std::unique_ptr<FrmTax> form;
     Road() {
         test::fixClock();
-        test::openInvoiceStores();
+        test::openStores();
         test::addScreenData();
         setInvoiceLookups(masterLookups());
         form = std::make_unique<FrmTax>();
@@ -103,7 +103,7 @@ private Q_SLOTS:
         QCOMPARE(msgs.boxes().front().text, QStringLiteral("발행하시겠습니까?"));
         QCOMPARE(int(capture.jobs().size()), 1);
         QCOMPARE(test::invoiceRows(QStringLiteral("WHERE TaxCode = '100002'")), 1);
-        QCOMPARE(test::scalarOf(stores().dbTax, QStringLiteral("SELECT TradeKum FROM NewAcount WHERE TaxCode = '100002'"))
+        QCOMPARE(test::scalar(stores().dbTax, QStringLiteral("SELECT TradeKum FROM NewAcount WHERE TaxCode = '100002'"))
                      .toDouble(),
                  2727.0);
         QCOMPARE(f.grdList->Text(5, 3), QStringLiteral("100002"));

@@ -28,13 +28,13 @@ class TestInvoiceStore : public QObject {
 private Q_SLOTS:
     void firstInvoiceOfAnEmptyTableIs100000() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         QCOMPARE(NextTaxCode(stores().dbTax), QStringLiteral("100000"));
         QCOMPARE(serialFromTaxCode(QStringLiteral("100000")), QStringLiteral("100-000"));
     }
     void tableEndingWith100123GivesNext100124() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         QVERIFY(test::addInvoiceRow(QStringLiteral("100123"), QStringLiteral("000001"), QStringLiteral("a"),
                                     1, 0));
         QVERIFY(test::addInvoiceRow(QStringLiteral("100007"), QStringLiteral("000001"), QStringLiteral("b"),
@@ -43,7 +43,7 @@ private Q_SLOTS:
     }
     void pastNineHundredNinetyNineThousandTheNumberStopsGrowing() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         QVERIFY(test::addInvoiceRow(QStringLiteral("999999"), QStringLiteral("000001"), QStringLiteral("a"),
                                     1, 0));
         QCOMPARE(NextTaxCode(stores().dbTax), QStringLiteral("1000000"));
@@ -65,7 +65,7 @@ private Q_SLOTS:
     }
     void saveStoresEveryColumnOfTheLine() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         auto& msgs = test::script();
         InvoiceForm form = formReadyToSave();
         form.bigo = QStringLiteral("비고 첫줄");
@@ -95,7 +95,7 @@ private Q_SLOTS:
     }
     void saveRefusesAnInvoiceOnShow() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         auto& msgs = test::script();
         InvoiceForm form = formReadyToSave();
         form.TaxCode = QStringLiteral("100000");
@@ -105,7 +105,7 @@ private Q_SLOTS:
     }
     void saveWithoutReceiverAsksForIt() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         auto& msgs = test::script();
         InvoiceForm form = formReadyToSave();
         form.txtCCode.clear();
@@ -117,7 +117,7 @@ private Q_SLOTS:
     }
     void saveWithoutFirstTaxHasNothingToSave() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         auto& msgs = test::script();
         InvoiceForm form = formReadyToSave();
         form.sheet.line(0).tax_num.clear();
@@ -128,7 +128,7 @@ private Q_SLOTS:
     }
     void saveStopsAtTheFirstLineMissingDateOrTax() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         test::script();
         InvoiceForm form = formReadyToSave();
         form.sheet.line(2) = form.sheet.line(0);
@@ -141,12 +141,12 @@ private Q_SLOTS:
     }
     void remarkOfThreeLinesIsStoredWholeAndPrintedInTwo() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         test::script();
         InvoiceForm form = formReadyToSave();
         form.bigo = QStringLiteral("첫째 줄\n둘째 줄\n셋째 줄");
         QVERIFY(SaveInvoice(form, stores().dbTax).saved);
-        QCOMPARE(test::scalarOf(stores().dbTax, QStringLiteral("SELECT IssueDate FROM NewAcount")).toString(),
+        QCOMPARE(test::scalar(stores().dbTax, QStringLiteral("SELECT IssueDate FROM NewAcount")).toString(),
                  form.bigo);
         QCOMPARE(remarkPrintLines(form.bigo),
                  QStringList({QStringLiteral("첫째 줄"), QStringLiteral("둘째 줄")}));
@@ -155,7 +155,7 @@ private Q_SLOTS:
     }
     void aQuoteInANameIsStoredAndFound() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         test::script();
         InvoiceForm form = formReadyToSave();
         form.txtCCode = QStringLiteral("0'1");
@@ -168,7 +168,7 @@ private Q_SLOTS:
     }
     void issuedInvoiceIsReadBackOntoTheSheet() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         test::script();
         InvoiceForm form = formReadyToSave();
         form.sheet.line(1) = form.sheet.line(0);
@@ -194,7 +194,7 @@ private Q_SLOTS:
     }
     void issuedListFoldsOneRowPerInvoice() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         const QString c = QStringLiteral("000001");
         test::addInvoiceRow(QStringLiteral("100001"), c, QStringLiteral("볼트"), 1000, 100,
                             QStringLiteral("2024-05-01"));
@@ -220,7 +220,7 @@ private Q_SLOTS:
     }
     void deletingTheLastInvoiceOfACustomerLeavesTheListEmpty() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         test::addInvoiceRow(QStringLiteral("100000"), QStringLiteral("000001"), QStringLiteral("볼트"), 1000,
                             100);
         test::addInvoiceRow(QStringLiteral("100000"), QStringLiteral("000001"), QStringLiteral("너트"), 1000,
@@ -233,7 +233,7 @@ private Q_SLOTS:
     }
     void numbersAreReusedOnlyWhenTheHighestWasDeleted() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         test::addInvoiceRow(QStringLiteral("100000"), QStringLiteral("000001"), QStringLiteral("a"), 1, 0);
         test::addInvoiceRow(QStringLiteral("100001"), QStringLiteral("000001"), QStringLiteral("b"), 1, 0);
         DeleteInvoice(stores().dbTax, QStringLiteral("100000"));
@@ -243,7 +243,7 @@ private Q_SLOTS:
     }
     void periodSumsReadOnlyTheirDates() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         test::addInvoiceRow(QStringLiteral("100000"), QStringLiteral("1"), QStringLiteral("a"), 1000, 100,
                             QStringLiteral("2024-02-01"));
         test::addInvoiceRow(QStringLiteral("100001"), QStringLiteral("1"), QStringLiteral("b"), 2000, 200,

@@ -9,7 +9,7 @@ class TestInvoiceSummary : public QObject {
 private Q_SLOTS:
     void oneStatementLineGivesItsNameAlone() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         QVERIFY(test::addStatement(QStringLiteral("000001"), QStringLiteral("2024-05-03"),
                                    QStringLiteral("000007"), {{QStringLiteral("볼트"), 10000, 1000}}));
         const auto s = SummarizeStatements(stores().dbBill, QStringLiteral("000007"),
@@ -21,7 +21,7 @@ private Q_SLOTS:
     }
     void threeStatementLinesGiveNameOutsideTwoCases() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         test::addStatement(QStringLiteral("000001"), QStringLiteral("2024-05-03"), QStringLiteral("000007"),
                            {{QStringLiteral("볼트"), 1000, 100}, {QStringLiteral("볼트"), 2000, 200}});
         test::addStatement(QStringLiteral("000002"), QStringLiteral("2024-05-20"), QStringLiteral("000007"),
@@ -39,7 +39,7 @@ private Q_SLOTS:
     }
     void firstNameIsAnyRowOfTheGroup() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         test::addStatement(QStringLiteral("000001"), QStringLiteral("2024-05-03"), QStringLiteral("000007"),
                            {{QStringLiteral("가"), 1, 0}, {QStringLiteral("나"), 1, 0}});
         const auto s = SummarizeStatements(stores().dbBill, QStringLiteral("000007"),
@@ -49,7 +49,7 @@ private Q_SLOTS:
     }
     void noStatementInThePeriodGivesNothing() {
         test::TestHome home;
-        QVERIFY(test::openInvoiceStores());
+        QVERIFY(test::openStores());
         QVERIFY(!SummarizeStatements(stores().dbBill, QStringLiteral("000007"), QStringLiteral("2024-05-01"),
                                      QStringLiteral("2024-05-31")));
     }

@@ -7,8 +7,6 @@
 
 namespace nb::test {
 
-inline bool openMasterStores() { return openStores(); }
-
 inline int count(Database& db, const QString& table) {
     return scalar(db, QStringLiteral("SELECT count(*) FROM ") + table).toInt();
 }

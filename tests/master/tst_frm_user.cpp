@@ -20,7 +20,7 @@ class TestFrmUser : public QObject {
 private Q_SLOTS:
     void loadShowsTheDefaultSupplierWithItsCheck() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         addUser("111-11-11111", "가나상사");
         addUser("222-22-22222", "다라상사");
@@ -34,7 +34,7 @@ private Q_SLOTS:
     }
     void withoutADefaultTheFirstRowIsShownUnchecked() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         addUser("222-22-22222", "다라상사");
         FrmUser form;
@@ -43,7 +43,7 @@ private Q_SLOTS:
     }
     void firstRunTypingThroughTheFieldsAndSavingAddsTheSupplier() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addPostRows({{"135080", "서울", "강남구", "역삼동", "1~100"}});
         FrmUser form;
@@ -71,7 +71,7 @@ private Q_SLOTS:
     }
     void aSerialAlreadyHoldingAHyphenIsNotReformatted() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         FrmUser form;
         showActive(&form);
@@ -88,7 +88,7 @@ private Q_SLOTS:
     }
     void theHangulKeyFlipsTheModeTheNextFieldOpensIn() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         FrmUser form;
         showActive(&form);
@@ -107,7 +107,7 @@ private Q_SLOTS:
     }
     void upInTheFirstFieldGoesToQuitAndRightComesBack() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         FrmUser form;
         showActive(&form);
@@ -121,7 +121,7 @@ private Q_SLOTS:
     }
     void saveWithoutASerialAsksForItAndFocusesIt() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         FrmUser form;
         showActive(&form);
@@ -133,7 +133,7 @@ private Q_SLOTS:
     }
     void newThenAKnownSerialIsRefusedAsADuplicate() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addUser("111-11-11111", "가나상사");
         FrmUser form;
@@ -151,7 +151,7 @@ private Q_SLOTS:
     }
     void clickingTheDefaultCheckMakesTheShownSupplierTheDefault() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         addUser("111-11-11111", "가나상사");
         FrmUser form;
@@ -164,7 +164,7 @@ private Q_SLOTS:
     }
     void deleteAsksWithNoAsDefaultAndShowsTheNextSupplier() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addUser("111-11-11111", "가나상사");
         addUser("222-22-22222", "다라상사");
@@ -185,7 +185,7 @@ private Q_SLOTS:
     }
     void deletingTheLastSupplierLeavesTheFormEmpty() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addUser("111-11-11111", "가나상사");
         FrmUser form;
@@ -196,7 +196,7 @@ private Q_SLOTS:
     }
     void previousAndNextWalkTheSerials() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addUser("111-11-11111", "가나상사");
         addUser("222-22-22222", "다라상사");
@@ -211,7 +211,7 @@ private Q_SLOTS:
     }
     void findWithNoMatchSaysSoAndKeepsTheShownSupplier() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addUser("111-11-11111", "가나상사");
         FrmUser form;
@@ -223,7 +223,7 @@ private Q_SLOTS:
     }
     void findWithOneMatchShowsItWithoutAList() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         addUser("111-11-11111", "가나상사");
         addUser("222-22-22222", "다라상사");
@@ -235,7 +235,7 @@ private Q_SLOTS:
     }
     void findWithSeveralMatchesOpensTheListAndEnterChooses() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addUser("111-11-11111", "가나상사", "02-111-1111");
         addUser("222-22-22222", "가나물산", "02-222-2222");
@@ -267,7 +267,7 @@ private Q_SLOTS:
     }
     void theListsEntrySearchSaysWhenNothingIsFound() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addUser("111-11-11111", "가나상사");
         addUser("222-22-22222", "가나물산");
@@ -283,7 +283,7 @@ private Q_SLOTS:
     }
     void closingTheListWithoutAChoiceBringsBackTheRememberedSupplier() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         addUser("111-11-11111", "가나상사");
         addUser("222-22-22222", "가나물산");
@@ -299,7 +299,7 @@ private Q_SLOTS:
     }
     void escWithoutASupplierAsksAndNoKeepsTheForm() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         FrmUser form;
         showActive(&form);
@@ -318,7 +318,7 @@ private Q_SLOTS:
     }
     void escWithASupplierClosesWithoutAQuestion() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addUser("111-11-11111");
         FrmUser form;
@@ -330,7 +330,7 @@ private Q_SLOTS:
     }
     void enterInThePostcodeFieldDeliversASingleHitWithoutAWindow() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         addPostRows(
             {{"135080", "서울", "강남구", "역삼동", "1~100"}, {"100011", "서울", "중구", "명동1가", ""}});

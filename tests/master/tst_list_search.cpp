@@ -35,7 +35,7 @@ private Q_SLOTS:
     void shortHangulTextFindsItsOneTraderWithoutABox() {
         test::TestHome home;
         auto& msgs = test::script();
-        QVERIFY(test::openMasterStores());
+        QVERIFY(test::openStores());
         test::addTrader("000001", "가나철강");
         test::addTrader("000002", "다라상회");
         QLineEdit target;
@@ -46,7 +46,7 @@ private Q_SLOTS:
     void percentAndUnderscoreInATraderSearchAreLiteral() {
         test::TestHome home;
         auto& msgs = test::script();
-        QVERIFY(test::openMasterStores());
+        QVERIFY(test::openStores());
         // A text that begins with a digit searches the telephone, so these begin with Hangul.
         test::addTrader("000001", "세일50%마트");
         test::addTrader("000002", "세일500마트");
@@ -63,7 +63,7 @@ private Q_SLOTS:
     void longTextGoesThroughTheIndexWithTheSameRows() {
         test::TestHome home;
         auto& msgs = test::script();
-        QVERIFY(test::openMasterStores());
+        QVERIFY(test::openStores());
         test::addTrader("000001", "가나철강상사");
         test::addTrader("000002", "대한가나철강");
         test::addTrader("000003", "다라상회");
@@ -74,7 +74,7 @@ private Q_SLOTS:
     void underscoreInAProductSearchIsLiteral() {
         test::TestHome home;
         auto& msgs = test::script();
-        QVERIFY(test::openMasterStores());
+        QVERIFY(test::openStores());
         test::addProduct("000001", "볼_트");
         test::addProduct("000002", "볼트");
         QLineEdit target;

@@ -29,7 +29,7 @@ private Q_SLOTS:
     }
     void theTraderEntryOpensForANewTraderOfSectionZeroAndThisMonth() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         setClock([] { return QDateTime(QDate(2004, 5, 6), QTime(9, 0)); });
         registerMasterScreens();
@@ -57,7 +57,7 @@ private Q_SLOTS:
     }
     void theSupplierAndProductEntriesOpenTheirForms() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addUser("111-11-11111", "가나상사");
         registerMasterScreens();
@@ -83,7 +83,7 @@ private Q_SLOTS:
     }
     void thePostcodeImportAsksForAFile() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         registerMasterScreens();
         QWidget mainWindow;

@@ -61,7 +61,7 @@ class TestPostcode : public QObject {
 private Q_SLOTS:
     void importReadsUtf8WithHyphensAndExtraColumnsAndCounts() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         const QString path = writeBook(home, "book.csv", "\xEF\xBB\xBF" + kSmallBook.toUtf8());
         QCOMPARE(ImportPostcodeFile(path), 4);
@@ -76,7 +76,7 @@ private Q_SLOTS:
     }
     void importReadsCp949ByItself() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         const QString text = QStringLiteral("ZIPCODE,SIDO,GUGUN,DONG,BUNJI\n135-080,서울,강남구,똠방동,\n");
         const QString path = writeBook(home, "book949.csv", ToCp949(text));
@@ -87,7 +87,7 @@ private Q_SLOTS:
     }
     void importReplacesTheRowsAndAMissingColumnLeavesThemAlone() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         ImportPostcodeFile(writeBook(home, "a.csv", kSmallBook.toUtf8()));
         QCOMPARE(
@@ -104,7 +104,7 @@ private Q_SLOTS:
     }
     void importMakesAMissingPostcodeStore() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         QFile::remove(app().DbPostFile);
         QCOMPARE(ImportPostcodeFile(writeBook(home, "a.csv", kSmallBook.toUtf8())), 4);
@@ -116,7 +116,7 @@ private Q_SLOTS:
 
     void aNumericTextFindsPostcodesContainingItAnywhere() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addPostRows({{"135080", "서울", "강남구", "역삼동", ""},
                      {"100135", "서울", "중구", "명동", ""},
                      {"612020", "부산", "해운대구", "우동", ""}});
@@ -124,7 +124,7 @@ private Q_SLOTS:
     }
     void anExactSingleHitFillsTheFieldsWithoutAWindow() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addPostRows(
             {{"135080", "서울", "강남구", "역삼동", "1~100"}, {"100011", "서울", "중구", "명동1가", ""}});
         QLineEdit zip, addr;
@@ -139,7 +139,7 @@ private Q_SLOTS:
     }
     void aBlankSearchTextOpensTheFullListUnfiltered() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addPostRows({{"135080", "서울", "강남구", "역삼동", ""}, {"100011", "서울", "중구", "명동1가", ""}});
         QLineEdit zip, addr;
         FrmPost form;
@@ -152,14 +152,14 @@ private Q_SLOTS:
     }
     void hangulTextSearchesOnlyTheTown() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addPostRows({{"135080", "서울", "강남구", "역삼동", ""}, {"135090", "서울", "강남구", "강남동", ""}});
         QCOMPARE(zips(SearchPostBook("강남구")), QStringList());
         QCOMPARE(zips(SearchPostBook("강남")), (QStringList{"135090"}));
     }
     void nothingFoundAnswers0() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         QLineEdit zip, addr;
         FrmPost form;
         form.SetObject(&zip, &addr);
@@ -169,7 +169,7 @@ private Q_SLOTS:
     }
     void aMissingPostcodeStoreFindsNothingWithoutAMessage() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         QFile::remove(app().DbPostFile);
         QLineEdit zip, addr;
@@ -182,7 +182,7 @@ private Q_SLOTS:
     }
     void theLimitsBranchesStillNarrowTheSearch() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addPostRows({{"100011", "서울", "중구", "명동", ""},
                      {"135080", "서울", "강남구", "역삼동", ""},
                      {"612020", "부산", "해운대구", "우동", ""}});
@@ -204,7 +204,7 @@ private Q_SLOTS:
     }
     void theListByKeysSearchesAgainAndEnterDelivers() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         QCOMPARE(ImportPostcodeFile(sharedDataDir() + "/zipcode_6digit.csv") > 40000, true);
         QLineEdit zip, addr;
@@ -235,7 +235,7 @@ private Q_SLOTS:
     }
     void escClosesWithoutWriting() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addPostRows(
             {{"135080", "서울", "강남구", "역삼동", ""}, {"135090", "서울", "강남구", "역삼2동", ""}});
         QLineEdit zip, addr;
@@ -250,7 +250,7 @@ private Q_SLOTS:
     }
     void theIndexGivesExactlyThePlainRowsOverTheWholeBook() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         QVERIFY(ImportPostcodeFile(sharedDataDir() + "/zipcode_6digit.csv") > 40000);
         Database post;
@@ -274,7 +274,7 @@ private Q_SLOTS:
     }
     void theIndexFollowsEveryWrite() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addPostRows({{"135080", "서울", "강남구", "역삼동", ""}});
         QCOMPARE(SearchPostBook("역삼동").size(), 1); // builds the index
         addPostRows({{"135090", "서울", "강남구", "역삼2동", ""}});
@@ -289,7 +289,7 @@ private Q_SLOTS:
     }
     void anIndexOutOfStepIsBuiltAgain() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addPostRows({{"135080", "서울", "강남구", "역삼동", ""}});
         Database post;
         QVERIFY(post.open(app().DbPostFile));

@@ -39,7 +39,7 @@ class TestProducts : public QObject {
 private Q_SLOTS:
     void onAnEmptyTableTheFirstCodeIs000001() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         QString code;
         QCOMPARE(SaveProduct(product("볼트"), code, 0), ProductSave::Inserted);
@@ -52,7 +52,7 @@ private Q_SLOTS:
     }
     void withTheHighestOf000123DeletedTheNextNewProductReusesItsCode() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         addProduct("000122", "너트");
         addProduct("000123", "볼트");
@@ -63,7 +63,7 @@ private Q_SLOTS:
     }
     void aProductNamedAsOneOnFileWithAnotherNormIsANewProduct() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addProduct("000001", "볼트", "M8");
         QString code;
@@ -73,7 +73,7 @@ private Q_SLOTS:
     }
     void theSameNameAndNormAsksYesNoCancel() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addProduct("000001", "볼트", "M8", 10, 20);
         QString code;
@@ -96,7 +96,7 @@ private Q_SLOTS:
     }
     void aCodeInChangeModeUpdatesWithoutAQuestion() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addProduct("000001", "볼트", "M8", 10, 20);
         QString code = "000001";
@@ -107,7 +107,7 @@ private Q_SLOTS:
     }
     void aMissingNameIsRefused() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         QString code;
         QCOMPARE(SaveProduct(product(""), code, 0), ProductSave::NameMissing);
@@ -116,7 +116,7 @@ private Q_SLOTS:
     }
     void salePriceEnteredAs1500_75IsStoredAs1501() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         QString code;
         SaveProduct(product("볼트", "", "  2,000.5", "1,500.75"), code, 0);
@@ -125,7 +125,7 @@ private Q_SLOTS:
     }
     void aPriceThatIsNoNumberFailsClearly() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         QString code;
         QCOMPARE(SaveProduct(product("볼트", "", "abc", "1"), code, 0), ProductSave::Failed);
@@ -136,7 +136,7 @@ private Q_SLOTS:
     }
     void quotesTypedIntoTheFormAreStoredAsTyped() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         QString code;
         SaveProduct(product("O'Neil \\ [50%]_", "1/2\""), code, 0);
@@ -145,7 +145,7 @@ private Q_SLOTS:
     }
     void aNameOf300CharactersIsStoredWhole() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         QString code;
         const QString name(300, QChar(u'볼'));
@@ -154,7 +154,7 @@ private Q_SLOTS:
     }
     void backslashBracketAndQuoteAreRemovedOnlyFromANamePassedInByACaller() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         FrmNewProduct form;
         form.InitForm("볼'트\\]", "", 0, "");
@@ -168,7 +168,7 @@ private Q_SLOTS:
     }
     void getProductNameShowsTheNormInBrackets() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addProduct("000001", "볼트", "M8");
         addProduct("000002", "너트", "");
         exec(stores().dbBasic, "INSERT INTO Product (Code, PName, PNorm) VALUES ('000003', '와셔', NULL)");
@@ -179,7 +179,7 @@ private Q_SLOTS:
     }
     void getProductNameReportsAFailureWithItsProcedure() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         exec(stores().dbBasic, "DROP TABLE Product");
         QCOMPARE(GetProductName("000001"), QString());
@@ -189,7 +189,7 @@ private Q_SLOTS:
     }
     void findProductByCodeByNameOrAll() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addProduct("000002", "볼트");
         addProduct("000001", "너트");
         Recordset rs;
@@ -206,7 +206,7 @@ private Q_SLOTS:
     // ---- the list ----
     void typingPartOfANameThatOccursOnlyInsideOneProductReturns0Not1() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addProduct("000001", "육각볼트");
         QLineEdit target;
         FrmProductList list;
@@ -221,7 +221,7 @@ private Q_SLOTS:
     }
     void oneProductFoundByBothQueriesAnswers1AndIsDelivered() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addProduct("000001", "볼트", "M8");
         QLineEdit target;
         FrmProductList list;
@@ -233,7 +233,7 @@ private Q_SLOTS:
     }
     void noMatchAnswers0AndSeveralAnswer2() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addProduct("000001", "볼트");
         addProduct("000002", "볼트너트");
         QLineEdit target;
@@ -248,7 +248,7 @@ private Q_SLOTS:
     }
     void prefixMatchesComeFirstAndNoneTwice() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addProduct("000001", "육각볼트");
         addProduct("000002", "볼트", "M8", 1500, 2500.5, "EA");
         addProduct("000003", "와셔");
@@ -273,7 +273,7 @@ private Q_SLOTS:
     }
     void digitsAndTheEdgeLettersSearchTheCodeToo() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addProduct("000012", "볼트");
         addProduct("000120", "너트12");
         addProduct("000300", "A형 와셔");
@@ -288,7 +288,7 @@ private Q_SLOTS:
     }
     void anEmptyTextAsksForEverything() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addProduct("000001", "볼트");
         addProduct("000002", "너트");
         FrmProductList list;
@@ -299,7 +299,7 @@ private Q_SLOTS:
     }
     void listKeysEnterChoosesF3ChangesF4DeletesEscCloses() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addProduct("000001", "볼트", "M8", 1000, 1200, "EA");
         addProduct("000002", "볼트너트", "", 500, 700, "SET");
@@ -350,7 +350,7 @@ private Q_SLOTS:
     }
     void enterInTheListBoxLooksForTheWholeName() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addProduct("000001", "볼트");
         addProduct("000002", "볼트너트");
@@ -375,7 +375,7 @@ private Q_SLOTS:
     }
     void newFromTheListRegistersAndRefills() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         addProduct("000001", "볼트");
         FrmProductList list;
@@ -398,7 +398,7 @@ private Q_SLOTS:
     // ---- the entry form ----
     void entryFormByKeysWithHintsAndZeroPrices() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         FrmNewProduct form;
         form.InitForm("", "", 0, "");
@@ -434,7 +434,7 @@ private Q_SLOTS:
     }
     void aSaveCalledByAnotherScreenWritesTheNameAndCloses() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         QLineEdit target;
         FrmNewProduct form;
@@ -447,7 +447,7 @@ private Q_SLOTS:
     }
     void f3SearchesAndF4DeletesWhatTheSearchBrought() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addProduct("000001", "볼트", "M8", 1000, 1200, "EA");
         FrmNewProduct form;

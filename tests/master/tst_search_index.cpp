@@ -48,7 +48,7 @@ class TestSearchIndex : public QObject {
 private Q_SLOTS:
     void traderListGivesThePlainRowsInThePlainOrder() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addMany();
         for (const QString& text : {QString("가나상사"), QString("abc"), QString("ABC"), QString("가나"),
                                     QString("가"), QString("0%할"), QString("A_B"), QString("02-10"),
@@ -58,7 +58,7 @@ private Q_SLOTS:
     }
     void threeCharactersUseTheIndexAndShorterTextsThePlainQuery() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addMany();
         QVERIFY(!UsesTrigramIndex("가나"));
         QVERIFY(UsesTrigramIndex("가나상"));
@@ -77,7 +77,7 @@ private Q_SLOTS:
     }
     void theIndexFollowsSavesUpdatesAndDeletes() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         QVERIFY(EnsureSearchIndex(stores().dbBasic, TraderSearchIndex()));
         clsTrader t;
@@ -98,7 +98,7 @@ private Q_SLOTS:
     }
     void anIndexOutOfStepIsBuiltAgain() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addTrader("000001", "가나다라");
         QVERIFY(EnsureSearchIndex(stores().dbBasic, TraderSearchIndex()));
         exec(stores().dbBasic, "DROP TRIGGER Trader_search_ai");
@@ -113,7 +113,7 @@ private Q_SLOTS:
     }
     void ensureSearchIndexesMakesWhatTheFileHolds() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         EnsureSearchIndexes(stores().dbBasic);
         QVERIFY(HasSearchIndex(stores().dbBasic, TraderSearchIndex()));
         QVERIFY(!HasSearchIndex(stores().dbBasic, PostSearchIndex()));

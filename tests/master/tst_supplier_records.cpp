@@ -30,7 +30,7 @@ class TestSupplierRecords : public QObject {
 private Q_SLOTS:
     void firstRunOnAnEmptyTableAddsARowWithoutCheckOrDeleteAndSaysSaved() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         SupplierFormState state;
         state.HasUser = LoadDefaultUser();
@@ -45,7 +45,7 @@ private Q_SLOTS:
     }
     void aSecondSaveInTheSameVisitFailsOnThePrimaryKey() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         SupplierFormState state; // HasUser stays false until a new visit or the check box
         QCOMPARE(SaveSupplier(state, supplier("123-45-67890"), false), SupplierSave::Saved);
@@ -58,7 +58,7 @@ private Q_SLOTS:
     }
     void changingTheSerialOfAShownRowReplacesItAndLeavesTheDefaultBehind() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addUser("111-11-11111", "가나상사");
         SetDefaultSupplier("111-11-11111");
@@ -74,7 +74,7 @@ private Q_SLOTS:
     }
     void aCheckedDefaultBoxCarriesTheDefaultAlong() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         addUser("111-11-11111", "가나상사");
         SupplierFormState state{true, false, "111-11-11111"};
@@ -84,7 +84,7 @@ private Q_SLOTS:
     }
     void anUncheckedBoxDoesNotClearTheDefault() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         addUser("111-11-11111");
         SetDefaultSupplier("111-11-11111");
@@ -94,7 +94,7 @@ private Q_SLOTS:
     }
     void replacingARowThatIsGoneSaysSoAndAddsNothing() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         SupplierFormState state{true, false, "999-99-99999"};
         QCOMPARE(SaveSupplier(state, supplier("123-45-67890"), false), SupplierSave::Failed);
@@ -104,7 +104,7 @@ private Q_SLOTS:
     }
     void aRefusedReplacementKeepsTheOldRow() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         addUser("111-11-11111", "가나");
         exec(stores().dbBasic,
@@ -116,7 +116,7 @@ private Q_SLOTS:
     }
     void anEmptySerialIsRefused() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         SupplierFormState state;
         QCOMPARE(SaveSupplier(state, supplier(""), false), SupplierSave::SerialMissing);
@@ -125,7 +125,7 @@ private Q_SLOTS:
     }
     void aNewSupplierWithAKnownSerialIsADuplicate() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addUser("123-45-67890");
         SupplierFormState state{true, true, "123-45-67890"};
@@ -138,7 +138,7 @@ private Q_SLOTS:
     }
     void aNewSupplierIsAddedBesideTheShownOne() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         addUser("111-11-11111");
         SupplierFormState state{true, true, "111-11-11111"};
@@ -148,7 +148,7 @@ private Q_SLOTS:
     }
     void quotesAndBackslashesInFieldsAreStoredAsTyped() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         SupplierFormState state;
         SupplierFields f = supplier("1'2\\3]%_");
@@ -160,7 +160,7 @@ private Q_SLOTS:
     }
     void aSaveResetsTheEnvironmentRowAndTheLegacySettings() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         exec(stores().dbBasic, "INSERT INTO Environment VALUES (5, 5, 5, 5, 'pw', '100-000', '200-000')");
         exec(stores().dbBasic, "INSERT INTO Environment VALUES (6, 6, 6, 6, 'pw', '100-000', '200-000')");
@@ -190,7 +190,7 @@ private Q_SLOTS:
     }
     void theHandOverStampIsWrittenOnceAsYearAndMonth() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         setClock([] { return QDateTime(QDate(2004, 7, 9), QTime(9, 0)); });
         SupplierFormState state;
@@ -203,7 +203,7 @@ private Q_SLOTS:
     }
     void deletingTheDefaultSupplierEmptiesTheSetting() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         addUser("123-45-67890");
         SetDefaultSupplier("123-45-67890");
@@ -214,14 +214,14 @@ private Q_SLOTS:
     }
     void deletingNothingSaysSo() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         QVERIFY(!DeleteSupplier("123-45-67890", false));
         QCOMPARE(msgs.last().text, QStringLiteral("사업자 삭제하는 중 오류가 발생했습니다."));
     }
     void previousAndNextFollowTheTextOrderOfTheNumbers() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addUser("200-00-00000");
         addUser("100-00-00000");
@@ -254,7 +254,7 @@ private Q_SLOTS:
         QFETCH(QString, text);
         QFETCH(QStringList, companies);
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addUser("1", "가나상사", "02-111-1111");
         addUser("2", "가나상사 A", "02-222-2222");
         addUser("3", "Alpha", "031-000-0000");
@@ -272,7 +272,7 @@ private Q_SLOTS:
     }
     void listInitFormAnswersZeroOneOrTwo() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         addUser("111-11-11111", "가나상사");
         addUser("222-22-22222", "가나물산");
@@ -296,7 +296,7 @@ private Q_SLOTS:
     }
     void listStripsQuotesBackslashesAndBrackets() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addUser("111-11-11111", "가나상사");
         QLineEdit target;
         FrmUserList list;
@@ -308,7 +308,7 @@ private Q_SLOTS:
     }
     void listKeepsTheFirstTargetItWasGiven() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addUser("111-11-11111", "가나상사");
         QLineEdit first, second;
         FrmUserList list;

@@ -45,7 +45,7 @@ class TestTraderRecords : public QObject {
 private Q_SLOTS:
     void saveTraderStoresEveryMemberAndSaysSo() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         clsTrader t = filledTrader(QStringLiteral("000001"), QStringLiteral("가나상사"));
         t.SaveTrader();
@@ -64,7 +64,7 @@ private Q_SLOTS:
     }
     void saveTraderFailureShowsTheHandlersBox() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         exec(stores().dbBasic,
              "CREATE TRIGGER refuse BEFORE INSERT ON Trader BEGIN SELECT RAISE(ABORT, 'refused'); END");
         auto& msgs = script();
@@ -79,7 +79,7 @@ private Q_SLOTS:
     }
     void quotesBackslashesAndWildcardsAreStoredAsTyped() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         const QString odd = QStringLiteral("O'Neil \\ [A]_50% \"상사\"");
         filledTrader("000001", odd).SaveTrader();
@@ -90,7 +90,7 @@ private Q_SLOTS:
     }
     void a300CharacterNameIsStoredWhole() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         const QString longName(300, QChar(u'가'));
         filledTrader("000001", longName).SaveTrader();
@@ -98,7 +98,7 @@ private Q_SLOTS:
     }
     void updateTraderChangesElevenColumnsOnly() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         filledTrader("000001", "가나").SaveTrader();
         clsTrader t = filledTrader("000001", "다라");
@@ -124,7 +124,7 @@ private Q_SLOTS:
     }
     void updateTraderOnAGoneCodeShowsTheNoticeThenTheErrorBox() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         filledTrader("000077", "없음").UpdateTrader();
         QCOMPARE(msgs.records().size(), size_t(2));
@@ -135,7 +135,7 @@ private Q_SLOTS:
     }
     void updateChargeWritesThePersonInCharge() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         filledTrader("000001", "가나").SaveTrader();
         clsTrader t;
@@ -149,7 +149,7 @@ private Q_SLOTS:
     }
     void traderListLeavesOutDeletedRowsAndSortsByName() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addTrader("000001", "다");
         addTrader("000002", "가");
         addTrader("000003", "나");
@@ -163,7 +163,7 @@ private Q_SLOTS:
     }
     void traderListOnAnEmptyTableFindsNothing() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         Recordset rs;
         bool found = true;
         clsTrader().TraderList(rs, found);
@@ -171,7 +171,7 @@ private Q_SLOTS:
     }
     void findTraderByCode() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addTrader("000001", "가");
         addTrader("000002", "나");
         Recordset rs;
@@ -182,7 +182,7 @@ private Q_SLOTS:
     }
     void findTraderWithoutACodeFailsOnTheMisspeltOrderAndSaysSo() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addTrader("000001", "가");
         auto& msgs = script();
         Recordset rs;
@@ -195,7 +195,7 @@ private Q_SLOTS:
     }
     void deleteTraderRemovesTheRowOrSaysItCouldNot() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addTrader("000001", "가");
         auto& msgs = script();
         clsTrader().DeleteTrader("000001");
@@ -206,7 +206,7 @@ private Q_SLOTS:
     }
     void traderTaxReadsTheVatKind() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         filledTrader("000001", "가").SaveTrader();
         clsTrader t;
@@ -217,7 +217,7 @@ private Q_SLOTS:
     }
     void traderTaxOfAnUnknownCodeYields3Not0() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         clsTrader t;
         t.sCode = "000404";
         quint8 kind = 0;
@@ -226,14 +226,14 @@ private Q_SLOTS:
     }
     void nextCodeOnAnEmptyTableGives000001() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         QString code;
         QVERIFY(clsTrader().NextCode(code));
         QCOMPARE(code, QStringLiteral("000001"));
     }
     void nextCodeAfterTheHighestWasDeletedReusesIt() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         addTrader("000122", "가");
         addTrader("000123", "나");
@@ -246,7 +246,7 @@ private Q_SLOTS:
     }
     void nextCodeCountsDeletedMarksAndOtherSections() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addTrader("000005", "가", "", "", 3);
         exec(stores().dbBasic, "UPDATE Trader SET bDeled = -1");
         QString code;
@@ -255,7 +255,7 @@ private Q_SLOTS:
     }
     void nextCodeOverANonNumericCodeIsAConversionFailure() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addTrader("ABC", "가");
         QString code = "keep";
@@ -267,7 +267,7 @@ private Q_SLOTS:
     }
     void updateNoPayMovesTheBalanceByTheDifference() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         filledTrader("000001", "가").SaveTrader(); // balance 15000
         clsTrader t;
@@ -283,14 +283,14 @@ private Q_SLOTS:
     }
     void curTotNoPayOfAnUnknownCodeIsZero() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         double amount = 7;
         clsTrader().CurTotNoPay("000404", amount);
         QCOMPARE(amount, 0.0);
     }
     void initNonKumReadsTheBalanceOrZero() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         filledTrader("000001", "가").SaveTrader();
         exec(stores().dbBasic, "UPDATE Trader SET TotNoPay = NULL WHERE Code = '000001'");
@@ -305,7 +305,7 @@ private Q_SLOTS:
     }
     void checkFieldFindsTheExactNameWithinTheSectionOnly() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addTrader("000001", "가나상사", "", "", 1);
         bool found = true;
         clsTrader().CheckField(0, "가나상사", found);
@@ -317,7 +317,7 @@ private Q_SLOTS:
     }
     void checkHPFieldAddsTheMobileColumnWhenMissing() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         QVERIFY(exec(stores().dbBasic, "ALTER TABLE Trader DROP COLUMN HPhone"));
         QVERIFY(!stores().dbBasic.hasColumn("Trader", "HPhone"));
         clsTrader().CheckHPField();
@@ -328,7 +328,7 @@ private Q_SLOTS:
     }
     void chargeTradeWalksBackThroughTheMonthlyFilesUntilOneIsMissing() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         setClock([] { return QDateTime(QDate(2004, 3, 15), QTime(9, 0)); });
         for (const char* month : {"200403", "200402"}) {
             Database monthDb;
@@ -360,7 +360,7 @@ private Q_SLOTS:
     }
     void getTraderNameGivesTheNameOrEmptyText() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addTrader("000001", "가나상사");
         exec(stores().dbBasic, "INSERT INTO Trader (Code, C_Name) VALUES ('000002', NULL)");
         QCOMPARE(GetTraderName("000001"), QStringLiteral("가나상사"));

@@ -36,7 +36,7 @@ private Q_SLOTS:
 
     void enterGoesThroughTheFieldsWithTheirHintsAndShapesTelephones() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addPostRows({{"135080", "서울", "강남구", "역삼동", "1~100"}});
         QLineEdit target;
@@ -89,7 +89,7 @@ private Q_SLOTS:
     }
     void theMonthIsKeptWithDashZeroZero() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         FrmNewTrader form;
         form.InitForm(0, "가'나\\]", "2004-05", "");
         QCOMPARE(form.monthText(), QStringLiteral("2004-05-00"));
@@ -97,7 +97,7 @@ private Q_SLOTS:
     }
     void theBalanceHintFollowsTheMode() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         FrmNewTrader form;
         form.InitForm(1, "", "2004-05", "");
         QCOMPARE(form.hintFor(12), QStringLiteral("초기 미수금을 입력하세요"));
@@ -106,7 +106,7 @@ private Q_SLOTS:
     }
     void nameTelephoneAndAddressAllEmptyAreRefused() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         FrmNewTrader form;
         form.InitForm(0, "", "2004-05", "");
@@ -119,7 +119,7 @@ private Q_SLOTS:
     }
     void aTraderWithOnlyATelephoneIsAccepted() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         FrmNewTrader form;
         form.InitForm(0, "", "2004-05", "");
@@ -131,7 +131,7 @@ private Q_SLOTS:
     }
     void aDuplicateNameAnsweredNoEmptiesTheFormAndLeavesItOpen() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addTrader("000001", "가나상사");
         FrmNewTrader form;
@@ -152,7 +152,7 @@ private Q_SLOTS:
     }
     void aDuplicateNameAnsweredYesStoresASecondRowWithItsOwnCode() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addTrader("000001", "가나상사");
         QLineEdit target;
@@ -167,7 +167,7 @@ private Q_SLOTS:
     }
     void vatTextThatIsNoNumberFailsInTheByteConversionAtSave() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         FrmNewTrader form;
         form.InitForm(0, "가나상사", "2004-05", "");
@@ -187,7 +187,7 @@ private Q_SLOTS:
         QCOMPARE(LastAddressWord("서울 강남구 역삼동 123-4"), QStringLiteral("123-4"));
         QCOMPARE(LastAddressWord("서울 강남구 "), QString());
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         FrmNewTrader form;
         form.InitForm(0, "가나", "2004-05", "");
@@ -198,7 +198,7 @@ private Q_SLOTS:
     }
     void aChangeInMode1DoesNotStoreTheVatKindOrThePersonInCharge() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addTrader("000001", "가나상사", "02-111-1111", "서울 중구 1");
         exec(stores().dbBasic,
@@ -219,7 +219,7 @@ private Q_SLOTS:
     }
     void theInitialBalanceEnteredAtAChangeIsNotStored() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         addTrader("000001", "가나상사");
         exec(stores().dbBasic, "UPDATE Trader SET TotNoPay = 500 WHERE Code = '000001'");
@@ -231,7 +231,7 @@ private Q_SLOTS:
     }
     void escClosesWithoutSavingAndUpOnTheNameGoesToExit() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         FrmNewTrader form;
         form.InitForm(0, "가나", "2004-05", "");
@@ -245,7 +245,7 @@ private Q_SLOTS:
     }
     void pageDownOnAnEmptyPostcodeOpensTheWholeBook() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         addPostRows({{"135080", "서울", "강남구", "역삼동", ""}, {"100011", "서울", "중구", "명동1가", ""}});
         FrmNewTrader form;
@@ -269,7 +269,7 @@ private Q_SLOTS:
     // ---- the list ----
     void listAnswersZeroOneOrTwoAndWritesTheTargetOnlyForOne() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addTrader("000001", "가나상사", "02-111-1111");
         addTrader("000002", "가나물산", "02-222-2222");
         addTrader("000003", "다라상사", "031-333-3333");
@@ -290,7 +290,7 @@ private Q_SLOTS:
     }
     void listSearchesTheNameOrTheTelephoneAndTheLastAddressWordAnywhere() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addTrader("000001", "가나상사", "02-111-1111", "서울 중구 명동");
         addTrader("000002", "명동상회", "02-222-2222", "부산 동래구 온천동");
         addTrader("000003", "다라", "031-333-1111", "서울 마포구 1111");
@@ -307,7 +307,7 @@ private Q_SLOTS:
     }
     void listKeepsToTheSectionBelowTwoAndShowsEveryKindAbove() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addTrader("000001", "가나", "", "", 0);
         addTrader("000002", "가나다", "", "", 1);
         FrmTraderList list;
@@ -323,7 +323,7 @@ private Q_SLOTS:
     }
     void listTextsWithWildcardsAndQuotesAreLiteral() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         addTrader("000001", "50%할인", "", "");
         addTrader("000002", "500할인", "", "");
         addTrader("000003", "A_B", "", "");
@@ -342,7 +342,7 @@ private Q_SLOTS:
     }
     void enterInTheListBoxFindsTheFirstByTheStartOfTheName() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addTrader("000001", "가나상사");
         addTrader("000002", "다라상사");
@@ -373,7 +373,7 @@ private Q_SLOTS:
     }
     void f3OpensTheChangeFormAndRefillsTheList() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         addTrader("000001", "가나상사", "02-111-1111");
         addTrader("000002", "가나물산", "02-222-2222");
@@ -400,7 +400,7 @@ private Q_SLOTS:
     }
     void deletingATraderRemovesItsStatementHeadsAndInvoicesForGood() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         auto& msgs = script();
         addTrader("000001", "가나상사");
         addTrader("000002", "가나물산");
@@ -438,7 +438,7 @@ private Q_SLOTS:
     }
     void aFailedDeleteStepUndoesTheOthers() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         addTrader("000001", "가나상사");
         exec(stores().dbTax, "INSERT INTO NewAcount (TaxCode, CCode) VALUES ('100000', '000001')");
@@ -449,7 +449,7 @@ private Q_SLOTS:
     }
     void newFromTheListRegistersAndRefills() {
         TestHome home;
-        QVERIFY(openMasterStores());
+        QVERIFY(openStores());
         script();
         addTrader("000001", "가나상사");
         FrmTraderList list;
