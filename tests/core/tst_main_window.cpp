@@ -12,7 +12,12 @@
 #include "core/shell/ScreenRegistry.h"
 #include "core/shell/frmAbout.h"
 
+#include "core/Settings.h"
+
 #include <QAction>
+#include <QDir>
+#include <QFileInfo>
+#include <QImage>
 #include <QApplication>
 #include <QLabel>
 #include <QMdiArea>
@@ -87,6 +92,44 @@ private Q_SLOTS:
         QCOMPARE(w.windowTitle(), QStringLiteral("하르문 거래명세표 & 세금계산서발행 Ver.1.0.0 - ") + kMakerAddress);
         w.show();
         test::saveScreenshot(&w, "main_window");
+    }
+    void loadStopsAtADecimalSettingThatIsNoNumber() {
+        test::TestHome home;
+        auto& msgs = test::script();
+        SaveEnv("chk소수점1", "두자리");
+        Nubella w;
+        QVERIFY(!w.load(false));
+        QCOMPARE(msgs.last().text, QStringLiteral("실행 시간 오류 '13':\r\n\r\n형식이 일치하지 않습니다."));
+        QVERIFY(!QFileInfo::exists(home.file("Dbs/dbBasic.db")));  // nothing after the decimals ran
+    }
+    void plainBackgroundWithoutAPictureAndTheUsersPictureWhenThere() {
+        test::TestHome home;
+        test::script();
+        {
+            Nubella w;
+            QVERIFY(w.load(false));
+            QCOMPARE(w.mdiArea()->background().color(), QColor(5, 126, 128));
+            QCOMPARE(w.mdiArea()->background().style(), Qt::SolidPattern);
+        }
+        QDir().mkpath(home.file("Image"));
+        QImage picture(40, 30, QImage::Format_RGB32);
+        picture.fill(Qt::red);
+        QVERIFY(picture.save(home.file("Image/mainbg.jpg")));
+        Nubella w;
+        QVERIFY(w.load(false));
+        QCOMPARE(w.mdiArea()->background().style(), Qt::TexturePattern);
+    }
+    void splashShowsTheUsersLoginPicture() {
+        test::TestHome home;
+        QDir().mkpath(home.file("Image"));
+        QImage picture(420, 240, QImage::Format_RGB32);
+        picture.fill(QColor(0, 0, 255));
+        QVERIFY(picture.save(home.file("Image/loginbg.jpg")));
+        FrmLogin splash;
+        splash.show();
+        const QImage shown = splash.grab().toImage();
+        const QColor middle = shown.pixelColor(shown.width() / 2, shown.height() / 2);
+        QVERIFY2(middle.blue() > 200 && middle.red() < 60, qPrintable(middle.name()));
     }
     void datePanelKeepsTheOldDateAfterMidnight() {
         test::TestHome home;
