@@ -2,7 +2,7 @@
 
 #include "core/AppFolder.h"
 #include "invoice/InvoicePrint.h"
-#include "invoice/TaxPaper.h"
+#include "invoice/SampleForm.h"
 #include "printing/PrintSurfaces.h"
 
 #include <QLabel>
@@ -17,7 +17,9 @@ namespace {
 
 constexpr double kSampleDpi = 80;
 
-InvoicePrintData sampleData() {
+} // namespace
+
+InvoicePrintData sampleInvoiceData() {
     InvoicePrintData d;
     d.txtSeq = QStringLiteral("100-001");
     d.parties.user = {QStringLiteral("123-45-67890"), QStringLiteral("하르문상사"),
@@ -44,17 +46,20 @@ InvoicePrintData sampleData() {
     return d;
 }
 
-} // namespace
+int printSampleCopy(PrintJob& job) {
+    const InvoicePrintData data = sampleInvoiceData();
+    return PrintInvoiceCopy(job, data, paperSums(data.sheet), 0);
+}
 
 QImage sampleInvoiceImage() {
-    // The upper half of an A4 sheet: the drawn form under the values of the upper copy.
+    // The upper half of an A4 sheet: the form of one copy drawn on the print's own rows and
+    // columns, under the values of the upper copy.
     QImage image(int(8.27 * kSampleDpi), int(5.8 * kSampleDpi), QImage::Format_RGB32);
     image.fill(Qt::white);
     QPainter painter(&image);
-    drawTaxPaper(painter, QRect(int(0.2 * kSampleDpi), int(0.05 * kSampleDpi), int(7.9 * kSampleDpi),
-                                int(5.6 * kSampleDpi)));
+    drawSampleForm(painter, kSampleDpi, 0);
     PrintJob job(std::make_unique<PainterSurface>(painter, kSampleDpi));
-    PrintInvoiceCopy(job, sampleData(), paperSums(sampleData().sheet), 0);
+    printSampleCopy(job);
     job.endDoc();
     return image;
 }

@@ -1,7 +1,7 @@
 #pragma once
 // The sample tax invoice: Image/sample_tax.jpg when the user put one there, otherwise a filled
-// example drawn by the program's own print layer on the paper form. A click on the picture or
-// on its button closes it.
+// example drawn by the program's own print layer on a form laid out on the print's rows and
+// columns. A click on the picture or on its button closes it.
 
 #include <QDialog>
 #include <QImage>
@@ -11,7 +11,14 @@ class QPushButton;
 
 namespace nb {
 
-// The filled example: both copies of a made-up invoice printed on the drawn paper.
+struct InvoicePrintData;
+class PrintJob;
+
+// The made-up invoice of the example.
+InvoicePrintData sampleInvoiceData();
+// Its upper copy on a job without margins; answers the lines printed.
+int printSampleCopy(PrintJob& job);
+// The filled example: the upper copy of the made-up invoice printed on the drawn form.
 QImage sampleInvoiceImage();
 
 class FrmPic : public QDialog {

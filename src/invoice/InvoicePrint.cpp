@@ -11,12 +11,7 @@ namespace nb {
 
 namespace {
 
-constexpr int kCopyBaseRows[2] = {1, 36};
-constexpr double kBaseSize = 10;
-constexpr double kNameSmallSize = 8;
-constexpr int kNameWidthLimit = 22;
-constexpr double kBigSize = 11;
-constexpr double kCellPitch = 0.167;
+using namespace invoicelayout;
 
 PrintParty partyFromRow(const Recordset& rs, bool trader) {
     PrintParty p;
@@ -64,41 +59,43 @@ void printHead(PrintJob& job, const InvoicePrintData& data, const PaperSums& sum
     const PrintParty& user = data.parties.user;
     const PrintParty& trader = data.parties.trader;
     setFont(job, kBaseSize, false);
-    if (data.printPhone) job.printAtTab(base - 1, 60, phoneNote(data, copy));
+    if (data.printPhone) job.printAtTab(base + kPhoneRow, kPhoneTab, phoneNote(data, copy));
     setFont(job, kBigSize, true);
-    job.printAtTab(base + 3, 84, FormatText(serialDigits(data.txtSeq), QStringLiteral("# # # # # #")));
+    job.printAtTab(base + kSerialRow, kSerialTab,
+                   FormatText(serialDigits(data.txtSeq), QStringLiteral("# # # # # #")));
     setFont(job, kBaseSize, false);
-    job.printAtTab(base + 5, 30, FormatText(user.serial, QStringLiteral("###-##-#####")));
-    job.printAtTab(base + 5, 80, trader.serial);
-    printName(job, base + 7, 25, user.company);
-    job.printAtTab(base + 7, 48, user.delegate);
-    printName(job, base + 7, 73, trader.company);
-    job.printAtTab(base + 7, 97, trader.delegate);
-    printAddress(job, base + 9, user.addr, false);
-    printAddress(job, base + 9, trader.addr, true);
-    job.printAtTab(base + 11, 25, user.status);
-    job.printAtTab(base + 11, 42, user.item);
-    job.printAtTab(base + 11, 73, trader.status);
-    job.printAtTab(base + 11, 90, trader.item);
+    job.printAtTab(base + kNumberRow, kUserSerialTab,
+                   FormatText(user.serial, QStringLiteral("###-##-#####")));
+    job.printAtTab(base + kNumberRow, kTraderSerialTab, trader.serial);
+    printName(job, base + kNameRow, kUserCompanyTab, user.company);
+    job.printAtTab(base + kNameRow, kUserDelegateTab, user.delegate);
+    printName(job, base + kNameRow, kTraderCompanyTab, trader.company);
+    job.printAtTab(base + kNameRow, kTraderDelegateTab, trader.delegate);
+    printAddress(job, base + kAddressRow, user.addr, false);
+    printAddress(job, base + kAddressRow, trader.addr, true);
+    job.printAtTab(base + kBusinessRow, kUserStatusTab, user.status);
+    job.printAtTab(base + kBusinessRow, kUserItemTab, user.item);
+    job.printAtTab(base + kBusinessRow, kTraderStatusTab, trader.status);
+    job.printAtTab(base + kBusinessRow, kTraderItemTab, trader.item);
     setFont(job, kBigSize, true);
     if (data.printDate) {
-        job.printAtTab(base + 15, 11, data.writeYY);
-        job.printAtTab(base + 15, 16, data.writeMM);
-        job.printAtTab(base + 15, 20, data.writeDD);
+        job.printAtTab(base + kDateRow, kYearTab, data.writeYY);
+        job.printAtTab(base + kDateRow, kMonthTab, data.writeMM);
+        job.printAtTab(base + kDateRow, kDayTab, data.writeDD);
     }
-    job.printAtTab(base + 15, 26, QString::number(sums.blank()));
+    job.printAtTab(base + kDateRow, kBlankTab, QString::number(sums.blank()));
 }
 
 void printDigitCells(PrintJob& job, const PaperSums& sums, int copy) {
     setFont(job, kBigSize, true);
-    const double y = job.topMargin() / 6 + 0.33 + 5.813 * copy + 2.34;
-    const double x0 = (job.leftMargin() + 1) / 12.0 + 0.75 + 1.52;
+    const double y = digitCellsY(job.topMargin(), copy);
+    const double x0 = digitCellsX(job.leftMargin());
     const QString supply = QString::number(sums.supply);
     const QString tax = QString::number(sums.tax);
     for (int j = 0; j < supply.size(); ++j)
         job.printAt(x0 + (sums.blank() + j) * kCellPitch, y, supply.mid(j, 1));
     for (int j = 0; j < tax.size(); ++j)
-        job.printAt(x0 + (sums.taxBlank() + 11 + j) * kCellPitch, y, tax.mid(j, 1));
+        job.printAt(x0 + (sums.taxBlank() + kSupplyCells + j) * kCellPitch, y, tax.mid(j, 1));
 }
 
 void printRemark(PrintJob& job, const InvoicePrintData& data, int copy) {
@@ -107,7 +104,7 @@ void printRemark(PrintJob& job, const InvoicePrintData& data, int copy) {
     const QStringList lines = remarkPrintLines(data.bigo);
     const double base = kCopyBaseRows[copy];
     for (int k = 0; k < lines.size(); ++k)
-        job.printAtTab(base + 14 + k, 85, lines.at(k));
+        job.printAtTab(base + kRemarkRow + k, kRemarkTab, lines.at(k));
 }
 
 // A quantity or price cell: empty when the text is "0", else through the mask.
@@ -125,13 +122,14 @@ void printLine(PrintJob& job, const InvoicePrintData& data, const InvoiceLine& l
     const QString qtyMask = decimalPrintMask(data.decimalQty);
     const QString priceMask = decimalPrintMask(data.decimalPrice);
     if (qtyMask.isEmpty() || priceMask.isEmpty()) return; // no such pair of masks: no line
-    job.printAtTab(row, 12, data.printDate ? line.ddyy : QString());
-    job.printAtTab(row, 20, line.pummok);
-    job.printAtTab(row, 47, PadBytes(line.dan_num, 4));
-    job.printAtTab(row, 52, PadBytes(decimalCell(line.su_num, qtyMask), 9));
-    job.printAtTab(row, 61, PadBytes(decimalCell(line.gibon_num, priceMask), 13));
-    job.printAtTab(row, 77, PadBytes(amountCell(line.gonggum), 13));
-    if (data.sheet.vat != VatMode::Exempt) job.printAtTab(row, 95, PadBytes(amountCell(line.tax_num), 12));
+    job.printAtTab(row, kLineDate.tab, data.printDate ? line.ddyy : QString());
+    job.printAtTab(row, kLineItem.tab, line.pummok);
+    job.printAtTab(row, kLineUnit.tab, PadBytes(line.dan_num, kLineUnit.width));
+    job.printAtTab(row, kLineQty.tab, PadBytes(decimalCell(line.su_num, qtyMask), kLineQty.width));
+    job.printAtTab(row, kLinePrice.tab, PadBytes(decimalCell(line.gibon_num, priceMask), kLinePrice.width));
+    job.printAtTab(row, kLineSupply.tab, PadBytes(amountCell(line.gonggum), kLineSupply.width));
+    if (data.sheet.vat != VatMode::Exempt)
+        job.printAtTab(row, kLineTax.tab, PadBytes(amountCell(line.tax_num), kLineTax.width));
 }
 
 int printLines(PrintJob& job, const InvoicePrintData& data, int copy) {
@@ -145,15 +143,16 @@ int printLines(PrintJob& job, const InvoicePrintData& data, int copy) {
         ++printed;
     }
     if (data.sheet.curLine != kLastInvoiceLine)
-        job.printAtTab(base + blankRuleRow(data.sheet.curLine), 22, QStringLiteral("=== 이하 여백 ==="));
+        job.printAtTab(base + blankRuleRow(data.sheet.curLine), kBlankRuleTab,
+                       QStringLiteral("=== 이하 여백 ==="));
     return printed;
 }
 
 void printTotal(PrintJob& job, const InvoicePrintData& data, const PaperSums& sums, int copy) {
     setFont(job, kBaseSize, false);
-    const double row = kCopyBaseRows[copy] + 28;
-    job.printAtTab(row, 12 + sums.blank(), u'\\' + FormatNumber(sums.total, kMaskSum));
-    job.printAtTab(row, 100, data.youngsu);
+    const double row = kCopyBaseRows[copy] + kTotalRow;
+    job.printAtTab(row, kTotalTab + sums.blank(), u'\\' + FormatNumber(sums.total, kMaskSum));
+    job.printAtTab(row, kYoungsuTab, data.youngsu);
 }
 
 } // namespace
@@ -211,6 +210,18 @@ int PrintInvoiceCopies(PrintJob& job, const InvoicePrintData& data) {
         printed += PrintInvoiceCopy(job, data, sums, copy);
     return printed;
 }
+
+namespace invoicelayout {
+
+double digitCellsX(int leftMargin) {
+    return (leftMargin + 1) / 12.0 + 0.75 + 1.52;
+}
+
+double digitCellsY(double topMargin, int copy) {
+    return topMargin / 6 + 0.33 + 5.813 * copy + 2.34;
+}
+
+} // namespace invoicelayout
 
 int invoiceLineRow(int i) {
     return i < 2 ? 18 + i : 19 + i;

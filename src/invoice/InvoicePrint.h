@@ -66,6 +66,67 @@ int PrintInvoiceCopies(PrintJob& job, const InvoicePrintData& data);
 // One copy (0 upper, 1 lower); answers its lines printed.
 int PrintInvoiceCopy(PrintJob& job, const InvoicePrintData& data, const PaperSums& sums, int copy);
 
+// Where each value of one copy lands: rows under the copy's base row, tab columns of the font
+// size in force. The sample picture draws its form boxes from the same numbers.
+namespace invoicelayout {
+inline constexpr int kCopyBaseRows[2] = {1, 36};
+inline constexpr double kBaseSize = 10;
+inline constexpr double kNameSmallSize = 8;
+inline constexpr int kNameWidthLimit = 22; // columns of a name before it prints smaller
+inline constexpr double kBigSize = 11;     // serial, writing date, 공란수 and the digit cells
+inline constexpr double kCellPitch = 0.167;
+inline constexpr int kSupplyCells = 11;
+inline constexpr int kTaxCells = 10;
+
+inline constexpr int kPhoneRow = -1;
+inline constexpr int kSerialRow = 3;
+inline constexpr int kNumberRow = 5;
+inline constexpr int kNameRow = 7;
+inline constexpr int kAddressRow = 9;
+inline constexpr int kBusinessRow = 11;
+inline constexpr int kRemarkRow = 14; // and the row under it
+inline constexpr int kDateRow = 15;
+inline constexpr int kTotalRow = 28;
+
+inline constexpr int kPhoneTab = 60;
+inline constexpr int kSerialTab = 84;
+inline constexpr int kUserSerialTab = 30;
+inline constexpr int kTraderSerialTab = 80;
+inline constexpr int kUserCompanyTab = 25;
+inline constexpr int kUserDelegateTab = 48;
+inline constexpr int kTraderCompanyTab = 73;
+inline constexpr int kTraderDelegateTab = 97;
+inline constexpr int kUserStatusTab = 25;
+inline constexpr int kUserItemTab = 42;
+inline constexpr int kTraderStatusTab = 73;
+inline constexpr int kTraderItemTab = 90;
+inline constexpr int kYearTab = 11;
+inline constexpr int kMonthTab = 16;
+inline constexpr int kDayTab = 20;
+inline constexpr int kBlankTab = 26;
+inline constexpr int kRemarkTab = 85;
+inline constexpr int kBlankRuleTab = 22;
+inline constexpr int kTotalTab = 12; // plus 공란수
+inline constexpr int kYoungsuTab = 100;
+
+// A column of an item line: its tab and the columns its text is padded to (0: not padded).
+struct LineColumn {
+    int tab;
+    int width;
+};
+inline constexpr LineColumn kLineDate{12, 5};
+inline constexpr LineColumn kLineItem{20, 0};
+inline constexpr LineColumn kLineUnit{47, 4};
+inline constexpr LineColumn kLineQty{52, 9};
+inline constexpr LineColumn kLinePrice{61, 13};
+inline constexpr LineColumn kLineSupply{77, 13};
+inline constexpr LineColumn kLineTax{95, 12};
+
+// Top-left of the first supply digit cell, inches, under the job's margins.
+double digitCellsX(int leftMargin);
+double digitCellsY(double topMargin, int copy);
+} // namespace invoicelayout
+
 // Pieces of the layout, for the checks of the paper.
 int invoiceLineRow(int i);     // 18, 19, 21, 22, 23
 int blankRuleRow(int curLine); // 19 + 2 * CurLine
