@@ -2,12 +2,11 @@
 
 #include "common/Messages.h"
 #include "common/UiSetup.h"
+#include "common/text/frmsosu.h"
 #include "core/AppState.h"
 #include "core/Lifecycle.h"
 #include "core/shell/Nubella.h"
 #include "core/shell/ScreenRegistry.h"
-#include "common/text/frmsosu.h"
-
 #include "core/shell/Startup.h"
 
 #include <QApplication>
