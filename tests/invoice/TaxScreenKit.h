@@ -114,11 +114,16 @@ inline void addScreenData() {
                   QStringLiteral("2024-04-20"));
 }
 
-inline void showActive(QWidget* w) {
-    w->show();
-    w->activateWindow();
-    QApplication::setActiveWindow(w);
-    QTest::qWait(20);
+inline void enter(QWidget* w) {
+    pressKey(w, Qt::Key_Return);
+}
+
+// Receiver by Enter: the name typed into CName_MAE, then Enter.
+inline void chooseReceiver(FrmTax& f, const QString& name) {
+    f.CName_MAE->setFocus();
+    f.CName_MAE->clear();
+    typeText(f.CName_MAE, name);
+    enter(f.CName_MAE);
 }
 
 } // namespace nb::test

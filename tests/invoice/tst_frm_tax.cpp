@@ -40,17 +40,9 @@ struct Screen {
     ~Screen() { setClock({}); }
 };
 
-void enter(QWidget* w) {
-    test::pressKey(w, Qt::Key_Return);
-}
-
-// Receiver by Enter: the name typed into CName_MAE, then Enter.
-void chooseReceiver(FrmTax& f, const QString& name) {
-    f.CName_MAE->setFocus();
-    f.CName_MAE->clear();
-    test::typeText(f.CName_MAE, name);
-    enter(f.CName_MAE);
-}
+using test::chooseReceiver;
+using test::enter;
+using test::focused;
 
 // Product by Enter in pummok(i); then quantity and Enter twice (price, supply).
 void pickProduct(FrmTax& f, int i, const QString& name, const QString& qty) {
@@ -61,10 +53,6 @@ void pickProduct(FrmTax& f, int i, const QString& name, const QString& qty) {
     enter(f.su_num(i));
     enter(f.gibon_num(i));
     enter(f.gonggum(i));
-}
-
-QWidget* focused() {
-    return QApplication::focusWidget();
 }
 
 } // namespace

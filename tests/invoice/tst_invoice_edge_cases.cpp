@@ -25,20 +25,9 @@ struct Screen {
     ~Screen() { setClock({}); }
 };
 
-QWidget* focused() {
-    return QApplication::focusWidget();
-}
-
-void enter(QWidget* w) {
-    test::pressKey(w, Qt::Key_Return);
-}
-
-void chooseReceiver(FrmTax& f, const QString& name) {
-    f.CName_MAE->setFocus();
-    f.CName_MAE->clear();
-    test::typeText(f.CName_MAE, name);
-    enter(f.CName_MAE);
-}
+using test::chooseReceiver;
+using test::enter;
+using test::focused;
 
 // A line typed as a supply amount: the amount, then Enter in gonggum.
 void typeSupply(FrmTax& f, int i, const QString& amount) {

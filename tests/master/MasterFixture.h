@@ -3,9 +3,23 @@
 // and quick ways to put rows in place.
 
 #include "StoreFixture.h"
+#include "master/SearchIndex.h"
 #include "storage/StoreLayout.h"
 
 namespace nb::test {
+
+// The steps SQLite's planner chooses for a query, one per line.
+inline QString queryPlan(Database& db, const SqlPart& query) {
+    QSqlQuery plan(db.connection());
+    plan.prepare("EXPLAIN QUERY PLAN " + query.sql);
+    for (const QVariant& v : query.values)
+        plan.addBindValue(v);
+    if (!plan.exec()) return QStringLiteral("(no plan)");
+    QString steps;
+    while (plan.next())
+        steps += plan.value(3).toString() + "\n";
+    return steps;
+}
 
 inline int count(Database& db, const QString& table) {
     return scalar(db, QStringLiteral("SELECT count(*) FROM ") + table).toInt();
@@ -46,17 +60,6 @@ inline void addUser(const QString& serial, const QString& company = QStringLiter
 
 namespace nb::test {
 
-// Shows a screen as the operator has it: visible and active, so focus moves work.
-inline void showActive(QWidget* w) {
-    w->show();
-    w->activateWindow();
-    QApplication::setActiveWindow(w);
-    QTest::qWait(20);
-}
-
-inline QWidget* focused() {
-    return QApplication::focusWidget();
-}
 // Types into whatever box has the focus, then presses a key there.
 inline void typeHere(const QString& text) {
     typeText(focused(), text);

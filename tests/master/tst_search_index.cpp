@@ -65,14 +65,8 @@ private Q_SLOTS:
         QVERIFY(!TraderListQuery(stores().dbBasic, "가나", 0).sql.contains("MATCH"));
         const SqlPart q = TraderListQuery(stores().dbBasic, "가나상", 0);
         QVERIFY(q.sql.contains("MATCH"));
-        QSqlQuery plan(stores().dbBasic.connection());
-        plan.prepare("EXPLAIN QUERY PLAN " + q.sql);
-        for (const QVariant& v : q.values)
-            plan.addBindValue(v);
-        QVERIFY(plan.exec());
-        QString steps;
-        while (plan.next())
-            steps += plan.value(3).toString() + "\n";
+        const QString steps = queryPlan(stores().dbBasic, q);
+        QVERIFY(!steps.contains("(no plan)"));
         QVERIFY2(!steps.contains(QRegularExpression("SCAN Trader(\\s|$)")), qPrintable(steps));
     }
     void theIndexFollowsSavesUpdatesAndDeletes() {

@@ -35,6 +35,15 @@ void pressKey(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifiers) {
     QTest::keyClick(widget, key, modifiers);
 }
 
+void showActive(QWidget* window) {
+    window->show();
+    window->activateWindow();
+    QApplication::setActiveWindow(window);
+    QTest::qWait(20);
+}
+
+QWidget* focused() { return QApplication::focusWidget(); }
+
 QString screenshotDir() {
     const QString dir = QStringLiteral(NB_SCREENSHOT_DIR);
     QDir().mkpath(dir);

@@ -33,6 +33,10 @@ nb::ScriptedMessages& script();
 // Types text into the widget key by key; Hangul goes in as committed characters.
 void typeText(QWidget* widget, const QString& text);
 void pressKey(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+// Shows a screen as the operator has it: visible and active, so that focus moves work.
+void showActive(QWidget* window);
+// The widget that has the keyboard focus.
+QWidget* focused();
 
 // Saves the widget as build/screenshots/<name>.png and returns the path.
 QString saveScreenshot(QWidget* widget, const QString& name);

@@ -12,23 +12,13 @@
 
 using namespace nb;
 
-namespace {
-
-void showActive(QWidget* window) {
-    window->show();
-    window->activateWindow();
-    QApplication::setActiveWindow(window);
-}
-
-} // namespace
-
 class TestInputEdgeCases : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void statementDateBoxSelectsTheHangulMaskWhole() {
         test::TestHome home;
         DateBox box(nullptr, kHanDateMask);
-        showActive(&box);
+        test::showActive(&box);
         box.setFocus();
         box.setDateText(QStringLiteral("2024-03-05"));
         QCOMPARE(box.displayText(), QStringLiteral("2024년03월05일"));
@@ -40,7 +30,7 @@ private Q_SLOTS:
     void emptyDateBoxSelectsItsMaskCharacters() {
         test::TestHome home;
         DateBox box;
-        showActive(&box);
+        test::showActive(&box);
         box.setFocus();
         SelectAllText();
         QCOMPARE(box.selectionStart(), 0);
@@ -50,7 +40,7 @@ private Q_SLOTS:
         test::TestHome home;
         QWidget window;
         auto* box = new QLineEdit(QStringLiteral("한빛상사"), &window);
-        showActive(&window);
+        test::showActive(&window);
         box->setFocus();
         box->setCursorPosition(2);
         box->clearFocus();
@@ -64,7 +54,7 @@ private Q_SLOTS:
         QWidget window;
         auto* box = new QLineEdit(&window);
         box->setInputMethodHints(Qt::ImhPreferLatin);
-        showActive(&window);
+        test::showActive(&window);
         box->clearFocus();
         QVERIFY(!QApplication::focusWidget());
         SetImeMode(true);
@@ -80,7 +70,7 @@ private Q_SLOTS:
         layout->addWidget(date);
         layout->addWidget(next);
         installEnterAsTab(&window);
-        showActive(&window);
+        test::showActive(&window);
         date->setFocus();
         date->setDateText(QStringLiteral("2024-03-05"));
         date->setCursorPosition(0);

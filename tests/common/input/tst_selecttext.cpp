@@ -11,16 +11,6 @@
 
 using namespace nb;
 
-namespace {
-
-void showActive(QWidget* window) {
-    window->show();
-    window->activateWindow();
-    QApplication::setActiveWindow(window);
-}
-
-} // namespace
-
 class TestSelectText : public QObject {
     Q_OBJECT
 private Q_SLOTS:
@@ -28,7 +18,7 @@ private Q_SLOTS:
         test::TestHome home;
         QLineEdit box;
         box.setInputMask(QStringLiteral("9999-99-99;_"));
-        showActive(&box);
+        test::showActive(&box);
         box.setFocus();
         box.setText(QStringLiteral("2024"));
         SelectAllText();
@@ -40,7 +30,7 @@ private Q_SLOTS:
         test::TestHome home;
         QLineEdit box;
         box.setInputMask(QStringLiteral("9999-99-99;_"));
-        showActive(&box);
+        test::showActive(&box);
         box.setFocus();
         SelectAllText();
         QCOMPARE(box.selectionStart(), 0);
@@ -52,7 +42,7 @@ private Q_SLOTS:
     void boxWithoutTextOnlyPutsTheCaretAtTheStart() {
         test::TestHome home;
         QLineEdit box;
-        showActive(&box);
+        test::showActive(&box);
         box.setFocus();
         SelectAllText();
         QVERIFY(!box.hasSelectedText());
@@ -62,7 +52,7 @@ private Q_SLOTS:
     void plainBoxSelectsAllItsTextReachingPastTheEndHarmlessly() {
         test::TestHome home;
         QLineEdit box(QStringLiteral("한빛상사"));
-        showActive(&box);
+        test::showActive(&box);
         box.setFocus();
         box.setCursorPosition(2);
         SelectAllText();
@@ -79,7 +69,7 @@ private Q_SLOTS:
     void controlWithoutTextIsPassedOver() {
         test::TestHome home;
         QPushButton button(QStringLiteral("저장"));
-        showActive(&button);
+        test::showActive(&button);
         button.setFocus();
         SelectAllText();
         QCOMPARE(button.text(), QStringLiteral("저장"));
@@ -89,7 +79,7 @@ private Q_SLOTS:
         QComboBox list;
         list.setEditable(true);
         list.setEditText(QStringLiteral("상호"));
-        showActive(&list);
+        test::showActive(&list);
         list.setFocus();
         SelectAllText();
         QCOMPARE(list.lineEdit()->selectedText(), QStringLiteral("상호"));
@@ -105,7 +95,7 @@ private Q_SLOTS:
         installEnterAsTab(&window);
         auto* selector = new SelectAllOnFocus(&window);
         selector->watch(second);
-        showActive(&window);
+        test::showActive(&window);
         first->setFocus();
         test::pressKey(first, Qt::Key_Return);
         QTRY_COMPARE(second->selectedText(), QStringLiteral("02-123-4567"));
