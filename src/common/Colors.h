@@ -8,6 +8,5 @@ namespace nb {
 inline QColor colorFromBgr(int value) {
     return QColor(value & 0xFF, (value >> 8) & 0xFF, (value >> 16) & 0xFF);
 }
-inline int bgrFromColor(const QColor& c) { return c.red() + c.green() * 256 + c.blue() * 65536; }
 
 } // namespace nb

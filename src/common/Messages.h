@@ -109,7 +109,6 @@ public:
     // Boxes only (no notices or progress).
     std::vector<MessageRecord> boxes() const;
     int unscripted() const { return m_unscripted; }
-    int pendingAnswers() const { return int(m_answers.size()); }
     QList<int> progressValues() const { return m_progressValues; }
     void clear();
 

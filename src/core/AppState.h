@@ -37,8 +37,6 @@ int versionRevision();
 // The address of the maker's home page: used in the title, the home page entry, the convert
 // box and the about screen.
 inline const QString kMakerAddress = QStringLiteral("https://www.example.com");
-// The maker's telephone, as the menus and messages print it.
-inline const QString kMakerPhone = QStringLiteral("1500-0000");
 // The application's title: the program's name, used where a box is given no title.
 inline const QString kAppTitle = QStringLiteral("누벨라");
 

@@ -44,8 +44,6 @@ QString header(const QString& app, const QString& section) { return app + u'\\' 
 
 SettingsStore::SettingsStore(QString filePath) : m_path(std::move(filePath)) { load(); }
 
-void SettingsStore::reload() { load(); }
-
 void SettingsStore::load() {
     m_entries.clear();
     QFile f(m_path);
@@ -118,13 +116,6 @@ void SettingsStore::save(const QString& app, const QString& section, const QStri
     const int at = find(app, section, key);
     if (at >= 0) m_entries[at].value = value;
     else m_entries.push_back({app, section, key, value});
-    write();
-}
-
-void SettingsStore::remove(const QString& app, const QString& section, const QString& key) {
-    const int at = find(app, section, key);
-    if (at < 0) return;
-    m_entries.erase(m_entries.begin() + at);
     write();
 }
 

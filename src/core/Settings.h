@@ -21,10 +21,7 @@ public:
                 const QString& defaultValue = QString()) const;
     void save(const QString& app, const QString& section, const QString& key, const QString& value);
     bool contains(const QString& app, const QString& section, const QString& key) const;
-    void remove(const QString& app, const QString& section, const QString& key);
     QString filePath() const { return m_path; }
-    // Reads the file again (another copy of the program may have written it).
-    void reload();
 
 private:
     struct Entry {
