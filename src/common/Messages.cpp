@@ -1,6 +1,7 @@
 #include "common/Messages.h"
 
 #include "common/MessageDialogs.h"
+#include "core/AppState.h"
 
 namespace nb {
 namespace {
@@ -32,6 +33,10 @@ void setApplicationTitle(const QString& title) { titleSlot() = title; }
 
 int MsgBox(const QString& text, int buttons, const QString& title) {
     return messages().box(text, buttons, orAppTitle(title));
+}
+
+void ShowTypeMismatch() {
+    MsgBox(QStringLiteral("실행 시간 오류 '13':\r\n\r\n형식이 일치하지 않습니다."), MbExclamation, kAppTitle);
 }
 
 void ShowInfo(const QString& text, const QString& title) { MsgBox(text, MbInformation, title); }

@@ -74,6 +74,10 @@ void ShowError(const QString& text, int errorNumber, const QString& description)
 void ShowNotice(const QString& text, int millis = 500, int color = kNoticeColor);
 void ShowFloatMsg(const QString& text, int millis, bool modal, int color);
 
+// The run-time failure "실행 시간 오류 '13'" (a setting or number text that is not a number),
+// under the application's title.
+void ShowTypeMismatch();
+
 // "Error " + number + " (" + description + ") in procedure P of Module M", in a plain box.
 QString failureReportText(int number, const QString& description, const QString& procedure,
                           const QString& module);

@@ -1,6 +1,6 @@
 #include "invoice/InvoiceScreens.h"
 
-#include "core/shell/ScreenRegistry.h"
+#include "core/ScreenRegistry.h"
 #include "invoice/FrmTax.h"
 
 namespace nb {

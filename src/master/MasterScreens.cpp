@@ -1,7 +1,7 @@
 #include "master/MasterScreens.h"
 
 #include "core/Clock.h"
-#include "core/shell/ScreenRegistry.h"
+#include "core/ScreenRegistry.h"
 #include "master/FrmNewProduct.h"
 #include "master/FrmNewTrader.h"
 #include "master/FrmUser.h"

@@ -5,7 +5,6 @@
 #include "common/text/NumberFormat.h"
 #include "common/text/Rounding.h"
 #include "core/AppState.h"
-#include "core/shell/Startup.h"
 #include "master/SearchRules.h"
 #include "storage/Stores.h"
 

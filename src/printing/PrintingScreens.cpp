@@ -1,6 +1,6 @@
 #include "printing/PrintingScreens.h"
 
-#include "core/shell/ScreenRegistry.h"
+#include "core/ScreenRegistry.h"
 #include "printing/FrmSetPrinter.h"
 
 namespace nb {

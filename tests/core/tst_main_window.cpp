@@ -9,7 +9,7 @@
 #include "core/shell/Nubella.h"
 #include "core/shell/Program.h"
 #include "common/text/frmsosu.h"
-#include "core/shell/ScreenRegistry.h"
+#include "core/ScreenRegistry.h"
 #include "core/shell/frmAbout.h"
 
 #include "core/Settings.h"

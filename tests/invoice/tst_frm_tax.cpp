@@ -4,7 +4,7 @@
 #include "common/dates/DateBox.h"
 #include "common/grid/Grid.h"
 #include "core/Settings.h"
-#include "core/shell/ScreenRegistry.h"
+#include "core/ScreenRegistry.h"
 #include "invoice/FrmPic.h"
 #include "invoice/InvoiceScreens.h"
 #include "invoice/InvoiceSeal.h"

@@ -2,7 +2,7 @@
 // main window.
 #include "MasterFixture.h"
 #include "core/Clock.h"
-#include "core/shell/ScreenRegistry.h"
+#include "core/ScreenRegistry.h"
 #include "master/FrmNewProduct.h"
 #include "master/FrmNewTrader.h"
 #include "master/FrmUser.h"

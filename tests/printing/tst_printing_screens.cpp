@@ -2,7 +2,7 @@
 #include "TestSupport.h"
 
 #include "core/shell/Nubella.h"
-#include "core/shell/ScreenRegistry.h"
+#include "core/ScreenRegistry.h"
 #include "printing/FrmSetPrinter.h"
 #include "printing/PrintingScreens.h"
 

@@ -3,11 +3,12 @@
 #include "common/Colors.h"
 #include "common/External.h"
 #include "common/Messages.h"
+#include "common/ScreenActivation.h"
 #include "core/AppFolder.h"
 #include "core/AppState.h"
 #include "core/Clock.h"
 #include "core/shell/FrmLogin.h"
-#include "core/shell/ScreenRegistry.h"
+#include "core/ScreenRegistry.h"
 #include "core/shell/Startup.h"
 #include "core/shell/frmAbout.h"
 
@@ -166,10 +167,14 @@ void Nubella::showChild(const QString& control) {
         sub->setAttribute(Qt::WA_DeleteOnClose, false);
         m_children.insert(control, screen);
     }
-    QWidget* frame = screen->parentWidget();
+    auto* frame = qobject_cast<QMdiSubWindow*>(screen->parentWidget());
+    // Choosing the entry of the screen already in front is an activation too; otherwise the
+    // work area's change of active window gives it.
+    const bool alreadyInFront = m_mdi->activeSubWindow() == frame;
     frame->show();
     screen->show();
-    m_mdi->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(frame));
+    m_mdi->setActiveSubWindow(frame);
+    if (alreadyInFront) activateScreen(screen);
 }
 
 void Nubella::askHomePage() {

@@ -6,7 +6,7 @@
 #include "core/AppState.h"
 #include "core/Lifecycle.h"
 #include "core/shell/Nubella.h"
-#include "core/shell/ScreenRegistry.h"
+#include "core/ScreenRegistry.h"
 #include "core/shell/Startup.h"
 
 #include <QApplication>

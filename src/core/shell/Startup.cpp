@@ -103,10 +103,6 @@ bool LoadDecimalSettings() {
     return true;
 }
 
-void ShowTypeMismatch() {
-    MsgBox(QStringLiteral("실행 시간 오류 '13':\r\n\r\n형식이 일치하지 않습니다."), MbExclamation, kAppTitle);
-}
-
 void StartProgram() {
     ForceDateFormat(0);
     // The old statement store conversion runs here, under the busy cursor, before the settings

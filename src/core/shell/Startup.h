@@ -23,8 +23,6 @@ std::optional<int> toInteger16(const QString& text);
 // Reads "chk소수점1"/"chk소수점2" (default 0) into the shared state. Returns false when a value
 // is not a number: the load stops there.
 bool LoadDecimalSettings();
-// The run-time failure a stopped load shows before the program ends.
-void ShowTypeMismatch();
 
 // The steps after the decimals: conversion hook, ReadSettings, the store files, the upgrades.
 // The splash is shown by the caller.

@@ -1,4 +1,4 @@
-#include "core/shell/ScreenRegistry.h"
+#include "core/ScreenRegistry.h"
 
 #include <QHash>
 
