@@ -25,4 +25,15 @@ const ScreenEntry* screenFor(const QString& menuControl) {
 
 void clearScreenRegistry() { registry().clear(); }
 
+namespace {
+std::function<QWidget*(const QString&)>& opener() {
+    static std::function<QWidget*(const QString&)> installed;
+    return installed;
+}
+} // namespace
+
+QWidget* openScreen(const QString& menuControl) { return opener() ? opener()(menuControl) : nullptr; }
+
+void setScreenOpener(std::function<QWidget*(const QString& menuControl)> open) { opener() = std::move(open); }
+
 } // namespace nb

@@ -23,4 +23,12 @@ void registerMenuAction(const QString& menuControl, std::function<void(QWidget*)
 const ScreenEntry* screenFor(const QString& menuControl);
 void clearScreenRegistry();
 
+// Opens the screen of a menu entry as the menu does, so that a screen can lead to one that lives
+// in a library above it (the invoice to its statements, a quotation back to the statements).
+// Answers the child screen when the entry opens one, else null. Without a main window (nothing
+// installed the opener) nothing opens and the answer is null.
+QWidget* openScreen(const QString& menuControl);
+// The main window installs how entries open; tests may install their own.
+void setScreenOpener(std::function<QWidget*(const QString& menuControl)> opener);
+
 } // namespace nb

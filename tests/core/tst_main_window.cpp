@@ -80,6 +80,18 @@ private Q_SLOTS:
         w.refreshMenuState();
         QVERIFY(w.menuAction("mnu_InvoiceForm")->isEnabled());
     }
+    void aScreenOpensAHigherScreenThroughTheMainWindowOnly() {
+        QVERIFY(openScreen("mnu_거래명세표") == nullptr);  // no main window: nothing opens
+        registerChildScreen("mnu_거래명세표", [] { return new QWidget; });
+        {
+            Nubella w;
+            QWidget* opened = openScreen("mnu_거래명세표");
+            QVERIFY(opened != nullptr);
+            QCOMPARE(opened, w.childScreen("mnu_거래명세표"));
+            QCOMPARE(openScreen("mnu_거래명세표"), opened);  // the one open screen, never a second
+        }
+        QVERIFY(openScreen("mnu_거래명세표") == nullptr);  // the main window is gone
+    }
     void statusPanelsHoldDateFixedTextAndNothing() {
         test::TestHome home;
         test::script();

@@ -46,8 +46,15 @@ Nubella::Nubella(QWidget* parent) : QMainWindow(parent) {
     buildMenus();
     buildStatusPanels();
     refreshMenuState();
+    setScreenOpener([this](const QString& control) {
+        openEntry(control);
+        return childScreen(control);
+    });
     resize(1200, 780);
 }
+
+// Screens must not open through a main window that is gone.
+Nubella::~Nubella() { setScreenOpener({}); }
 
 QAction* Nubella::addItem(QMenu* menu, const QString& control, const QString& caption) {
     QAction* action = menu->addAction(caption);

@@ -17,6 +17,7 @@ class Nubella : public QMainWindow {
     Q_OBJECT
 public:
     explicit Nubella(QWidget* parent = nullptr);
+    ~Nubella() override;
 
     // The load: background, date panel, title, decimals, StartProgram, splash. False when the
     // load stopped (a decimal setting that is not a number); the program then ends.
