@@ -87,7 +87,7 @@ IssueResult IssueInvoice(InvoiceForm& form, const QImage& seal) {
     }
     IssueResult result{true, *printed, QString(), FormFocus::Unchanged};
     if (form.TaxCode.isEmpty()) {
-        const InvoiceHead head{form.txtCCode, form.dealDate(), form.bigo, form.serialUser};
+        const InvoiceHead head{form.txtCCode, form.dealDate(), form.bigo, form.serialUser, form.youngsu};
         if (InsertInvoiceRows(stores().dbTax, *code, head, printableLines(form.sheet)))
             result.storedTaxCode = *code;
     }

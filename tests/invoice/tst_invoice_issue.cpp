@@ -142,6 +142,23 @@ private Q_SLOTS:
         QCOMPARE(test::invoiceRows(), 2);
         QCOMPARE(test::invoiceRows(QStringLiteral("WHERE PName = ?"), {QStringLiteral("너트")}), 1);
     }
+    void issueKeepsWhetherTheInvoiceIsAReceiptOrACharge() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        addParties();
+        auto& msgs = test::script();
+        msgs.answer(AnsYes);
+        msgs.answer(AnsYes);
+        PrintCapture capture;
+        InvoiceForm form = newForm();
+        form.youngsu = QStringLiteral("청구");
+        QVERIFY(IssueInvoice(form, QImage()).printed);
+        form.sheet.line(0) = newForm().sheet.line(0);
+        form.youngsu = QStringLiteral("영수");
+        QVERIFY(IssueInvoice(form, QImage()).printed);
+        QCOMPARE(ReadIssuedInvoice(stores().dbTax, QStringLiteral("100000"))->receipt, QStringLiteral("청구"));
+        QCOMPARE(ReadIssuedInvoice(stores().dbTax, QStringLiteral("100001"))->receipt, QStringLiteral("영수"));
+    }
     void reissueOfAnInvoiceOnShowStoresNothingAndShowsTheNextFreeNumber() {
         test::TestHome home;
         QVERIFY(test::openStores());
