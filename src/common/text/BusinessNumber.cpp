@@ -1,5 +1,7 @@
 #include "common/text/BusinessNumber.h"
 
+#include "common/Messages.h"
+
 #include <array>
 
 namespace nb {
@@ -26,6 +28,14 @@ bool IsValidBusinessNumber(const QString& text) {
 QString businessNumberWarning(const QString& text) {
     return QStringLiteral("사업자등록번호 ") + text +
            QStringLiteral("의 검증번호가 맞지 않습니다.\r\n번호를 다시 확인하십시오. (그대로 저장할 수 있습니다)");
+}
+
+bool WarnOnBadBusinessNumber(const QString& text, bool residentNumberAllowed) {
+    const QString digits = businessNumberDigits(text);
+    if (digits.isEmpty() || IsValidBusinessNumber(digits)) return false;
+    if (residentNumberAllowed && digits.size() == 13) return false;
+    ShowFloatMsg(businessNumberWarning(text.trimmed()), 2500, false, kNoticeColor);
+    return true;
 }
 
 } // namespace nb

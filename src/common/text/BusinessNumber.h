@@ -18,4 +18,10 @@ bool IsValidBusinessNumber(const QString& text);
 // The warning a screen shows when a typed number fails the check.
 QString businessNumberWarning(const QString& text);
 
+// What the supplier and trader screens do when their number box is left: a floating notice
+// that does not stop the operator, shown when the text is not empty and fails the check. A
+// trader may be a person, so there a 13-digit resident number passes without a word. Answers
+// whether it warned.
+bool WarnOnBadBusinessNumber(const QString& text, bool residentNumberAllowed);
+
 } // namespace nb
