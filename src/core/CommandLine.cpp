@@ -19,9 +19,13 @@ QString optionValue(const QStringList& arguments, const QString& option, int n) 
     return arguments.at(at + 1 + n);
 }
 
-QString optionValue(const QStringList& arguments, const QString& option) { return optionValue(arguments, option, 0); }
+QString optionValue(const QStringList& arguments, const QString& option) {
+    return optionValue(arguments, option, 0);
+}
 
-void sayLine(const QString& line) { std::fprintf(stderr, "%s\n", line.toUtf8().constData()); }
+void sayLine(const QString& line) {
+    std::fprintf(stderr, "%s\n", line.toUtf8().constData());
+}
 
 void printLine(const QString& line) {
     std::fprintf(stdout, "%s\n", line.toUtf8().constData());

@@ -1,9 +1,8 @@
 #include "master/FrmNewTrader.h"
 
-#include "common/text/BusinessNumber.h"
-
 #include "common/Messages.h"
 #include "common/input/ImeMode.h"
+#include "common/text/BusinessNumber.h"
 #include "common/text/Identity.h"
 #include "common/text/NumBox.h"
 #include "master/EntryForm.h"

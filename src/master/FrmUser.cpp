@@ -1,10 +1,9 @@
 #include "master/FrmUser.h"
 
-#include "common/text/BusinessNumber.h"
-
 #include "common/Messages.h"
 #include "common/input/FormPlacement.h"
 #include "common/input/ImeMode.h"
+#include "common/text/BusinessNumber.h"
 #include "common/text/Identity.h"
 #include "core/AppState.h"
 #include "master/EntryForm.h"

@@ -14,8 +14,8 @@ using namespace nb;
 
 namespace {
 
-const QString kSupplier = QStringLiteral("123-45-67891");  // passes the check digit
-const QString kReceiver = QStringLiteral("101-01-01051");  // passes the check digit
+const QString kSupplier = QStringLiteral("123-45-67891"); // passes the check digit
+const QString kReceiver = QStringLiteral("101-01-01051"); // passes the check digit
 
 struct Item {
     QString tradeDate, name, spec;
@@ -24,27 +24,30 @@ struct Item {
 };
 
 void addParties() {
-    QVERIFY(test::exec(stores().dbBasic,
-                       "insert into User (Serial, Company, Delegate, Addr, Status, Item) values (?, ?, ?, ?, ?, ?)",
-                       {kSupplier, "가나상사", "김가나", "서울 중구 1", "도매", "철물"}));
+    QVERIFY(test::exec(
+        stores().dbBasic,
+        "insert into User (Serial, Company, Delegate, Addr, Status, Item) values (?, ?, ?, ?, ?, ?)",
+        {kSupplier, "가나상사", "김가나", "서울 중구 1", "도매", "철물"}));
     QVERIFY(test::exec(stores().dbBasic,
                        "insert into Trader (Code, C_Name, U_Name, Serial, Addr1, Addr2, Status, Item) "
                        "values (?, ?, ?, ?, ?, ?, ?, ?)",
                        {"000001", "다라철강", "이다라", kReceiver, "대구 북구", "2층", "제조", "강판"}));
-    QVERIFY(test::exec(stores().dbBasic, "insert into Trader (Code, C_Name, U_Name, Serial) values (?, ?, ?, ?)",
+    QVERIFY(test::exec(stores().dbBasic,
+                       "insert into Trader (Code, C_Name, U_Name, Serial) values (?, ?, ?, ?)",
                        {"000002", "틀린번호", "박틀림", "123-45-67890"}));
 }
 
 void addInvoice(const QString& taxCode, const QString& dealDate, const QList<Item>& items,
-                const QVariant& receipt = QStringLiteral("청구"), const QString& cCode = QStringLiteral("000001"),
-                const QString& remark = QString()) {
+                const QVariant& receipt = QStringLiteral("청구"),
+                const QString& cCode = QStringLiteral("000001"), const QString& remark = QString()) {
     for (const Item& item : items)
-        QVERIFY(test::exec(stores().dbTax,
-                           "insert into NewAcount (TaxCode, CCode, PName, PNorm, Quantity, UnitCost, TradeKum, "
-                           "VatKum, DealDate, IssueDate, TradeDate, UserCode, Receipt) "
-                           "values (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
-                           {taxCode, cCode, item.name, item.spec, item.quantity, item.price, item.supply, item.tax,
-                            dealDate, remark, item.tradeDate, kSupplier, receipt}));
+        QVERIFY(
+            test::exec(stores().dbTax,
+                       "insert into NewAcount (TaxCode, CCode, PName, PNorm, Quantity, UnitCost, TradeKum, "
+                       "VatKum, DealDate, IssueDate, TradeDate, UserCode, Receipt) "
+                       "values (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
+                       {taxCode, cCode, item.name, item.spec, item.quantity, item.price, item.supply,
+                        item.tax, dealDate, remark, item.tradeDate, kSupplier, receipt}));
 }
 
 Item item(const QString& date, const QString& name, double qty, double price) {
@@ -79,10 +82,13 @@ private Q_SLOTS:
         addInvoice("100000", "2024-05-10", {item("05-10", "볼트", 3, 1000)});
         const EtaxExport result = f.run();
         QCOMPARE(result.files.size(), 1);
-        QCOMPARE(QFileInfo(result.files.first()).fileName(), QStringLiteral("전자세금계산서_20240101-20241231_1.xlsx"));
+        QCOMPARE(QFileInfo(result.files.first()).fileName(),
+                 QStringLiteral("전자세금계산서_20240101-20241231_1.xlsx"));
         QCOMPARE(test::xlsxSheetNames(result.files.first()), QStringList{"엑셀업로드양식"});
         const auto cells = test::xlsxCells(result.files.first());
-        for (int r = 1; r <= 5; ++r) QVERIFY2(!cells.value(QStringLiteral("A%1").arg(r)).value.isEmpty(), qPrintable(QString::number(r)));
+        for (int r = 1; r <= 5; ++r)
+            QVERIFY2(!cells.value(QStringLiteral("A%1").arg(r)).value.isEmpty(),
+                     qPrintable(QString::number(r)));
         QCOMPARE(cells.value("A4").value, QStringLiteral("기간 2024-01-01 ~ 2024-12-31, 파일 1/1"));
         QCOMPARE(etaxHeadings().size(), 59);
         QCOMPARE(cells.value("A6").value, QStringLiteral("전자(세금)계산서 종류"));
@@ -104,17 +110,17 @@ private Q_SLOTS:
         addInvoice("100000", "2024-05-10", {item("05-09", "볼트", 3, 1000)}, "청구", "000001", "5월분");
         const auto cells = test::xlsxCells(f.run().files.first());
         const QMap<QString, QString> texts = {
-            {"A7", "01"},         {"B7", "20240510"}, {"C7", "1234567891"}, {"E7", "가나상사"},
-            {"F7", "김가나"},     {"G7", "서울 중구 1"}, {"H7", "도매"},     {"I7", "철물"},
-            {"K7", "1010101051"}, {"M7", "다라철강"},  {"N7", "이다라"},     {"O7", "대구 북구 2층"},
-            {"P7", "제조"},       {"Q7", "강판"},      {"V7", "5월분"},      {"W7", "09"},
-            {"X7", "볼트"},       {"Y7", "규격"},      {"BG7", "02"}};
+            {"A7", "01"},         {"B7", "20240510"},    {"C7", "1234567891"}, {"E7", "가나상사"},
+            {"F7", "김가나"},     {"G7", "서울 중구 1"}, {"H7", "도매"},       {"I7", "철물"},
+            {"K7", "1010101051"}, {"M7", "다라철강"},    {"N7", "이다라"},     {"O7", "대구 북구 2층"},
+            {"P7", "제조"},       {"Q7", "강판"},        {"V7", "5월분"},      {"W7", "09"},
+            {"X7", "볼트"},       {"Y7", "규격"},        {"BG7", "02"}};
         for (auto it = texts.cbegin(); it != texts.cend(); ++it) {
             QVERIFY2(!cells.value(it.key()).isNumber(), qPrintable(it.key()));
             QCOMPARE(cells.value(it.key()).value, it.value());
         }
-        const QMap<QString, double> numbers = {{"T7", 3000}, {"U7", 300}, {"Z7", 3}, {"AA7", 1000}, {"AB7", 3000},
-                                               {"AC7", 300}};
+        const QMap<QString, double> numbers = {{"T7", 3000},  {"U7", 300},   {"Z7", 3},
+                                               {"AA7", 1000}, {"AB7", 3000}, {"AC7", 300}};
         for (auto it = numbers.cbegin(); it != numbers.cend(); ++it) {
             QVERIFY2(cells.value(it.key()).isNumber(), qPrintable(it.key()));
             QCOMPARE(cells.value(it.key()).value.toDouble(), it.value());
@@ -135,7 +141,7 @@ private Q_SLOTS:
         QCOMPARE(cells.value("AN7").value, QStringLiteral("셋"));
         QCOMPARE(cells.value("AU7").value, QStringLiteral("04"));
         QCOMPARE(cells.value("AV7").value, QStringLiteral("넷"));
-        QCOMPARE(cells.value("AX7").value.toDouble(), 1.5);  // 수량4
+        QCOMPARE(cells.value("AX7").value.toDouble(), 1.5); // 수량4
         QCOMPARE(cells.value("AY7").value.toDouble(), 400.0);
         QCOMPARE(cells.value("AZ7").value.toDouble(), 600.0);
         QCOMPARE(cells.value("BA7").value.toDouble(), 60.0);
@@ -160,9 +166,10 @@ private Q_SLOTS:
         QCOMPARE(result.files.size(), 3);
         QCOMPARE(result.invoicesPerFile, (QList<int>{100, 100, 50}));
         QCOMPARE(result.invoicesWritten(), 250);
-        QCOMPARE(QFileInfo(result.files.at(2)).fileName(), QStringLiteral("전자세금계산서_20240101-20241231_3.xlsx"));
+        QCOMPARE(QFileInfo(result.files.at(2)).fileName(),
+                 QStringLiteral("전자세금계산서_20240101-20241231_3.xlsx"));
         const auto last = test::xlsxCells(result.files.at(2));
-        QVERIFY(last.contains("A56"));   // rows 7..56
+        QVERIFY(last.contains("A56")); // rows 7..56
         QVERIFY(!last.contains("A57"));
         QCOMPARE(test::xlsxCells(result.files.at(1)).value("B106").value, QStringLiteral("20240315"));
     }
@@ -210,7 +217,8 @@ private Q_SLOTS:
     void taxRoundedLineByLineStillAddsUp() {
         Fixture f;
         // 0.4 and 0.4 won rounded away on each line: 2 won short of a tenth of 1,008.
-        addInvoice("100000", "2024-05-10", {{"05-10", "a", "", 1, 504, 504, 50}, {"05-10", "b", "", 1, 504, 504, 50}});
+        addInvoice("100000", "2024-05-10",
+                   {{"05-10", "a", "", 1, 504, 504, 50}, {"05-10", "b", "", 1, 504, 504, 50}});
         QVERIFY(f.run().leftOut.isEmpty());
     }
     void invoicesBeforeTheReceiptWasKeptTakeTheAssumedCodeAndAreCounted() {
@@ -241,8 +249,8 @@ private Q_SLOTS:
     void aFolderThatCannotBeWrittenIsReportedWithThePath() {
         Fixture f;
         addInvoice("100000", "2024-05-10", {item("05-10", "볼트", 1, 1000)});
-        const EtaxExport result = exportEtax(period(), "/nonexistent/folder", "2024-01-01", "2024-12-31",
-                                             EtaxReceipt::Charged);
+        const EtaxExport result =
+            exportEtax(period(), "/nonexistent/folder", "2024-01-01", "2024-12-31", EtaxReceipt::Charged);
         QVERIFY(result.files.isEmpty());
         QCOMPARE(result.failures.size(), 1);
         QVERIFY2(result.failures.first().startsWith("파일을 쓸 수 없습니다: /nonexistent/folder/"),

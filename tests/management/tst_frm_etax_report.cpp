@@ -13,12 +13,19 @@ namespace {
 
 EtaxExport sampleResult() {
     EtaxExport result;
-    result.files = {"/tmp/e/전자세금계산서_20240101-20240331_1.xlsx", "/tmp/e/전자세금계산서_20240101-20240331_2.xlsx"};
+    result.files = {"/tmp/e/전자세금계산서_20240101-20240331_1.xlsx",
+                    "/tmp/e/전자세금계산서_20240101-20240331_2.xlsx"};
     result.invoicesPerFile = {100, 27};
     result.assumedReceipts = 3;
-    result.leftOut = {{"100004", "2024-02-03", "다라철강", {"품목이 6개입니다 (한 장에 4개까지): 홈택스에서 직접 발급하십시오"}},
-                      {"100019", "2024-03-11", "틀린번호",
-                       {"공급받는자 등록번호가 올바르지 않습니다 (123-45-67890)", "공급받는자 성명이 비어 있습니다"}}};
+    result.leftOut = {
+        {"100004",
+         "2024-02-03",
+         "다라철강",
+         {"품목이 6개입니다 (한 장에 4개까지): 홈택스에서 직접 발급하십시오"}},
+        {"100019",
+         "2024-03-11",
+         "틀린번호",
+         {"공급받는자 등록번호가 올바르지 않습니다 (123-45-67890)", "공급받는자 성명이 비어 있습니다"}}};
     return result;
 }
 
@@ -42,8 +49,14 @@ private Q_SLOTS:
         FrmEtaxReport form(sampleResult(), "/tmp/e");
         Grid* seen = nullptr;
         int prints = 0, exports = 0;
-        form.onPrint([&](Grid* g) { seen = g; ++prints; });
-        form.onExport([&](Grid* g) { seen = g; ++exports; });
+        form.onPrint([&](Grid* g) {
+            seen = g;
+            ++prints;
+        });
+        form.onExport([&](Grid* g) {
+            seen = g;
+            ++exports;
+        });
         test::showActive(&form);
         QCOMPARE(form.windowTitle(), QStringLiteral("전자세금계산서 엑셀 작성 결과"));
         QVERIFY(form.summary()->text().endsWith(QStringLiteral("저장 폴더: /tmp/e")));
@@ -51,12 +64,13 @@ private Q_SLOTS:
         QCOMPARE(form.list()->Text(4, 0), QStringLiteral("제외 사유"));
         QCOMPARE(form.list()->Text(1, 2), QStringLiteral("100019"));
         QCOMPARE(form.list()->Text(3, 2), QStringLiteral("틀린번호"));
-        QCOMPARE(form.list()->Text(4, 2), QStringLiteral("공급받는자 등록번호가 올바르지 않습니다 (123-45-67890)"));
-        QCOMPARE(form.list()->Text(1, 3), QString());  // the same invoice's second reason
+        QCOMPARE(form.list()->Text(4, 2),
+                 QStringLiteral("공급받는자 등록번호가 올바르지 않습니다 (123-45-67890)"));
+        QCOMPARE(form.list()->Text(1, 3), QString()); // the same invoice's second reason
         QCOMPARE(form.list()->Text(4, 3), QStringLiteral("공급받는자 성명이 비어 있습니다"));
         QCOMPARE(form.list()->MaxRows(), 3);
         test::saveScreenshot(&form, "etax_export_report");
-        QCOMPARE(test::focused()->objectName(), QStringLiteral("btnExit"));  // Enter closes
+        QCOMPARE(test::focused()->objectName(), QStringLiteral("btnExit")); // Enter closes
         QTest::mouseClick(form.printButton(), Qt::LeftButton);
         QTest::mouseClick(form.exportButton(), Qt::LeftButton);
         QCOMPARE(prints, 1);

@@ -20,14 +20,16 @@ bool IsValidBusinessNumber(const QString& text) {
     for (const QChar c : digits)
         if (c < u'0' || c > u'9') return false;
     int sum = 0;
-    for (int i = 0; i < 9; ++i) sum += digits[i].digitValue() * weights[i];
+    for (int i = 0; i < 9; ++i)
+        sum += digits[i].digitValue() * weights[i];
     sum += digits[8].digitValue() * 5 / 10;
     return (10 - sum % 10) % 10 == digits[9].digitValue();
 }
 
 QString businessNumberWarning(const QString& text) {
     return QStringLiteral("사업자등록번호 ") + text +
-           QStringLiteral("의 검증번호가 맞지 않습니다.\r\n번호를 다시 확인하십시오. (그대로 저장할 수 있습니다)");
+           QStringLiteral(
+               "의 검증번호가 맞지 않습니다.\r\n번호를 다시 확인하십시오. (그대로 저장할 수 있습니다)");
 }
 
 bool WarnOnBadBusinessNumber(const QString& text, bool residentNumberAllowed) {

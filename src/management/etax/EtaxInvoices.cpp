@@ -45,13 +45,14 @@ public:
 
 private:
     static EtaxParty supplierFromRow(const Recordset& rs) {
-        return {rs.text(QStringLiteral("Serial")), rs.text(QStringLiteral("Company")),
+        return {rs.text(QStringLiteral("Serial")),   rs.text(QStringLiteral("Company")),
                 rs.text(QStringLiteral("Delegate")), rs.text(QStringLiteral("Addr")),
-                rs.text(QStringLiteral("Status")), rs.text(QStringLiteral("Item"))};
+                rs.text(QStringLiteral("Status")),   rs.text(QStringLiteral("Item"))};
     }
     static EtaxParty traderFromRow(const Recordset& rs) {
         const QString address =
-            (rs.text(QStringLiteral("Addr1")).trimmed() + u' ' + rs.text(QStringLiteral("Addr2")).trimmed()).trimmed();
+            (rs.text(QStringLiteral("Addr1")).trimmed() + u' ' + rs.text(QStringLiteral("Addr2")).trimmed())
+                .trimmed();
         return {rs.text(QStringLiteral("Serial")), rs.text(QStringLiteral("C_Name")),
                 rs.text(QStringLiteral("U_Name")), address,
                 rs.text(QStringLiteral("Status")), rs.text(QStringLiteral("Item"))};
@@ -67,9 +68,10 @@ std::optional<QList<EtaxInvoice>> readInvoiceRows(Database& dbTax, const QString
                                                   QHash<QString, QString>& traderOf,
                                                   QHash<QString, QString>& supplierOf) {
     Recordset rs;
-    if (!OpenSnapshot(dbTax, rs,
-                      QStringLiteral("select * from NewAcount where DealDate between ? and ? order by TaxCode, rowid"),
-                      {from, to}))
+    if (!OpenSnapshot(
+            dbTax, rs,
+            QStringLiteral("select * from NewAcount where DealDate between ? and ? order by TaxCode, rowid"),
+            {from, to}))
         return std::nullopt;
     QList<EtaxInvoice> invoices;
     for (; !rs.EOF_(); rs.MoveNext()) {
@@ -107,13 +109,15 @@ void checkParty(const EtaxParty& party, const QString& who, QStringList& problem
 
 double EtaxInvoice::supplyTotal() const {
     double sum = 0;
-    for (const EtaxItem& item : items) sum += item.supply;
+    for (const EtaxItem& item : items)
+        sum += item.supply;
     return sum;
 }
 
 double EtaxInvoice::taxTotal() const {
     double sum = 0;
-    for (const EtaxItem& item : items) sum += item.tax;
+    for (const EtaxItem& item : items)
+        sum += item.tax;
     return sum;
 }
 
@@ -150,7 +154,8 @@ QStringList etaxProblems(const EtaxInvoice& invoice) {
     // by at most one won a line; more means a tax typed over.
     if (std::abs(invoice.taxTotal() - invoice.supplyTotal() / 10.0) > invoice.items.size())
         problems << QStringLiteral("세액 합계 %1이(가) 공급가액 합계 %2의 10%와 맞지 않습니다")
-                        .arg(FormatNumber(invoice.taxTotal(), kMaskSum), FormatNumber(invoice.supplyTotal(), kMaskSum));
+                        .arg(FormatNumber(invoice.taxTotal(), kMaskSum),
+                             FormatNumber(invoice.supplyTotal(), kMaskSum));
     return problems;
 }
 

@@ -14,9 +14,13 @@ QString digitsOf(QString text) {
     return text.trimmed();
 }
 
-QString compactDate(const QString& date) { return digitsOf(date); }
+QString compactDate(const QString& date) {
+    return digitsOf(date);
+}
 
-QVariant optionalCell(const std::optional<double>& value) { return value ? QVariant(*value) : QVariant(); }
+QVariant optionalCell(const std::optional<double>& value) {
+    return value ? QVariant(*value) : QVariant();
+}
 
 QString dayOf(const EtaxInvoice& invoice, const EtaxItem& item) {
     return item.tradeDate.isEmpty() ? invoice.dealDate.mid(8, 2) : item.tradeDate.right(2);
@@ -25,17 +29,20 @@ QString dayOf(const EtaxInvoice& invoice, const EtaxItem& item) {
 void appendParty(QVariantList& row, const EtaxParty& party, int emails) {
     row << digitsOf(party.serial) << QString() << party.company.trimmed() << party.representative.trimmed()
         << party.address.trimmed() << party.status.trimmed() << party.item.trimmed();
-    for (int i = 0; i < emails; ++i) row << QString();
+    for (int i = 0; i < emails; ++i)
+        row << QString();
 }
 
 // Eight cells an item: 일자, 품목, 규격, 수량, 단가, 공급가액, 세액, 품목비고.
 void appendItem(QVariantList& row, const EtaxInvoice& invoice, const EtaxItem* item) {
     if (!item) {
-        for (int i = 0; i < 8; ++i) row << QVariant();
+        for (int i = 0; i < 8; ++i)
+            row << QVariant();
         return;
     }
-    row << dayOf(invoice, *item) << item->name.trimmed() << item->spec.trimmed() << optionalCell(item->quantity)
-        << optionalCell(item->unitPrice) << QVariant(item->supply) << QVariant(item->tax) << QString();
+    row << dayOf(invoice, *item) << item->name.trimmed() << item->spec.trimmed()
+        << optionalCell(item->quantity) << optionalCell(item->unitPrice) << QVariant(item->supply)
+        << QVariant(item->tax) << QString();
 }
 
 void writeCell(lxw_worksheet* sheet, int row, int column, const QVariant& value, lxw_format* numberFormat) {
@@ -45,10 +52,9 @@ void writeCell(lxw_worksheet* sheet, int row, int column, const QVariant& value,
         const double number = value.toDouble();
         worksheet_write_number(sheet, lxw_row_t(row), lxw_col_t(column), number,
                                number == std::floor(number) ? numberFormat : nullptr);
-    }
-    else if (!value.toString().isEmpty())
-        worksheet_write_string(sheet, lxw_row_t(row), lxw_col_t(column), value.toString().toUtf8().constData(),
-                               nullptr);
+    } else if (!value.toString().isEmpty())
+        worksheet_write_string(sheet, lxw_row_t(row), lxw_col_t(column),
+                               value.toString().toUtf8().constData(), nullptr);
 }
 
 QString fileName(const QString& from, const QString& to, int number) {
@@ -66,18 +72,28 @@ QStringList guidanceFor(const QString& from, const QString& to, int file, int fi
 } // namespace
 
 QStringList etaxHeadings() {
-    QStringList headings = {
-        QStringLiteral("전자(세금)계산서 종류"), QStringLiteral("작성일자"),
-        QStringLiteral("공급자 등록번호"),       QStringLiteral("공급자 종사업장번호"),
-        QStringLiteral("공급자 상호"),           QStringLiteral("공급자 성명"),
-        QStringLiteral("공급자 사업장주소"),     QStringLiteral("공급자 업태"),
-        QStringLiteral("공급자 종목"),           QStringLiteral("공급자 이메일"),
-        QStringLiteral("공급받는자 등록번호"),   QStringLiteral("공급받는자 종사업장번호"),
-        QStringLiteral("공급받는자 상호"),       QStringLiteral("공급받는자 성명"),
-        QStringLiteral("공급받는자 사업장주소"), QStringLiteral("공급받는자 업태"),
-        QStringLiteral("공급받는자 종목"),       QStringLiteral("공급받는자 이메일1"),
-        QStringLiteral("공급받는자 이메일2"),    QStringLiteral("공급가액 합계"),
-        QStringLiteral("세액 합계"),             QStringLiteral("비고")};
+    QStringList headings = {QStringLiteral("전자(세금)계산서 종류"),
+                            QStringLiteral("작성일자"),
+                            QStringLiteral("공급자 등록번호"),
+                            QStringLiteral("공급자 종사업장번호"),
+                            QStringLiteral("공급자 상호"),
+                            QStringLiteral("공급자 성명"),
+                            QStringLiteral("공급자 사업장주소"),
+                            QStringLiteral("공급자 업태"),
+                            QStringLiteral("공급자 종목"),
+                            QStringLiteral("공급자 이메일"),
+                            QStringLiteral("공급받는자 등록번호"),
+                            QStringLiteral("공급받는자 종사업장번호"),
+                            QStringLiteral("공급받는자 상호"),
+                            QStringLiteral("공급받는자 성명"),
+                            QStringLiteral("공급받는자 사업장주소"),
+                            QStringLiteral("공급받는자 업태"),
+                            QStringLiteral("공급받는자 종목"),
+                            QStringLiteral("공급받는자 이메일1"),
+                            QStringLiteral("공급받는자 이메일2"),
+                            QStringLiteral("공급가액 합계"),
+                            QStringLiteral("세액 합계"),
+                            QStringLiteral("비고")};
     for (int n = 1; n <= kEtaxItemsPerInvoice; ++n)
         for (const char* part : {"일자", "품목", "규격", "수량", "단가", "공급가액", "세액", "품목비고"})
             headings << QString::fromUtf8(part) + QString::number(n);
@@ -112,10 +128,12 @@ bool writeEtaxWorkbook(const QString& path, const QList<EtaxInvoice>& invoices, 
     for (int i = 0; i < guidance.size() && i < kEtaxHeadingRow - 1; ++i)
         writeCell(sheet, i, 0, guidance.at(i), numberFormat);
     const QStringList headings = etaxHeadings();
-    for (int c = 0; c < headings.size(); ++c) writeCell(sheet, kEtaxHeadingRow - 1, c, headings.at(c), numberFormat);
+    for (int c = 0; c < headings.size(); ++c)
+        writeCell(sheet, kEtaxHeadingRow - 1, c, headings.at(c), numberFormat);
     for (int r = 0; r < invoices.size(); ++r) {
         const QVariantList row = etaxRow(invoices.at(r), assumed);
-        for (int c = 0; c < row.size(); ++c) writeCell(sheet, kEtaxHeadingRow + r, c, row.at(c), numberFormat);
+        for (int c = 0; c < row.size(); ++c)
+            writeCell(sheet, kEtaxHeadingRow + r, c, row.at(c), numberFormat);
     }
     const lxw_error result = workbook_close(book);
     if (result != LXW_NO_ERROR) {
@@ -129,7 +147,8 @@ bool writeEtaxWorkbook(const QString& path, const QList<EtaxInvoice>& invoices, 
 
 int EtaxExport::invoicesWritten() const {
     int sum = 0;
-    for (int n : invoicesPerFile) sum += n;
+    for (int n : invoicesPerFile)
+        sum += n;
     return sum;
 }
 
@@ -139,8 +158,11 @@ EtaxExport exportEtax(const QList<EtaxInvoice>& invoices, const QString& folder,
     QList<EtaxInvoice> going;
     for (const EtaxInvoice& invoice : invoices) {
         const QStringList problems = etaxProblems(invoice);
-        if (problems.isEmpty()) going << invoice;
-        else result.leftOut << EtaxLeftOut{invoice.taxCode, invoice.dealDate, invoice.receiver.company, problems};
+        if (problems.isEmpty())
+            going << invoice;
+        else
+            result.leftOut << EtaxLeftOut{invoice.taxCode, invoice.dealDate, invoice.receiver.company,
+                                          problems};
     }
     const int files = int((going.size() + kEtaxInvoicesPerFile - 1) / kEtaxInvoicesPerFile);
     for (int f = 0; f < files; ++f) {

@@ -10,7 +10,7 @@ namespace nb {
 
 inline constexpr int kEtaxColumns = 59;
 inline constexpr int kEtaxInvoicesPerFile = 100;
-inline constexpr int kEtaxHeadingRow = 6;  // counted from 1, as the sheet shows it
+inline constexpr int kEtaxHeadingRow = 6; // counted from 1, as the sheet shows it
 inline const QString kEtaxSheetName = QStringLiteral("엑셀업로드양식");
 
 // The headings of row 6, columns A to BG.
@@ -32,11 +32,11 @@ struct EtaxLeftOut {
 };
 
 struct EtaxExport {
-    QStringList files;            // written, in order
-    QList<int> invoicesPerFile;   // beside files
-    QList<EtaxLeftOut> leftOut;   // the invoices that cannot go, with their reasons
-    int assumedReceipts = 0;      // written invoices whose 영수/청구 was not on file
-    QStringList failures;         // files that could not be written, with the reason
+    QStringList files;          // written, in order
+    QList<int> invoicesPerFile; // beside files
+    QList<EtaxLeftOut> leftOut; // the invoices that cannot go, with their reasons
+    int assumedReceipts = 0;    // written invoices whose 영수/청구 was not on file
+    QStringList failures;       // files that could not be written, with the reason
     int invoicesWritten() const;
 };
 

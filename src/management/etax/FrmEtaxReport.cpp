@@ -20,16 +20,16 @@ QString etaxSummaryText(const EtaxExport& result) {
     if (result.assumedReceipts > 0)
         text += QStringLiteral("\n영수/청구가 기록되지 않은 %1건은 선택한 구분으로 작성했습니다.")
                     .arg(result.assumedReceipts);
-    for (const QString& failure : result.failures) text += u'\n' + failure;
+    for (const QString& failure : result.failures)
+        text += u'\n' + failure;
     return text;
 }
 
 FrmEtaxReport::FrmEtaxReport(const EtaxExport& result, QString folder, QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("FrmEtaxReport"));
     setWindowTitle(QStringLiteral("전자세금계산서 엑셀 작성 결과"));
-    m_summary = new QLabel(etaxSummaryText(result) + QStringLiteral("\n저장 폴더: ") +
-                               QDir::toNativeSeparators(folder),
-                           this);
+    m_summary = new QLabel(
+        etaxSummaryText(result) + QStringLiteral("\n저장 폴더: ") + QDir::toNativeSeparators(folder), this);
     m_summary->setObjectName(QStringLiteral("pnlSummary"));
     m_summary->setWordWrap(true);
     m_summary->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -44,8 +44,12 @@ FrmEtaxReport::FrmEtaxReport(const EtaxExport& result, QString folder, QWidget* 
     close->setObjectName(QStringLiteral("btnExit"));
     m_print->setEnabled(!result.leftOut.isEmpty());
     m_export->setEnabled(!result.leftOut.isEmpty());
-    connect(m_print, &QPushButton::clicked, this, [this] { if (m_printList) m_printList(m_list); });
-    connect(m_export, &QPushButton::clicked, this, [this] { if (m_exportList) m_exportList(m_list); });
+    connect(m_print, &QPushButton::clicked, this, [this] {
+        if (m_printList) m_printList(m_list);
+    });
+    connect(m_export, &QPushButton::clicked, this, [this] {
+        if (m_exportList) m_exportList(m_list);
+    });
     connect(close, &QPushButton::clicked, this, &QDialog::accept);
     // Enter closes the window; the list is there to read.
     close->setDefault(true);
@@ -63,12 +67,13 @@ FrmEtaxReport::FrmEtaxReport(const EtaxExport& result, QString folder, QWidget* 
 }
 
 void FrmEtaxReport::fillList(const QList<EtaxLeftOut>& leftOut) {
-    const QStringList heads = {QStringLiteral("계산서번호"), QStringLiteral("작성일자"), QStringLiteral("공급받는자"),
-                               QStringLiteral("제외 사유")};
+    const QStringList heads = {QStringLiteral("계산서번호"), QStringLiteral("작성일자"),
+                               QStringLiteral("공급받는자"), QStringLiteral("제외 사유")};
     const QList<double> widths = {9, 10, 18, 60};
     m_list->setMaxCols(int(heads.size()));
     int rows = 0;
-    for (const EtaxLeftOut& left : leftOut) rows += int(left.reasons.size());
+    for (const EtaxLeftOut& left : leftOut)
+        rows += int(left.reasons.size());
     m_list->setMaxRows(qMax(1, rows));
     m_list->setColWidth(0, 3);
     for (int c = 1; c <= heads.size(); ++c) {
