@@ -424,10 +424,19 @@ void FrmTax::showIssuedInvoice(int row) {
     write_mm->setText(date.mm);
     write_dd->setText(date.dd);
     bigo->setPlainText(invoice->remark);
+    showReceipt(invoice->receipt);
     runRule("grdList_Click", [&](InvoiceSheet& s) { ShowIssuedInvoice(s, *invoice); });
     grdList->setFocus();
     // clear_input's focus on CName_MAE has put its own help in the panel meanwhile.
     pnlHelp->setText(QStringLiteral("출력하고자하는 내역을 선택하세요. [ 내역삭제 : F4 ]"));
+}
+
+// The stored 영수/청구 of an issued invoice; older invoices do not say and leave the choice as it is.
+void FrmTax::showReceipt(const QString& receipt) {
+    QRadioButton* option = receipt == u"청구" ? Opt청구 : receipt == u"영수" ? Opt영수 : nullptr;
+    if (!option) return;
+    option->setChecked(true);
+    youngsu->setText(option->text());
 }
 
 void FrmTax::deleteIssuedInvoice() {

@@ -103,6 +103,7 @@ public:
     void searchSupplier();           // Enter in CName_user
     void showIssuedInvoice(int row); // a click on a row of grdList
     void deleteIssuedInvoice();      // F4 on grdList
+    void showReceipt(const QString& receipt);
 
 public Q_SLOTS:
     void vaBtn2_Click();  // 발행

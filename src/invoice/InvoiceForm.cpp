@@ -28,7 +28,7 @@ SaveResult SaveInvoice(InvoiceForm& form, Database& dbTax) {
     }
     const std::optional<QString> code = NextTaxCode(dbTax);
     if (!code) return {};
-    const InvoiceHead head{form.txtCCode, form.dealDate(), form.bigo, form.serialUser};
+    const InvoiceHead head{form.txtCCode, form.dealDate(), form.bigo, form.serialUser, form.youngsu};
     if (!InsertInvoiceRows(dbTax, *code, head, linesToSave(form.sheet))) return {};
     return {true, *code, FormFocus::Pummok0};
 }

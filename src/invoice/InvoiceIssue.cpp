@@ -87,7 +87,7 @@ IssueResult IssueInvoice(InvoiceForm& form, const QImage& seal) {
     }
     IssueResult result{true, *printed, QString(), FormFocus::Unchanged};
     if (form.TaxCode.isEmpty()) {
-        const InvoiceHead head{form.txtCCode, form.dealDate(), form.bigo, form.serialUser};
+        const InvoiceHead head{form.txtCCode, form.dealDate(), form.bigo, form.serialUser, form.youngsu};
         if (InsertInvoiceRows(stores().dbTax, *code, head, printableLines(form.sheet)))
             result.storedTaxCode = *code;
     }
@@ -113,6 +113,7 @@ int PrintStoredInvoiceToPdf(const QString& taxCode, const QString& pdfPath, QStr
     form.writeMM = date.mm;
     form.writeDD = date.dd;
     form.bigo = invoice->remark;
+    if (!invoice->receipt.isEmpty()) form.youngsu = invoice->receipt; // older invoices print 영수
     form.printDate = true;
     form.printPhone = GetEnv(QStringLiteral("계산서전화번호"), QStringLiteral("0")) == u"1";
     form.txtSeq = serialFromTaxCode(invoice->taxCode);

@@ -113,7 +113,7 @@ bool InsertInvoiceRows(Database& dbTax, const QString& taxCode, const InvoiceHea
                        const QList<InvoiceLine>& lines) {
     static const QString sql = QStringLiteral(
         "insert into NewAcount(TaxCode, CCode, PName, PNorm, Quantity, UnitCost, TradeKum, VatKum, DealDate, "
-        "issuedate, TradeDate, UserCode) values(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+        "issuedate, TradeDate, UserCode, Receipt) values(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
     if (!dbTax.beginTransaction()) return false;
     for (const InvoiceLine& line : lines) {
         const QVariantList values{taxCode,
@@ -127,7 +127,8 @@ bool InsertInvoiceRows(Database& dbTax, const QString& taxCode, const InvoiceHea
                                   head.dealDate,
                                   head.remark.trimmed(),
                                   line.ddyy.trimmed(),
-                                  head.userCode};
+                                  head.userCode,
+                                  head.receipt.trimmed()};
         if (!dbTax.Execute(sql, values)) {
             dbTax.rollback();
             return false;
@@ -148,6 +149,7 @@ std::optional<IssuedInvoice> ReadIssuedInvoice(Database& dbTax, const QString& t
     invoice.dealDate = rs.text(QStringLiteral("DealDate"));
     invoice.remark = rs.text(QStringLiteral("IssueDate"));
     invoice.userCode = rs.text(QStringLiteral("UserCode"));
+    invoice.receipt = rs.text(QStringLiteral("Receipt"));
     for (; !rs.EOF_(); rs.MoveNext())
         invoice.lines.append(lineFromRow(rs));
     CloseRs(rs);

@@ -32,6 +32,7 @@ struct InvoiceHead {
     QString dealDate; // write_yy-write_mm-write_dd
     QString remark;   // bigo, the whole remark (stored in the column IssueDate)
     QString userCode; // Serial_user
+    QString receipt;  // youngsu: "영수" or "청구" (stored in the column Receipt)
 };
 
 // The lines SaveInvoice stores: 0 to CurLine while both the trade date and the tax are
@@ -52,6 +53,7 @@ struct IssuedInvoice {
     QString dealDate;
     QString remark;
     QString userCode;
+    QString receipt; // "영수", "청구", or empty for invoices issued before the column existed
     QList<InvoiceLine> lines; // in the order the rows were written
 };
 // Nothing when no row has the number (or the read failed).

@@ -2,6 +2,7 @@
 
 #include "common/Messages.h"
 #include "common/input/ImeMode.h"
+#include "common/text/BusinessNumber.h"
 #include "common/text/Identity.h"
 #include "common/text/NumBox.h"
 #include "master/EntryForm.h"
@@ -47,6 +48,7 @@ const FieldInfo kFields[kTraderFieldCount] = {
 
 constexpr int kVatField = 4;
 constexpr int kChargeField = 5;
+constexpr int kSerialField = 6;
 constexpr int kPostField = 9;
 constexpr int kAddrField = 10;
 constexpr int kBalanceField = 12;
@@ -225,6 +227,7 @@ void FrmNewTrader::leaveField(int index) {
         m_info->setText(ok ? VatKindText(kind) : QString());
     }
     if (index == kChargeField && box->text().isEmpty()) m_charge->clear();
+    if (index == kSerialField) WarnOnBadBusinessNumber(box->text(), true);
 }
 
 bool FrmNewTrader::fieldKey(int index, int key) {

@@ -3,6 +3,7 @@
 #include "common/Messages.h"
 #include "common/input/FormPlacement.h"
 #include "common/input/ImeMode.h"
+#include "common/text/BusinessNumber.h"
 #include "common/text/Identity.h"
 #include "core/AppState.h"
 #include "master/EntryForm.h"
@@ -192,7 +193,10 @@ void FrmUser::defaultClicked(bool checked) {
 
 void FrmUser::shapeOnLeave(int index) {
     QLineEdit* box = m_fields[size_t(index)];
-    if (index == kSerialField) box->setText(ShapeBusinessNo(box->text()));
+    if (index == kSerialField) {
+        box->setText(ShapeBusinessNo(box->text()));
+        WarnOnBadBusinessNumber(box->text(), false);
+    }
     if (index == 3) box->setText(ShapePostCode(box->text()));
 }
 

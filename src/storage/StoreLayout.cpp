@@ -121,7 +121,8 @@ TableDef newAcountTable() {
              real(QStringLiteral("Quantity")), real(QStringLiteral("UnitCost")),
              real(QStringLiteral("TradeKum")), real(QStringLiteral("VatKum")),
              text(QStringLiteral("DealDate"), 10), memo(QStringLiteral("IssueDate")),
-             text(QStringLiteral("TradeDate"), 10), text(QStringLiteral("UserCode"), 15)},
+             text(QStringLiteral("TradeDate"), 10), text(QStringLiteral("UserCode"), 15),
+             text(QStringLiteral("Receipt"), 4)},
             {speed({QStringLiteral("TaxCode")}), speed({QStringLiteral("CCode")}),
              speed({QStringLiteral("DealDate")})}};
 }

@@ -76,6 +76,11 @@ void UpgradeColumns() {
                  QStringLiteral("UPDATE Trader SET HPhone = ''"));
     DAO_AddField(basic, QStringLiteral("Product"), QStringLiteral("Unit"), dbText, 10, true,
                  QStringLiteral("UPDATE Product SET Unit = PNorm, PNorm = ''"));
+    // 영수/청구 of each invoice, kept from this version on for the electronic invoice sheet;
+    // the invoices issued before stay null (unknown), and whoever hands them on asks.
+    Database& tax = stores().dbTax;
+    if (tax.isOpen() && tax.hasTable(QStringLiteral("NewAcount")))
+        DAO_AddField(tax, QStringLiteral("NewAcount"), QStringLiteral("Receipt"), dbText, 4, true, QString());
 }
 
 } // namespace nb

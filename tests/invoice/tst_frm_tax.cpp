@@ -3,8 +3,8 @@
 #include "TaxScreenKit.h"
 #include "common/dates/DateBox.h"
 #include "common/grid/Grid.h"
-#include "core/Settings.h"
 #include "core/ScreenRegistry.h"
+#include "core/Settings.h"
 #include "invoice/FrmPic.h"
 #include "invoice/InvoiceScreens.h"
 #include "invoice/InvoiceSeal.h"
@@ -419,7 +419,7 @@ private Q_SLOTS:
         QCOMPARE(f.txtSeq->text(), QStringLiteral("100-002"));
         QCOMPARE(test::invoiceRows(QStringLiteral("WHERE TaxCode = '100002'")), 2);
         QCOMPARE(test::scalar(stores().dbTax,
-                                QStringLiteral("SELECT IssueDate FROM NewAcount WHERE TaxCode = '100002'"))
+                              QStringLiteral("SELECT IssueDate FROM NewAcount WHERE TaxCode = '100002'"))
                      .toString(),
                  QStringLiteral("첫줄\n둘째줄\n셋째줄"));
         QCOMPARE(f.grdList->Text(2, 3), QStringLiteral("너트 외 1"));
@@ -439,6 +439,20 @@ private Q_SLOTS:
         QVERIFY(capture.jobs().empty());
         QCOMPARE(test::invoiceRows(QStringLiteral("WHERE TaxCode = '100002'")), 1);
         QCOMPARE(f.pnlSum[2]->text(), QStringLiteral("179,091 ")); // all time, not the period
+    }
+    void issuedChargeInvoiceShowsItsKindAndAnOlderOneLeavesTheChoice() {
+        Screen s;
+        test::script();
+        FrmTax& f = s.open();
+        QVERIFY(test::exec(stores().dbTax,
+                           QStringLiteral("update NewAcount set Receipt = '청구' where TaxCode = '100001'")));
+        chooseReceiver(f, QStringLiteral("가나"));
+        emit f.grdList->click(1, 2);
+        QVERIFY(f.Opt청구->isChecked());
+        QCOMPARE(f.youngsu->text(), QStringLiteral("청구"));
+        emit f.grdList->click(1, 1); // issued before the kind was kept
+        QVERIFY(f.Opt청구->isChecked());
+        QCOMPARE(f.youngsu->text(), QStringLiteral("청구"));
     }
     void issuedInvoiceIsShownReprintedWithoutStoringAndTaxCodeStays() {
         Screen s;

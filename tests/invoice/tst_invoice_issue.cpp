@@ -142,6 +142,25 @@ private Q_SLOTS:
         QCOMPARE(test::invoiceRows(), 2);
         QCOMPARE(test::invoiceRows(QStringLiteral("WHERE PName = ?"), {QStringLiteral("너트")}), 1);
     }
+    void issueKeepsWhetherTheInvoiceIsAReceiptOrACharge() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        addParties();
+        auto& msgs = test::script();
+        msgs.answer(AnsYes);
+        msgs.answer(AnsYes);
+        PrintCapture capture;
+        InvoiceForm form = newForm();
+        form.youngsu = QStringLiteral("청구");
+        QVERIFY(IssueInvoice(form, QImage()).printed);
+        form.sheet.line(0) = newForm().sheet.line(0);
+        form.youngsu = QStringLiteral("영수");
+        QVERIFY(IssueInvoice(form, QImage()).printed);
+        QCOMPARE(ReadIssuedInvoice(stores().dbTax, QStringLiteral("100000"))->receipt,
+                 QStringLiteral("청구"));
+        QCOMPARE(ReadIssuedInvoice(stores().dbTax, QStringLiteral("100001"))->receipt,
+                 QStringLiteral("영수"));
+    }
     void reissueOfAnInvoiceOnShowStoresNothingAndShowsTheNextFreeNumber() {
         test::TestHome home;
         QVERIFY(test::openStores());
@@ -241,6 +260,22 @@ private Q_SLOTS:
         IssueInvoice(form, seal);
         QCOMPARE(int(capture.last().pictures.size()), 2);
     }
+    void storedChargeInvoicePrintsItsOwnKind() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        addParties();
+        test::addInvoiceRow(QStringLiteral("100007"), QStringLiteral("000001"), QStringLiteral("볼트"), 3000,
+                            300, QStringLiteral("2024-05-10"), QStringLiteral("비고"));
+        QVERIFY(test::exec(stores().dbTax, QStringLiteral("update NewAcount set Receipt = '청구'")));
+        const QString pdf = home.file(QStringLiteral("invoice.pdf"));
+        QCOMPARE(PrintStoredInvoiceToPdf(QStringLiteral("100007"), pdf, nullptr), 0);
+        QProcess text;
+        text.start(QStringLiteral("pdftotext"), {pdf, QStringLiteral("-")});
+        QVERIFY(text.waitForFinished(20000));
+        const QString printed = QString::fromUtf8(text.readAllStandardOutput());
+        QVERIFY(printed.contains(QStringLiteral("청구")));
+        QVERIFY(!printed.contains(QStringLiteral("영수")));
+    }
     void storedInvoicePrintsToAPdfWithItsOwnNumberAndDate() {
         test::TestHome home;
         QVERIFY(test::openStores());
@@ -258,6 +293,7 @@ private Q_SLOTS:
         for (const char* word :
              {"첫공급자", "가나철강", "볼트", "비고입니다", "2024", "05-10", "3,000", "300", "영수"})
             QVERIFY2(html.contains(QString::fromUtf8(word)), word);
+        QVERIFY(!html.contains(QStringLiteral("청구"))); // an older invoice without its kind prints 영수
         // The serial "1 0 0 0 0 7" is drawn digit by digit: its "7" at Tab 84 of size 11, row 4.
         const QRegularExpression seven(
             QStringLiteral("<word xMin=\"([0-9.]+)\" yMin=\"([0-9.]+)\"[^>]*>7</word>"));

@@ -86,6 +86,26 @@ private Q_SLOTS:
         QCOMPARE(form.txtinput(2)->text(), QStringLiteral("123-45-67890"));
         QCOMPARE(focused(), form.txtinput(3));
     }
+    void aSerialFailingItsCheckDigitIsWarnedAndStillMovesOn() {
+        TestHome home;
+        QVERIFY(openStores());
+        auto& msgs = script();
+        FrmUser form;
+        showActive(&form);
+        form.txtinput(2)->setFocus();
+        typeHere("1234567891");  // passes the check digit
+        keyHere(Qt::Key_Return);
+        QVERIFY(msgs.records().empty());
+        form.txtinput(2)->setFocus();
+        form.txtinput(2)->clear();
+        typeHere("1234567890");
+        keyHere(Qt::Key_Return);
+        QCOMPARE(focused(), form.txtinput(3));  // the operator goes on
+        QCOMPARE(msgs.last().kind, QStringLiteral("float"));
+        QVERIFY(!msgs.last().modal);
+        QCOMPARE(msgs.last().text, QStringLiteral("사업자등록번호 123-45-67890의 검증번호가 맞지 않습니다.\r\n"
+                                                  "번호를 다시 확인하십시오. (그대로 저장할 수 있습니다)"));
+    }
     void theHangulKeyFlipsTheModeTheNextFieldOpensIn() {
         TestHome home;
         QVERIFY(openStores());

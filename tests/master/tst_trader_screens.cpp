@@ -87,6 +87,27 @@ private Q_SLOTS:
         QCOMPARE(traderField("000001", "Section").toInt(), 0);
         QVERIFY(!form.isVisible());
     }
+    void aBusinessNumberFailingItsCheckIsWarnedWhileAResidentNumberPasses() {
+        TestHome home;
+        QVERIFY(openStores());
+        auto& msgs = script();
+        FrmNewTrader form;
+        form.InitForm(0, "", "2004-05", "");
+        showActive(&form);
+        form.txtinput(6)->setFocus();
+        typeHere("800101-1234567");
+        keyHere(Qt::Key_Return);
+        QCOMPARE(focused(), form.txtinput(7));
+        QVERIFY(msgs.records().empty());
+        form.txtinput(6)->setFocus();
+        form.txtinput(6)->clear();
+        typeHere("123-45-67890");
+        keyHere(Qt::Key_Return);
+        QCOMPARE(focused(), form.txtinput(7));
+        QCOMPARE(msgs.records().size(), size_t(1));
+        QCOMPARE(msgs.last().kind, QStringLiteral("float"));
+        QVERIFY(msgs.last().text.startsWith(QStringLiteral("사업자등록번호 123-45-67890의 검증번호가 맞지 않습니다.")));
+    }
     void theMonthIsKeptWithDashZeroZero() {
         TestHome home;
         QVERIFY(openStores());

@@ -104,7 +104,7 @@ private Q_SLOTS:
             << "tax"
             << "NewAcount"
             << list("TaxCode CCode PName PNorm Quantity UnitCost TradeKum VatKum DealDate "
-                    "IssueDate TradeDate UserCode");
+                    "IssueDate TradeDate UserCode Receipt");
         QTest::newRow("BuyTax")
             << "tax"
             << "BuyTax"
@@ -168,6 +168,7 @@ private Q_SLOTS:
         row("tax", "NewAcount", "DealDate", "TEXT(10)");
         row("tax", "NewAcount", "IssueDate", "TEXT"); // the remark, as long as it is
         row("tax", "NewAcount", "UserCode", "TEXT(15)");
+        row("tax", "NewAcount", "Receipt", "TEXT(4)"); // 영수 or 청구
         row("tax", "NewAcount", "TradeKum", "REAL");
         row("tax", "BuyTax", "Serial", "TEXT(8)");
         row("tax", "BuyTax", "PCode", "TEXT(9)");

@@ -98,7 +98,8 @@ private Q_SLOTS:
             QVERIFY(hasIndexNamed(tax, table, table + QStringLiteral("_PK")));
             QVERIFY(tax.hasPrimaryIndex(table));
         }
-        QCOMPARE(tax.columns(QStringLiteral("NewAcount")).last(), QStringLiteral("UserCode"));
+        QCOMPARE(tax.columns(QStringLiteral("NewAcount")).mid(6),
+                 (QStringList{QStringLiteral("UserCode"), QStringLiteral("Receipt")}));
         QCOMPARE(tax.columnType(QStringLiteral("NewAcount"), QStringLiteral("UserCode")),
                  QStringLiteral("TEXT(15)"));
         Database& basic = stores().dbBasic;
@@ -149,6 +150,15 @@ private Q_SLOTS:
         closeStores();
         startUpSteps();
         QCOMPARE(column(app().DbTaxFile, QStringLiteral("SELECT UserCode FROM NewAcount")),
+                 (QStringList{QStringLiteral("<null>"), QStringLiteral("<null>")}));
+    }
+    void invoicesIssuedBeforeGainAReceiptColumnLeftUnknown() {
+        test::TestHome home;
+        layDownOldFiles(home, {QStringLiteral("INSERT INTO User (Serial) VALUES ('111-11-11111')")});
+        startUpSteps();
+        QCOMPARE(stores().dbTax.columnType(QStringLiteral("NewAcount"), QStringLiteral("Receipt")),
+                 QStringLiteral("TEXT(4)"));
+        QCOMPARE(column(app().DbTaxFile, QStringLiteral("SELECT Receipt FROM NewAcount ORDER BY TaxCode")),
                  (QStringList{QStringLiteral("<null>"), QStringLiteral("<null>")}));
     }
     void productUnitTakesPNormAndPNormStartsEmpty() {

@@ -1,0 +1,75 @@
+#include "management/etax/EtaxCommand.h"
+
+#include "common/dates/DateText.h"
+#include "core/CommandLine.h"
+#include "management/etax/EtaxWorkbook.h"
+#include "storage/Stores.h"
+
+#include <QDir>
+
+namespace nb {
+namespace {
+
+const QString kUsage = QStringLiteral(
+    "사용법: nubella --export-etax 시작일 종료일 --out 폴더 [--receipt 01|02] (날짜는 YYYY-MM-DD)");
+
+bool isDayText(const QString& text) {
+    return text.size() == 10 && IsDate(text);
+}
+
+void reportLeftOut(const EtaxLeftOut& left) {
+    printLine(QStringLiteral("제외: %1 %2 %3 - %4")
+                  .arg(left.taxCode, left.dealDate, left.receiver.trimmed(),
+                       left.reasons.join(QStringLiteral("; "))));
+}
+
+} // namespace
+
+bool isExportEtaxCommand(int argc, char** argv) {
+    return hasCommandOption(argc, argv, "--export-etax");
+}
+
+int ExportEtaxCommand(const QStringList& arguments) {
+    const QString option = QStringLiteral("--export-etax");
+    const QString from = optionValue(arguments, option, 0);
+    const QString to = optionValue(arguments, option, 1);
+    const QString folder = optionValue(arguments, QStringLiteral("--out"));
+    const QString receipt = optionValue(arguments, QStringLiteral("--receipt"));
+    const bool receiptGiven = arguments.contains(QStringLiteral("--receipt"));
+    if (!isDayText(from) || !isDayText(to) || folder.isEmpty() ||
+        (receiptGiven && receipt != u"01" && receipt != u"02")) {
+        sayLine(kUsage);
+        return 2;
+    }
+    const auto invoices = ReadEtaxInvoices(stores().dbTax, stores().dbBasic, from, to);
+    if (!invoices) return 1; // the query box has said why
+    if (invoices->isEmpty()) {
+        sayLine(QStringLiteral("%1 ~ %2 기간에 발행한 세금계산서가 없습니다.").arg(from, to));
+        return 1;
+    }
+    if (!QDir().mkpath(folder)) {
+        sayLine(QStringLiteral("폴더를 만들 수 없습니다: ") + folder);
+        return 1;
+    }
+    const EtaxReceipt assumed = receipt == u"01" ? EtaxReceipt::Paid : EtaxReceipt::Charged;
+    const EtaxExport result = exportEtax(*invoices, folder, from, to, assumed);
+    for (int i = 0; i < result.files.size(); ++i)
+        printLine(
+            QStringLiteral("작성: %1 (%2건)").arg(result.files.at(i)).arg(result.invoicesPerFile.at(i)));
+    for (const EtaxLeftOut& left : result.leftOut)
+        reportLeftOut(left);
+    for (const QString& failure : result.failures)
+        sayLine(failure);
+    if (result.assumedReceipts > 0)
+        printLine(QStringLiteral("영수/청구가 기록되지 않은 계산서 %1건은 %2(%3)로 작성했습니다.")
+                      .arg(result.assumedReceipts)
+                      .arg(assumed == EtaxReceipt::Paid ? QStringLiteral("영수") : QStringLiteral("청구"),
+                           receiptCode(assumed, assumed)));
+    if (result.files.isEmpty()) {
+        if (result.failures.isEmpty()) sayLine(QStringLiteral("파일로 보낼 수 있는 세금계산서가 없습니다."));
+        return 1;
+    }
+    return 0;
+}
+
+} // namespace nb

@@ -1,0 +1,137 @@
+// `nubella --export-etax FROM TO --out FOLDER [--receipt 01|02]`, run as a separate program: a
+// line per file written and per invoice left out, the assumed 영수/청구 said, and an exit code
+// that is not zero only when nothing could be written.
+#include "TestSupport.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+
+namespace {
+
+struct Run {
+    int exitCode = -1;
+    QStringList out;
+    QString errorText;
+};
+
+Run runProgram(const QString& home, const QStringList& arguments) {
+    QProcess program;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("NUBELLA_HOME", home);
+    env.remove("QT_QPA_PLATFORM"); // the command needs no display
+    env.remove("DISPLAY");
+    static QTemporaryDir runtime; // a private runtime folder keeps Qt's warning off the error stream
+    env.insert("XDG_RUNTIME_DIR", runtime.path());
+    program.setProcessEnvironment(env);
+    program.start(QStringLiteral(NB_BINARY_DIR) + "/nubella", arguments);
+    program.waitForFinished(60000);
+    const QString out = QString::fromUtf8(program.readAllStandardOutput()).trimmed();
+    return {program.exitCode(), out.isEmpty() ? QStringList() : out.split('\n'),
+            QString::fromUtf8(program.readAllStandardError()).trimmed()};
+}
+
+void execOn(const QString& file, const QStringList& statements) {
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "fill");
+        db.setDatabaseName(file);
+        QVERIFY(db.open());
+        for (const QString& sql : statements) {
+            QSqlQuery q(db);
+            QVERIFY2(q.exec(sql), qPrintable(sql));
+        }
+        db.close();
+    }
+    QSqlDatabase::removeDatabase("fill");
+}
+
+// A first run lays down the store; then a supplier, two traders and three invoices of May 2024:
+// one written before 영수/청구 was kept, one 영수, one to a trader with a wrong number.
+void fillStore(const QString& home) {
+    runProgram(home, {"--export-etax", "2024-01-01", "2024-01-01", "--out", home + "/first"});
+    execOn(home + "/Dbs/dbBasic.db",
+           {"insert into User (Serial, Company, Delegate) values ('123-45-67891', '가나상사', '김가나')",
+            "insert into Trader (Code, C_Name, U_Name, Serial) values ('000001', '다라철강', '이다라', "
+            "'101-01-01051')",
+            "insert into Trader (Code, C_Name, U_Name, Serial) values ('000002', '틀린번호', '박틀림', "
+            "'123-45-67890')"});
+    const QString row =
+        "insert into NewAcount (TaxCode, CCode, PName, Quantity, UnitCost, TradeKum, VatKum, "
+        "DealDate, TradeDate, UserCode, Receipt) values ('%1', '%2', '볼트', 1, 1000, 1000, 100, "
+        "'2024-05-10', '05-10', '123-45-67891', %3)";
+    execOn(home + "/Dbs/dbTax.db",
+           {row.arg("100000", "000001", "NULL"), row.arg("100001", "000001", "'영수'"),
+            row.arg("100002", "000002", "'청구'")});
+}
+
+} // namespace
+
+class TestEtaxCommand : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void writesTheFileAndSaysWhatItLeftOutAndAssumed() {
+        QTemporaryDir home;
+        fillStore(home.path());
+        const QString out = home.path() + "/etax";
+        const Run run = runProgram(home.path(), {"--export-etax", "2024-05-01", "2024-05-31", "--out", out});
+        QCOMPARE(run.exitCode, 0);
+        const QString file = out + "/전자세금계산서_20240501-20240531_1.xlsx";
+        QVERIFY(QFileInfo::exists(file));
+        QCOMPARE(
+            run.out,
+            (QStringList{
+                "작성: " + file + " (2건)",
+                "제외: 100002 2024-05-10 틀린번호 - 공급받는자 등록번호가 올바르지 않습니다 (123-45-67890)",
+                "영수/청구가 기록되지 않은 계산서 1건은 청구(02)로 작성했습니다."}));
+    }
+    void receiptOptionChoosesWhatIsAssumed() {
+        QTemporaryDir home;
+        fillStore(home.path());
+        const Run run = runProgram(home.path(), {"--export-etax", "2024-05-01", "2024-05-31", "--out",
+                                                 home.path() + "/etax", "--receipt", "01"});
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.out.last(),
+                 QStringLiteral("영수/청구가 기록되지 않은 계산서 1건은 영수(01)로 작성했습니다."));
+    }
+    void aPeriodWithoutInvoicesWritesNothingAndFails() {
+        QTemporaryDir home;
+        fillStore(home.path());
+        const Run run = runProgram(
+            home.path(), {"--export-etax", "2024-06-01", "2024-06-30", "--out", home.path() + "/e"});
+        QCOMPARE(run.exitCode, 1);
+        QCOMPARE(run.errorText,
+                 QStringLiteral("2024-06-01 ~ 2024-06-30 기간에 발행한 세금계산서가 없습니다."));
+        QVERIFY(!QFileInfo::exists(home.path() + "/e"));
+    }
+    void onlyInvoicesThatCannotGoFailWithTheirLines() {
+        QTemporaryDir home;
+        fillStore(home.path());
+        execOn(home.path() + "/Dbs/dbTax.db", {"delete from NewAcount where CCode = '000001'"});
+        const Run run = runProgram(
+            home.path(), {"--export-etax", "2024-05-01", "2024-05-31", "--out", home.path() + "/e"});
+        QCOMPARE(run.exitCode, 1);
+        QCOMPARE(run.out.size(), 1);
+        QVERIFY(run.out.first().startsWith("제외: 100002"));
+        QCOMPARE(run.errorText, QStringLiteral("파일로 보낼 수 있는 세금계산서가 없습니다."));
+    }
+    void malformedCommandsAreTold_data() {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("no dates") << QStringList{"--export-etax", "--out", "x"};
+        QTest::newRow("bad date") << QStringList{"--export-etax", "2024-13-01", "2024-12-31", "--out", "x"};
+        QTest::newRow("no folder") << QStringList{"--export-etax", "2024-01-01", "2024-12-31"};
+        QTest::newRow("bad receipt") << QStringList{"--export-etax", "2024-01-01", "2024-12-31", "--out", "x",
+                                                    "--receipt",     "03"};
+    }
+    void malformedCommandsAreTold() {
+        QFETCH(QStringList, arguments);
+        QTemporaryDir home;
+        const Run run = runProgram(home.path(), arguments);
+        QCOMPARE(run.exitCode, 2);
+        QCOMPARE(run.errorText, QStringLiteral("사용법: nubella --export-etax 시작일 종료일 --out 폴더 "
+                                               "[--receipt 01|02] (날짜는 YYYY-MM-DD)"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestEtaxCommand)
+#include "tst_etax_command.moc"
