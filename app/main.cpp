@@ -3,11 +3,15 @@
 #include "invoice/InvoiceScreens.h"
 #include "master/MasterScreens.h"
 #include "printing/PrintingScreens.h"
+#include "quotation/QuotationCommand.h"
+#include "quotation/QuotationScreens.h"
 
 int main(int argc, char** argv) {
     if (nb::isPrintInvoiceCommand(argc, argv)) return nb::runHeadless(argc, argv, nb::PrintInvoiceCommand);
+    if (nb::isPrintQuotationCommand(argc, argv)) return nb::runHeadless(argc, argv, nb::PrintQuotationCommand);
     nb::registerMasterScreens();
     nb::registerPrintingScreens();
     nb::registerInvoiceScreens();
+    nb::registerQuotationScreens();
     return nb::runProgram(argc, argv);
 }

@@ -49,18 +49,19 @@ void clsEstimate::SaveInitEstimate() {
     static const QString sql = QStringLiteral(
         "INSERT INTO EstiBase (EstiCode, CCode, CName, EstiDate, DeriveDate, ClassName, EstiKum, "
         "EstiHanKum, Vat, Refer, Validate, Section) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
-    const QVariantList values{sCode,       sCCode,   sCName,       sEDate,    sDeriveDate, sClass,
-                              dETotKum,    sETotHanKum, storedBool(bVAT), sRefer, sValidate, sSection};
+    const QVariantList values{sCode,    sCCode,      sCName,           sEDate, sDeriveDate, sClass,
+                              dETotKum, sETotHanKum, storedBool(bVAT), sRefer, sValidate,   sSection};
     if (m_db.tryExecute(sql, values) && m_db.RecordsAffected() > 0) return;
     const int number = m_db.lastErrorNumber() ? m_db.lastErrorNumber() : int(ErrNotOpened);
     MsgBox(headInsertFailure(number, m_db.lastErrorDescription()), MbOk | MbExclamation);
 }
 
 void clsEstimate::SaveEstimate() {
-    write(QStringLiteral("INSERT INTO Estimate (Seq, Code, PCode, PName, PNorm, EAmount, EUnitPrice, EstiKum, "
-                         "EUnit) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)"),
-          {lSeq, sCode, sPCode, sPName, sPNorm, double(siEAmount), double(siEUnitCost), lEstiKum, sUnit},
-          QStringLiteral("견적내역을 저장하는 중 오류가 발생했습니다."));
+    write(
+        QStringLiteral("INSERT INTO Estimate (Seq, Code, PCode, PName, PNorm, EAmount, EUnitPrice, EstiKum, "
+                       "EUnit) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)"),
+        {lSeq, sCode, sPCode, sPName, sPNorm, double(siEAmount), double(siEUnitCost), lEstiKum, sUnit},
+        QStringLiteral("견적내역을 저장하는 중 오류가 발생했습니다."));
 }
 
 void clsEstimate::UpdateEstiBase() {
@@ -132,7 +133,8 @@ void clsEstimate::NextSeq(qint32& seq) {
         seq = 0;
         return;
     }
-    seq = (!rs.EOF_() && !rs.isNull(QStringLiteral("MSeq"))) ? qint32(rs.number(QStringLiteral("MSeq"))) + 1 : 1;
+    seq = (!rs.EOF_() && !rs.isNull(QStringLiteral("MSeq"))) ? qint32(rs.number(QStringLiteral("MSeq"))) + 1
+                                                             : 1;
     CloseRs(rs);
 }
 
@@ -140,10 +142,11 @@ void clsEstimate::NextCode(QString& code) {
     const QString prefix = sEDate.left(4) + sEDate.mid(5, 2);
     Recordset rs;
     // The highest code of the month, read backwards along the code's index.
-    if (!OpenSnapshot(m_db, rs,
-                      QStringLiteral("SELECT EstiCode AS MCode FROM EstiBase WHERE EstiCode >= ? AND EstiCode < ? "
-                                     "ORDER BY EstiCode DESC LIMIT 1"),
-                      {prefix, prefix + kHighestChar})) {
+    if (!OpenSnapshot(
+            m_db, rs,
+            QStringLiteral("SELECT EstiCode AS MCode FROM EstiBase WHERE EstiCode >= ? AND EstiCode < ? "
+                           "ORDER BY EstiCode DESC LIMIT 1"),
+            {prefix, prefix + kHighestChar})) {
         code.clear();
         return;
     }

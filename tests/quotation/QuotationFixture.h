@@ -12,18 +12,20 @@ inline bool openQuotationStores() {
     return openStores() && OpenDb(stores().dbEstimate, app().DbEstimateFile);
 }
 
-inline int estimateRows(const QString& table, const QString& where = QString(), const QVariantList& values = {}) {
+inline int estimateRows(const QString& table, const QString& where = QString(),
+                        const QVariantList& values = {}) {
     return scalar(stores().dbEstimate, QStringLiteral("SELECT count(*) FROM ") + table + u' ' + where, values)
         .toInt();
 }
 
 inline bool addEstiHead(const QString& code, const QString& cCode, const QString& name, const QString& date,
                         double total = 0, bool vat = false, const QString& derive = QString()) {
-    return exec(stores().dbEstimate,
-                QStringLiteral("INSERT INTO EstiBase (EstiCode, CCode, CName, EstiDate, DeriveDate, ClassName, "
-                               "EstiKum, EstiHanKum, Vat, Refer, Validate, Section) "
-                               "VALUES (?, ?, ?, ?, ?, '', ?, '', ?, '', '', '')"),
-                {code, cCode, name, date, derive, total, vat ? -1 : 0});
+    return exec(
+        stores().dbEstimate,
+        QStringLiteral("INSERT INTO EstiBase (EstiCode, CCode, CName, EstiDate, DeriveDate, ClassName, "
+                       "EstiKum, EstiHanKum, Vat, Refer, Validate, Section) "
+                       "VALUES (?, ?, ?, ?, ?, '', ?, '', ?, '', '', '')"),
+        {code, cCode, name, date, derive, total, vat ? -1 : 0});
 }
 
 inline bool addEstiLine(int seq, const QString& code, const QString& name, double qty, double price,

@@ -8,7 +8,8 @@ using namespace nb;
 
 namespace {
 
-clsEstimate headOf(const QString& code, const QString& date, const QString& name = QStringLiteral("대한상사")) {
+clsEstimate headOf(const QString& code, const QString& date,
+                   const QString& name = QStringLiteral("대한상사")) {
     clsEstimate e;
     e.sCode = code;
     e.sEDate = date;
@@ -81,7 +82,8 @@ private Q_SLOTS:
         QVERIFY(test::addEstiHead(QStringLiteral("202405002"), QStringLiteral("1"), QStringLiteral("b"),
                                   QStringLiteral("2024-05-02")));
         QCOMPARE(nextCode(QStringLiteral("2024-05-03")), QStringLiteral("202405003"));
-        QVERIFY(test::exec(stores().dbEstimate, QStringLiteral("DELETE FROM EstiBase WHERE EstiCode = '202405002'")));
+        QVERIFY(test::exec(stores().dbEstimate,
+                           QStringLiteral("DELETE FROM EstiBase WHERE EstiCode = '202405002'")));
         QCOMPARE(nextCode(QStringLiteral("2024-05-03")), QStringLiteral("202405002"));
     }
     void afterNineHundredNinetyNineTheNumberHasFourDigitsThenWrapsToOne() {
@@ -145,7 +147,8 @@ private Q_SLOTS:
         test::TestHome home;
         QVERIFY(test::openQuotationStores());
         auto& s = test::script();
-        clsEstimate e = headOf(QStringLiteral("202405001"), QStringLiteral("2024-05-10"), QStringLiteral("O'Neil 상사"));
+        clsEstimate e =
+            headOf(QStringLiteral("202405001"), QStringLiteral("2024-05-10"), QStringLiteral("O'Neil 상사"));
         e.SaveInitEstimate();
         e.sCName = QStringLiteral("Kim's");
         e.UpdateEstiBase();
@@ -154,7 +157,9 @@ private Q_SLOTS:
         e.sUnit = QStringLiteral("EA");
         e.SaveEstimate();
         QCOMPARE(int(s.boxes().size()), 0);
-        QCOMPARE(test::estimateRows(QStringLiteral("EstiBase"), QStringLiteral("WHERE CName = ?"), {QStringLiteral("Kim's")}), 1);
+        QCOMPARE(test::estimateRows(QStringLiteral("EstiBase"), QStringLiteral("WHERE CName = ?"),
+                                    {QStringLiteral("Kim's")}),
+                 1);
         QCOMPARE(test::estimateRows(QStringLiteral("Estimate"), QStringLiteral("WHERE PName = ?"),
                                     {QStringLiteral("3/4\" 볼트 'A'")}),
                  1);
@@ -172,13 +177,20 @@ private Q_SLOTS:
             QString title;
         };
         const QList<Case> cases{
-            {[&] { e.UpdateEstiBase(); }, QStringLiteral("견적내역을 갱신하는 중 오류가 발생했습니다."), applicationTitle()},
-            {[&] { e.UpdateEstimate(); }, QStringLiteral("견적서 자료를 갱신하는 중 오류가 발생했습니다."), applicationTitle()},
-            {[&] { e.UpdateTotKum(); }, QStringLiteral("견적금액을 갱신하는 중 오류가 발생했습니다."), QStringLiteral("견적내역 갱신")},
-            {[&] { e.UpdateVat(); }, QStringLiteral("견적내역을 갱신하는 중 오류가 발생했습니다."), QStringLiteral("견적내역 갱신오류")},
-            {[&] { e.UpdateUnit(); }, QStringLiteral("견적내역을 갱신하는 중 오류가 발생했습니다."), QStringLiteral("견적내역 갱신 오류")},
-            {[&] { e.UpdateDeriveDate(); }, QStringLiteral("견적서의 납품예정일을 변경하는 중 오류가 발생했습니다."), applicationTitle()},
-            {[&] { e.DeleteDetail(); }, QStringLiteral("견적서 자료를 삭제하는 중 오류가 발생했습니다."), applicationTitle()},
+            {[&] { e.UpdateEstiBase(); }, QStringLiteral("견적내역을 갱신하는 중 오류가 발생했습니다."),
+             applicationTitle()},
+            {[&] { e.UpdateEstimate(); }, QStringLiteral("견적서 자료를 갱신하는 중 오류가 발생했습니다."),
+             applicationTitle()},
+            {[&] { e.UpdateTotKum(); }, QStringLiteral("견적금액을 갱신하는 중 오류가 발생했습니다."),
+             QStringLiteral("견적내역 갱신")},
+            {[&] { e.UpdateVat(); }, QStringLiteral("견적내역을 갱신하는 중 오류가 발생했습니다."),
+             QStringLiteral("견적내역 갱신오류")},
+            {[&] { e.UpdateUnit(); }, QStringLiteral("견적내역을 갱신하는 중 오류가 발생했습니다."),
+             QStringLiteral("견적내역 갱신 오류")},
+            {[&] { e.UpdateDeriveDate(); },
+             QStringLiteral("견적서의 납품예정일을 변경하는 중 오류가 발생했습니다."), applicationTitle()},
+            {[&] { e.DeleteDetail(); }, QStringLiteral("견적서 자료를 삭제하는 중 오류가 발생했습니다."),
+             applicationTitle()},
         };
         for (const Case& c : cases) {
             s.clear();
@@ -245,8 +257,10 @@ private Q_SLOTS:
         e.UpdateEstimate();
         e.sUnit = QStringLiteral("BOX");
         e.UpdateUnit();
-        QCOMPARE(test::scalar(stores().dbEstimate, QStringLiteral("SELECT EAmount FROM Estimate")).toDouble(), 1.5);
-        QCOMPARE(test::scalar(stores().dbEstimate, QStringLiteral("SELECT EstiKum FROM Estimate")).toInt(), 1500);
+        QCOMPARE(test::scalar(stores().dbEstimate, QStringLiteral("SELECT EAmount FROM Estimate")).toDouble(),
+                 1.5);
+        QCOMPARE(test::scalar(stores().dbEstimate, QStringLiteral("SELECT EstiKum FROM Estimate")).toInt(),
+                 1500);
         QCOMPARE(test::scalar(stores().dbEstimate, QStringLiteral("SELECT EUnit FROM Estimate")).toString(),
                  QStringLiteral("BOX"));
     }
