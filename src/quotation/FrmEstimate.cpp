@@ -118,14 +118,21 @@ void FrmEstimate::btnExit_Click() {
     // The screen is let go of: its store closes, and the next opening loads it afresh.
     if (m_storeOpen) stores().dbEstimate.close();
     m_storeOpen = false;
+    ClearForm();
+    clearGrid();
+    m_lineCount = 0;
+    m_unloaded = true;
     auto* frame = qobject_cast<QMdiSubWindow*>(parentWidget());
     if (frame)
         frame->close();
     else
         close();
-    ClearForm();
-    clearGrid();
-    m_lineCount = 0;
+}
+
+void FrmEstimate::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (!m_unloaded) return;
+    m_unloaded = false;
     loadForm();
 }
 

@@ -90,6 +90,7 @@ public Q_SLOTS:
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
     // FrmEstimateBuild.cpp
@@ -130,6 +131,7 @@ private:
     bool m_isDeleting = false;
     bool m_skipEdit = false;
     bool m_storeOpen = false;
+    bool m_unloaded = false; // btnExit let the screen go: the next showing loads it afresh
 };
 
 } // namespace nb

@@ -29,8 +29,10 @@ private Q_SLOTS:
     }
     void totalRoundsQuantityAndPriceBeforeMultiplying() {
         // 1.5 at 1,000 makes a line of 1,500 but adds 2,000 to the total.
-        QCOMPARE(*linesTotal({{QStringLiteral("볼트"), QStringLiteral("1.5"), QStringLiteral("1,000")}}), 2000);
-        QCOMPARE(*linesTotal({{QStringLiteral("볼트"), QStringLiteral("2.5"), QStringLiteral("1,000")}}), 2000);
+        QCOMPARE(*linesTotal({{QStringLiteral("볼트"), QStringLiteral("1.5"), QStringLiteral("1,000")}}),
+                 2000);
+        QCOMPARE(*linesTotal({{QStringLiteral("볼트"), QStringLiteral("2.5"), QStringLiteral("1,000")}}),
+                 2000);
     }
     void totalStopsAtTheFirstRowWithoutName() {
         QCOMPARE(*linesTotal({{QStringLiteral("a"), QStringLiteral("1"), QStringLiteral("100")},

@@ -2,6 +2,7 @@
 // by Enter, lines by product search and free text, edits, deletes, the list, and its edge cases.
 #include "EstimateScreenKit.h"
 #include "common/dates/DateBox.h"
+#include "common/input/ImeMode.h"
 #include "core/ScreenRegistry.h"
 #include "quotation/FrmEstiList.h"
 
@@ -503,7 +504,24 @@ private Q_SLOTS:
         f.txtinput[1]->setFocus();
         keyHere(Qt::Key_Escape);
         QCOMPARE(opened, QStringList{QStringLiteral("mnu_거래명세표")});
+        QVERIFY(!f.isVisible());
+        QVERIFY(!stores().dbEstimate.isOpen()); // let go of with the screen
+        test::showActive(&f);
+        QVERIFY(stores().dbEstimate.isOpen()); // loaded afresh when shown again
+        QCOMPARE(f.pnlCode->text(), QStringLiteral("202405001"));
         setScreenOpener({});
+    }
+
+    void hangulKeyFlipsTheNameEntryModeForTheForm() {
+        test::EstimateScreen screen;
+        FrmEstimate& f = screen.open();
+        QVERIFY(f.HangulOn());
+        f.txtinput[0]->setFocus();
+        QTest::sendKeyEvent(QTest::Press, f.txtinput[0], Qt::Key_Hangul, QString(), Qt::NoModifier);
+        QTest::sendKeyEvent(QTest::Release, f.txtinput[0], Qt::Key_Hangul, QString(), Qt::NoModifier);
+        QVERIFY(!f.HangulOn());
+        f.txtFind->setFocus();
+        QVERIFY(!imeModeIsHangul(f.txtFind));
     }
 };
 
