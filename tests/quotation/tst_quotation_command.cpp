@@ -1,47 +1,15 @@
 // `nubella --print-quotation ESTICODE --pdf FILE`, run as a separate program the way an archiving
 // script would run it.
+#include "ProgramRun.h"
 #include "TestSupport.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QProcess>
-#include <QSqlDatabase>
-#include <QSqlQuery>
 
-namespace {
-
-struct Run {
-    int exitCode = -1;
-    QString errorText;
-};
-
-Run runProgram(const QString& home, const QStringList& arguments) {
-    QProcess program;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert("NUBELLA_HOME", home);
-    env.remove("QT_QPA_PLATFORM"); // the command needs no display
-    env.remove("DISPLAY");
-    program.setProcessEnvironment(env);
-    program.start(QStringLiteral(NB_BINARY_DIR) + "/nubella", arguments);
-    program.waitForFinished(60000);
-    return {program.exitCode(), QString::fromUtf8(program.readAllStandardError()).trimmed()};
-}
-
-void execOn(const QString& file, const QStringList& statements) {
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "fill");
-        db.setDatabaseName(file);
-        QVERIFY(db.open());
-        for (const QString& sql : statements) {
-            QSqlQuery q(db);
-            QVERIFY2(q.exec(sql), qPrintable(sql));
-        }
-        db.close();
-    }
-    QSqlDatabase::removeDatabase("fill");
-}
-
-} // namespace
+using nb::test::execOn;
+using nb::test::pdfText;
+using nb::test::runProgram;
+using Run = nb::test::ProgramRun;
 
 class TestQuotationCommand : public QObject {
     Q_OBJECT
@@ -80,10 +48,7 @@ private Q_SLOTS:
         const Run run = runProgram(home.path(), {"--print-quotation", "202611001", "--pdf", pdf});
         QCOMPARE(run.exitCode, 0);
         QVERIFY2(QFileInfo::exists(pdf), qPrintable(run.errorText));
-        QProcess text;
-        text.start("pdftotext", {"-layout", pdf, "-"});
-        text.waitForFinished(20000);
-        const QString out = QString::fromUtf8(text.readAllStandardOutput());
+        const QString out = pdfText(pdf);
         for (const char* word :
              {"볼펜", "한빛상회", "누벨라상사", "11,000", "부가세포함", "02-111-2222", "02-111-3333"})
             QVERIFY2(out.contains(QString::fromUtf8(word)), word);
