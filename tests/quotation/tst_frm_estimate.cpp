@@ -5,6 +5,7 @@
 #include "common/input/ImeMode.h"
 #include "core/ScreenRegistry.h"
 #include "quotation/FrmEstiList.h"
+#include "quotation/QuotationScreens.h"
 
 #include <QComboBox>
 #include <QRadioButton>
@@ -510,6 +511,17 @@ private Q_SLOTS:
         QVERIFY(stores().dbEstimate.isOpen()); // loaded afresh when shown again
         QCOMPARE(f.pnlCode->text(), QStringLiteral("202405001"));
         setScreenOpener({});
+    }
+
+    void screenRegistersUnderItsMenuEntry() {
+        test::EstimateScreen screen;
+        clearScreenRegistry();
+        registerQuotationScreens();
+        const ScreenEntry* entry = screenFor(QStringLiteral("mnu_Estimate"));
+        QVERIFY(entry && entry->createChild);
+        std::unique_ptr<QWidget> child(entry->createChild());
+        QVERIFY(qobject_cast<FrmEstimate*>(child.get()));
+        clearScreenRegistry();
     }
 
     void hangulKeyFlipsTheNameEntryModeForTheForm() {

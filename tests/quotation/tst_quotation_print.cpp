@@ -164,6 +164,19 @@ private Q_SLOTS:
         QVERIFY(at(QStringLiteral("- 1 / 1 -")));
         QVERIFY(!r.lines.empty());
     }
+    void quotationPrintsOnItsOwnPrinterAndThePreviousOneComesBack() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        addStoredQuotation();
+        setSystemPrintersForTesting({QStringLiteral("사무실"), QStringLiteral("견적용")},
+                                    QStringLiteral("사무실"));
+        SaveSetting(kPrinterReadApp, kPrinterSection, kQuotationDocument, QStringLiteral("견적용"));
+        PrintCapture capture;
+        QVERIFY(PrintQuotationJob(*ReadQuotationPrintData(QStringLiteral("202405001"))));
+        QCOMPARE(capture.last().printerName, QStringLiteral("견적용"));
+        QCOMPARE(currentPrinterName(), QStringLiteral("사무실"));
+        QCOMPARE(documentName(5), kQuotationDocument);
+    }
     void sealStandsBesideTheRepresentative() {
         test::TestHome home;
         QVERIFY(test::openStores());
