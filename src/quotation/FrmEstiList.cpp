@@ -46,7 +46,7 @@ FrmEstiList::FrmEstiList(QWidget* parent) : QDialog(parent) {
     grdList->horizontalHeader()->setStretchLastSection(true);
     grdList->setColumnWidth(0, 100);
     grdList->setColumnWidth(1, 100);
-    grdList->setColumnWidth(2, 220);
+    grdList->setColumnWidth(2, 190);
     grdList->setColumnWidth(3, 100);
     btnSelect = formButton(this, QStringLiteral("선택(&S)"), QStringLiteral("btnSelect"));
     btnQuit = formButton(this, QStringLiteral("닫기(&Q)"), QStringLiteral("btnQuit"));

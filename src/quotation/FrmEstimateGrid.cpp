@@ -70,7 +70,8 @@ void FrmEstimate::gridEnter() {
     if (col == ColAmount) {
         grdEstimate->SetActiveCell(ColPrice, row);
     } else if (col == ColPrice) {
-        if (row < grdEstimate->MaxRows()) grdEstimate->SetActiveCell(ColPName, row + 1);
+        if (row == grdEstimate->MaxRows()) grdEstimate->setMaxRows(row + 1); // room for one more line
+        grdEstimate->SetActiveCell(ColPName, row + 1);
     } else if (col != ColPName) {
         grdEstimate->SetActiveCell(col + 1, row);
     } else if (cell(ColPName, row).isEmpty()) {

@@ -4,6 +4,7 @@
 #include "common/dates/DateBox.h"
 #include "common/input/ImeMode.h"
 #include "core/ScreenRegistry.h"
+#include "master/FrmProductList.h"
 #include "quotation/FrmEstiList.h"
 #include "quotation/QuotationScreens.h"
 
@@ -225,6 +226,32 @@ private Q_SLOTS:
         QCOMPARE(f.pnlHanKum->text(), QStringLiteral(" 일금 일만일천오백 원정"));
         QVERIFY(!f.IsNewDoc());
         QCOMPARE(int(s.boxes().size()), 0);
+    }
+
+    void productChosenInTheRealProductListByKeys() {
+        test::EstimateScreen screen;
+        setInvoiceLookups(masterLookups());
+        FrmEstimate& f = screen.open();
+        auto& s = test::script();
+        startQuotation(f, s);
+        QString shown;
+        QTimer::singleShot(0, [&shown] {
+            auto* list = qobject_cast<FrmProductList*>(QApplication::activeModalWidget());
+            if (!list) return;
+            shown = list->objectName();
+            test::typeText(list->txtinput(), QStringLiteral("와셔"));
+            pressKey(list->txtinput(), Qt::Key_Return); // the first match becomes the active row
+            pressKey(list->txtinput(), Qt::Key_Down);   // to the list
+            pressKey(list->grdList(), Qt::Key_Return);  // chosen
+        });
+        enterHere();
+        QVERIFY(!shown.isEmpty());
+        QCOMPARE(f.grdEstimate->Text(ColPName, 1), QStringLiteral("와셔"));
+        QCOMPARE(f.grdEstimate->Text(ColPNorm, 1), QStringLiteral("8mm"));
+        QCOMPARE(f.grdEstimate->Text(ColUnit, 1), QStringLiteral("BOX"));
+        QCOMPARE(f.grdEstimate->Text(ColPCode, 1), QStringLiteral("000003"));
+        QCOMPARE(f.txtPCode->text(), QString());
+        QCOMPARE(lines(QStringLiteral("WHERE PCode = '000003'")), 1);
     }
 
     void escInTheListLeavesTheNumberAsItWas() {
@@ -469,6 +496,19 @@ private Q_SLOTS:
         QCOMPARE(f.pnlFunction->text(), QStringLiteral("상품명 검색.  [검색:Enter]"));
         f.grdEstimate->SetActiveCell(ColAmount, 4);
         QCOMPARE(f.pnlFunction->text(), QStringLiteral("수량을 입력하세요."));
+    }
+
+    void enterOnThePriceOfTheLastRowMakesRoomForAnotherLine() {
+        test::EstimateScreen screen;
+        FrmEstimate& f = screen.open();
+        const int rows = f.grdEstimate->MaxRows();
+        f.grdEstimate->SetText(ColSeq, rows, QStringLiteral("5")); // a stored line on the last row
+        f.grdEstimate->setFocus();
+        f.grdEstimate->SetActiveCell(ColPrice, rows);
+        enterHere();
+        QCOMPARE(f.grdEstimate->MaxRows(), rows + 1);
+        QCOMPARE(f.grdEstimate->ActiveRow(), rows + 1);
+        QCOMPARE(f.grdEstimate->ActiveCol(), int(ColPName));
     }
 
     void f5WithoutTraderDoesNothing() {
