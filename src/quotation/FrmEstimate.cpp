@@ -3,7 +3,6 @@
 #include "quotation/FrmEstimate.h"
 
 #include "common/Messages.h"
-#include "common/ScreenActivation.h"
 #include "common/dates/DateBox.h"
 #include "common/dates/DateText.h"
 #include "common/grid/MduSpread.h"
@@ -18,6 +17,7 @@
 #include "invoice/InvoiceAmounts.h"
 #include "invoice/InvoiceLookups.h"
 #include "master/EntryForm.h"
+#include "master/clsTrader.h"
 #include "quotation/EstimateRules.h"
 #include "quotation/FrmEstiList.h"
 #include "storage/Stores.h"
@@ -68,7 +68,6 @@ FrmEstimate::FrmEstimate(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("FrmEstimate"));
     setWindowTitle(QStringLiteral("상품 견적서관리"));
     m_estimate = std::make_unique<clsEstimate>();
-    m_trader = std::make_unique<clsTrader>();
     buildControls();
     connectControls();
     loadForm();

@@ -5,7 +5,7 @@
 // choice is a flag and a printed remark only. Numbers and texts of the lines live in
 // EstimateRules, the writes in clsEstimate.
 
-#include "master/clsTrader.h"
+#include "quotation/EstimateRules.h"
 #include "quotation/clsEstimate.h"
 
 #include <QWidget>
@@ -118,9 +118,9 @@ private:
     QString cell(int col, int row) const;
     void setCell(int col, int row, const QString& text);
     void clearGrid();
+    QList<TotalRow> totalRows() const;
 
     std::unique_ptr<clsEstimate> m_estimate;
-    std::unique_ptr<clsTrader> m_trader;
     HangulModeKeeper* m_hangul = nullptr;
     int m_lineCount = 0;
     QString m_oldDate;

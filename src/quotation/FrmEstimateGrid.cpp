@@ -48,6 +48,13 @@ bool FrmEstimate::storedRow(int row) const {
     return !txtCCode->text().isEmpty() && !cell(ColSeq, row).isEmpty();
 }
 
+QList<TotalRow> FrmEstimate::totalRows() const {
+    QList<TotalRow> rows;
+    for (int r = 1; r <= grdEstimate->MaxRows(); ++r)
+        rows.append({cell(ColPName, r), cell(ColAmount, r), cell(ColPrice, r)});
+    return rows;
+}
+
 void FrmEstimate::clearGrid() {
     ClearGrid(*grdEstimate);
 }
@@ -123,10 +130,8 @@ void FrmEstimate::SearchProduct(int Row, bool& Found) {
         Found = true;
     }
     CloseRs(rs);
-    QList<TotalRow> rows;
-    for (int r = 1; r <= grdEstimate->MaxRows(); ++r)
-        rows.append({cell(ColPName, r), cell(ColAmount, r), cell(ColPrice, r)});
-    if (const std::optional<qint32> total = linesTotal(rows)) txtinput[3]->setText(totalBoxText(*total));
+    if (const std::optional<qint32> total = linesTotal(totalRows()))
+        txtinput[3]->setText(totalBoxText(*total));
     m_isBusy = false;
 }
 
@@ -176,10 +181,7 @@ void FrmEstimate::RecalcLine(const QString& SeqText, int Row) {
     e.siEAmount = line.quantity;
     e.lEstiKum = line.storedAmount;
     e.UpdateEstimate();
-    QList<TotalRow> rows;
-    for (int r = 1; r <= grdEstimate->MaxRows(); ++r)
-        rows.append({cell(ColPName, r), cell(ColAmount, r), cell(ColPrice, r)});
-    const std::optional<qint32> total = linesTotal(rows);
+    const std::optional<qint32> total = linesTotal(totalRows());
     if (!total) {
         ShowFailureReport(6, QStringLiteral("Overflow"), QStringLiteral("RecalcLine"),
                           QStringLiteral("FrmEstimate"));

@@ -26,7 +26,7 @@ public:
     QString sCName;        // trader name
     QString sPCode;        // product code of the line
     QString sPName;        // product name of the line
-    QString sPNorm;        // specification of the line
+    QString sPNorm;        // 규격 (norm) of the line
     QString sUnit;         // unit of the line, EUnit
     float siEAmount = 0;   // quantity
     float siEUnitCost = 0; // unit price
