@@ -1,9 +1,11 @@
 // FrmEstimate: btnPrint, the quotation on show printed with the screen's total line.
 #include "common/Messages.h"
+#include "common/dates/DateBox.h"
 #include "common/grid/Grid.h"
 #include "core/AppState.h"
 #include "quotation/FrmEstimate.h"
 #include "quotation/QuotationIssue.h"
+#include "storage/Stores.h"
 
 #include <QLabel>
 #include <QLineEdit>
@@ -21,9 +23,18 @@ void FrmEstimate::btnPrint_Click() {
         return;
     }
     std::optional<QuotationPrintData> data = ReadQuotationPrintData(pnlCode->text().trimmed());
-    if (!data) {
+    if (!data) { // lines whose head was never stored: the head as the screen shows it
         data.emplace();
         data->code = pnlCode->text().trimmed();
+        data->date = txtDate[0]->dateText();
+        data->deriveDate = txtDate[1]->dateText();
+        data->receiver = txtinput[0]->text();
+        data->className = txtinput[1]->text();
+        data->refer = txtinput[2]->text();
+        data->validate = txtinput[4]->text();
+        data->section = txtinput[5]->text();
+        data->supplier = ReadPrintParties(stores().dbBasic, txtCCode->text(), app().DefaultSerial).user;
+        ReadQuotationLines(data->code, data->lines);
     }
     data->TotEstiKum = totEstiKumText(txtinput[3]->text(), pnlHanKum->text(), OptVat[0]->isChecked());
     data->Phone = numbers->phone;

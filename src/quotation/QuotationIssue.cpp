@@ -11,9 +11,7 @@
 
 namespace nb {
 
-namespace {
-
-void readLines(const QString& code, QList<QuotationLine>& lines) {
+void ReadQuotationLines(const QString& code, QList<QuotationLine>& lines) {
     Recordset rs;
     if (!OpenSnapshot(stores().dbEstimate, rs,
                       QStringLiteral("SELECT PName, PNorm, EUnit, EAmount, EUnitPrice, EstiKum FROM Estimate "
@@ -26,6 +24,8 @@ void readLines(const QString& code, QList<QuotationLine>& lines) {
                       rs.number(QStringLiteral("EUnitPrice")), rs.number(QStringLiteral("EstiKum"))});
     CloseRs(rs);
 }
+
+namespace {
 
 void prepareJob(PrintJob& job) {
     PrinterPrepare(job, true);
@@ -71,7 +71,7 @@ std::optional<QuotationPrintData> ReadQuotationPrintData(const QString& code) {
         d.ClientFax = numbers->fax;
     }
     d.supplier = ReadPrintParties(stores().dbBasic, traderCode, app().DefaultSerial).user;
-    readLines(code, d.lines);
+    ReadQuotationLines(code, d.lines);
     d.decimals = app().DecimalQty;
     return d;
 }

@@ -24,6 +24,9 @@ std::optional<TraderNumbers> ReadTraderNumbers(const QString& code);
 // stored total, words and VAT flag; the decimal setting in force. Nothing when there is no head.
 std::optional<QuotationPrintData> ReadQuotationPrintData(const QString& code);
 
+// The stored lines of a quotation in Seq order (nothing added when the read fails).
+void ReadQuotationLines(const QString& code, QList<QuotationLine>& lines);
+
 // On the quotation's printer (SelectDocPrinter / RestorePrinter around it) with its margins;
 // false when no job could be started.
 bool PrintQuotationJob(const QuotationPrintData& data);

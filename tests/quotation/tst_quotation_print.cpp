@@ -255,6 +255,25 @@ private Q_SLOTS:
                  QStringLiteral("등록된 견적 내역이 없습니다. 견적 내역을 등록하신 후 인쇄를 하십시요."));
         QVERIFY(capture.jobs().empty());
     }
+    void linesWhoseHeadWasNeverStoredPrintWithTheHeadOnTheScreen() {
+        test::EstimateScreen screen;
+        FrmEstimate& f = screen.open();
+        auto& s = test::script();
+        test::chooseTrader(f, QStringLiteral("가나"));
+        s.answer(AnsNo); // 입력하신 내용을 저장하시겠습니까?
+        s.answer(AnsNo); // 새로운 거래처로 등록하시겠습니까?
+        f.grdEstimate->setFocus();
+        f.grdEstimate->SetActiveCell(ColPName, 1);
+        test::lookupLog().chooseOnShow = QStringLiteral("000001");
+        test::enterHere();
+        QCOMPARE(test::estimateRows(QStringLiteral("EstiBase")), 0);
+        QCOMPARE(test::estimateRows(QStringLiteral("Estimate")), 1);
+        PrintCapture capture;
+        f.btnPrint_Click();
+        QVERIFY(capture.last().find(QStringLiteral("볼트")));
+        QVERIFY(capture.last().find(QStringLiteral("가나철강")));
+        QVERIFY(capture.last().find(QStringLiteral("하르문상사")));
+    }
     void withoutTraderPrintDoesNothing() {
         test::EstimateScreen screen;
         FrmEstimate& f = screen.open();
