@@ -45,6 +45,17 @@ void pickProduct(FrmEstimate& f, const QString& code) {
     enterHere();
 }
 
+// The screen open with the trader chosen and the head stored; with a line of 볼트 when asked.
+struct StartedQuotation {
+    test::EstimateScreen screen;
+    FrmEstimate& f;
+    ScriptedMessages& s;
+    explicit StartedQuotation(bool withLine = false) : f(screen.open()), s(test::script()) {
+        startQuotation(f, s);
+        if (withLine) pickProduct(f, QStringLiteral("000001"));
+    }
+};
+
 // Modal list on show: the keys go to it once the event loop runs.
 void whenListShows(std::function<void(FrmEstiList&)> act) {
     QTimer::singleShot(0, [act] {
@@ -295,10 +306,9 @@ private Q_SLOTS:
     }
 
     void storedHeadIsRewrittenWhenTheGridTakesTheFocusAgain() {
-        test::EstimateScreen screen;
-        FrmEstimate& f = screen.open();
-        auto& s = test::script();
-        startQuotation(f, s);
+        StartedQuotation q;
+        FrmEstimate& f = q.f;
+        auto& s = q.s;
         QCOMPARE(heads(), 1);
         f.txtinput[1]->setFocus();
         test::typeText(f.txtinput[1], QStringLiteral("공구"));
@@ -308,10 +318,9 @@ private Q_SLOTS:
     }
 
     void rowWithoutProductKeepsSeqEmptyAndItsEditsChangeNothing() {
-        test::EstimateScreen screen;
-        FrmEstimate& f = screen.open();
-        auto& s = test::script();
-        startQuotation(f, s);
+        StartedQuotation q;
+        FrmEstimate& f = q.f;
+        auto& s = q.s;
         test::typeCell(f.grdEstimate, QStringLiteral("자유품목"));
         QCOMPARE(f.grdEstimate->Text(ColSeq, 1), QString());
         enterHere();
@@ -324,10 +333,8 @@ private Q_SLOTS:
     }
 
     void productNotFoundLeavesTheCursorWithTheHint() {
-        test::EstimateScreen screen;
-        FrmEstimate& f = screen.open();
-        auto& s = test::script();
-        startQuotation(f, s);
+        StartedQuotation q;
+        FrmEstimate& f = q.f;
         test::lookupLog().chooseOnShow.clear();
         enterHere();
         QCOMPARE(f.grdEstimate->ActiveCol(), int(ColPName));
@@ -338,11 +345,9 @@ private Q_SLOTS:
     }
 
     void deletingTheLastLineLeavesTotalZeroAndWordsUnchanged() {
-        test::EstimateScreen screen;
-        FrmEstimate& f = screen.open();
-        auto& s = test::script();
-        startQuotation(f, s);
-        pickProduct(f, QStringLiteral("000001"));
+        StartedQuotation q(true);
+        FrmEstimate& f = q.f;
+        auto& s = q.s;
         enterHere();
         test::typeCell(f.grdEstimate, QStringLiteral("2"));
         QCOMPARE(f.pnlHanKum->text(), QStringLiteral(" 일금 이천 원정"));
@@ -357,11 +362,9 @@ private Q_SLOTS:
     }
 
     void deleteAnsweredNoPaintsTheRowWhiteAgain() {
-        test::EstimateScreen screen;
-        FrmEstimate& f = screen.open();
-        auto& s = test::script();
-        startQuotation(f, s);
-        pickProduct(f, QStringLiteral("000001"));
+        StartedQuotation q(true);
+        FrmEstimate& f = q.f;
+        auto& s = q.s;
         f.grdEstimate->SetActiveCell(ColPName, 1);
         int askedColour = 0;
         s.answer(AnsNo);
@@ -374,22 +377,18 @@ private Q_SLOTS:
     }
 
     void vatOptionThenClosingDoesNotSaveTheFlagUnlessTheGridTookTheFocus() {
-        test::EstimateScreen screen;
-        FrmEstimate& f = screen.open();
-        auto& s = test::script();
-        startQuotation(f, s);
+        StartedQuotation q;
+        FrmEstimate& f = q.f;
         QVERIFY(!headValue(QStringLiteral("Vat")).toBool());
         f.txtinput[2]->setFocus();
         f.OptVat[0]->setChecked(true); // chosen without the click that sends the focus to the grid
-        screen.form.reset();
+        q.screen.form.reset();
         QCOMPARE(headValue(QStringLiteral("Vat")).toInt(), 0);
     }
 
     void vatOptionClickSendsTheFocusToTheGridWhichSavesTheFlag() {
-        test::EstimateScreen screen;
-        FrmEstimate& f = screen.open();
-        auto& s = test::script();
-        startQuotation(f, s);
+        StartedQuotation q;
+        FrmEstimate& f = q.f;
         f.txtinput[2]->setFocus();
         f.OptVat[0]->click();
         QCOMPARE(headValue(QStringLiteral("Vat")).toInt(), -1);
@@ -458,11 +457,8 @@ private Q_SLOTS:
     }
 
     void insertStartsANewQuotation() {
-        test::EstimateScreen screen;
-        FrmEstimate& f = screen.open();
-        auto& s = test::script();
-        startQuotation(f, s);
-        pickProduct(f, QStringLiteral("000001"));
+        StartedQuotation q(true);
+        FrmEstimate& f = q.f;
         f.txtinput[4]->setText(QStringLiteral("4개월"));
         keyHere(Qt::Key_Insert);
         QCOMPARE(f.pnlCode->text(), QStringLiteral("202405002"));
@@ -474,22 +470,16 @@ private Q_SLOTS:
     }
 
     void unitChangeOfAStoredLineIsWritten() {
-        test::EstimateScreen screen;
-        FrmEstimate& f = screen.open();
-        auto& s = test::script();
-        startQuotation(f, s);
-        pickProduct(f, QStringLiteral("000001"));
+        StartedQuotation q(true);
+        FrmEstimate& f = q.f;
         test::typeCell(f.grdEstimate, QStringLiteral("BOX"));
         QCOMPARE(test::scalar(stores().dbEstimate, QStringLiteral("SELECT EUnit FROM Estimate")).toString(),
                  QStringLiteral("BOX"));
     }
 
     void movingToAnEmptyRowGoesToItsFirstColumnWithTheHint() {
-        test::EstimateScreen screen;
-        FrmEstimate& f = screen.open();
-        auto& s = test::script();
-        startQuotation(f, s);
-        pickProduct(f, QStringLiteral("000001"));
+        StartedQuotation q(true);
+        FrmEstimate& f = q.f;
         f.grdEstimate->SetActiveCell(ColUnit, 4);
         QCOMPARE(f.grdEstimate->ActiveCol(), int(ColPName));
         QCOMPARE(f.grdEstimate->ActiveRow(), 4);
@@ -522,11 +512,9 @@ private Q_SLOTS:
 
     void totalBeyondFourteenDigitsCannotComeFromRecalcLine() {
         // The total is 32 bits wide: past it the recalculation stops with the overflow report.
-        test::EstimateScreen screen;
-        FrmEstimate& f = screen.open();
-        auto& s = test::script();
-        startQuotation(f, s);
-        pickProduct(f, QStringLiteral("000001"));
+        StartedQuotation q(true);
+        FrmEstimate& f = q.f;
+        auto& s = q.s;
         enterHere();
         test::typeCell(f.grdEstimate, QStringLiteral("9999999"));
         QCOMPARE(s.last().text,
