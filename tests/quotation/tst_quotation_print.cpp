@@ -295,10 +295,26 @@ private Q_SLOTS:
         QVERIFY(capture.jobs().empty());
         QVERIFY(f.isVisible());
     }
-    void printFromTheScreenToThePdfPrinterCarriesTheScreensTotalLine() {
+    void printFromTheScreenByKeysInEachLayout_data() {
+        QTest::addColumn<int>("decimals");
+        QTest::addColumn<QString>("typed"); // a quantity box of 0 places takes no decimal point
+        QTest::addColumn<QString>("quantity");
+        QTest::addColumn<QString>("price");
+        QTest::newRow("0 places") << 0 << QStringLiteral("2") << QStringLiteral("2")
+                                  << QStringLiteral("1,000");
+        QTest::newRow("1 place") << 1 << QStringLiteral("1.5") << QStringLiteral("1.5")
+                                 << QStringLiteral("1,000.0");
+        QTest::newRow("2 places") << 2 << QStringLiteral("1.5") << QStringLiteral("1.50")
+                                  << QStringLiteral("1,000.00");
+    }
+    void printFromTheScreenByKeysInEachLayout() {
         if (QStandardPaths::findExecutable(QStringLiteral("pdftotext")).isEmpty()) QSKIP("pdftotext missing");
-        test::EstimateScreen screen(2);
-        setSystemPrintersForTesting({}, QString());
+        QFETCH(int, decimals);
+        QFETCH(QString, typed);
+        QFETCH(QString, quantity);
+        QFETCH(QString, price);
+        test::EstimateScreen screen(decimals);
+        setSystemPrintersForTesting({}, QString()); // the PDF printer only
         FrmEstimate& f = screen.open();
         auto& s = test::script();
         test::chooseTrader(f, QStringLiteral("가나"));
@@ -307,8 +323,8 @@ private Q_SLOTS:
         test::lookupLog().chooseOnShow = QStringLiteral("000001");
         test::enterHere();
         test::enterHere();
-        test::typeCell(f.grdEstimate, QStringLiteral("1000"));
-        QCOMPARE(f.txtinput[3]->text(), QStringLiteral("1,000,000 "));
+        test::typeCell(f.grdEstimate, typed);
+        QCOMPARE(f.txtinput[3]->text(), QStringLiteral("2,000 "));
         f.OptVat[0]->setChecked(true);
         s.clear();
         test::keyHere(Qt::Key_F10);
@@ -316,9 +332,18 @@ private Q_SLOTS:
         const QString path = s.last().text.section(u'\n', 1);
         QVERIFY2(path.contains(QStringLiteral("견적서")), qPrintable(path));
         const QString html = bboxOf(path);
-        QVERIFY(html.contains(QStringLiteral("1,000,000")));
+        // The screen's total line, the quantity and price of line 1 on row 27 in the layout's places.
+        // The backslash of the total prints as the won sign, at Tab 22 of row 23.
+        const QPointF total = wordAt(html, QStringLiteral("₩2,000"));
+        QVERIFY(std::abs(total.x() - 21 * 4.875) < 0.6);
+        QVERIFY(std::abs(total.y() - 23 / 6.0 * 72) < 0.6);
+        QVERIFY(wordAt(html, QStringLiteral("(일금")).x() > total.x());
         QVERIFY(html.contains(QStringLiteral("부가세포함")));
-        QVERIFY(html.contains(QStringLiteral("1,000.00"))); // two places
+        const QPointF qty = wordAt(html, quantity);
+        QVERIFY2(std::abs(qty.y() - 27 / 6.0 * 72) < 0.6, qPrintable(quantity));
+        const QPointF unitPrice = wordAt(html, price);
+        QVERIFY2(std::abs(unitPrice.y() - 27 / 6.0 * 72) < 0.6, qPrintable(price));
+        QVERIFY(unitPrice.x() > qty.x());
         QCOMPARE(f.grdEstimate->ActiveRow(), 1);
         QVERIFY(f.grdEstimate->EditModePermanent());
     }
