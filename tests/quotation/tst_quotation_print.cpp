@@ -4,10 +4,8 @@
 #include "EstimateScreenKit.h"
 #include "core/Settings.h"
 #include "invoice/InvoiceSeal.h"
-#include "master/ListModel.h"
 #include "printing/PrintGrid.h"
 #include "printing/PrinterSetup.h"
-#include "quotation/FrmEstiList.h"
 #include "quotation/QuotationIssue.h"
 
 #include <QFile>
@@ -346,28 +344,6 @@ private Q_SLOTS:
         QVERIFY(unitPrice.x() > qty.x());
         QCOMPARE(f.grdEstimate->ActiveRow(), 1);
         QVERIFY(f.grdEstimate->EditModePermanent());
-    }
-    void emptySearchListsAllQuotationsByDateAndName() {
-        test::TestHome home;
-        QVERIFY(test::openQuotationStores());
-        test::addEstiHead(QStringLiteral("202405002"), QStringLiteral("1"), QStringLiteral("나상사"),
-                          QStringLiteral("2024-05-02"));
-        test::addEstiHead(QStringLiteral("202405001"), QStringLiteral("1"), QStringLiteral("다상사"),
-                          QStringLiteral("2024-05-02"));
-        test::addEstiHead(QStringLiteral("202404001"), QStringLiteral("1"), QStringLiteral("가상사"),
-                          QStringLiteral("2024-04-30"), 0, true);
-        FrmEstiList list;
-        list.InitForm(0, QString());
-        QCOMPARE(list.rowCount(), 3);
-        QCOMPARE(list.model()->text(0, 0), QStringLiteral("202404001"));
-        QCOMPARE(list.model()->text(0, 4), QStringLiteral("1"));
-        QCOMPARE(list.model()->text(1, 2), QStringLiteral("나상사"));
-        QCOMPARE(list.model()->text(2, 2), QStringLiteral("다상사"));
-        QCOMPARE(list.model()->text(2, 4), QStringLiteral("0"));
-        list.InitForm(2, QStringLiteral("2024050"));
-        QCOMPARE(list.rowCount(), 2);
-        list.InitForm(0, QStringLiteral("'"));
-        QCOMPARE(list.rowCount(), 0);
     }
 };
 
