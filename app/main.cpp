@@ -4,12 +4,16 @@
 #include "management/etax/EtaxCommand.h"
 #include "master/MasterScreens.h"
 #include "printing/PrintingScreens.h"
+#include "quotation/QuotationCommand.h"
+#include "quotation/QuotationScreens.h"
 
 int main(int argc, char** argv) {
     if (nb::isPrintInvoiceCommand(argc, argv)) return nb::runHeadless(argc, argv, nb::PrintInvoiceCommand);
     if (nb::isExportEtaxCommand(argc, argv)) return nb::runHeadless(argc, argv, nb::ExportEtaxCommand);
+    if (nb::isPrintQuotationCommand(argc, argv)) return nb::runHeadless(argc, argv, nb::PrintQuotationCommand);
     nb::registerMasterScreens();
     nb::registerPrintingScreens();
     nb::registerInvoiceScreens();
+    nb::registerQuotationScreens();
     return nb::runProgram(argc, argv);
 }

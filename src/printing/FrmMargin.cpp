@@ -16,7 +16,7 @@ namespace nb {
 namespace {
 
 bool keepsMargins(int Doc) {
-    return Doc == 0 || Doc == 1;
+    return Doc == 0 || Doc == 1 || Doc == 5;
 }
 
 } // namespace

@@ -1,59 +1,20 @@
 // `nubella --print-invoice TAXCODE --pdf FILE`, run as a separate program the way an archiving
 // script would run it.
+#include "ProgramRun.h"
 #include "TestSupport.h"
 
-#include <QProcess>
-#include <QSqlDatabase>
-#include <QSqlQuery>
-
-namespace {
-
-struct Run {
-    int exitCode = -1;
-    QString errorText;
-};
-
-Run runProgram(const QString& home, const QStringList& arguments) {
-    QProcess program;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert("NUBELLA_HOME", home);
-    env.remove("QT_QPA_PLATFORM");  // the command needs no display
-    env.remove("DISPLAY");
-    program.setProcessEnvironment(env);
-    program.start(QStringLiteral(NB_BINARY_DIR) + "/nubella", arguments);
-    program.waitForFinished(60000);
-    return {program.exitCode(), QString::fromUtf8(program.readAllStandardError()).trimmed()};
-}
-
-void execOn(const QString& file, const QStringList& statements) {
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "fill");
-        db.setDatabaseName(file);
-        QVERIFY(db.open());
-        for (const QString& sql : statements) {
-            QSqlQuery q(db);
-            QVERIFY2(q.exec(sql), qPrintable(sql));
-        }
-        db.close();
-    }
-    QSqlDatabase::removeDatabase("fill");
-}
-
-QString pdfText(const QString& pdf) {
-    QProcess text;
-    text.start("pdftotext", {"-layout", pdf, "-"});
-    text.waitForFinished(20000);
-    return QString::fromUtf8(text.readAllStandardOutput());
-}
-
-} // namespace
+using nb::test::execOn;
+using nb::test::pdfText;
+using nb::test::runProgram;
+using Run = nb::test::ProgramRun;
 
 class TestInvoiceCommand : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void missingInvoiceExitsNonZeroWithOneLine() {
         QTemporaryDir home;
-        const Run run = runProgram(home.path(), {"--print-invoice", "123456", "--pdf", home.path() + "/x.pdf"});
+        const Run run =
+            runProgram(home.path(), {"--print-invoice", "123456", "--pdf", home.path() + "/x.pdf"});
         QCOMPARE(run.exitCode, 1);
         QCOMPARE(run.errorText.split('\n').size(), 1);
         QVERIFY2(run.errorText.contains("123456"), qPrintable(run.errorText));
@@ -67,15 +28,18 @@ private Q_SLOTS:
     }
     void storedInvoiceIsWrittenToAPdf() {
         QTemporaryDir home;
-        runProgram(home.path(), {"--print-invoice", "100000", "--pdf", home.path() + "/none.pdf"});  // lays down the store
+        runProgram(home.path(),
+                   {"--print-invoice", "100000", "--pdf", home.path() + "/none.pdf"}); // lays down the store
         execOn(home.path() + "/Dbs/dbBasic.db",
-               {"INSERT INTO User (Company, Delegate, Serial, Addr) VALUES ('누벨라상사', '김대표', '123-45-67890', '서울 중구')",
+               {"INSERT INTO User (Company, Delegate, Serial, Addr) VALUES ('누벨라상사', '김대표', "
+                "'123-45-67890', '서울 중구')",
                 "INSERT INTO Trader (Code, C_Name, U_Name, Serial, VAT, Section, bDeled) "
                 "VALUES ('000001', '한빛상회', '이사장', '211-22-33333', 1, 0, 0)"});
-        execOn(home.path() + "/Dbs/dbTax.db",
-               {"INSERT INTO NewAcount (TaxCode, CCode, PName, PNorm, Quantity, UnitCost, TradeKum, VatKum, DealDate, "
-                "IssueDate, TradeDate, UserCode) VALUES ('100000', '000001', '볼펜', '0.7mm', 10, 1100, 10000, 1000, "
-                "'2026-11-20', '비고없음', '1120', '123-45-67890')"});
+        execOn(home.path() + "/Dbs/dbTax.db", {"INSERT INTO NewAcount (TaxCode, CCode, PName, PNorm, "
+                                               "Quantity, UnitCost, TradeKum, VatKum, DealDate, "
+                                               "IssueDate, TradeDate, UserCode) VALUES ('100000', '000001', "
+                                               "'볼펜', '0.7mm', 10, 1100, 10000, 1000, "
+                                               "'2026-11-20', '비고없음', '1120', '123-45-67890')"});
         const QString pdf = home.path() + "/archive/100000.pdf";
         QDir().mkpath(home.path() + "/archive");
         const Run run = runProgram(home.path(), {"--print-invoice", "100000", "--pdf", pdf});

@@ -1,50 +1,15 @@
 // `nubella --export-etax FROM TO --out FOLDER [--receipt 01|02]`, run as a separate program: a
 // line per file written and per invoice left out, the assumed 영수/청구 said, and an exit code
 // that is not zero only when nothing could be written.
+#include "ProgramRun.h"
 #include "TestSupport.h"
 
 #include <QDir>
-#include <QProcess>
-#include <QSqlDatabase>
-#include <QSqlQuery>
+
+using nb::test::execOn;
+using nb::test::runProgram;
 
 namespace {
-
-struct Run {
-    int exitCode = -1;
-    QStringList out;
-    QString errorText;
-};
-
-Run runProgram(const QString& home, const QStringList& arguments) {
-    QProcess program;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert("NUBELLA_HOME", home);
-    env.remove("QT_QPA_PLATFORM"); // the command needs no display
-    env.remove("DISPLAY");
-    static QTemporaryDir runtime; // a private runtime folder keeps Qt's warning off the error stream
-    env.insert("XDG_RUNTIME_DIR", runtime.path());
-    program.setProcessEnvironment(env);
-    program.start(QStringLiteral(NB_BINARY_DIR) + "/nubella", arguments);
-    program.waitForFinished(60000);
-    const QString out = QString::fromUtf8(program.readAllStandardOutput()).trimmed();
-    return {program.exitCode(), out.isEmpty() ? QStringList() : out.split('\n'),
-            QString::fromUtf8(program.readAllStandardError()).trimmed()};
-}
-
-void execOn(const QString& file, const QStringList& statements) {
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "fill");
-        db.setDatabaseName(file);
-        QVERIFY(db.open());
-        for (const QString& sql : statements) {
-            QSqlQuery q(db);
-            QVERIFY2(q.exec(sql), qPrintable(sql));
-        }
-        db.close();
-    }
-    QSqlDatabase::removeDatabase("fill");
-}
 
 // A first run lays down the store; then a supplier, two traders and three invoices of May 2024:
 // one written before 영수/청구 was kept, one 영수, one to a trader with a wrong number.
@@ -74,7 +39,7 @@ private Q_SLOTS:
         QTemporaryDir home;
         fillStore(home.path());
         const QString out = home.path() + "/etax";
-        const Run run = runProgram(home.path(), {"--export-etax", "2024-05-01", "2024-05-31", "--out", out});
+        const auto run = runProgram(home.path(), {"--export-etax", "2024-05-01", "2024-05-31", "--out", out});
         QCOMPARE(run.exitCode, 0);
         const QString file = out + "/전자세금계산서_20240501-20240531_1.xlsx";
         QVERIFY(QFileInfo::exists(file));
@@ -88,7 +53,7 @@ private Q_SLOTS:
     void receiptOptionChoosesWhatIsAssumed() {
         QTemporaryDir home;
         fillStore(home.path());
-        const Run run = runProgram(home.path(), {"--export-etax", "2024-05-01", "2024-05-31", "--out",
+        const auto run = runProgram(home.path(), {"--export-etax", "2024-05-01", "2024-05-31", "--out",
                                                  home.path() + "/etax", "--receipt", "01"});
         QCOMPARE(run.exitCode, 0);
         QCOMPARE(run.out.last(),
@@ -97,7 +62,7 @@ private Q_SLOTS:
     void aPeriodWithoutInvoicesWritesNothingAndFails() {
         QTemporaryDir home;
         fillStore(home.path());
-        const Run run = runProgram(
+        const auto run = runProgram(
             home.path(), {"--export-etax", "2024-06-01", "2024-06-30", "--out", home.path() + "/e"});
         QCOMPARE(run.exitCode, 1);
         QCOMPARE(run.errorText,
@@ -108,7 +73,7 @@ private Q_SLOTS:
         QTemporaryDir home;
         fillStore(home.path());
         execOn(home.path() + "/Dbs/dbTax.db", {"delete from NewAcount where CCode = '000001'"});
-        const Run run = runProgram(
+        const auto run = runProgram(
             home.path(), {"--export-etax", "2024-05-01", "2024-05-31", "--out", home.path() + "/e"});
         QCOMPARE(run.exitCode, 1);
         QCOMPARE(run.out.size(), 1);
@@ -126,7 +91,7 @@ private Q_SLOTS:
     void malformedCommandsAreTold() {
         QFETCH(QStringList, arguments);
         QTemporaryDir home;
-        const Run run = runProgram(home.path(), arguments);
+        const auto run = runProgram(home.path(), arguments);
         QCOMPARE(run.exitCode, 2);
         QCOMPARE(run.errorText, QStringLiteral("사용법: nubella --export-etax 시작일 종료일 --out 폴더 "
                                                "[--receipt 01|02] (날짜는 YYYY-MM-DD)"));

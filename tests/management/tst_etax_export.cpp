@@ -18,7 +18,7 @@ const QString kSupplier = QStringLiteral("123-45-67891"); // passes the check di
 const QString kReceiver = QStringLiteral("101-01-01051"); // passes the check digit
 
 struct Item {
-    QString tradeDate, name, spec;
+    QString tradeDate, name, norm;
     QVariant quantity, price;
     double supply, tax;
 };
@@ -46,7 +46,7 @@ void addInvoice(const QString& taxCode, const QString& dealDate, const QList<Ite
                        "insert into NewAcount (TaxCode, CCode, PName, PNorm, Quantity, UnitCost, TradeKum, "
                        "VatKum, DealDate, IssueDate, TradeDate, UserCode, Receipt) "
                        "values (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
-                       {taxCode, cCode, item.name, item.spec, item.quantity, item.price, item.supply,
+                       {taxCode, cCode, item.name, item.norm, item.quantity, item.price, item.supply,
                         item.tax, dealDate, remark, item.tradeDate, kSupplier, receipt}));
 }
 

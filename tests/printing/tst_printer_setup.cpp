@@ -31,7 +31,8 @@ private Q_SLOTS:
         QCOMPARE(documentName(2), QStringLiteral("DM인쇄"));
         QCOMPARE(documentName(3), QStringLiteral("물품가격"));
         QCOMPARE(documentName(4), QStringLiteral("청구서"));
-        QCOMPARE(documentName(5), QString());
+        QCOMPARE(documentName(5), QStringLiteral("견적서"));
+        QCOMPARE(documentName(6), QString());
     }
     void pdfPrinterIsAlwaysListedLast() {
         test::TestHome home;

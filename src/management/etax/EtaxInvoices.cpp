@@ -19,7 +19,7 @@ EtaxItem itemFromRow(const Recordset& rs) {
     EtaxItem item;
     item.tradeDate = rs.text(QStringLiteral("TradeDate")).trimmed();
     item.name = rs.text(QStringLiteral("PName"));
-    item.spec = rs.text(QStringLiteral("PNorm"));
+    item.norm = rs.text(QStringLiteral("PNorm"));
     item.quantity = optionalNumber(rs.field(QStringLiteral("Quantity")));
     item.unitPrice = optionalNumber(rs.field(QStringLiteral("UnitCost")));
     item.supply = rs.number(QStringLiteral("TradeKum"));

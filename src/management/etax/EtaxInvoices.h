@@ -27,7 +27,7 @@ struct EtaxParty {
 struct EtaxItem {
     QString tradeDate; // "MM-DD" as the invoice line holds it
     QString name;
-    QString spec;
+    QString norm; // 규격
     std::optional<double> quantity;
     std::optional<double> unitPrice;
     double supply = 0;

@@ -40,7 +40,7 @@ void appendItem(QVariantList& row, const EtaxInvoice& invoice, const EtaxItem* i
             row << QVariant();
         return;
     }
-    row << dayOf(invoice, *item) << item->name.trimmed() << item->spec.trimmed()
+    row << dayOf(invoice, *item) << item->name.trimmed() << item->norm.trimmed()
         << optionalCell(item->quantity) << optionalCell(item->unitPrice) << QVariant(item->supply)
         << QVariant(item->tax) << QString();
 }

@@ -1,0 +1,176 @@
+// Quotations at a decade of data (100,000 quotations, 1,000,000 lines): the search list with an
+// empty text and with a name, the lines of a 100-line quotation on the screen, and the next
+// number and line key; each beside the same statement run by the sqlite3 program on the file.
+#include "TestSupport.h"
+#include "core/AppState.h"
+#include "core/shell/Startup.h"
+#include "quotation/FrmEstiList.h"
+#include "quotation/FrmEstimate.h"
+#include "quotation/clsEstimate.h"
+#include "storage/Stores.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QSqlQuery>
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+
+using namespace nb;
+
+namespace {
+
+constexpr int kQuotations = 100000;
+constexpr int kLines = 1000000;
+const QString kBigQuotation = QStringLiteral("202406500");
+
+double medianMs(const std::function<void()>& run, int repeats = 9) {
+    std::vector<double> times;
+    for (int i = 0; i < repeats; ++i) {
+        QElapsedTimer t;
+        t.start();
+        run();
+        times.push_back(double(t.nsecsElapsed()) / 1e6);
+    }
+    std::sort(times.begin(), times.end());
+    return times[times.size() / 2];
+}
+
+// The statement through the sqlite3 program, its own timer (whole milliseconds), rows to
+// /dev/null: the median "real" time in ms.
+double cliMs(const QString& file, const QString& sql, int repeats = 5) {
+    std::vector<double> times;
+    const QRegularExpression real(QStringLiteral("Run Time: real ([0-9.]+)"));
+    for (int i = 0; i < repeats; ++i) {
+        QProcess p;
+        p.start(QStringLiteral("sqlite3"), {file});
+        p.write((".timer on\n.output /dev/null\n" + sql + ";\n").toUtf8());
+        p.closeWriteChannel();
+        p.waitForFinished(120000);
+        const QString out = QString::fromUtf8(p.readAllStandardOutput());
+        auto it = real.globalMatch(out);
+        double last = -1;
+        while (it.hasNext())
+            last = it.next().captured(1).toDouble() * 1000;
+        times.push_back(last);
+    }
+    std::sort(times.begin(), times.end());
+    return times[times.size() / 2];
+}
+
+void fill() {
+    Database& db = stores().dbEstimate;
+    const QStringList names = {"가나철강", "다라상회", "마바유통", "사아전자",
+                               "자차기계", "카타물산", "파하상사"};
+    db.beginTransaction();
+    QSqlQuery head(db.connection());
+    head.prepare("INSERT INTO EstiBase VALUES (?, ?, ?, ?, ?, '사무용품', ?, '', 0, '', '', '')");
+    QSqlQuery line(db.connection());
+    line.prepare("INSERT INTO Estimate VALUES (?, ?, '000001', ?, 'M8', 1, 1000, 1000, 'EA')");
+    int seq = 0;
+    for (int i = 0; i < kQuotations; ++i) {
+        const int month = i / 833; // 120 months, 833 a month
+        const QDate date = QDate(2015, 1, 1).addMonths(month).addDays(i % 28);
+        const QString code = date.toString("yyyyMM") + QString("%1").arg(i % 833 + 1, 3, 10, QChar('0'));
+        head.addBindValue(code);
+        head.addBindValue(QString("%1").arg(i % 5000 + 1, 6, 10, QChar('0')));
+        head.addBindValue(names[i % names.size()] + QString::number(i % 5000));
+        head.addBindValue(date.toString("yyyy-MM-dd"));
+        head.addBindValue(date.addDays(20).toString("yyyy-MM-dd"));
+        head.addBindValue(10000.0);
+        head.exec();
+        const int count = code == kBigQuotation ? 100 : 10;
+        for (int j = 0; j < count && seq < kLines; ++j) {
+            line.addBindValue(++seq);
+            line.addBindValue(code);
+            line.addBindValue(QString("품목%1").arg(j));
+            line.exec();
+        }
+    }
+    db.commit();
+    std::printf("quotations: %d, lines: %d\n", kQuotations, seq);
+}
+
+void report(const char* what, double screenMs, double cli, int rows) {
+    if (cli > 0)
+        std::printf("%-34s %7d rows  screen %8.2f ms  sqlite3 %6.0f ms  ratio %5.1f\n", what, rows, screenMs,
+                    cli, screenMs / cli);
+    else
+        std::printf("%-34s %7d rows  screen %8.2f ms  sqlite3    < 1 ms (its timer counts whole ms)\n", what,
+                    rows, screenMs);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    test::prepareEnvironment();
+    QApplication app(argc, argv);
+    test::prepareApplication(app);
+    test::TestHome home;
+    test::script();
+    ReadSettings();
+    QDir().mkpath(nb::app().DbPath);
+    CreateMissingStoreFiles();
+    OpenDatabases();
+    OpenDb(stores().dbEstimate, nb::app().DbEstimateFile);
+    fill();
+    const QString file = nb::app().DbEstimateFile;
+
+    // The screens are shown, and each measure includes painting what the operator sees.
+    FrmEstiList list;
+    list.show();
+    for (const auto& [field, text, label] :
+         {std::tuple{0, QString(), "FrmEstiList, empty search"},
+          std::tuple{0, QString("다라상회12"), "FrmEstiList, name search"}}) {
+        const double ms = medianMs([&] {
+            list.InitForm(field, text);
+            list.repaint();
+        });
+        const EstiListQuery q = estiListQuery(field, text);
+        QString sql = q.sql;
+        if (!q.values.isEmpty()) sql.replace("?", "'" + q.values.first().toString() + "'");
+        report(label, ms, cliMs(file, sql), list.rowCount());
+    }
+
+    FrmEstimate screen;
+    screen.show();
+    screen.pnlCode->setText(kBigQuotation);
+    const double loadMs = medianMs([&] {
+        screen.LoadLines();
+        screen.repaint();
+    });
+    report("LoadLines, 100-line quotation", loadMs,
+           cliMs(file,
+                 "SELECT PName, PNorm, EUnit, EAmount, EUnitPrice, EstiKum, Code, PCode, Seq FROM Estimate "
+                 "WHERE Code = '" +
+                     kBigQuotation + "' ORDER BY Seq"),
+           screen.LineCount());
+
+    clsEstimate e;
+    e.sEDate = "2024-12-15";
+    QString code;
+    const double codeMs = medianMs([&] { e.NextCode(code); }, 51);
+    report(qPrintable("NextCode -> " + code), codeMs,
+           cliMs(file, "SELECT EstiCode FROM EstiBase WHERE EstiCode >= '202412' AND EstiCode < '202413' "
+                       "ORDER BY EstiCode DESC LIMIT 1"),
+           1);
+    qint32 seq = 0;
+    const double seqMs = medianMs([&] { e.NextSeq(seq); }, 51);
+    report(qPrintable("NextSeq -> " + QString::number(seq)), seqMs,
+           cliMs(file, "SELECT Max(Seq) AS MSeq FROM Estimate"), 1);
+
+    for (const char* plan :
+         {"SELECT EstiCode FROM EstiBase WHERE EstiCode >= '202412' AND EstiCode < '202413' "
+          "ORDER BY EstiCode DESC LIMIT 1",
+          "SELECT Max(Seq) AS MSeq FROM Estimate"}) {
+        QSqlQuery q(stores().dbEstimate.connection());
+        q.exec(QString("EXPLAIN QUERY PLAN ") + plan);
+        while (q.next())
+            std::printf("  plan: %s\n", qPrintable(q.value(3).toString()));
+    }
+    return 0;
+}

@@ -1,0 +1,48 @@
+// FrmEstimate: btnPrint, the quotation on show printed with the screen's total line.
+#include "common/Messages.h"
+#include "common/dates/DateBox.h"
+#include "common/grid/Grid.h"
+#include "core/AppState.h"
+#include "quotation/FrmEstimate.h"
+#include "quotation/QuotationIssue.h"
+#include "storage/Stores.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QRadioButton>
+
+namespace nb {
+
+void FrmEstimate::btnPrint_Click() {
+    if (txtCCode->text().isEmpty()) return;
+    // A failed read of the trader has shown the query's box; the print stops there.
+    const std::optional<TraderNumbers> numbers = ReadTraderNumbers(txtCCode->text());
+    if (!numbers) return;
+    if (m_lineCount == 0) {
+        MsgBox(QStringLiteral("등록된 견적 내역이 없습니다. 견적 내역을 등록하신 후 인쇄를 하십시요."));
+        return;
+    }
+    std::optional<QuotationPrintData> data = ReadQuotationPrintData(pnlCode->text().trimmed());
+    if (!data) { // lines whose head was never stored: the head as the screen shows it
+        data.emplace();
+        data->code = pnlCode->text().trimmed();
+        data->date = txtDate[0]->dateText();
+        data->deriveDate = txtDate[1]->dateText();
+        data->receiver = txtinput[0]->text();
+        data->className = txtinput[1]->text();
+        data->refer = txtinput[2]->text();
+        data->validate = txtinput[4]->text();
+        data->section = txtinput[5]->text();
+        data->supplier = ReadPrintParties(stores().dbBasic, txtCCode->text(), app().DefaultSerial).user;
+        ReadQuotationLines(data->code, data->lines);
+    }
+    data->TotEstiKum = totEstiKumText(txtinput[3]->text(), pnlHanKum->text(), OptVat[0]->isChecked());
+    data->Phone = numbers->phone;
+    data->ClientFax = numbers->fax;
+    data->decimals = app().DecimalQty;
+    PrintQuotationJob(*data);
+    grdEstimate->SetActiveCell(1, 1);
+    grdEstimate->setEditModePermanent(true);
+}
+
+} // namespace nb

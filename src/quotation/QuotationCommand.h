@@ -1,0 +1,14 @@
+#pragma once
+// `nubella --print-quotation ESTICODE --pdf FILE`: a stored quotation to a PDF file, without a
+// window.
+
+#include <QStringList>
+
+namespace nb {
+
+bool isPrintQuotationCommand(int argc, char** argv);
+// 0 on success, else a one-line reason on the standard error stream and 1 (2 when the command
+// itself is malformed).
+int PrintQuotationCommand(const QStringList& arguments);
+
+} // namespace nb

@@ -1,0 +1,8 @@
+#pragma once
+// The quotation screen under its menu entry.
+
+namespace nb {
+
+void registerQuotationScreens();
+
+} // namespace nb

@@ -1,0 +1,162 @@
+#include "quotation/clsEstimate.h"
+
+#include "common/Messages.h"
+#include "common/text/NumberFormat.h"
+#include "storage/Database.h"
+#include "storage/Stores.h"
+
+namespace nb {
+
+namespace {
+
+const QString kDeleteTitle = QStringLiteral("견적내역 삭제");
+const QString kUpdateFailure = QStringLiteral("견적내역을 갱신하는 중 오류가 발생했습니다.");
+
+// The last character a code can hold: every code that begins with a prefix sorts below
+// prefix + this, so a prefix becomes an indexed range.
+const QString kHighestChar = QString::fromUcs4(U"\U0010FFFF");
+
+QString headInsertFailure(int number, const QString& description) {
+    return QStringLiteral("자료를 저장하는 중 오류가 발생했습니다.\n오류번호 : %1\n오류내용 : %2\n"
+                          "입력하신 내용을 다시 한번 확인하여 주십시요.")
+        .arg(number)
+        .arg(description);
+}
+
+} // namespace
+
+QString nextEstimateCode(const QString& date, const QString& lastCode) {
+    const QString yearMonth = date.left(4) + date.mid(5, 2);
+    const int n = lastCode.isEmpty() ? 1 : lastCode.right(3).toInt() + 1;
+    return yearMonth + FormatNumber(n, QStringLiteral("000"));
+}
+
+clsEstimate::clsEstimate() : m_db(stores().dbEstimate) {}
+
+clsEstimate::clsEstimate(Database& db) : m_db(db) {}
+
+bool clsEstimate::write(const QString& sql, const QVariantList& values, const QString& failure,
+                        const QString& title, bool warning) {
+    if (m_db.tryExecute(sql, values) && m_db.RecordsAffected() > 0) return true;
+    if (warning)
+        ShowWarning(failure, title);
+    else
+        MsgBox(failure, MbOk, title);
+    return false;
+}
+
+void clsEstimate::SaveInitEstimate() {
+    static const QString sql = QStringLiteral(
+        "INSERT INTO EstiBase (EstiCode, CCode, CName, EstiDate, DeriveDate, ClassName, EstiKum, "
+        "EstiHanKum, Vat, Refer, Validate, Section) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    const QVariantList values{sCode,    sCCode,      sCName,           sEDate, sDeriveDate, sClass,
+                              dETotKum, sETotHanKum, storedBool(bVAT), sRefer, sValidate,   sSection};
+    if (m_db.tryExecute(sql, values) && m_db.RecordsAffected() > 0) return;
+    const int number = m_db.lastErrorNumber() ? m_db.lastErrorNumber() : int(ErrNotOpened);
+    MsgBox(headInsertFailure(number, m_db.lastErrorDescription()), MbOk | MbExclamation);
+}
+
+void clsEstimate::SaveEstimate() {
+    write(
+        QStringLiteral("INSERT INTO Estimate (Seq, Code, PCode, PName, PNorm, EAmount, EUnitPrice, EstiKum, "
+                       "EUnit) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)"),
+        {lSeq, sCode, sPCode, sPName, sPNorm, double(siEAmount), double(siEUnitCost), lEstiKum, sUnit},
+        QStringLiteral("견적내역을 저장하는 중 오류가 발생했습니다."));
+}
+
+void clsEstimate::UpdateEstiBase() {
+    write(QStringLiteral("UPDATE EstiBase SET CCode = ?, CName = ?, EstiDate = ?, DeriveDate = ?, "
+                         "ClassName = ?, EstiKum = ?, EstiHanKum = ?, Vat = ?, Refer = ?, Validate = ?, "
+                         "Section = ? WHERE EstiCode = ?"),
+          {sCCode, sCName, sEDate, sDeriveDate, sClass, dETotKum, sETotHanKum, storedBool(bVAT), sRefer,
+           sValidate, sSection, sCode},
+          kUpdateFailure);
+}
+
+void clsEstimate::UpdateEstimate() {
+    write(QStringLiteral("UPDATE Estimate SET EAmount = ?, EUnitPrice = ?, EstiKum = ? WHERE Seq = ?"),
+          {double(siEAmount), double(siEUnitCost), lEstiKum, lSeq},
+          QStringLiteral("견적서 자료를 갱신하는 중 오류가 발생했습니다."));
+}
+
+void clsEstimate::UpdateTotKum() {
+    write(QStringLiteral("UPDATE EstiBase SET EstiKum = ?, EstiHanKum = ? WHERE EstiCode = ?"),
+          {dETotKum, sETotHanKum, sCode}, QStringLiteral("견적금액을 갱신하는 중 오류가 발생했습니다."),
+          QStringLiteral("견적내역 갱신"), true);
+}
+
+void clsEstimate::UpdateVat() {
+    write(QStringLiteral("UPDATE EstiBase SET Vat = ? WHERE EstiCode = ?"), {storedBool(bVAT), sCode},
+          kUpdateFailure, QStringLiteral("견적내역 갱신오류"));
+}
+
+void clsEstimate::UpdateUnit() {
+    write(QStringLiteral("UPDATE Estimate SET EUnit = ? WHERE Seq = ?"), {sUnit, lSeq}, kUpdateFailure,
+          QStringLiteral("견적내역 갱신 오류"));
+}
+
+void clsEstimate::UpdateDeriveDate() {
+    write(QStringLiteral("UPDATE EstiBase SET DeriveDate = ? WHERE EstiCode = ?"), {sDeriveDate, sCode},
+          QStringLiteral("견적서의 납품예정일을 변경하는 중 오류가 발생했습니다."));
+}
+
+void clsEstimate::Update_Trader_Name() {
+    // A trader may have no quotation: no row changed is no failure, and errors pass unseen.
+    m_db.tryExecute(QStringLiteral("UPDATE EstiBase SET CName = ? WHERE CCode = ?"), {sCName, sCCode});
+}
+
+void clsEstimate::DeleteEstimate() {
+    // The head is looked for by the column name "Code", which the head table does not have; the
+    // screen deletes with statements of its own and never calls this.
+    if (!m_db.beginTransaction()) return;
+    if (!write(QStringLiteral("DELETE FROM EstiBase WHERE Code = ?"), {sCode},
+               QStringLiteral("견적서 자료를 삭제하는 중 오류가 발생했습니다."), kDeleteTitle, true)) {
+        m_db.rollback();
+        return;
+    }
+    if (!write(QStringLiteral("DELETE FROM Estimate WHERE Code = ?"), {sCode},
+               QStringLiteral("견적내역을 삭제하는 중 오류가 발생했습니다."), kDeleteTitle, true)) {
+        m_db.rollback();
+        return;
+    }
+    m_db.commit();
+}
+
+void clsEstimate::DeleteDetail() {
+    write(QStringLiteral("DELETE FROM Estimate WHERE Seq = ?"), {lSeq},
+          QStringLiteral("견적서 자료를 삭제하는 중 오류가 발생했습니다."));
+}
+
+void clsEstimate::NextSeq(qint32& seq) {
+    Recordset rs;
+    if (!OpenSnapshot(m_db, rs, QStringLiteral("SELECT Max(Seq) AS MSeq FROM Estimate"))) {
+        seq = 0;
+        return;
+    }
+    seq = (!rs.EOF_() && !rs.isNull(QStringLiteral("MSeq"))) ? qint32(rs.number(QStringLiteral("MSeq"))) + 1
+                                                             : 1;
+    CloseRs(rs);
+}
+
+void clsEstimate::NextCode(QString& code) {
+    const QString prefix = sEDate.left(4) + sEDate.mid(5, 2);
+    Recordset rs;
+    // The highest code of the month, read backwards along the code's index.
+    if (!OpenSnapshot(
+            m_db, rs,
+            QStringLiteral("SELECT EstiCode AS MCode FROM EstiBase WHERE EstiCode >= ? AND EstiCode < ? "
+                           "ORDER BY EstiCode DESC LIMIT 1"),
+            {prefix, prefix + kHighestChar})) {
+        code.clear();
+        return;
+    }
+    code = nextEstimateCode(sEDate, rs.EOF_() ? QString() : rs.text(QStringLiteral("MCode")));
+    CloseRs(rs);
+}
+
+void clsEstimate::FindEstiHead(Recordset& rs, bool& found) {
+    found = OpenSnapshot(m_db, rs, QStringLiteral("SELECT * FROM EstiBase WHERE EstiCode = ?"), {sCode}) &&
+            rs.RecordCount() > 0;
+}
+
+} // namespace nb
