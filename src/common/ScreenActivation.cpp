@@ -1,8 +1,11 @@
 #include "common/ScreenActivation.h"
 
+#include <QApplication>
+#include <QDialog>
 #include <QEvent>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QMessageBox>
 #include <QPointer>
 
 namespace nb {
@@ -17,17 +20,23 @@ public:
         screen->installEventFilter(this);
     }
 
+    // The second run does not start a third, so a registration left undone does not bring a
+    // round of boxes.
     void run() {
-        if (m_running) return;  // an activation that opens a box must not start another
+        if (m_running) return;
         m_running = true;
+        m_requestedWhileRunning = false;
         m_activate();
+        if (m_requestedWhileRunning) m_activate();
+        m_requestedWhileRunning = false;
         m_running = false;
     }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (watched == m_screen && event->type() == QEvent::Show) attach();
-        if (watched == m_topWindow && event->type() == QEvent::WindowActivate && inFront()) run();
+        if (event->type() == QEvent::Hide && isModalScreenOverTopWindow(watched))
+            m_requestedWhileRunning = true;
         return false;
     }
 
@@ -42,8 +51,23 @@ private:
                 if (active && active == m_sub) run();
             });
         m_topWindow = m_screen->window();
-        if (m_topWindow) m_topWindow->installEventFilter(this);
-        if (!m_sub) run();
+        qApp->installEventFilter(this); // modal screens closing over the window
+        // A child window the work area made active as it was shown gives no signal later.
+        if (!m_sub || inFront()) run();
+    }
+
+    // A modal screen shown over this screen's window while the activation runs: the supplier
+    // registration the activation asks for. When it closes the activation runs once more, so
+    // what was registered shows at once. Lists and dialogs the operator opens by keys are part
+    // of the work on the screen and bring no activation, and a message box is no screen.
+    // Window managers hand the window its activation back when a modal screen closes, but not
+    // every platform does, so the screen's closing is what counts.
+    bool isModalScreenOverTopWindow(QObject* watched) const {
+        if (!m_running) return false;
+        auto* dialog = qobject_cast<QDialog*>(watched);
+        if (!dialog || !dialog->isModal() || qobject_cast<QMessageBox*>(dialog)) return false;
+        QWidget* owner = dialog->parentWidget();
+        return owner && m_topWindow && owner->window() == m_topWindow;
     }
 
     bool inFront() const {
@@ -59,6 +83,7 @@ private:
     QPointer<QWidget> m_topWindow;
     bool m_attached = false;
     bool m_running = false;
+    bool m_requestedWhileRunning = false;
 };
 
 ActivationWatcher* watcherOf(QWidget* screen) {

@@ -1,12 +1,12 @@
 #pragma once
 // A document screen does its "activation" work (the default supplier, the receiver sent to it,
 // its lists) each time it becomes the operator's screen again:
-//  - when its child window becomes the active one in the main window's work area,
-//  - when the main window becomes active again with this screen in front (a modal screen it
-//    opened has closed, the operator comes back from another program),
-//  - when its menu entry is chosen while it is open (the main window calls activateScreen).
-// Outside a work area (a screen shown on its own, as in tests) it activates when shown and
-// whenever its own window becomes active again.
+//  - when its child window becomes the active one in the main window's work area (its first
+//    opening, the operator coming back to it from another child window),
+//  - when the modal screen its activation opened closes (the supplier registration it asks for;
+//    lists the operator opens by keys, and message boxes, bring none),
+//  - when its menu entry is chosen while it is in front (the main window calls activateScreen).
+// Outside a work area (a screen shown on its own, as in tests) it activates when first shown.
 
 #include <QWidget>
 #include <functional>

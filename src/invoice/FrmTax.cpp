@@ -2,6 +2,7 @@
 #include "invoice/FrmTax.h"
 
 #include "common/Messages.h"
+#include "common/ScreenActivation.h"
 #include "common/dates/DateBox.h"
 #include "common/dates/DateText.h"
 #include "common/dates/FrmCalendar.h"
@@ -52,6 +53,7 @@ void setIfChanged(QLineEdit* box, const QString& text) {
 FrmTax::FrmTax(QWidget* parent) : QWidget(parent) {
     buildControls();
     loadForm();
+    onActivation(this, [this] { init_form(); });
 }
 
 // ---- sheet <-> controls ------------------------------------------------------------------
@@ -170,22 +172,6 @@ void FrmTax::loadForm() {
     const QString background = userImage(QStringLiteral("tax_back.jpg"));
     if (!background.isEmpty()) paperArea->setBackgroundPicture(QPixmap(background));
     m_loaded = true;
-}
-
-void FrmTax::showEvent(QShowEvent* event) {
-    QWidget::showEvent(event);
-    auto* sub = qobject_cast<QMdiSubWindow*>(parentWidget());
-    if (!sub) {
-        init_form();
-        return;
-    }
-    if (sub->property("nbTaxActivation").toBool()) return;
-    sub->setProperty("nbTaxActivation", true);
-    if (QMdiArea* area = sub->mdiArea())
-        connect(area, &QMdiArea::subWindowActivated, this, [this, sub](QMdiSubWindow* active) {
-            if (active == sub) init_form();
-        });
-    init_form();
 }
 
 void FrmTax::init_form() {

@@ -1,0 +1,115 @@
+// The invoice screen in the real main window from an empty store: the supplier registered on
+// the screen's own request shows at once, the menu entry chosen again and a return from another
+// child window bring the activation, so a supplier changed meanwhile shows.
+#include "InvoiceFixture.h"
+#include "core/ScreenRegistry.h"
+#include "core/shell/Nubella.h"
+#include "invoice/FrmTax.h"
+#include "invoice/InvoiceScreens.h"
+#include "master/FrmUser.h"
+#include "master/MasterScreens.h"
+
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QPushButton>
+#include <QTimer>
+
+using namespace nb;
+
+namespace {
+
+struct MainWindow {
+    test::TestHome home;
+    Nubella window;
+    MainWindow() {
+        clearScreenRegistry();
+        registerMasterScreens();
+        registerInvoiceScreens();
+        registerChildScreen(QStringLiteral("mnu_SMS"), [] { return new QWidget; });
+        window.refreshMenuState();
+        QVERIFY(window.load(false));
+        test::showActive(&window);
+    }
+    ~MainWindow() { clearScreenRegistry(); }
+    FrmTax* openInvoice() {
+        window.menuAction(QStringLiteral("mnu_InvoiceForm"))->trigger();
+        QTest::qWait(50);
+        return qobject_cast<FrmTax*>(window.childScreen(QStringLiteral("mnu_InvoiceForm")));
+    }
+};
+
+void typeAndEnter(QLineEdit* box, const QString& text) {
+    box->setFocus();
+    test::typeText(box, text);
+    test::pressKey(box, Qt::Key_Return);
+}
+
+// The operator fills the registration that opens next, saves it as the default supplier and
+// closes it.
+void registerSupplierInNextScreen(bool* seen) {
+    QTimer::singleShot(150, [seen] {
+        auto* form = qobject_cast<FrmUser*>(QApplication::activeModalWidget());
+        if (!form) return;
+        *seen = true;
+        typeAndEnter(form->txtinput(0), QStringLiteral("가나상사"));
+        typeAndEnter(form->txtinput(1), QStringLiteral("김가나"));
+        typeAndEnter(form->txtinput(2), QStringLiteral("1234567891"));
+        form->btnSave()->click();
+        form->ChkDefault()->setFocus();
+        test::pressKey(form->ChkDefault(), Qt::Key_Space);
+        test::pressKey(form, Qt::Key_Escape);
+    });
+}
+
+} // namespace
+
+class TestInvoiceActivation : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void theFirstSupplierRegisteredOnTheScreensRequestShowsAtOnce() {
+        MainWindow w;
+        auto& msgs = test::script();
+        bool registrationShown = false;
+        registerSupplierInNextScreen(&registrationShown);
+        FrmTax* tax = w.openInvoice();
+        QVERIFY(registrationShown);
+        QCOMPARE(msgs.boxes().front().text, QStringLiteral("사용자등록을 먼저하셔야 합니다"));
+        QCOMPARE(tax->CName_user->text(), QStringLiteral("가나상사"));
+        QCOMPARE(tax->Serial_user->text(), QStringLiteral("123-45-67891"));
+        int asked = 0;
+        for (const MessageRecord& box : msgs.boxes())
+            asked += box.text == u"사용자등록을 먼저하셔야 합니다" ? 1 : 0;
+        QCOMPARE(asked, 1);
+    }
+    void theMenuEntryChosenAgainShowsASupplierChangedMeanwhile() {
+        MainWindow w;
+        test::script();
+        test::addSupplier({QStringLiteral("123-45-67891"), QStringLiteral("가나상사"),
+                           QStringLiteral("김가나"), QString(), QString(), QString(), QString(), QString()});
+        FrmTax* tax = w.openInvoice();
+        QCOMPARE(tax->CName_user->text(), QStringLiteral("가나상사"));
+        QVERIFY(test::exec(stores().dbBasic, QStringLiteral("update User set Company = '가나물산'")));
+        QCOMPARE(w.openInvoice(), tax); // the one open screen
+        QCOMPARE(tax->CName_user->text(), QStringLiteral("가나물산"));
+    }
+    void comingBackFromAnotherChildWindowShowsASupplierChangedMeanwhile() {
+        MainWindow w;
+        test::script();
+        test::addSupplier({QStringLiteral("123-45-67891"), QStringLiteral("가나상사"),
+                           QStringLiteral("김가나"), QString(), QString(), QString(), QString(), QString()});
+        FrmTax* tax = w.openInvoice();
+        w.window.menuAction(QStringLiteral("mnu_SMS"))->trigger();
+        QVERIFY(w.window.mdiArea()->activeSubWindow() != tax->parentWidget());
+        QVERIFY(test::exec(stores().dbBasic, QStringLiteral("update User set Company = '가나물산'")));
+        // Ctrl+Tab goes to the next child window, as a click on it would.
+        test::pressKey(test::focused() ? test::focused() : &w.window, Qt::Key_Tab, Qt::ControlModifier);
+        QTest::qWait(50);
+        QCOMPARE(w.window.mdiArea()->activeSubWindow(), tax->parentWidget());
+        QCOMPARE(tax->CName_user->text(), QStringLiteral("가나물산"));
+    }
+};
+
+NB_TEST_MAIN(TestInvoiceActivation)
+#include "tst_invoice_activation.moc"
