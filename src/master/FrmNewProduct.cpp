@@ -35,6 +35,12 @@ FrmNewProduct::FrmNewProduct(QWidget* parent) : QDialog(parent) {
     buildControls();
 }
 
+// What the caller takes back: a document line holds products by code in its hidden txtPCode
+// and fills the line from it; any other box gets the product's name.
+QString FrmNewProduct::takenBack(const QString& code) const {
+    return m_target->objectName() == u"txtPCode" ? code : m_fields[0]->text();
+}
+
 void FrmNewProduct::buildControls() {
     auto* grid = new QGridLayout;
     for (int i = 0; i < kProductFieldCount; ++i) {
@@ -133,7 +139,7 @@ void FrmNewProduct::save() {
     case ProductSave::Updated:
         break;
     }
-    if (outcome == ProductSave::Inserted && m_target) m_target->setText(m_fields[0]->text());
+    if (outcome == ProductSave::Inserted && m_target) m_target->setText(takenBack(code));
     // Called from another screen (a target to fill, or a change from the list): back there.
     // Opened on its own: ready for the next product.
     if (m_target || m_mode == 1) {

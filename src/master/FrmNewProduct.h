@@ -49,6 +49,7 @@ private:
     void buildControls();
     void emptyForm();
     ProductFields fields() const;
+    QString takenBack(const QString& code) const;
 
     std::array<QLineEdit*, kProductFieldCount> m_fields{};
     QLineEdit* m_code = nullptr;

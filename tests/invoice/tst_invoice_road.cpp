@@ -4,15 +4,15 @@
 #include "TaxScreenKit.h"
 #include "common/grid/Grid.h"
 #include "invoice/InvoiceLookups.h"
+#include "master/FrmNewProduct.h"
 #include "master/FrmNewTrader.h"
 #include "master/FrmProductList.h"
 #include "master/FrmTraderList.h"
 #include "master/MasterListForm.h"
-
 #include "printing/PrinterSetup.h"
 
-#include <QTableView>
 #include <QPushButton>
+#include <QTableView>
 #include <QTimer>
 
 using namespace nb;
@@ -78,10 +78,43 @@ private Q_SLOTS:
     void severalTradersShowTheListAndEnterChooses() {
         Road r;
         test::script();
-        typeAndEnter(r.form->CName_MAE, QString());  // an empty search lists every trader
+        typeAndEnter(r.form->CName_MAE, QString()); // an empty search lists every trader
         QCOMPARE(shownLists(), QStringList{QStringLiteral("nb::FrmTraderList")});
         QVERIFY(!r.form->txtCCode->text().isEmpty());
         QVERIFY(!r.form->CName_MAE->text().isEmpty());
+    }
+    void aProductRegisteredFromTheLineFillsTheLine() {
+        Road r;
+        auto& msgs = test::script();
+        FrmTax& f = *r.form;
+        typeAndEnter(f.CName_MAE, QStringLiteral("가나"));
+        msgs.answer(AnsOk); // "검색된 상품이 없습니다 ... 상품을 등록하시겠습니까?"
+        bool registered = false;
+        QTimer::singleShot(150, [&registered] {
+            auto* form = qobject_cast<FrmNewProduct*>(QApplication::activeModalWidget());
+            if (!form) return;
+            registered = true;
+            QLineEdit* name = form->txtinput(0);
+            name->setFocus();
+            name->clear();
+            test::typeText(name, QStringLiteral("스패너"));
+            test::pressKey(name, Qt::Key_Return);
+            form->btnSave()->click();
+        });
+        f.pummok(0)->setFocus();
+        test::typeText(f.pummok(0), QStringLiteral("스패너"));
+        test::pressKey(f.pummok(0), Qt::Key_Return);
+        QTest::qWait(50);
+        QVERIFY(registered);
+        QCOMPARE(msgs.boxes().front().text,
+                 QStringLiteral("검색된 상품이 없습니다. \n\n상품을 등록하시겠습니까?    "));
+        const QString code =
+            test::scalar(stores().dbBasic, QStringLiteral("SELECT Code FROM Product WHERE PName = '스패너'"))
+                .toString();
+        QVERIFY(!code.isEmpty());
+        QCOMPARE(f.txtPCode->text(), code); // the code, not the name
+        QCOMPARE(f.pummok(0)->text(), QStringLiteral("스패너"));
+        QCOMPARE(f.su_num(0)->text().trimmed(), QStringLiteral("1")); // the line is filled, not left empty
     }
     void wholeRoadIssuesStoresAndReloads() {
         Road r;
@@ -103,7 +136,8 @@ private Q_SLOTS:
         QCOMPARE(msgs.boxes().front().text, QStringLiteral("발행하시겠습니까?"));
         QCOMPARE(int(capture.jobs().size()), 1);
         QCOMPARE(test::invoiceRows(QStringLiteral("WHERE TaxCode = '100002'")), 1);
-        QCOMPARE(test::scalar(stores().dbTax, QStringLiteral("SELECT TradeKum FROM NewAcount WHERE TaxCode = '100002'"))
+        QCOMPARE(test::scalar(stores().dbTax,
+                              QStringLiteral("SELECT TradeKum FROM NewAcount WHERE TaxCode = '100002'"))
                      .toDouble(),
                  2727.0);
         QCOMPARE(f.grdList->Text(5, 3), QStringLiteral("100002"));
