@@ -165,6 +165,10 @@ bool FrmTax::lineFieldKey(LineField column, int i, int key) {
             pummok(i)->setFocus();
             return true;
         }
+        if (back) {  // as Shift+Tab, as in every item field
+            moveFocus(false);
+            return true;
+        }
         return false;
     case LineField::pummok:
         if (isEnter(key)) {

@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTableView>
 
 namespace nb {
 namespace {
@@ -34,6 +35,8 @@ FrmTraderList::FrmTraderList(QWidget* parent)
     placeFirstColumnWidths({140, 70, 100, 170, 70});
     resize(640, 400);
     connect(newButton, &QPushButton::clicked, this, &FrmTraderList::newTrader);
+    // Here a click on a row chooses it, as the select button and Enter do.
+    connect(grdList(), &QTableView::clicked, this, [this] { chooseActiveRow(); });
 }
 
 void FrmTraderList::InitForm(const QString& name, int section, int& result) {

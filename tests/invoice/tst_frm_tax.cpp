@@ -296,6 +296,19 @@ private Q_SLOTS:
         test::pressKey(f.su_num(0), Qt::Key_Down);
         QCOMPARE(focused(), f.gibon_num(0));
     }
+    void upInTheTradeDateGoesBackAsShiftTab() {
+        Screen s;
+        test::script();
+        FrmTax& f = s.open();
+        chooseReceiver(f, QStringLiteral("가나"));
+        f.ddyy(0)->setFocus();
+        test::pressKey(f.ddyy(0), Qt::Key_Backtab, Qt::ShiftModifier);
+        QWidget* before = focused();
+        QVERIFY(before != f.ddyy(0));
+        f.ddyy(0)->setFocus();
+        test::pressKey(f.ddyy(0), Qt::Key_Up);
+        QCOMPARE(focused(), before);
+    }
     void typedTaxStaysAndTheFocusStays() {
         Screen s;
         test::script();

@@ -392,6 +392,24 @@ private Q_SLOTS:
         QCOMPARE(target.text(), QStringLiteral("000002"));
         QVERIFY(!list.isVisible());
     }
+    void aClickOnARowChoosesIt() {
+        TestHome home;
+        QVERIFY(openStores());
+        script();
+        addTrader("000001", "가나상사");
+        addTrader("000002", "다라상사");
+        FrmTraderList list;
+        QLineEdit target;
+        list.SetObject(&target);
+        int result = 0;
+        list.InitForm("상사", 0, result);
+        showActive(&list);
+        QTableView* grid = list.grdList();
+        const QModelIndex second = grid->model()->index(1, 1);
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(second).center());
+        QCOMPARE(target.text(), QStringLiteral("000002"));
+        QVERIFY(!list.isVisible());
+    }
     void f3OpensTheChangeFormAndRefillsTheList() {
         TestHome home;
         QVERIFY(openStores());
