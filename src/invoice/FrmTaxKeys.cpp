@@ -165,7 +165,7 @@ bool FrmTax::lineFieldKey(LineField column, int i, int key) {
             pummok(i)->setFocus();
             return true;
         }
-        if (back) {  // as Shift+Tab, as in every item field
+        if (back) { // as Shift+Tab, as in every item field
             moveFocus(false);
             return true;
         }

@@ -1,24 +1,22 @@
 // The main window: menus and panels as the operator sees them, child screens that stay
 // loaded, the home page question, the convert box, the about screen and the two exits.
 #include "TestSupport.h"
-
 #include "common/External.h"
+#include "common/text/frmsosu.h"
 #include "core/AppState.h"
 #include "core/Clock.h"
+#include "core/ScreenRegistry.h"
+#include "core/Settings.h"
 #include "core/shell/FrmLogin.h"
 #include "core/shell/Nubella.h"
 #include "core/shell/Program.h"
-#include "common/text/frmsosu.h"
-#include "core/ScreenRegistry.h"
 #include "core/shell/frmAbout.h"
 
-#include "core/Settings.h"
-
 #include <QAction>
+#include <QApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QImage>
-#include <QApplication>
 #include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -35,11 +33,14 @@ namespace {
 
 QStringList captionsOf(const QList<QAction*>& actions) {
     QStringList out;
-    for (QAction* a : actions) out << (a->isSeparator() ? QStringLiteral("-") : a->text());
+    for (QAction* a : actions)
+        out << (a->isSeparator() ? QStringLiteral("-") : a->text());
     return out;
 }
 
-QMenu* barMenu(Nubella& w, const QString& name) { return w.menuBar()->findChild<QMenu*>(name); }
+QMenu* barMenu(Nubella& w, const QString& name) {
+    return w.menuBar()->findChild<QMenu*>(name);
+}
 
 } // namespace
 
@@ -57,15 +58,16 @@ private Q_SLOTS:
     }
     void registrationMenuItemsWithSeparators() {
         Nubella w;
-        QCOMPARE(captionsOf(barMenu(w, "mnu_insert")->actions()),
-                 (QStringList{"사용자등록(&S)", "거래처등록(&T)", "상품   등록(&M)", "우편번호 가져오기(&Z)...", "-",
-                              "소수점설정(&U)",
-                              "프린터설정(&P)", "-", "종료(&X)"}));
+        QCOMPARE(
+            captionsOf(barMenu(w, "mnu_insert")->actions()),
+            (QStringList{"사용자등록(&S)", "거래처등록(&T)", "상품   등록(&M)", "우편번호 가져오기(&Z)...",
+                         "-", "소수점설정(&U)", "프린터설정(&P)", "-", "종료(&X)"}));
     }
     void outputMenuItems() {
         Nubella w;
-        QCOMPARE(captionsOf(barMenu(w, "mnu_출력")->actions()),
-                 (QStringList{"거래명세표(&M)", "세금계산서(&F)", "세금계산서 합계표(&S)", "견   적   서(&E)"}));
+        QCOMPARE(
+            captionsOf(barMenu(w, "mnu_출력")->actions()),
+            (QStringList{"거래명세표(&M)", "세금계산서(&F)", "세금계산서 합계표(&S)", "견   적   서(&E)"}));
     }
     void entriesWithoutAScreenAreDisabled() {
         Nubella w;
@@ -81,16 +83,16 @@ private Q_SLOTS:
         QVERIFY(w.menuAction("mnu_InvoiceForm")->isEnabled());
     }
     void aScreenOpensAHigherScreenThroughTheMainWindowOnly() {
-        QVERIFY(openScreen("mnu_거래명세표") == nullptr);  // no main window: nothing opens
+        QVERIFY(openScreen("mnu_거래명세표") == nullptr); // no main window: nothing opens
         registerChildScreen("mnu_거래명세표", [] { return new QWidget; });
         {
             Nubella w;
             QWidget* opened = openScreen("mnu_거래명세표");
             QVERIFY(opened != nullptr);
             QCOMPARE(opened, w.childScreen("mnu_거래명세표"));
-            QCOMPARE(openScreen("mnu_거래명세표"), opened);  // the one open screen, never a second
+            QCOMPARE(openScreen("mnu_거래명세표"), opened); // the one open screen, never a second
         }
-        QVERIFY(openScreen("mnu_거래명세표") == nullptr);  // the main window is gone
+        QVERIFY(openScreen("mnu_거래명세표") == nullptr); // the main window is gone
     }
     void statusPanelsHoldDateFixedTextAndNothing() {
         test::TestHome home;
@@ -99,9 +101,11 @@ private Q_SLOTS:
         Nubella w;
         QVERIFY(w.load(false));
         QCOMPARE(w.panel(0)->text(), QStringLiteral("2004/01/01 목요일"));
-        QCOMPARE(w.panel(2)->text(), QStringLiteral("IT기술의 강자! 업무전산화의 모든것.   S/W개발.용지문의: 1500-0000"));
+        QCOMPARE(w.panel(2)->text(),
+                 QStringLiteral("IT기술의 강자! 업무전산화의 모든것.   S/W개발.용지문의: 1500-0000"));
         QCOMPARE(w.panel(1)->text(), QString());
-        QCOMPARE(w.windowTitle(), QStringLiteral("하르문 거래명세표 & 세금계산서발행 Ver.1.0.0 - ") + kMakerAddress);
+        QCOMPARE(w.windowTitle(),
+                 QStringLiteral("하르문 거래명세표 & 세금계산서발행 Ver.1.0.0 - ") + kMakerAddress);
         w.show();
         test::saveScreenshot(&w, "main_window");
     }
@@ -112,7 +116,7 @@ private Q_SLOTS:
         Nubella w;
         QVERIFY(!w.load(false));
         QCOMPARE(msgs.last().text, QStringLiteral("실행 시간 오류 '13':\r\n\r\n형식이 일치하지 않습니다."));
-        QVERIFY(!QFileInfo::exists(home.file("Dbs/dbBasic.db")));  // nothing after the decimals ran
+        QVERIFY(!QFileInfo::exists(home.file("Dbs/dbBasic.db"))); // nothing after the decimals ran
     }
     void plainBackgroundWithoutAPictureAndTheUsersPictureWhenThere() {
         test::TestHome home;
@@ -164,7 +168,7 @@ private Q_SLOTS:
         w.show();
         w.menuAction("mnu_InvoiceForm")->trigger();
         QWidget* first = w.childScreen("mnu_InvoiceForm");
-        first->parentWidget()->close();  // closing a child only hides it
+        first->parentWidget()->close(); // closing a child only hides it
         w.menuAction("mnu_InvoiceForm")->trigger();
         QCOMPARE(created, 1);
         QCOMPARE(w.childScreen("mnu_InvoiceForm"), first);
@@ -223,11 +227,12 @@ private Q_SLOTS:
         w.menuAction("mnuConvert")->trigger();
         QCOMPARE(msgs.last().buttons, 64);
         QCOMPARE(msgs.last().title, QStringLiteral("누벨라"));
-        QCOMPARE(msgs.last().text,
-                 QStringLiteral("자동으로 미수, 재고가 관리되는 브란토 제품으로 전환시      \r\n\r\n"
-                                "누벨라에 등록된 기초자료를 그대로 옮겨드립니다.\r\n\r\n"
-                                "지금 홈페이지를 방문하시면 바로 시험판을 받아 사용해 볼 수 있습니다.\r\n\r\n") +
-                     kMakerAddress + QStringLiteral("\r\n\r\n문의: 1500-0000"));
+        QCOMPARE(
+            msgs.last().text,
+            QStringLiteral("자동으로 미수, 재고가 관리되는 브란토 제품으로 전환시      \r\n\r\n"
+                           "누벨라에 등록된 기초자료를 그대로 옮겨드립니다.\r\n\r\n"
+                           "지금 홈페이지를 방문하시면 바로 시험판을 받아 사용해 볼 수 있습니다.\r\n\r\n") +
+                kMakerAddress + QStringLiteral("\r\n\r\n문의: 1500-0000"));
     }
     void aboutShowsTitleVersionAndAddress() {
         Nubella w;
@@ -244,7 +249,7 @@ private Q_SLOTS:
         for (auto* label : about->findChildren<QLabel*>())
             hasVersion = hasVersion || label->text() == QStringLiteral("버전 : 공 개 용");
         QVERIFY(hasVersion);
-        QVERIFY(QApplication::activeModalWidget() == nullptr);  // non-modal
+        QVERIFY(QApplication::activeModalWidget() == nullptr); // non-modal
         QTest::qWait(50);
         test::saveScreenshot(about, "about");
     }
@@ -298,13 +303,55 @@ private Q_SLOTS:
         QVERIFY(QApplication::activeModalWidget() == nullptr);
         screen->close();
     }
+    void decimalSettingsChosenTwiceBringsTheOneOpenFormForward() {
+        registerShellScreens();
+        Nubella w;
+        w.refreshMenuState();
+        test::showActive(&w);
+        w.menuAction("mnu_sosu")->trigger();
+        frmsosu* first = w.findChild<frmsosu*>();
+        QVERIFY(first);
+        w.activateWindow();
+        w.menuAction("mnu_sosu")->trigger();
+        QCOMPARE(w.findChildren<frmsosu*>().size(), 1);
+        QVERIFY(first->isVisible());
+        first->close();
+    }
+    void theLoadRunsBeforeTheWindowShows() {
+        test::TestHome home;
+        // A box during the load records whether the main window was already on the screen.
+        struct Watching : ScriptedMessages {
+            QWidget* window = nullptr;
+            bool shownAtABox = false;
+            int box(const QString& text, int buttons, const QString& title) override {
+                shownAtABox = shownAtABox || window->isVisible();
+                return ScriptedMessages::box(text, buttons, title);
+            }
+        };
+        auto watching = std::make_unique<Watching>();
+        Watching* seen = watching.get();
+        setMessageBackend(std::move(watching));
+        SaveEnv("chk소수점1", "두자리");
+        Nubella w;
+        seen->window = &w;
+        QVERIFY(!loadAndShow(w, false));
+        QCOMPARE(seen->boxes().size(), size_t(1));
+        QVERIFY(!seen->shownAtABox);
+        QVERIFY(!w.isVisible()); // a stopped load never shows the window
+        SaveEnv("chk소수점1", "0");
+        Nubella second;
+        QVERIFY(loadAndShow(second, false));
+        QVERIFY(second.isVisible());
+        QCOMPARE(second.windowTitle(),
+                 QStringLiteral("하르문 거래명세표 & 세금계산서발행 Ver.1.0.0 - ") + kMakerAddress);
+    }
     void bothExitEntriesEndTheProcessAtOnce() {
         for (const char* entry : {"mnu_end", "mnuExit"}) {
             Nubella w;
             const pid_t child = fork();
             if (child == 0) {
                 w.menuAction(QString::fromLatin1(entry))->trigger();
-                _exit(3);  // reached only if the entry did not end the process
+                _exit(3); // reached only if the entry did not end the process
             }
             int status = 0;
             waitpid(child, &status, 0);

@@ -106,7 +106,8 @@ private Q_SLOTS:
         QCOMPARE(focused(), form.txtinput(7));
         QCOMPARE(msgs.records().size(), size_t(1));
         QCOMPARE(msgs.last().kind, QStringLiteral("float"));
-        QVERIFY(msgs.last().text.startsWith(QStringLiteral("사업자등록번호 123-45-67890의 검증번호가 맞지 않습니다.")));
+        QVERIFY(msgs.last().text.startsWith(
+            QStringLiteral("사업자등록번호 123-45-67890의 검증번호가 맞지 않습니다.")));
     }
     void theMonthIsKeptWithDashZeroZero() {
         TestHome home;

@@ -5,8 +5,8 @@
 #include "common/text/frmsosu.h"
 #include "core/AppState.h"
 #include "core/Lifecycle.h"
-#include "core/shell/Nubella.h"
 #include "core/ScreenRegistry.h"
+#include "core/shell/Nubella.h"
 #include "core/shell/Startup.h"
 
 #include <QApplication>
@@ -15,7 +15,20 @@
 namespace nb {
 
 void registerShellScreens() {
-    registerMenuAction(QStringLiteral("mnu_sosu"), [](QWidget* mainWindow) { (new frmsosu(mainWindow))->show(); });
+    // One decimal settings form: chosen again, the open one comes forward.
+    registerMenuAction(QStringLiteral("mnu_sosu"), [](QWidget* mainWindow) {
+        frmsosu* form = mainWindow->findChild<frmsosu*>(QString(), Qt::FindDirectChildrenOnly);
+        if (!form) form = new frmsosu(mainWindow);
+        form->show();
+        form->raise();
+        form->activateWindow();
+    });
+}
+
+bool loadAndShow(Nubella& window, bool showSplash) {
+    if (!window.load(showSplash)) return false;
+    window.show();
+    return true;
 }
 
 int runProgram(int argc, char** argv) {
@@ -24,9 +37,8 @@ int runProgram(int argc, char** argv) {
     setApplicationTitle(kAppTitle);
     registerShellScreens();
     Nubella window;
-    window.show();
-    const int code = window.load() ? application.exec() : 1;
-    resetProgramState();  // store handles must go before Qt's own statics do
+    const int code = loadAndShow(window) ? application.exec() : 1;
+    resetProgramState(); // store handles must go before Qt's own statics do
     return code;
 }
 
@@ -46,7 +58,8 @@ public:
 
 private:
     static void say(const QString& text) {
-        const QString line = QString(text).replace(QStringLiteral("\r\n"), QStringLiteral(" ")).replace(u'\r', u' ');
+        const QString line =
+            QString(text).replace(QStringLiteral("\r\n"), QStringLiteral(" ")).replace(u'\r', u' ');
         std::fprintf(stderr, "%s\n", line.toUtf8().constData());
     }
 };

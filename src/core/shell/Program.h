@@ -7,6 +7,13 @@
 
 namespace nb {
 
+class Nubella;
+
+// The load (title, date panel, decimals, the store, the splash) runs before the window is
+// shown, so no unfinished caption shows and no box stands over an empty window. False when the
+// load stopped; the window then never shows.
+bool loadAndShow(Nubella& window, bool showSplash = true);
+
 // The screens of the common library (the decimal settings).
 void registerShellScreens();
 int runProgram(int argc, char** argv);
