@@ -574,13 +574,17 @@ void FrmTax::connectControls() {
     });
     for (int k = 0; k < 2; ++k)
         connect(btnMonthView[size_t(k)], &QPushButton::clicked, this, [this, k] {
-            txtDate[size_t(k)]->setDateText(ShowCalendar(txtDate[size_t(k)]->dateText(), txtDate[size_t(k)]));
+            DateBox* box = txtDate[size_t(k)];
+            box->setDateText(ShowCalendar(box->dateText(), box));
+            box->setFocus();
         });
     connect(btnMonthView[2], &QPushButton::clicked, this, [this] {
-        const QString chosen =
-            ShowCalendar(write_yy->text() + u'-' + write_mm->text() + u'-' + write_dd->text(), write_yy);
+        // Three boxes that make no date open the calendar on today (and Escape writes today).
+        QString written = write_yy->text() + u'-' + write_mm->text() + u'-' + write_dd->text();
+        if (!IsDate(written)) written = DateText(today());
+        const QString chosen = ShowCalendar(written, write_yy);
+        if (!IsDate(chosen)) return;
         const WritingDate date = writingDateOf(chosen);
-        if (chosen.isEmpty()) return;
         write_yy->setText(date.yy);
         write_mm->setText(date.mm);
         write_dd->setText(date.dd);

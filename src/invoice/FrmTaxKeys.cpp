@@ -142,7 +142,7 @@ void FrmTax::lineFieldFocusOut(LineField column, int i) {
         return;
     }
     m_checkingDate = true;
-    ShowInfo(QStringLiteral("날짜가 올바르지 않습니다."));
+    MsgBox(kBadDatePartsMessage); // the date messages come in the plain box
     box->setText(m_savedTradeDate);
     m_checkingDate = false;
 }
@@ -256,9 +256,11 @@ bool FrmTax::otherFieldEvent(QObject* watched, QEvent* event) {
 
 bool FrmTax::dateBoxLeft(int index) {
     DateBox* box = txtDate[size_t(index)];
-    if (!box->dateText().isEmpty()) return true;
     m_checkingDate = true;
-    ShowInfo(kBadDateMessage);
+    const bool isDate = CheckDateOnLeave(box->dateText(), kBadDateMessage);
+    m_checkingDate = false;
+    if (isDate) return true;
+    m_checkingDate = true;
     box->setDateText(DateText(today()));
     box->setFocus();
     SelectAllText(box);

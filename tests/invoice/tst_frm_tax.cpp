@@ -2,6 +2,7 @@
 // line rules, the issue with scripted boxes, the issued list, the seal, the settings.
 #include "TaxScreenKit.h"
 #include "common/dates/DateBox.h"
+#include "common/dates/FrmCalendar.h"
 #include "common/grid/Grid.h"
 #include "core/ScreenRegistry.h"
 #include "core/Settings.h"
@@ -11,6 +12,7 @@
 #include "invoice/TaxPaper.h"
 #include "printing/PrinterSetup.h"
 
+#include <QCalendarWidget>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFile>
@@ -18,6 +20,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTimer>
 
 using namespace nb;
 
@@ -623,6 +626,54 @@ private Q_SLOTS:
         QCOMPARE(msgs.last().text, QStringLiteral("잘못된 날짜 형식입니다.\n정확한 날짜 형식을 입력하세요."));
         QCOMPARE(f.txtDate[0]->text(), QStringLiteral("2024-05-10"));
         QCOMPARE(focused(), f.txtDate[0]);
+        QCOMPARE(msgs.last().buttons, int(MbOk)); // the plain box, no icon
+    }
+    void aTradeDateThatIsNoDateComesInThePlainBox() {
+        Screen s;
+        auto& msgs = test::script();
+        FrmTax& f = s.open();
+        chooseReceiver(f, QStringLiteral("가나"));
+        f.ddyy(0)->setFocus();
+        f.ddyy(0)->setText(QStringLiteral("0231"));
+        f.pummok(0)->setFocus();
+        QCOMPARE(msgs.last().text, QStringLiteral("날짜가 올바르지 않습니다."));
+        QCOMPARE(msgs.last().buttons, int(MbOk));
+    }
+    void calendarButtonsOfThePeriodWriteTheAnswerBackAndFocusTheirBox() {
+        Screen s;
+        test::script();
+        FrmTax& f = s.open();
+        for (int k = 0; k < 2; ++k) {
+            f.CName_MAE->setFocus();
+            QTimer::singleShot(100, [] {
+                auto* calendar = qobject_cast<FrmCalendar*>(QApplication::activeModalWidget());
+                if (!calendar) return;
+                calendar->MonthView1()->setSelectedDate(QDate(2024, 4, 17));
+                QTest::keyClick(calendar->MonthView1(), Qt::Key_Return);
+            });
+            f.btnMonthView[k]->click();
+            QCOMPARE(f.txtDate[k]->text(), QStringLiteral("2024-04-17"));
+            QApplication::setActiveWindow(f.window()); // as the window manager does after a modal
+            QCOMPARE(focused(), f.txtDate[k]);
+        }
+    }
+    void writingDateCalendarOpensOnTodayWhenTheBoxesMakeNoDateAndEscapeWritesToday() {
+        Screen s;
+        test::script();
+        FrmTax& f = s.open();
+        f.write_yy->setText(QStringLiteral("2023"));
+        f.write_mm->setText(QStringLiteral("02"));
+        f.write_dd->setText(QStringLiteral("30")); // no such day
+        QDate shownOn;
+        QTimer::singleShot(100, [&shownOn] {
+            auto* calendar = qobject_cast<FrmCalendar*>(QApplication::activeModalWidget());
+            if (!calendar) return;
+            shownOn = calendar->MonthView1()->selectedDate();
+            QTest::keyClick(calendar, Qt::Key_Escape);
+        });
+        f.btnMonthView[2]->click();
+        QCOMPARE(shownOn, QDate(2024, 5, 10)); // today
+        QCOMPARE(f.write_yy->text() + f.write_mm->text() + f.write_dd->text(), QStringLiteral("20240510"));
     }
     void sentReceiverIsShownAndSummedAtActivation() {
         Screen s;
