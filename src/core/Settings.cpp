@@ -3,6 +3,8 @@
 #include "core/AppFolder.h"
 
 #include <QFile>
+#include <QFileInfo>
+#include <QLockFile>
 #include <QSaveFile>
 #include <QTextStream>
 #include <memory>
@@ -46,6 +48,7 @@ SettingsStore::SettingsStore(QString filePath) : m_path(std::move(filePath)) { l
 
 void SettingsStore::load() {
     m_entries.clear();
+    m_stamp = fileStamp();
     QFile f(m_path);
     if (!f.open(QIODevice::ReadOnly | QIODevice::Text)) return;
     QTextStream in(&f);
@@ -103,20 +106,43 @@ int SettingsStore::find(const QString& app, const QString& section, const QStrin
 
 QString SettingsStore::get(const QString& app, const QString& section, const QString& key,
                            const QString& defaultValue) const {
+    refresh();
     const int at = find(app, section, key);
     return at < 0 ? defaultValue : m_entries[at].value;
 }
 
 bool SettingsStore::contains(const QString& app, const QString& section, const QString& key) const {
+    refresh();
     return find(app, section, key) >= 0;
 }
 
+// Two copies of the program may run on one application folder. A save therefore changes only
+// its own key: under a lock file it reads what the other copy may have written, sets the one
+// value and writes the whole back.
 void SettingsStore::save(const QString& app, const QString& section, const QString& key,
                          const QString& value) {
+    QLockFile lock(m_path + QStringLiteral(".lock"));
+    lock.setStaleLockTime(10000);
+    const bool locked = lock.tryLock(5000);
+    load();
     const int at = find(app, section, key);
     if (at >= 0) m_entries[at].value = value;
     else m_entries.push_back({app, section, key, value});
     write();
+    m_stamp = fileStamp();
+    if (locked) lock.unlock();
+}
+
+// What the file looked like when last read or written; a read after the other copy saved
+// reads the file again.
+SettingsStore::Stamp SettingsStore::fileStamp() const {
+    const QFileInfo info(m_path);
+    return {info.exists() ? info.lastModified() : QDateTime(), info.exists() ? info.size() : -1};
+}
+
+void SettingsStore::refresh() const {
+    if (fileStamp() == m_stamp) return;
+    const_cast<SettingsStore*>(this)->load();
 }
 
 namespace {

@@ -3,6 +3,7 @@
 // kept in settings.ini in the application folder. Every part of the address compares
 // without regard to case, so "TopMargin" and "topmargin" are one key.
 
+#include <QDateTime>
 #include <QString>
 #include <QStringList>
 #include <vector>
@@ -27,12 +28,20 @@ private:
     struct Entry {
         QString app, section, key, value;
     };
+    struct Stamp {
+        QDateTime modified;
+        qint64 size = -1;
+        bool operator==(const Stamp&) const = default;
+    };
     int find(const QString& app, const QString& section, const QString& key) const;
     void load();
     void write() const;
+    Stamp fileStamp() const;
+    void refresh() const;
 
     QString m_path;
     std::vector<Entry> m_entries;
+    Stamp m_stamp;
 };
 
 // The store of the running program, in the current application folder.
