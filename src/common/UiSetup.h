@@ -1,8 +1,9 @@
 #pragma once
 // Application-wide look: Korean fonts standing in for the original's, and the Korean
-// translations of Qt's own dialogs (예/아니요/확인/취소).
+// translations of Qt's own dialogs (예/아니요/확인/취소), and the program's icon.
 
 class QApplication;
+class QIcon;
 
 namespace nb {
 
@@ -12,5 +13,7 @@ inline constexpr const char* kFixedKoreanFont = "NanumGothicCoding";
 inline constexpr const char* kKoreanFont = "NanumGothic";
 
 void setupApplicationUi(QApplication& app);
+// The program's icon (drawn as an SVG, built into the program).
+QIcon programIcon();
 
 } // namespace nb

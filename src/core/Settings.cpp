@@ -12,16 +12,22 @@
 namespace nb {
 namespace {
 
-bool same(const QString& a, const QString& b) { return a.compare(b, Qt::CaseInsensitive) == 0; }
+bool same(const QString& a, const QString& b) {
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
 
 // Values may hold line breaks and backslashes; they are escaped so one entry stays one line.
 QString escape(const QString& v) {
     QString out;
     for (QChar c : v) {
-        if (c == u'\\') out += QStringLiteral("\\\\");
-        else if (c == u'\n') out += QStringLiteral("\\n");
-        else if (c == u'\r') out += QStringLiteral("\\r");
-        else out += c;
+        if (c == u'\\')
+            out += QStringLiteral("\\\\");
+        else if (c == u'\n')
+            out += QStringLiteral("\\n");
+        else if (c == u'\r')
+            out += QStringLiteral("\\r");
+        else
+            out += c;
     }
     return out;
 }
@@ -40,11 +46,15 @@ QString unescape(const QString& v) {
 }
 
 // "[app\section]" headers: a backslash joins the two, as in the registry path of the original.
-QString header(const QString& app, const QString& section) { return app + u'\\' + section; }
+QString header(const QString& app, const QString& section) {
+    return app + u'\\' + section;
+}
 
 } // namespace
 
-SettingsStore::SettingsStore(QString filePath) : m_path(std::move(filePath)) { load(); }
+SettingsStore::SettingsStore(QString filePath) : m_path(std::move(filePath)) {
+    load();
+}
 
 void SettingsStore::load() {
     m_entries.clear();
@@ -68,8 +78,10 @@ void SettingsStore::load() {
         const QString key = unescape(line.left(eq));
         const QString value = unescape(line.mid(eq + 1));
         const int at = find(app, section, key);
-        if (at >= 0) m_entries[at].value = value;
-        else m_entries.push_back({app, section, key, value});
+        if (at >= 0)
+            m_entries[at].value = value;
+        else
+            m_entries.push_back({app, section, key, value});
     }
 }
 
@@ -82,14 +94,14 @@ void SettingsStore::write() const {
     for (const Entry& e : m_entries) {
         const QString h = header(e.app, e.section);
         bool seen = false;
-        for (const QString& s : headers) seen = seen || same(s, h);
+        for (const QString& s : headers)
+            seen = seen || same(s, h);
         if (!seen) headers << h;
     }
     for (const QString& h : headers) {
         out << '[' << h << "]\n";
         for (const Entry& e : m_entries)
-            if (same(header(e.app, e.section), h))
-                out << escape(e.key) << '=' << escape(e.value) << '\n';
+            if (same(header(e.app, e.section), h)) out << escape(e.key) << '=' << escape(e.value) << '\n';
         out << '\n';
     }
     out.flush();
@@ -126,8 +138,10 @@ void SettingsStore::save(const QString& app, const QString& section, const QStri
     const bool locked = lock.tryLock(5000);
     load();
     const int at = find(app, section, key);
-    if (at >= 0) m_entries[at].value = value;
-    else m_entries.push_back({app, section, key, value});
+    if (at >= 0)
+        m_entries[at].value = value;
+    else
+        m_entries.push_back({app, section, key, value});
     write();
     m_stamp = fileStamp();
     if (locked) lock.unlock();
@@ -159,7 +173,9 @@ SettingsStore& settings() {
     return *s;
 }
 
-void resetSettings() { current().reset(); }
+void resetSettings() {
+    current().reset();
+}
 
 QString GetSetting(const QString& app, const QString& section, const QString& key,
                    const QString& defaultValue) {
@@ -174,6 +190,8 @@ QString GetEnv(const QString& key, const QString& defaultValue) {
     return GetSetting(kAppSection, kEnvSection, key, defaultValue);
 }
 
-void SaveEnv(const QString& key, const QString& value) { SaveSetting(kAppSection, kEnvSection, key, value); }
+void SaveEnv(const QString& key, const QString& value) {
+    SaveSetting(kAppSection, kEnvSection, key, value);
+}
 
 } // namespace nb

@@ -2,6 +2,7 @@
 // loaded, the home page question, the convert box, the about screen and the two exits.
 #include "TestSupport.h"
 #include "common/External.h"
+#include "common/UiSetup.h"
 #include "common/text/frmsosu.h"
 #include "core/AppState.h"
 #include "core/Clock.h"
@@ -344,6 +345,38 @@ private Q_SLOTS:
         QVERIFY(second.isVisible());
         QCOMPARE(second.windowTitle(),
                  QStringLiteral("하르문 거래명세표 & 세금계산서발행 Ver.1.0.0 - ") + kMakerAddress);
+    }
+    void everyWindowShowsTheProgramsOwnIcon() {
+        test::TestHome home;
+        test::script();
+        registerChildScreen("mnu_InvoiceForm", [] {
+            auto* w = new QWidget;
+            w->setWindowTitle(QStringLiteral("세금계산서 발행"));
+            w->resize(420, 260);
+            return w;
+        });
+        registerChildScreen("mnu_Estimate", [] {
+            auto* w = new QWidget;
+            w->setWindowTitle(QStringLiteral("상품 견적서관리"));
+            w->resize(420, 260);
+            return w;
+        });
+        Nubella w;
+        w.refreshMenuState();
+        QVERIFY(w.load(false));
+        test::showActive(&w);
+        w.openEntry("mnu_InvoiceForm");
+        w.openEntry("mnu_Estimate");
+        const QImage own = programIcon().pixmap(32).toImage();
+        QVERIFY(!own.isNull());
+        QCOMPARE(w.windowIcon().pixmap(32).toImage(), own);
+        const QList<QMdiSubWindow*> children = w.mdiArea()->subWindowList();
+        QCOMPARE(children.size(), 2);
+        for (QMdiSubWindow* child : children)
+            QCOMPARE(child->windowIcon().pixmap(32).toImage(), own);
+        children.first()->setGeometry(10, 10, 440, 280);
+        children.last()->setGeometry(240, 160, 440, 280);
+        test::saveScreenshot(&w, "main_window_icons");
     }
     void bothExitEntriesEndTheProcessAtOnce() {
         for (const char* entry : {"mnu_end", "mnuExit"}) {
