@@ -40,11 +40,56 @@ QString triggerName(const SearchIndexDef& def, const char* suffix) {
     return def.index + QLatin1String(suffix);
 }
 
+// Texts of one and two characters cannot use the trigram index; every one- and two-character
+// piece of each column stands in a table of its own beside it, kept by the same triggers.
+QString gramsTable(const SearchIndexDef& def) {
+    return def.index + QStringLiteral("_grams");
+}
+const QString kNumbers = QStringLiteral("nb_numbers"); // 1..255: the positions in a text
+
+// The pieces of one column of one row (`row` is "new" in a trigger, the table in a bulk load),
+// lower-cased as LIKE compares Latin letters.
+QString gramsOf(const SearchIndexDef& def, int column, const QString& row, const QString& rowid) {
+    const QString c = row + u'.' + def.columns.at(column);
+    return QStringLiteral("SELECT lower(substr(%1, n, 1)), %2, %3 FROM %4, %5 WHERE n <= length(%1) "
+                          "UNION SELECT lower(substr(%1, n, 2)), %2, %3 FROM %4, %5 WHERE n < length(%1)")
+        .arg(c)
+        .arg(column)
+        .arg(rowid, kNumbers, row == u"new" ? QStringLiteral("(SELECT 1)") : row);
+}
+
+QString insertGrams(const SearchIndexDef& def, const QString& row, const QString& rowid) {
+    QString sql;
+    for (int c = 0; c < def.columns.size(); ++c)
+        sql += QStringLiteral("INSERT OR IGNORE INTO %1(gram, col, rid) %2; ")
+                   .arg(gramsTable(def), gramsOf(def, c, row, rowid));
+    return sql;
+}
+
+QStringList gramTables(const SearchIndexDef& def) {
+    QStringList statements{
+        QStringLiteral("CREATE TABLE IF NOT EXISTS %1 (n INTEGER PRIMARY KEY)").arg(kNumbers),
+        QStringLiteral("INSERT OR IGNORE INTO %1(n) WITH RECURSIVE k(n) AS (SELECT 1 UNION ALL SELECT n + 1 "
+                       "FROM k WHERE n < 255) SELECT n FROM k")
+            .arg(kNumbers),
+        QStringLiteral("CREATE TABLE %1 (gram TEXT NOT NULL, col INTEGER NOT NULL, rid INTEGER NOT NULL, "
+                       "PRIMARY KEY (gram, col, rid)) WITHOUT ROWID")
+            .arg(gramsTable(def)),
+        QStringLiteral("CREATE INDEX %1_rid ON %1 (rid)").arg(gramsTable(def))};
+    for (const QString& sql : insertGrams(def, def.table, def.table + QStringLiteral(".rowid"))
+                                  .split(QStringLiteral("; "), Qt::SkipEmptyParts))
+        statements << sql;
+    return statements;
+}
+
 QStringList triggerStatements(const SearchIndexDef& def) {
     const QString cols = def.columns.join(QStringLiteral(", "));
     const QString insert = QStringLiteral("INSERT INTO %1(rowid, %2) VALUES (new.rowid, %3); ")
-                               .arg(def.index, cols, prefixed(QStringLiteral("new."), def.columns));
-    const QString remove = QStringLiteral("DELETE FROM %1 WHERE rowid = old.rowid; ").arg(def.index);
+                               .arg(def.index, cols, prefixed(QStringLiteral("new."), def.columns)) +
+                           insertGrams(def, QStringLiteral("new"), QStringLiteral("new.rowid"));
+    const QString remove =
+        QStringLiteral("DELETE FROM %1 WHERE rowid = old.rowid; DELETE FROM %2 WHERE rid = old.rowid; ")
+            .arg(def.index, gramsTable(def));
     return {QStringLiteral("CREATE TRIGGER IF NOT EXISTS %1 AFTER INSERT ON %2 BEGIN %3END")
                 .arg(triggerName(def, "_ai"), def.table, insert),
             QStringLiteral("CREATE TRIGGER IF NOT EXISTS %1 AFTER DELETE ON %2 BEGIN %3END")
@@ -58,7 +103,7 @@ bool createIndex(Database& db, const SearchIndexDef& def) {
     QStringList statements{
         QStringLiteral("CREATE VIRTUAL TABLE %1 USING fts5(%2, tokenize = 'trigram')").arg(def.index, cols),
         QStringLiteral("INSERT INTO %1(rowid, %2) SELECT rowid, %2 FROM %3").arg(def.index, cols, def.table)};
-    statements << triggerStatements(def);
+    statements << gramTables(def) << triggerStatements(def);
     if (!db.beginTransaction()) return false;
     for (const QString& sql : statements) {
         if (!run(db, sql)) {
@@ -127,12 +172,14 @@ void DropSearchIndex(Database& db, const SearchIndexDef& def) {
     for (const char* suffix : {"_ai", "_ad", "_au"})
         run(db, QStringLiteral("DROP TRIGGER IF EXISTS ") + triggerName(def, suffix));
     run(db, QStringLiteral("DROP TABLE IF EXISTS ") + def.index);
+    run(db, QStringLiteral("DROP TABLE IF EXISTS ") + gramsTable(def));
     readyIndexes().remove(readyKey(db, def));
 }
 
 bool EnsureSearchIndex(Database& db, const SearchIndexDef& def) {
     if (!db.isOpen() || !db.hasTable(def.table)) return false;
-    if (HasSearchIndex(db, def) && hasAllTriggers(db, def) && indexMatchesTable(db, def)) {
+    if (HasSearchIndex(db, def) && db.hasTable(gramsTable(def)) && hasAllTriggers(db, def) &&
+        indexMatchesTable(db, def)) {
         readyIndexes().insert(readyKey(db, def));
         return true;
     }
@@ -151,11 +198,18 @@ void EnsureSearchIndexes(Database& db) {
 
 SqlPart SearchCandidates(Database& db, const SearchIndexDef& def, const QString& text,
                          const QStringList& columns) {
-    if (!UsesTrigramIndex(text) || !db.isOpen()) return {};
+    if (text.isEmpty() || !db.isOpen()) return {};
     if (!readyIndexes().contains(readyKey(db, def)) && !EnsureSearchIndex(db, def)) return {};
-    return {
-        QStringLiteral("%1.rowid IN (SELECT rowid FROM %2 WHERE %2 MATCH ?) AND ").arg(def.table, def.index),
-        {matchPhrase(text, columns)}};
+    if (UsesTrigramIndex(text))
+        return {QStringLiteral("%1.rowid IN (SELECT rowid FROM %2 WHERE %2 MATCH ?) AND ")
+                    .arg(def.table, def.index),
+                {matchPhrase(text, columns)}};
+    QStringList numbers;
+    for (const QString& c : columns)
+        numbers << QString::number(def.columns.indexOf(c));
+    return {QStringLiteral("%1.rowid IN (SELECT rid FROM %2 WHERE gram = lower(?) AND col IN (%3)) AND ")
+                .arg(def.table, gramsTable(def), numbers.join(QStringLiteral(", "))),
+            {text}};
 }
 
 } // namespace nb

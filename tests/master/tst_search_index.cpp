@@ -1,5 +1,6 @@
-// The trigram index beside Trader: the same rows in the same order as the plain query, kept
-// in step with every write, rebuilt when out of step, and no table scan for three characters.
+// The search indexes beside Trader (trigrams, and the one- and two-character pieces): the same
+// rows in the same order as the plain query, kept in step with every write, rebuilt when out of
+// step, and no table scan for a text of any length.
 #include "MasterFixture.h"
 #include "master/SearchIndex.h"
 #include "master/SearchRules.h"
@@ -69,6 +70,18 @@ private Q_SLOTS:
         QVERIFY(!steps.contains("(no plan)"));
         QVERIFY2(!steps.contains(QRegularExpression("SCAN Trader(\\s|$)")), qPrintable(steps));
     }
+    void oneAndTwoCharactersUseThePiecesTableAndScanNoTrader() {
+        TestHome home;
+        QVERIFY(openStores());
+        addMany();
+        for (const QString& text : {QString("가"), QString("나상"), QString("b"), QString("0%")}) {
+            const SqlPart q = TraderListQuery(stores().dbBasic, text, 0);
+            QVERIFY2(q.sql.contains("Trader_search_grams"), qPrintable(q.sql));
+            const QString steps = queryPlan(stores().dbBasic, q);
+            QVERIFY2(!steps.contains(QRegularExpression("SCAN Trader(\\s|$)")), qPrintable(steps));
+            QCOMPARE(codesOf(q), plainCodes(text));
+        }
+    }
     void theIndexFollowsSavesUpdatesAndDeletes() {
         TestHome home;
         QVERIFY(openStores());
@@ -86,8 +99,12 @@ private Q_SLOTS:
         QCOMPARE(codesOf(TraderListQuery(stores().dbBasic, "다라상", 0)), QStringList());
         QCOMPARE(codesOf(TraderListQuery(stores().dbBasic, "바사상", 0)), QStringList{"000001"});
         QCOMPARE(codesOf(TraderListQuery(stores().dbBasic, "역삼동", 0)), QStringList{"000001"});
+        QCOMPARE(codesOf(TraderListQuery(stores().dbBasic, "다라", 0)), QStringList());
+        QCOMPARE(codesOf(TraderListQuery(stores().dbBasic, "바", 0)), QStringList{"000001"});
         t.DeleteTrader("000001");
         QCOMPARE(codesOf(TraderListQuery(stores().dbBasic, "바사상", 0)), QStringList());
+        QCOMPARE(codesOf(TraderListQuery(stores().dbBasic, "바", 0)), QStringList());
+        QCOMPARE(scalar(stores().dbBasic, "SELECT count(*) FROM Trader_search_grams").toInt(), 0);
         QCOMPARE(msgs.boxes().size(), size_t(0));
     }
     void anIndexOutOfStepIsBuiltAgain() {

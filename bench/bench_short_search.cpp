@@ -1,0 +1,140 @@
+// The search the operator waits for in the two big lists, for texts of one, two and three or
+// more characters: the whole screen action (the list's InitForm: query plus filling the rows it
+// shows) beside the same query through the sqlite3 program on the same file.
+#include "TestSupport.h"
+#include "core/AppState.h"
+#include "core/shell/Startup.h"
+#include "master/FrmPost.h"
+#include "master/FrmTraderList.h"
+#include "master/PostImport.h"
+#include "master/PostSearch.h"
+#include "master/TraderRecords.h"
+#include "storage/Stores.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QSqlQuery>
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+
+using namespace nb;
+
+namespace {
+
+double medianMs(const std::function<void()>& run, int repeats = 9) {
+    std::vector<double> times;
+    for (int i = 0; i < repeats; ++i) {
+        QElapsedTimer t;
+        t.start();
+        run();
+        times.push_back(double(t.nsecsElapsed()) / 1e6);
+    }
+    std::sort(times.begin(), times.end());
+    return times[times.size() / 2];
+}
+
+// The statement with its values written in, for the sqlite3 program.
+QString literalSql(const SqlPart& part) {
+    QString sql = part.sql;
+    for (const QVariant& v : part.values) {
+        QString text = v.toString();
+        text.replace(u'\'', QStringLiteral("''"));
+        sql.replace(sql.indexOf(u'?'), 1, u'\'' + text + u'\'');
+    }
+    return sql;
+}
+
+// The median "Run Time: real" of the statement run by the sqlite3 program on the file.
+double cliMs(const QString& file, const SqlPart& part) {
+    QString script = QStringLiteral(".timer on\n.output /dev/null\n");
+    for (int i = 0; i < 9; ++i)
+        script += literalSql(part) + QStringLiteral(";\n");
+    QProcess cli;
+    cli.start(QStringLiteral("sqlite3"), {file});
+    cli.write(script.toUtf8());
+    cli.closeWriteChannel();
+    cli.waitForFinished(120000);
+    std::vector<double> times;
+    const QRegularExpression real(QStringLiteral("real ([0-9.]+)"));
+    for (auto it = real.globalMatch(QString::fromUtf8(cli.readAllStandardOutput())); it.hasNext();)
+        times.push_back(it.next().captured(1).toDouble() * 1000);
+    if (times.empty()) return -1;
+    std::sort(times.begin(), times.end());
+    return times[times.size() / 2];
+}
+
+void report(const char* list, const QString& text, int rows, double screen, double cli) {
+    std::printf("%-8s %-10s %6d rows  screen %7.2f ms  sqlite3 %7.2f ms  ratio %5.2f\n", list,
+                qPrintable(text), rows, screen, cli, cli > 0 ? screen / cli : 0.0);
+}
+
+void fillTraders(int count) {
+    Database& db = stores().dbBasic;
+    const QStringList towns = {"역삼동", "명동", "우동", "서면", "상계동", "신림동", "부평동", "둔산동"};
+    const QStringList kinds = {"상사", "물산", "유통", "산업", "전자", "기계", "상회", "무역"};
+    db.beginTransaction();
+    QSqlQuery q(db.connection());
+    q.prepare(
+        "INSERT INTO Trader (Code, C_Name, U_Name, Phone, Addr1, Addr2, Section, VAT, TotNoPay, bDeled) "
+        "VALUES (?, ?, ?, ?, ?, ?, 0, 0, 0, 0)");
+    for (int i = 1; i <= count; ++i) {
+        const QString town = towns[i % towns.size()];
+        const QString word = QString::number(i % 997) + "-" + QString::number(i % 13);
+        q.addBindValue(QString("%1").arg(i, 6, 10, QChar('0')));
+        q.addBindValue(QString("가나%1%2").arg(i).arg(kinds[i % kinds.size()]));
+        q.addBindValue("대표" + QString::number(i));
+        q.addBindValue(QString("02-%1-%2").arg(100 + i % 900).arg(1000 + i % 9000));
+        q.addBindValue("서울 " + town + " " + word);
+        q.addBindValue(word);
+        q.exec();
+    }
+    db.commit();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    test::prepareEnvironment();
+    QApplication app(argc, argv);
+    test::prepareApplication(app);
+    test::TestHome home;
+    test::script();
+    ReadSettings();
+    QDir().mkpath(nb::app().DbPath);
+    CreateMissingStoreFiles();
+    OpenDatabases();
+
+    std::printf("postcode book: %d rows\n",
+                ImportPostcodeFile(test::sharedDataDir() + "/zipcode_6digit.csv"));
+    Database post;
+    post.open(nb::app().DbPostFile);
+    for (const QString& text :
+         {QString("동"), QString("신림"), QString("역삼1동"), QString("1"), QString("135")}) {
+        FrmPost form;
+        int result = 0;
+        form.InitForm(text, result); // first use checks the index
+        const double screen = medianMs([&] { form.InitForm(text, result); });
+        const SqlPart query = PostSearchQuery(post, text, postLimits());
+        report("postcode", text, int(SearchPostBook(post, text).size()), screen,
+               cliMs(nb::app().DbPostFile, query));
+    }
+
+    fillTraders(50000);
+    std::printf("traders: 50000 rows\n");
+    for (const QString& text :
+         {QString("물"), QString("물산"), QString("가나4999"), QString("2"), QString("02-345")}) {
+        FrmTraderList form;
+        int result = 0;
+        form.InitForm(text, 0, result);
+        const double screen = medianMs([&] { form.InitForm(text, 0, result); });
+        const SqlPart query = TraderListQuery(stores().dbBasic, text, 0);
+        Recordset rs;
+        OpenSnapshot(stores().dbBasic, rs, query.sql, query.values);
+        report("traders", text, rs.RecordCount(), screen, cliMs(nb::app().DbBasicFile, query));
+    }
+    return 0;
+}
