@@ -122,6 +122,16 @@ private Q_SLOTS:
                 .toInt(),
             3);
     }
+    void aFileFromBeforeThePiecesTableGainsItAtItsFirstUse() {
+        TestHome home;
+        QVERIFY(openStores());
+        addTrader("000001", "가나다라");
+        QVERIFY(EnsureSearchIndex(stores().dbBasic, TraderSearchIndex()));
+        exec(stores().dbBasic, "DROP TABLE Trader_search_grams");
+        QVERIFY(EnsureSearchIndex(stores().dbBasic, TraderSearchIndex()));
+        QVERIFY(scalar(stores().dbBasic, "SELECT count(*) FROM Trader_search_grams").toInt() > 0);
+        QCOMPARE(codesOf(TraderListQuery(stores().dbBasic, "다라", 0)), QStringList{"000001"});
+    }
     void ensureSearchIndexesMakesWhatTheFileHolds() {
         TestHome home;
         QVERIFY(openStores());
