@@ -1,6 +1,7 @@
 // Quotations at a decade of data (100,000 quotations, 1,000,000 lines): the search list with an
 // empty text and with a name, the lines of a 100-line quotation on the screen, and the next
 // number and line key; each beside the same statement run by the sqlite3 program on the file.
+#include "BenchSupport.h"
 #include "TestSupport.h"
 #include "core/AppState.h"
 #include "core/shell/Startup.h"
@@ -21,46 +22,14 @@
 #include <functional>
 
 using namespace nb;
+using bench::cliMs;
+using bench::medianMs;
 
 namespace {
 
 constexpr int kQuotations = 100000;
 constexpr int kLines = 1000000;
 const QString kBigQuotation = QStringLiteral("202406500");
-
-double medianMs(const std::function<void()>& run, int repeats = 9) {
-    std::vector<double> times;
-    for (int i = 0; i < repeats; ++i) {
-        QElapsedTimer t;
-        t.start();
-        run();
-        times.push_back(double(t.nsecsElapsed()) / 1e6);
-    }
-    std::sort(times.begin(), times.end());
-    return times[times.size() / 2];
-}
-
-// The statement through the sqlite3 program, its own timer (whole milliseconds), rows to
-// /dev/null: the median "real" time in ms.
-double cliMs(const QString& file, const QString& sql, int repeats = 5) {
-    std::vector<double> times;
-    const QRegularExpression real(QStringLiteral("Run Time: real ([0-9.]+)"));
-    for (int i = 0; i < repeats; ++i) {
-        QProcess p;
-        p.start(QStringLiteral("sqlite3"), {file});
-        p.write((".timer on\n.output /dev/null\n" + sql + ";\n").toUtf8());
-        p.closeWriteChannel();
-        p.waitForFinished(120000);
-        const QString out = QString::fromUtf8(p.readAllStandardOutput());
-        auto it = real.globalMatch(out);
-        double last = -1;
-        while (it.hasNext())
-            last = it.next().captured(1).toDouble() * 1000;
-        times.push_back(last);
-    }
-    std::sort(times.begin(), times.end());
-    return times[times.size() / 2];
-}
 
 void fill() {
     Database& db = stores().dbEstimate;
@@ -111,11 +80,7 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     test::prepareApplication(app);
     test::TestHome home;
-    test::script();
-    ReadSettings();
-    QDir().mkpath(nb::app().DbPath);
-    CreateMissingStoreFiles();
-    OpenDatabases();
+    bench::openFreshStore();
     OpenDb(stores().dbEstimate, nb::app().DbEstimateFile);
     fill();
     const QString file = nb::app().DbEstimateFile;

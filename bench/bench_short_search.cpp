@@ -1,6 +1,7 @@
-// The search the operator waits for in the two big lists, for texts of one, two and three or
-// more characters: the whole screen action (the list's InitForm: query plus filling the rows it
-// shows) beside the same query through the sqlite3 program on the same file.
+// The search the operator waits for in the two big lists (the whole postcode book, 50,000
+// traders), for texts of one, two and three or more characters: the whole screen action (the list's InitForm:
+// query plus filling the rows it shows) beside the same query through the sqlite3 program on the same file.
+#include "BenchSupport.h"
 #include "TestSupport.h"
 #include "core/AppState.h"
 #include "core/shell/Startup.h"
@@ -25,18 +26,6 @@ using namespace nb;
 
 namespace {
 
-double medianMs(const std::function<void()>& run, int repeats = 9) {
-    std::vector<double> times;
-    for (int i = 0; i < repeats; ++i) {
-        QElapsedTimer t;
-        t.start();
-        run();
-        times.push_back(double(t.nsecsElapsed()) / 1e6);
-    }
-    std::sort(times.begin(), times.end());
-    return times[times.size() / 2];
-}
-
 // The statement with its values written in, for the sqlite3 program.
 QString literalSql(const SqlPart& part) {
     QString sql = part.sql;
@@ -46,25 +35,6 @@ QString literalSql(const SqlPart& part) {
         sql.replace(sql.indexOf(u'?'), 1, u'\'' + text + u'\'');
     }
     return sql;
-}
-
-// The median "Run Time: real" of the statement run by the sqlite3 program on the file.
-double cliMs(const QString& file, const SqlPart& part) {
-    QString script = QStringLiteral(".timer on\n.output /dev/null\n");
-    for (int i = 0; i < 9; ++i)
-        script += literalSql(part) + QStringLiteral(";\n");
-    QProcess cli;
-    cli.start(QStringLiteral("sqlite3"), {file});
-    cli.write(script.toUtf8());
-    cli.closeWriteChannel();
-    cli.waitForFinished(120000);
-    std::vector<double> times;
-    const QRegularExpression real(QStringLiteral("real ([0-9.]+)"));
-    for (auto it = real.globalMatch(QString::fromUtf8(cli.readAllStandardOutput())); it.hasNext();)
-        times.push_back(it.next().captured(1).toDouble() * 1000);
-    if (times.empty()) return -1;
-    std::sort(times.begin(), times.end());
-    return times[times.size() / 2];
 }
 
 void report(const char* list, const QString& text, int rows, double screen, double cli) {
@@ -102,11 +72,7 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     test::prepareApplication(app);
     test::TestHome home;
-    test::script();
-    ReadSettings();
-    QDir().mkpath(nb::app().DbPath);
-    CreateMissingStoreFiles();
-    OpenDatabases();
+    bench::openFreshStore();
 
     std::printf("postcode book: %d rows\n",
                 ImportPostcodeFile(test::sharedDataDir() + "/zipcode_6digit.csv"));
@@ -117,10 +83,10 @@ int main(int argc, char** argv) {
         FrmPost form;
         int result = 0;
         form.InitForm(text, result); // first use checks the index
-        const double screen = medianMs([&] { form.InitForm(text, result); });
+        const double screen = bench::medianMs([&] { form.InitForm(text, result); });
         const SqlPart query = PostSearchQuery(post, text, postLimits());
         report("postcode", text, int(SearchPostBook(post, text).size()), screen,
-               cliMs(nb::app().DbPostFile, query));
+               bench::cliMs(nb::app().DbPostFile, literalSql(query)));
     }
 
     fillTraders(50000);
@@ -130,11 +96,12 @@ int main(int argc, char** argv) {
         FrmTraderList form;
         int result = 0;
         form.InitForm(text, 0, result);
-        const double screen = medianMs([&] { form.InitForm(text, 0, result); });
+        const double screen = bench::medianMs([&] { form.InitForm(text, 0, result); });
         const SqlPart query = TraderListQuery(stores().dbBasic, text, 0);
         Recordset rs;
         OpenSnapshot(stores().dbBasic, rs, query.sql, query.values);
-        report("traders", text, rs.RecordCount(), screen, cliMs(nb::app().DbBasicFile, query));
+        report("traders", text, rs.RecordCount(), screen,
+               bench::cliMs(nb::app().DbBasicFile, literalSql(query)));
     }
     return 0;
 }
