@@ -1,6 +1,7 @@
 #include "core/shell/Program.h"
 #include "invoice/InvoiceCommand.h"
 #include "invoice/InvoiceScreens.h"
+#include "links/LinkScreens.h"
 #include "master/MasterScreens.h"
 #include "printing/PrintingScreens.h"
 
@@ -9,5 +10,6 @@ int main(int argc, char** argv) {
     nb::registerMasterScreens();
     nb::registerPrintingScreens();
     nb::registerInvoiceScreens();
+    nb::registerLinkScreens();
     return nb::runProgram(argc, argv);
 }

@@ -138,7 +138,7 @@ void FrmSMS::setupGrid() {
     grdList->setMaxCols(4);
     const QString heads[] = {QStringLiteral("선택"), QStringLiteral("거래처명"), QStringLiteral("전화 번호"),
                              kNoteHeader};
-    const double widths[] = {5, 22, 30, 12};
+    const double widths[] = {5, 20, 25, 11};
     for (int c = 1; c <= 4; ++c) {
         grdList->SetText(c, 0, heads[c - 1]);
         grdList->setColWidth(c, widths[c - 1]);
