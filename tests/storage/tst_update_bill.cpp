@@ -2,10 +2,13 @@
 // boxes, the one VAT question and its two outcomes, the totals, the renaming, and that a
 // failure or a killed process half way leaves the store as it was for the next start.
 #include "StoreTestKit.h"
+#include "common/MessageDialogs.h"
 #include "storage/Stores.h"
 #include "storage/UpdateBill.h"
 
 #include <QApplication>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QProcess>
 #include <QSqlRecord>
 #include <QThread>
@@ -197,6 +200,21 @@ private Q_SLOTS:
         QCOMPARE(rows(QStringLiteral("SELECT PName, Amount, VAT FROM Detail ORDER BY BillSEQ")),
                  (QStringList{QStringLiteral("가|100|10"), QStringLiteral("나|100|10"), QStringLiteral("다|200|20"),
                               QStringLiteral("라|191|19")}));
+    }
+
+    void theQuestionAsTheOperatorSeesIt() {
+        test::TestHome home;
+        layDown(home, {QStringLiteral("000001")},
+                {{QStringLiteral("000001"), QStringLiteral("가"), QString(), 1, 110, 110, 0}});
+        auto& msgs = test::script();
+        UpdateBill();
+        const MessageRecord question = msgs.boxes().at(1);
+        QCOMPARE(question.title, kVatTitle);
+        std::unique_ptr<QMessageBox> box(buildMessageBox(question.text, question.buttons, question.title, nullptr));
+        box->show();
+        QTest::qWait(20);
+        QCOMPARE(static_cast<QAbstractButton*>(box->defaultButton()), box->button(QMessageBox::Yes));
+        test::saveScreenshot(box.get(), QStringLiteral("update_bill_question"));
     }
 
     void allLinesClearNeverAsk() {
