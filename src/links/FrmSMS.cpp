@@ -26,6 +26,7 @@
 #include <QShortcut>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <vector>
 
 namespace nb {
 namespace {
@@ -236,23 +237,33 @@ void FrmSMS::SearchTraders() {
     Recordset rs;
     if (!OpenTradersLastDeal(rs, filter, txtName->text(), txtDate->dateText())) return;
     const PhoneTypes types{chkPhoneType[0]->isChecked(), chkPhoneType[1]->isChecked(), chkPhoneType[2]->isChecked()};
-    Progress progress(QStringLiteral("자료 검색중..."), rs.RecordCount());
-    grdList->setUpdatesEnabled(false);
-    for (rs.MoveFirst(); !rs.EOF_(); rs.MoveNext()) {
-        progress.step();
-        if (!byName && !byDate) {  // one option is always on: a programmer's alarm
-            MsgBox(QStringLiteral("FixMe"));
-            continue;
+    struct Found {
+        QString name, numbers, lastDate;
+    };
+    std::vector<Found> found;
+    found.reserve(size_t(rs.RecordCount()));
+    {
+        Progress progress(QStringLiteral("자료 검색중..."), rs.RecordCount());
+        for (rs.MoveFirst(); !rs.EOF_(); rs.MoveNext()) {
+            progress.step();
+            if (!byName && !byDate) {  // one option is always on: a programmer's alarm
+                MsgBox(QStringLiteral("FixMe"));
+                continue;
+            }
+            found.push_back({rs.text(QStringLiteral("C_Name")),
+                             pickNumbers(rs.text(QStringLiteral("Phone")), rs.text(QStringLiteral("Fax")),
+                                         rs.text(QStringLiteral("HPhone")), types),
+                             byDate ? rs.text(QStringLiteral("lastdate")) : QString()});
         }
-        const int row = grdList->MaxRows() + 1;
-        grdList->setMaxRows(row);
-        grdList->SetText(ColName, row, rs.text(QStringLiteral("C_Name")));
-        grdList->SetText(ColTel, row,
-                         pickNumbers(rs.text(QStringLiteral("Phone")), rs.text(QStringLiteral("Fax")),
-                                     rs.text(QStringLiteral("HPhone")), types));
-        if (byDate) grdList->SetText(ColNote, row, rs.text(QStringLiteral("lastdate")));
     }
-    grdList->setUpdatesEnabled(true);
+    // The rows go in at once: a grid grown row by row repaints its headers each time.
+    grdList->setMaxRows(int(found.size()));
+    for (int row = 1; row <= int(found.size()); ++row) {
+        const Found& f = found[size_t(row - 1)];
+        grdList->SetText(ColName, row, f.name);
+        grdList->SetText(ColTel, row, f.numbers);
+        grdList->SetText(ColNote, row, f.lastDate);
+    }
     lblCountRec->setText(QStringLiteral("0"));
 }
 
