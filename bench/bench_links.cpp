@@ -44,7 +44,9 @@ double medianMs(const std::function<void()>& run, int repeats = 5) {
     return times[times.size() / 2];
 }
 
-QString code(int i) { return QStringLiteral("%1").arg(i, 6, 10, QLatin1Char('0')); }
+QString code(int i) {
+    return QStringLiteral("%1").arg(i, 6, 10, QLatin1Char('0'));
+}
 
 // A date in the ten years 2015-2024 for a statement number.
 QString dateFor(int n) {
@@ -69,7 +71,8 @@ void fillStore() {
     Database& bill = stores().dbBill;
     bill.beginTransaction();
     QSqlQuery m(bill.connection());
-    m.prepare("INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, NumBill) VALUES (?, ?, ?, 0, 0, 5)");
+    m.prepare(
+        "INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, NumBill) VALUES (?, ?, ?, 0, 0, 5)");
     QSqlQuery d(bill.connection());
     d.prepare("INSERT INTO Detail (BillNo, BillSEQ, PName, Unit, Quant, Price, DC, Amount, VAT) "
               "VALUES (?, ?, '품목', 'EA', 1, 1000, 0, 1000, 100)");
@@ -119,18 +122,19 @@ void benchSearch() {
         Recordset rs;
         OpenTradersLastDeal(rs, TraderDealFilter{false, true, true}, QString(), QStringLiteral("2020-01-01"));
     });
-    const QString sql = QStringLiteral("ATTACH '%1' AS bill; "
-                                       "SELECT C_Name, Phone, Fax, HPhone, Trader.Code, MAX(BillDate) as lastdate"
-                                       "  FROM Trader LEFT JOIN bill.Master ON trader.code = Master.ccode"
-                                       " GROUP BY C_Name, Phone, Fax, HPhone, Trader.Code"
-                                       " HAVING MAX(BillDate) < '2020-01-01' OR MAX(BillDate) IS NULL"
-                                       " ORDER BY C_Name;")
-                            .arg(nb::app().DbBillFile);
+    const QString sql =
+        QStringLiteral("ATTACH '%1' AS bill; "
+                       "SELECT C_Name, Phone, Fax, HPhone, Trader.Code, MAX(BillDate) as lastdate"
+                       "  FROM Trader LEFT JOIN bill.Master ON trader.code = Master.ccode"
+                       " GROUP BY C_Name, Phone, Fax, HPhone, Trader.Code"
+                       " HAVING MAX(BillDate) < '2020-01-01' OR MAX(BillDate) IS NULL"
+                       " ORDER BY C_Name;")
+            .arg(nb::app().DbBillFile);
     const double cliMs = sqliteCliMs(sql, nb::app().DbBasicFile);
     std::printf("SMS search, date mode with traders never dealt with: %d rows\n", rows);
     std::printf("  the query alone         %8.1f ms\n", queryMs);
-    std::printf("  screen (query + grid)   %8.1f ms\n  sqlite3 command line    %8.1f ms\n  ratio %.2f\n", screenMs,
-                cliMs, screenMs / cliMs);
+    std::printf("  screen (query + grid)   %8.1f ms\n  sqlite3 command line    %8.1f ms\n  ratio %.2f\n",
+                screenMs, cliMs, screenMs / cliMs);
 }
 
 void layDownOldStore(const QString& path, int statements, int lines) {
@@ -153,7 +157,7 @@ void layDownOldStore(const QString& path, int statements, int lines) {
         for (int k = 0; k < perStatement; ++k) {
             l.addBindValue(code(s));
             l.addBindValue(1 + k);
-            l.addBindValue((1 + k) * 1000 * (k % 2 ? 1.1 : 1.0));  // half VAT on top, half unclear
+            l.addBindValue((1 + k) * 1000 * (k % 2 ? 1.1 : 1.0)); // half VAT on top, half unclear
             l.exec();
         }
     }
@@ -176,7 +180,8 @@ void benchConversion() {
     t.start();
     UpdateBill();
     const double ms = double(t.nsecsElapsed()) / 1e6;
-    std::printf("old statement file: 100000 statements, 1000000 lines\n  UpdateBill (whole step)  %8.1f ms\n", ms);
+    std::printf("old statement file: 100000 statements, 1000000 lines\n  UpdateBill (whole step)  %8.1f ms\n",
+                ms);
     // The bare copy of the same rows by the command line, without line numbers or VAT split.
     const QString script =
         QStringLiteral("ATTACH '%1' AS old; BEGIN; "

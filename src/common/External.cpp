@@ -18,9 +18,10 @@ public:
     }
     bool startProgram(const QString& program, const QStringList& arguments,
                       const QString& workingFolder) override {
-        const QString wine = isWindowsProgram(program) ? QStandardPaths::findExecutable(QStringLiteral("wine"))
-                                                       : QString();
-        if (!wine.isEmpty()) return QProcess::startDetached(wine, QStringList{program} + arguments, workingFolder);
+        const QString wine =
+            isWindowsProgram(program) ? QStandardPaths::findExecutable(QStringLiteral("wine")) : QString();
+        if (!wine.isEmpty())
+            return QProcess::startDetached(wine, QStringList{program} + arguments, workingFolder);
         return QProcess::startDetached(program, arguments, workingFolder);
     }
 
@@ -44,7 +45,9 @@ ExternalLauncher& launcher() {
     return *s;
 }
 
-void setLauncher(std::unique_ptr<ExternalLauncher> l) { slot() = std::move(l); }
+void setLauncher(std::unique_ptr<ExternalLauncher> l) {
+    slot() = std::move(l);
+}
 
 bool RecordingLauncher::openUrl(const QString& address) {
     calls.push_back({address, {}, true, {}});

@@ -35,7 +35,9 @@ QString scheduleFolder() {
 
 } // namespace
 
-QString paperOrderAddress() { return kMakerAddress + QStringLiteral("/order_buy.php"); }
+QString paperOrderAddress() {
+    return kMakerAddress + QStringLiteral("/order_buy.php");
+}
 
 bool RunSchedule(const QString& dataPath) {
     const QString folder = scheduleFolder();
@@ -48,7 +50,9 @@ bool RunSchedule(const QString& dataPath) {
     return launcher().startProgram(program, {withoutTrailingSeparator(dataPath)});
 }
 
-bool OpenDocument(QWidget*, const QString& target) { return launcher().openUrl(target); }
+bool OpenDocument(QWidget*, const QString& target) {
+    return launcher().openUrl(target);
+}
 
 void GoHomePage() {
     if (AskYesNo(QStringLiteral("고객지원센터 홈페이지로 이동하시겠습니까?")) == AnsYes)

@@ -8,6 +8,7 @@
 #include "common/input/KeyFlow.h"
 #include "common/input/SelectText.h"
 #include "core/Clock.h"
+#include "links/NamedWidget.h"
 #include "links/SmsNumbers.h"
 #include "links/modSMSLink.h"
 #include "storage/CrossFileQueries.h"
@@ -35,15 +36,11 @@ const QString kNoteHeader = QStringLiteral("비 고");
 const QString kLastDealHeader = QStringLiteral("최종거래일");
 
 QPushButton* button(const QString& name, const QString& caption, QWidget* parent) {
-    auto* b = new QPushButton(caption, parent);
-    b->setObjectName(name);
-    return b;
+    return namedControl<QPushButton>(name, caption, parent);
 }
 
 QCheckBox* checkBox(const QString& name, const QString& caption, QWidget* parent) {
-    auto* c = new QCheckBox(caption, parent);
-    c->setObjectName(name);
-    return c;
+    return namedControl<QCheckBox>(name, caption, parent);
 }
 
 } // namespace
@@ -80,7 +77,8 @@ QWidget* FrmSMS::buildFilterBox() {
     grid->setContentsMargins(0, 0, 0, 0);
     auto* group = new QButtonGroup(this);
     for (int i = 0; i < 2; ++i) {
-        optFilter[size_t(i)] = new QRadioButton(i == 0 ? QStringLiteral("전  체:") : QStringLiteral("거래일:"), box);
+        optFilter[size_t(i)] =
+            new QRadioButton(i == 0 ? QStringLiteral("전  체:") : QStringLiteral("거래일:"), box);
         optFilter[size_t(i)]->setObjectName(QStringLiteral("optFilter_%1").arg(i));
         group->addButton(optFilter[size_t(i)], i);
     }
@@ -211,7 +209,8 @@ void FrmSMS::showEvent(QShowEvent* event) {
 
 void FrmSMS::optFilterClick(int index) {
     grdList->setMaxRows(0);
-    for (QWidget* w : std::initializer_list<QWidget*>{txtName, txtDate, btnDate, chkNoTrade}) w->setEnabled(false);
+    for (QWidget* w : std::initializer_list<QWidget*>{txtName, txtDate, btnDate, chkNoTrade})
+        w->setEnabled(false);
     if (index == 0) {
         txtName->setEnabled(true);
         grdList->SetText(ColNote, 0, kNoteHeader);
@@ -236,7 +235,8 @@ void FrmSMS::SearchTraders() {
     filter.withNoDeal = byDate && chkNoTrade->isChecked();
     Recordset rs;
     if (!OpenTradersLastDeal(rs, filter, txtName->text(), txtDate->dateText())) return;
-    const PhoneTypes types{chkPhoneType[0]->isChecked(), chkPhoneType[1]->isChecked(), chkPhoneType[2]->isChecked()};
+    const PhoneTypes types{chkPhoneType[0]->isChecked(), chkPhoneType[1]->isChecked(),
+                           chkPhoneType[2]->isChecked()};
     struct Found {
         QString name, numbers, lastDate;
     };
@@ -246,7 +246,7 @@ void FrmSMS::SearchTraders() {
         Progress progress(QStringLiteral("자료 검색중..."), rs.RecordCount());
         for (rs.MoveFirst(); !rs.EOF_(); rs.MoveNext()) {
             progress.step();
-            if (!byName && !byDate) {  // one option is always on: a programmer's alarm
+            if (!byName && !byDate) { // one option is always on: a programmer's alarm
                 MsgBox(QStringLiteral("FixMe"));
                 continue;
             }
@@ -273,12 +273,15 @@ void FrmSMS::setTicked(int row, bool ticked) {
     if (row < 1 || row > grdList->MaxRows()) return;
     if ((grdList->Text(ColCheck, row) == QStringLiteral("1")) == ticked) return;
     grdList->SetText(ColCheck, row, ticked ? QStringLiteral("1") : QString());
-    for (int c = 1; c <= grdList->MaxCols(); ++c) grdList->SetBackColor(c, row, ticked ? kTickedRowColor : kWhiteColor);
+    for (int c = 1; c <= grdList->MaxCols(); ++c)
+        grdList->SetBackColor(c, row, ticked ? kTickedRowColor : kWhiteColor);
     m_ticked += ticked ? 1 : -1;
     lblCountRec->setText(QString::number(m_ticked));
 }
 
-void FrmSMS::toggleTick(int row) { setTicked(row, grdList->Text(ColCheck, row) != QStringLiteral("1")); }
+void FrmSMS::toggleTick(int row) {
+    setTicked(row, grdList->Text(ColCheck, row) != QStringLiteral("1"));
+}
 
 void FrmSMS::tickAll(bool on) {
     for (int row = 1; row <= grdList->MaxRows(); ++row)
@@ -286,7 +289,8 @@ void FrmSMS::tickAll(bool on) {
 }
 
 void FrmSMS::tickBlock(int col, int row, int, int row2) {
-    for (int r = qMin(row, row2); r <= qMax(row, row2); ++r) toggleTick(r);
+    for (int r = qMin(row, row2); r <= qMax(row, row2); ++r)
+        toggleTick(r);
     grdList->SetActiveCell(col, qMin(row, row2));
 }
 
@@ -307,8 +311,10 @@ void FrmSMS::leaveDateBox() {
 }
 
 void FrmSMS::closeScreen() {
-    if (auto* sub = qobject_cast<QMdiSubWindow*>(parentWidget())) sub->close();
-    else close();
+    if (auto* sub = qobject_cast<QMdiSubWindow*>(parentWidget()))
+        sub->close();
+    else
+        close();
 }
 
 } // namespace nb

@@ -1,6 +1,7 @@
 #include "links/HelpForms.h"
 
 #include "links/ExternalLinks.h"
+#include "links/NamedWidget.h"
 
 #include <QHBoxLayout>
 #include <QPlainTextEdit>
@@ -16,12 +17,6 @@ QPlainTextEdit* memoBox(QWidget* parent, const QString& text) {
     memo->setReadOnly(true);
     memo->setPlainText(text);
     return memo;
-}
-
-QPushButton* pushButton(const QString& name, const QString& caption, QWidget* parent) {
-    auto* b = new QPushButton(caption, parent);
-    b->setObjectName(name);
-    return b;
 }
 
 } // namespace
@@ -66,8 +61,8 @@ FrmPaperOrder::FrmPaperOrder(QWidget* parent) : QDialog(parent) {
     layout->addWidget(txtMemo);
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
-    cmdOrder = pushButton(QStringLiteral("cmdOrder"), QStringLiteral("주문"), this);
-    cmdClose = pushButton(QStringLiteral("cmdClose"), QStringLiteral("닫기"), this);
+    cmdOrder = namedControl<QPushButton>(QStringLiteral("cmdOrder"), QStringLiteral("주문"), this);
+    cmdClose = namedControl<QPushButton>(QStringLiteral("cmdClose"), QStringLiteral("닫기"), this);
     buttons->addWidget(cmdOrder);
     buttons->addWidget(cmdClose);
     layout->addLayout(buttons);
@@ -82,7 +77,7 @@ FrmSignInfo::FrmSignInfo(QWidget* parent) : QDialog(parent) {
     auto* layout = new QVBoxLayout(this);
     txtMemo = memoBox(this, signInfoText());
     layout->addWidget(txtMemo);
-    cmdClose = pushButton(QStringLiteral("cmdClose"), QStringLiteral("닫기"), this);
+    cmdClose = namedControl<QPushButton>(QStringLiteral("cmdClose"), QStringLiteral("닫기"), this);
     layout->addWidget(cmdClose, 0, Qt::AlignRight);
     connect(cmdClose, &QPushButton::clicked, this, &QDialog::accept);
     resize(460, 340);

@@ -11,7 +11,8 @@ namespace nb {
 
 // The account line of the paper order text. An example, not a real account: the maker fills
 // in its own before shipping.
-inline const QString kPaperOrderAccount = QStringLiteral("  -예시은행 000-000000-00-000 (예금주:하르문) ※예시 계좌");
+inline const QString kPaperOrderAccount =
+    QStringLiteral("  -예시은행 000-000000-00-000 (예금주:하르문) ※예시 계좌");
 
 QString paperOrderText();
 QString signInfoText();

@@ -14,7 +14,9 @@ QString programFolder() {
     return folderOverride().isEmpty() ? QCoreApplication::applicationDirPath() : folderOverride();
 }
 
-void setProgramFolder(const QString& folder) { folderOverride() = folder; }
+void setProgramFolder(const QString& folder) {
+    folderOverride() = folder;
+}
 
 QString withoutTrailingSeparator(const QString& folder) {
     return folder.endsWith(u'\\') || folder.endsWith(u'/') ? folder.chopped(1) : folder;

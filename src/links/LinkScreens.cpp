@@ -1,7 +1,7 @@
 #include "links/LinkScreens.h"
 
-#include "core/ScreenRegistry.h"
 #include "core/AppState.h"
+#include "core/ScreenRegistry.h"
 #include "links/ExternalLinks.h"
 #include "links/FrmSMS.h"
 #include "links/HelpForms.h"

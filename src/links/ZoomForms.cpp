@@ -2,6 +2,7 @@
 
 #include "core/AppFolder.h"
 #include "invoice/FrmPic.h"
+#include "links/NamedWidget.h"
 
 #include <QLabel>
 #include <QLocale>
@@ -52,12 +53,16 @@ void drawStatement(QPainter& p, const QRect& page) {
     const int left = row;
     const int width = w - 2 * row;
     auto x = [&](int i) { return left + width * heads[i] / 100; };
-    const SampleLine lines[] = {{"볼트(M8)", "EA", 100, 150}, {"너트(M8)", "EA", 100, 50}, {"와셔(M8)", "EA", 200, 20}};
+    const SampleLine lines[] = {
+        {"볼트(M8)", "EA", 100, 150}, {"너트(M8)", "EA", 100, 50}, {"와셔(M8)", "EA", 200, 20}};
     const int rows = 8;
     p.drawRect(left, tableTop, width, row * (rows + 1));
-    for (int r = 1; r <= rows; ++r) p.drawLine(left, tableTop + r * row, left + width, tableTop + r * row);
-    for (int i = 1; i < 5; ++i) p.drawLine(x(i), tableTop, x(i), tableTop + row * (rows + 1));
-    for (int i = 0; i < 5; ++i) p.drawText(QRect(x(i), tableTop, x(i + 1) - x(i), row), Qt::AlignCenter, headText[i]);
+    for (int r = 1; r <= rows; ++r)
+        p.drawLine(left, tableTop + r * row, left + width, tableTop + r * row);
+    for (int i = 1; i < 5; ++i)
+        p.drawLine(x(i), tableTop, x(i), tableTop + row * (rows + 1));
+    for (int i = 0; i < 5; ++i)
+        p.drawText(QRect(x(i), tableTop, x(i + 1) - x(i), row), Qt::AlignCenter, headText[i]);
     long total = 0;
     for (int r = 0; r < 3; ++r) {
         const SampleLine& l = lines[r];
@@ -74,7 +79,8 @@ void drawStatement(QPainter& p, const QRect& page) {
     p.drawRect(left, sumTop, width, row);
     p.drawText(QRect(left + 4, sumTop, width - 8, row), Qt::AlignVCenter,
                QStringLiteral("합계  ") + QLocale(QLocale::English).toString(qlonglong(total)) +
-                   QStringLiteral("원   (부가세 ") + QLocale(QLocale::English).toString(qlonglong(total / 10)) +
+                   QStringLiteral("원   (부가세 ") +
+                   QLocale(QLocale::English).toString(qlonglong(total / 10)) +
                    QStringLiteral("원 별도)     견본"));
 }
 
@@ -93,8 +99,7 @@ ZoomForm::ZoomForm(const QString& name, const QString& title, const QString& ima
     m_picture->setPixmap(file.isEmpty() ? QPixmap::fromImage(drawn) : QPixmap(file));
     scroll->setWidget(m_picture);
     layout->addWidget(scroll);
-    cmdClose = new QPushButton(QStringLiteral("닫기"), this);
-    cmdClose->setObjectName(QStringLiteral("cmdClose"));
+    cmdClose = namedControl<QPushButton>(QStringLiteral("cmdClose"), QStringLiteral("닫기"), this);
     layout->addWidget(cmdClose, 0, Qt::AlignRight);
     connect(cmdClose, &QPushButton::clicked, this, &QDialog::accept);
     resize(qMin(m_picture->pixmap().width() + 40, 960), qMin(m_picture->pixmap().height() + 80, 720));
@@ -114,8 +119,8 @@ QImage drawnStatementSample() {
 }
 
 frmZoomTax::frmZoomTax(QWidget* parent)
-    : ZoomForm(QStringLiteral("frmZoomTax"), QStringLiteral("세금계산서 견본"), QStringLiteral("sample_tax_zoom.jpg"),
-               zoomedInvoiceSample(), parent) {}
+    : ZoomForm(QStringLiteral("frmZoomTax"), QStringLiteral("세금계산서 견본"),
+               QStringLiteral("sample_tax_zoom.jpg"), zoomedInvoiceSample(), parent) {}
 
 frmZoomDealList::frmZoomDealList(QWidget* parent)
     : ZoomForm(QStringLiteral("frmZoomDealList"), QStringLiteral("거래명세표 견본"),

@@ -14,7 +14,7 @@ namespace nb {
 namespace {
 
 const QString kModule = QStringLiteral("modSMSLink");
-constexpr int kFileAccessError = 75;  // "Path/File access error"
+constexpr int kFileAccessError = 75; // "Path/File access error"
 
 int firstTickedRow(Grid& grid, int colCheck) {
     for (int row = 1; row <= grid.MaxRows(); ++row)
@@ -34,8 +34,9 @@ QString GetSendProgramPath() {
     }
     const QString file = withoutTrailingSeparator(folder) + u'/' + kSendProgramFile;
     if (!QFileInfo::exists(file)) {
-        ShowInfo(QStringLiteral("문자전송 프로그램을 찾을 수 없습니다.\r\n파일명:") + file +
-                 QStringLiteral("\r\n하르문 홈페이지에서 문자전송 프로그램(플라이노트)을 다운받아 설치하세요."));
+        ShowInfo(
+            QStringLiteral("문자전송 프로그램을 찾을 수 없습니다.\r\n파일명:") + file +
+            QStringLiteral("\r\n하르문 홈페이지에서 문자전송 프로그램(플라이노트)을 다운받아 설치하세요."));
         return QString();
     }
     return withoutTrailingSeparator(folder);
@@ -49,7 +50,7 @@ QStringList telListLines(const QString& name, const QString& numbers) {
     while (!rest.isEmpty()) {
         const qsizetype comma = rest.indexOf(u',');
         QString number;
-        if (comma > 0) {  // a comma after the first character splits off one number
+        if (comma > 0) { // a comma after the first character splits off one number
             number = rest.left(comma).trimmed();
             rest = rest.mid(comma + 1).trimmed();
         } else {

@@ -63,10 +63,13 @@ bool OpenTradersLastDeal(Recordset& rs, const TraderDealFilter& filter, const QS
     QVariantList values;
     if (filter.byName) values << u'%' + likeLiteral(nameText) + u'%';
     if (filter.byDate) values << date;
-    return openAcrossFiles(stores().dbBasic, app().DbBillFile, kBillAlias, rs, tradersLastDealSql(filter), values);
+    return openAcrossFiles(stores().dbBasic, app().DbBillFile, kBillAlias, rs, tradersLastDealSql(filter),
+                           values);
 }
 
-QString tradersNotDealtSinceSql() { return tradersLastDealSql({true, true, true}); }
+QString tradersNotDealtSinceSql() {
+    return tradersLastDealSql({true, true, true});
+}
 
 bool OpenTradersNotDealtSince(Database& basic, const QString& billFile, Recordset& rs,
                               const QString& nameText, const QString& date) {

@@ -64,7 +64,8 @@ int countOf(Database& db, const QString& table) {
 
 // A prepared statement run once per row; 0 rows affected (or a failure) answers false.
 bool runRow(QSqlQuery& statement, const QVariantList& values) {
-    for (int i = 0; i < values.size(); ++i) statement.bindValue(i, values.at(i));
+    for (int i = 0; i < values.size(); ++i)
+        statement.bindValue(i, values.at(i));
     return statement.exec() && statement.numRowsAffected() > 0;
 }
 
@@ -75,8 +76,8 @@ public:
     Conversion(Database& oldDb, Database& newDb) : m_old(oldDb), m_new(newDb) {}
 
     bool run() {
-        Progress progress(kProgressCaption,
-                          countOf(m_old, QStringLiteral("DealTitle")) + countOf(m_old, QStringLiteral("DealList")));
+        Progress progress(kProgressCaption, countOf(m_old, QStringLiteral("DealTitle")) +
+                                                countOf(m_old, QStringLiteral("DealList")));
         return moveHeads(progress) && moveLines(progress) && writeTotals();
     }
 
@@ -87,8 +88,9 @@ private:
                                            "ORDER BY DealCode, rowid")))
             return false;
         QSqlQuery insert(m_new.connection());
-        insert.prepare(QStringLiteral("INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, NumBill) "
-                                      "VALUES (?, ?, ?, 0, 0, 0)"));
+        insert.prepare(
+            QStringLiteral("INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, NumBill) "
+                           "VALUES (?, ?, ?, 0, 0, 0)"));
         while (heads.next()) {
             if (!runRow(insert, {heads.value(0), heads.value(1), heads.value(2)})) ShowWarning(kRowLost);
             progress.step();
@@ -127,7 +129,8 @@ private:
         const double unitCost = line.value(4).toDouble();
         const double saleKum = line.value(5).toDouble();
         if (m_choice == VatChoice::NotAsked && oldLineIsUnclear(quant, unitCost, saleKum))
-            m_choice = AskYesNo(vatQuestionText(), kVatTitle) == AnsYes ? VatChoice::Included : VatChoice::TaxFree;
+            m_choice =
+                AskYesNo(vatQuestionText(), kVatTitle) == AnsYes ? VatChoice::Included : VatChoice::TaxFree;
         return splitOldLine(quant, unitCost, saleKum, m_choice);
     }
 
@@ -137,12 +140,14 @@ private:
         const QString sql =
             QStringLiteral("SELECT BillNo, SUM(Amount), SUM(VAT), COUNT(*) FROM Detail GROUP BY BillNo");
         if (!sums.exec(sql)) {
-            ReportQueryFailure(errorNumberFor(sums.lastError().text(), sums.lastError().nativeErrorCode().toInt()),
-                               sums.lastError().text(), sql);
+            ReportQueryFailure(
+                errorNumberFor(sums.lastError().text(), sums.lastError().nativeErrorCode().toInt()),
+                sums.lastError().text(), sql);
             return false;
         }
         QSqlQuery update(m_new.connection());
-        update.prepare(QStringLiteral("UPDATE Master SET TotAmount = ?, TotVat = ?, NumBill = ? WHERE BillNo = ?"));
+        update.prepare(
+            QStringLiteral("UPDATE Master SET TotAmount = ?, TotVat = ?, NumBill = ? WHERE BillNo = ?"));
         while (sums.next())
             if (!runRow(update, {sums.value(1), sums.value(2), sums.value(3), sums.value(0)}))
                 ShowWarning(kTotalLost);

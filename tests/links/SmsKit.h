@@ -18,13 +18,15 @@ struct TraderRow {
 
 inline void addTraders(const QList<TraderRow>& traders) {
     for (const TraderRow& t : traders)
-        QVERIFY(exec(stores().dbBasic,
-                     QStringLiteral("INSERT INTO Trader (Code, C_Name, Phone, Fax, HPhone) VALUES (?, ?, ?, ?, ?)"),
-                     {t.code, t.name, t.phone, t.fax, t.hphone}));
+        QVERIFY(exec(
+            stores().dbBasic,
+            QStringLiteral("INSERT INTO Trader (Code, C_Name, Phone, Fax, HPhone) VALUES (?, ?, ?, ?, ?)"),
+            {t.code, t.name, t.phone, t.fax, t.hphone}));
 }
 
 inline void addStatement(const QString& billNo, const QString& date, const QString& traderCode) {
-    QVERIFY(exec(stores().dbBill, QStringLiteral("INSERT INTO Master (BillNo, BillDate, CCode) VALUES (?, ?, ?)"),
+    QVERIFY(exec(stores().dbBill,
+                 QStringLiteral("INSERT INTO Master (BillNo, BillDate, CCode) VALUES (?, ?, ?)"),
                  {billNo, date, traderCode}));
 }
 
@@ -42,7 +44,8 @@ public:
     static void writeStandIn(const QString& folder) {
         QFile f(folder + QStringLiteral("/HMFlyNote.exe"));
         QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write("#!/bin/sh\nprintf '%s' \"$1\" > \"$(dirname \"$0\")/args.tmp\"\npwd > \"$(dirname \"$0\")/cwd.txt\"\n"
+        f.write("#!/bin/sh\nprintf '%s' \"$1\" > \"$(dirname \"$0\")/args.tmp\"\npwd > \"$(dirname "
+                "\"$0\")/cwd.txt\"\n"
                 "mv \"$(dirname \"$0\")/args.tmp\" \"$(dirname \"$0\")/args.txt\"\n");
         f.close();
         f.setPermissions(f.permissions() | QFile::ExeOwner | QFile::ExeUser);

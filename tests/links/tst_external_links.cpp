@@ -63,7 +63,7 @@ private Q_SLOTS:
         QCOMPARE(launches.calls[0].target, own.dir.path() + QStringLiteral("/HMAgenda.exe"));
         QCOMPARE(launches.calls[0].arguments, QStringList{QStringLiteral("/data/Dbs")});
         QVERIFY(msgs.records().empty());
-        QCOMPARE(scheduleSetting(), home.file(QStringLiteral("elsewhere")));  // neither read nor mended
+        QCOMPARE(scheduleSetting(), home.file(QStringLiteral("elsewhere"))); // neither read nor mended
         setLauncher(nullptr);
     }
 

@@ -21,8 +21,8 @@ void layDownTraders() {
     QVERIFY(test::openStores());
     test::addTraders({{QStringLiteral("000001"), QStringLiteral("가나상사"), QStringLiteral("02-111"),
                        QStringLiteral("02-112"), QStringLiteral("010-1111")},
-                      {QStringLiteral("000002"), QStringLiteral("다온;상회"), QStringLiteral("011-222"), QString(),
-                       QString()},
+                      {QStringLiteral("000002"), QStringLiteral("다온;상회"), QStringLiteral("011-222"),
+                       QString(), QString()},
                       {QStringLiteral("000003"), QStringLiteral("라임's"), QStringLiteral("031-333"),
                        QStringLiteral("031-334"), QString()},
                       {QStringLiteral("000004"), QStringLiteral("마루"), QStringLiteral("02-444"), QString(),
@@ -40,15 +40,20 @@ struct Screen {
         QTRY_VERIFY(!form.isHidden());
     }
     Grid* grid() { return form.grdList; }
-    QPoint cell(int col, int row) { return grid()->visualRect(grid()->model()->index(row - 1, col - 1)).center(); }
+    QPoint cell(int col, int row) {
+        return grid()->visualRect(grid()->model()->index(row - 1, col - 1)).center();
+    }
     QStringList column(int col) {
         QStringList out;
-        for (int r = 1; r <= grid()->MaxRows(); ++r) out << grid()->Text(col, r);
+        for (int r = 1; r <= grid()->MaxRows(); ++r)
+            out << grid()->Text(col, r);
         return out;
     }
     QString count() { return form.lblCountRec->text(); }
     bool ticked(int row) { return grid()->Text(1, row) == QStringLiteral("1"); }
-    void click(int col, int row) { QTest::mouseClick(grid()->viewport(), Qt::LeftButton, {}, cell(col, row)); }
+    void click(int col, int row) {
+        QTest::mouseClick(grid()->viewport(), Qt::LeftButton, {}, cell(col, row));
+    }
 };
 
 } // namespace
@@ -103,15 +108,17 @@ private Q_SLOTS:
         QTest::mouseClick(s.form.optFilter[1], Qt::LeftButton);
         QCOMPARE(s.grid()->MaxRows(), 0);
         QCOMPARE(s.grid()->Text(4, 0), QStringLiteral("최종거래일"));
-        QVERIFY(s.form.txtDate->isEnabled() && s.form.chkNoTrade->isEnabled() && !s.form.txtName->isEnabled());
+        QVERIFY(s.form.txtDate->isEnabled() && s.form.chkNoTrade->isEnabled() &&
+                !s.form.txtName->isEnabled());
         s.form.txtDate->setDateText(QStringLiteral("2024-06-01"));
         s.form.btnSearch->click();
         QCOMPARE(s.column(2), (QStringList{QStringLiteral("다온;상회"), QStringLiteral("라임's")}));
         QCOMPARE(s.column(4), (QStringList{QStringLiteral("2024-03-10"), QStringLiteral("2024-05-31")}));
-        QTest::mouseClick(s.form.chkNoTrade, Qt::LeftButton);  // searches again by itself
+        QTest::mouseClick(s.form.chkNoTrade, Qt::LeftButton); // searches again by itself
         QCOMPARE(s.column(2), (QStringList{QStringLiteral("가나상사"), QStringLiteral("다온;상회"),
                                            QStringLiteral("라임's")}));
-        QCOMPARE(s.column(4), (QStringList{QString(), QStringLiteral("2024-03-10"), QStringLiteral("2024-05-31")}));
+        QCOMPARE(s.column(4),
+                 (QStringList{QString(), QStringLiteral("2024-03-10"), QStringLiteral("2024-05-31")}));
         s.click(1, 2);
         test::saveScreenshot(&s.form, QStringLiteral("frm_sms"));
     }
@@ -121,16 +128,16 @@ private Q_SLOTS:
         layDownTraders();
         test::script();
         Screen s;
-        s.click(1, 1);  // the tick cell itself
+        s.click(1, 1); // the tick cell itself
         QVERIFY(s.ticked(1));
         QCOMPARE(s.count(), QStringLiteral("1"));
         QCOMPARE(s.grid()->BackColor(2, 1), kTickedRowColor);
-        s.click(2, 2);  // another column: no tick
+        s.click(2, 2); // another column: no tick
         QVERIFY(!s.ticked(2));
-        QTest::mouseDClick(s.grid()->viewport(), Qt::LeftButton, {}, s.cell(3, 2));  // double click
+        QTest::mouseDClick(s.grid()->viewport(), Qt::LeftButton, {}, s.cell(3, 2)); // double click
         QVERIFY(s.ticked(2));
         QCOMPARE(s.count(), QStringLiteral("2"));
-        test::pressKey(s.grid(), Qt::Key_Space);  // the active row is 2
+        test::pressKey(s.grid(), Qt::Key_Space); // the active row is 2
         QVERIFY(!s.ticked(2));
         QCOMPARE(s.grid()->BackColor(2, 2), kWhiteColor);
         test::pressKey(s.grid(), Qt::Key_Down);
@@ -170,11 +177,12 @@ private Q_SLOTS:
         Screen s;
         QTest::mouseClick(s.form.optFilter[1], Qt::LeftButton);
         s.form.txtDate->setFocus();
-        QTest::qWait(20);  // the box selects its text once it has the focus
+        QTest::qWait(20); // the box selects its text once it has the focus
         test::typeText(s.form.txtDate, QStringLiteral("20241340"));
         test::pressKey(s.form.txtDate, Qt::Key_Return);
         QTRY_COMPARE(msgs.boxes().size(), size_t(1));
-        QCOMPARE(msgs.boxes()[0].text, QStringLiteral("잘못된 날짜 형식입니다.\n정확한 날짜 형식을 입력하세요."));
+        QCOMPARE(msgs.boxes()[0].text,
+                 QStringLiteral("잘못된 날짜 형식입니다.\n정확한 날짜 형식을 입력하세요."));
         QTRY_COMPARE(test::focused(), static_cast<QWidget*>(s.form.txtDate));
         s.form.txtDate->setDateText(QStringLiteral("2024-06-01"));
         test::pressKey(s.form.txtDate, Qt::Key_Return);

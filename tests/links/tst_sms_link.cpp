@@ -10,7 +10,8 @@ using namespace nb;
 
 namespace {
 
-const QString kNotChosen = QStringLiteral("전송할 자료를 선택하지 않았습니다.\r\n문자/팩스전송 프로그램을 실행할까요?");
+const QString kNotChosen =
+    QStringLiteral("전송할 자료를 선택하지 않았습니다.\r\n문자/팩스전송 프로그램을 실행할까요?");
 
 struct GridRow {
     bool ticked;
@@ -49,10 +50,12 @@ private Q_SLOTS:
 
     void noNumberTypeTickedATickedRowAddsNoLine() {
         test::TestHome home;
-        QCOMPARE(pickNumbers(QStringLiteral("02-1"), QStringLiteral("02-2"), QStringLiteral("010-1"), PhoneTypes{}),
+        QCOMPARE(pickNumbers(QStringLiteral("02-1"), QStringLiteral("02-2"), QStringLiteral("010-1"),
+                             PhoneTypes{}),
                  QString());
         Grid grid;
-        fill(grid, {{true, QStringLiteral("가나상사"), QString()}, {true, QStringLiteral("다라"), QStringLiteral("010-1")}});
+        fill(grid, {{true, QStringLiteral("가나상사"), QString()},
+                    {true, QStringLiteral("다라"), QStringLiteral("010-1")}});
         const QString file = home.file(QStringLiteral("ExternTelNo.txt"));
         QVERIFY(CreateTelListFile(grid, file, 1, 2, 3));
         QFile f(file);
@@ -64,7 +67,8 @@ private Q_SLOTS:
         QCOMPARE(telListLines(QStringLiteral("가"), QStringLiteral(",010-1,02-2")),
                  QStringList{QStringLiteral("가,,010-1,02-2")});
         QCOMPARE(telListLines(QStringLiteral("가;나:다"), QStringLiteral("010-1 , 02-2,02-3")),
-                 (QStringList{QStringLiteral("가나다,010-1"), QStringLiteral("가나다,02-2"), QStringLiteral("가나다,02-3")}));
+                 (QStringList{QStringLiteral("가나다,010-1"), QStringLiteral("가나다,02-2"),
+                              QStringLiteral("가나다,02-3")}));
         QCOMPARE(telListLines(QStringLiteral("가"), QString()), QStringList{});
     }
 
@@ -84,7 +88,7 @@ private Q_SLOTS:
         QVERIFY(f.open(QIODevice::ReadOnly));
         const QByteArray bytes = f.readAll();
         QCOMPARE(bytes, ToCp949(QStringLiteral("한글상사,010-1\r\n한글상사,02-2\r\nO'Neil,,02-5\r\n")));
-        QCOMPARE(bytes.left(2), QByteArray("\xC7\xD1"));  // 한 in CP949
+        QCOMPARE(bytes.left(2), QByteArray("\xC7\xD1")); // 한 in CP949
     }
 
     void getSendProgramPathPrefersTheOwnFolderToTheSetting() {
@@ -92,7 +96,8 @@ private Q_SLOTS:
         test::SendProgramFolder own;
         QTemporaryDir other;
         test::SendProgramFolder::writeStandIn(other.path());
-        SaveSetting(QStringLiteral("하르문플라이노트"), QStringLiteral("환경설정"), QStringLiteral("AppPath"), other.path());
+        SaveSetting(QStringLiteral("하르문플라이노트"), QStringLiteral("환경설정"), QStringLiteral("AppPath"),
+                    other.path());
         auto& msgs = test::script();
         QCOMPARE(GetSendProgramPath(), own.path());
         QVERIFY(msgs.records().empty());
@@ -120,10 +125,11 @@ private Q_SLOTS:
         SaveSetting(QStringLiteral("하르문플라이노트"), QStringLiteral("환경설정"), QStringLiteral("AppPath"),
                     home.file(QStringLiteral("gone")));
         QCOMPARE(GetSendProgramPath(), QString());
-        QCOMPARE(msgs.last().text, QStringLiteral("문자전송 프로그램을 찾을 수 없습니다.\r\n파일명:") +
-                                       home.file(QStringLiteral("gone/HMFlyNote.exe")) +
-                                       QStringLiteral("\r\n하르문 홈페이지에서 문자전송 프로그램(플라이노트)을 "
-                                                      "다운받아 설치하세요."));
+        QCOMPARE(msgs.last().text,
+                 QStringLiteral("문자전송 프로그램을 찾을 수 없습니다.\r\n파일명:") +
+                     home.file(QStringLiteral("gone/HMFlyNote.exe")) +
+                     QStringLiteral("\r\n하르문 홈페이지에서 문자전송 프로그램(플라이노트)을 "
+                                    "다운받아 설치하세요."));
     }
 
     void nothingTickedAndYesStartsTheProgramWithZeroAndWritesNoFile() {
@@ -178,7 +184,8 @@ private Q_SLOTS:
         fill(grid, {{true, QStringLiteral("가나"), QStringLiteral("010-1")}});
         auto& msgs = test::script();
         QVERIFY(!TransFromSpread(grid, 1, 2, 3));
-        QVERIFY(msgs.last().text.endsWith(QStringLiteral(") in procedure TransFromSpread of Module modSMSLink")));
+        QVERIFY(
+            msgs.last().text.endsWith(QStringLiteral(") in procedure TransFromSpread of Module modSMSLink")));
         QCOMPARE(launches.calls.at(0).workingFolder, own.path());
         setLauncher(nullptr);
     }
@@ -189,7 +196,8 @@ private Q_SLOTS:
         fill(grid, {{true, QStringLiteral("가나"), QStringLiteral("010-1")}});
         auto& msgs = test::script();
         QVERIFY(!CreateTelListFile(grid, home.file(QStringLiteral("no/such/folder/x.txt")), 1, 2, 3));
-        QVERIFY(msgs.last().text.endsWith(QStringLiteral(") in procedure CreateTelListFile of Module modSMSLink")));
+        QVERIFY(msgs.last().text.endsWith(
+            QStringLiteral(") in procedure CreateTelListFile of Module modSMSLink")));
     }
 };
 

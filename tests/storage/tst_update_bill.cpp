@@ -8,8 +8,8 @@
 
 #include <QApplication>
 #include <QMessageBox>
-#include <QPushButton>
 #include <QProcess>
+#include <QPushButton>
 #include <QSqlRecord>
 #include <QThread>
 #include <csignal>
@@ -28,8 +28,12 @@ const QString kMissingNew = QStringLiteral("거래명세서 신버전 DB를 찾�
 const QString kVatTitle = QStringLiteral("부가세 계산방법 선택");
 const QString kDone = QStringLiteral("거래명세표 DB 업그레이드가 완료 되었습니다.");
 
-QString oldPath() { return app().DbPath + QStringLiteral("/dbdetail.db"); }
-QString backupPath() { return app().DbPath + QStringLiteral("/dbDetail_bak.db"); }
+QString oldPath() {
+    return app().DbPath + QStringLiteral("/dbdetail.db");
+}
+QString backupPath() {
+    return app().DbPath + QStringLiteral("/dbDetail_bak.db");
+}
 
 struct OldLine {
     QString code, name, norm;
@@ -40,14 +44,16 @@ struct OldLine {
 void layDown(const test::TestHome& home, const QStringList& heads, const QList<OldLine>& lines,
              bool withNewStore = true) {
     test::useStoreFolder(home);
-    QStringList sql{QStringLiteral("CREATE TABLE DealTitle (DealCode TEXT(6), DealDate TEXT(10), TraderCode TEXT(6))"),
-                    QStringLiteral("CREATE TABLE DealList (DealCode TEXT(6), PName TEXT(50), PNorm TEXT(50), "
-                                   "Quant REAL, UnitCost REAL, SaleKum REAL, DC REAL)")};
+    QStringList sql{
+        QStringLiteral("CREATE TABLE DealTitle (DealCode TEXT(6), DealDate TEXT(10), TraderCode TEXT(6))"),
+        QStringLiteral("CREATE TABLE DealList (DealCode TEXT(6), PName TEXT(50), PNorm TEXT(50), "
+                       "Quant REAL, UnitCost REAL, SaleKum REAL, DC REAL)")};
     QVERIFY(test::runRaw(oldPath(), sql));
     Database db;
     QVERIFY(db.open(oldPath()));
     for (const QString& code : heads)
-        QVERIFY(db.tryExecute(QStringLiteral("INSERT INTO DealTitle VALUES (?, '2019-03-04', '000001')"), {code}));
+        QVERIFY(db.tryExecute(QStringLiteral("INSERT INTO DealTitle VALUES (?, '2019-03-04', '000001')"),
+                              {code}));
     for (const OldLine& l : lines)
         QVERIFY(db.tryExecute(QStringLiteral("INSERT INTO DealList VALUES (?, ?, ?, ?, ?, ?, ?)"),
                               {l.code, l.name, l.norm, l.quant, l.unitCost, l.saleKum, l.dc}));
@@ -63,7 +69,8 @@ QStringList rows(const QString& sql) {
     if (!q.exec(sql)) return out;
     while (q.next()) {
         QStringList cells;
-        for (int i = 0; i < q.record().count(); ++i) cells << q.value(i).toString();
+        for (int i = 0; i < q.record().count(); ++i)
+            cells << q.value(i).toString();
         out << cells.join(u'|');
     }
     return out;
@@ -71,7 +78,8 @@ QStringList rows(const QString& sql) {
 
 int questionsAsked(const ScriptedMessages& msgs) {
     int n = 0;
-    for (const MessageRecord& r : msgs.boxes()) n += r.title == kVatTitle;
+    for (const MessageRecord& r : msgs.boxes())
+        n += r.title == kVatTitle;
     return n;
 }
 
@@ -84,7 +92,8 @@ public:
         if (value < m_stallAt) return;
         std::printf("stalled %d\n", value);
         std::fflush(stdout);
-        for (;;) QThread::sleep(1);
+        for (;;)
+            QThread::sleep(1);
     }
 
 private:
@@ -145,17 +154,19 @@ private Q_SLOTS:
                                      "ORDER BY BillNo")),
                  (QStringList{QStringLiteral("000001|2019-03-04|000001|230|23|2"),
                               QStringLiteral("000002|2019-03-04|000001|500|50|1")}));
-        QCOMPARE(rows(QStringLiteral("SELECT BillNo, BillSEQ, PName, Unit, Quant, Price, DC, Amount, VAT FROM "
-                                     "Detail ORDER BY BillNo, BillSEQ")),
-                 (QStringList{QStringLiteral("000001|1|볼트|EA|2|100|0|200|20"),
-                              QStringLiteral("000001|2|너트|개|3|10|0|30|3"),
-                              QStringLiteral("000002|1|작업's|식|0|0|1|500|50")}));  // the unclear line, Yes by default
+        QCOMPARE(
+            rows(QStringLiteral("SELECT BillNo, BillSEQ, PName, Unit, Quant, Price, DC, Amount, VAT FROM "
+                                "Detail ORDER BY BillNo, BillSEQ")),
+            (QStringList{
+                QStringLiteral("000001|1|볼트|EA|2|100|0|200|20"),
+                QStringLiteral("000001|2|너트|개|3|10|0|30|3"),
+                QStringLiteral("000002|1|작업's|식|0|0|1|500|50")})); // the unclear line, Yes by default
         QVERIFY(!QFileInfo::exists(oldPath()));
         QVERIFY(QFileInfo::exists(backupPath()));
         QCOMPARE(msgs.boxes().back().text, kDone);
         QCOMPARE(msgs.boxes().back().buttons, int(MbInformation));
         QCOMPARE(msgs.records()[1].kind, QStringLiteral("progress"));
-        QCOMPARE(msgs.records()[1].buttons, 5);  // two heads and three lines
+        QCOMPARE(msgs.records()[1].buttons, 5); // two heads and three lines
         QCOMPARE(msgs.progressValues().size(), 5);
         // A later start finds no old file and does nothing.
         auto& again = test::script();
@@ -166,7 +177,7 @@ private Q_SLOTS:
     void saleKumEqualToQuantTimesPriceCountsAsUnclear() {
         QVERIFY(oldLineIsUnclear(2, 100, 200));
         QVERIFY(!oldLineIsUnclear(2, 100, 220));
-        QVERIFY(oldLineIsUnclear(0, 100, 500));  // plain amount is SaleKum itself
+        QVERIFY(oldLineIsUnclear(0, 100, 500)); // plain amount is SaleKum itself
         test::TestHome home;
         layDown(home, {QStringLiteral("000001")},
                 {{QStringLiteral("000001"), QStringLiteral("볼트"), QString(), 2, 100, 200, 0}});
@@ -175,7 +186,8 @@ private Q_SLOTS:
         msgs.answer(AnsNo);
         UpdateBill();
         QCOMPARE(questionsAsked(msgs), 1);
-        QCOMPARE(rows(QStringLiteral("SELECT Amount, VAT FROM Detail")), QStringList{QStringLiteral("200|0")});
+        QCOMPARE(rows(QStringLiteral("SELECT Amount, VAT FROM Detail")),
+                 QStringList{QStringLiteral("200|0")});
     }
 
     void firstUnclearLineAsksOnceLaterOnesUseTheAnswer() {
@@ -194,12 +206,13 @@ private Q_SLOTS:
         const MessageRecord& question = boxes[1];
         QCOMPARE(question.title, kVatTitle);
         QCOMPARE(question.buttons, int(MbYesNo | MbQuestion));
-        QVERIFY(question.text.startsWith(QStringLiteral("신버전에서는 저장시 부가세를 발행당시 금액 그대로 저장합니다.\r\n")));
-        QVERIFY(question.text.endsWith(
-            QStringLiteral("\r\n\r\n※모든자료에 대해서 일괄적으로 처리되며, 부가세 별도인 경우는 제대로 처리됩니다.")));
+        QVERIFY(question.text.startsWith(
+            QStringLiteral("신버전에서는 저장시 부가세를 발행당시 금액 그대로 저장합니다.\r\n")));
+        QVERIFY(question.text.endsWith(QStringLiteral(
+            "\r\n\r\n※모든자료에 대해서 일괄적으로 처리되며, 부가세 별도인 경우는 제대로 처리됩니다.")));
         QCOMPARE(rows(QStringLiteral("SELECT PName, Amount, VAT FROM Detail ORDER BY BillSEQ")),
-                 (QStringList{QStringLiteral("가|100|10"), QStringLiteral("나|100|10"), QStringLiteral("다|200|20"),
-                              QStringLiteral("라|191|19")}));
+                 (QStringList{QStringLiteral("가|100|10"), QStringLiteral("나|100|10"),
+                              QStringLiteral("다|200|20"), QStringLiteral("라|191|19")}));
     }
 
     void theQuestionAsTheOperatorSeesIt() {
@@ -210,7 +223,8 @@ private Q_SLOTS:
         UpdateBill();
         const MessageRecord question = msgs.boxes().at(1);
         QCOMPARE(question.title, kVatTitle);
-        std::unique_ptr<QMessageBox> box(buildMessageBox(question.text, question.buttons, question.title, nullptr));
+        std::unique_ptr<QMessageBox> box(
+            buildMessageBox(question.text, question.buttons, question.title, nullptr));
         box->show();
         QTest::qWait(20);
         QCOMPARE(static_cast<QAbstractButton*>(box->defaultButton()), box->button(QMessageBox::Yes));
@@ -225,7 +239,7 @@ private Q_SLOTS:
         auto& msgs = test::script();
         UpdateBill();
         QCOMPARE(questionsAsked(msgs), 0);
-        QCOMPARE(msgs.unscripted(), 2);  // the opening and closing boxes only
+        QCOMPARE(msgs.unscripted(), 2); // the opening and closing boxes only
         QCOMPARE(rows(QStringLiteral("SELECT Amount, VAT FROM Detail ORDER BY BillSEQ")),
                  (QStringList{QStringLiteral("100|10"), QStringLiteral("30|1")}));
     }
@@ -284,7 +298,8 @@ private Q_SLOTS:
         child.start(QCoreApplication::applicationFilePath(), {});
         QVERIFY(child.waitForStarted());
         QByteArray out;
-        while (!out.contains("stalled") && child.waitForReadyRead(20000)) out += child.readAllStandardOutput();
+        while (!out.contains("stalled") && child.waitForReadyRead(20000))
+            out += child.readAllStandardOutput();
         QVERIFY2(out.contains("stalled 350"), out.constData());
         ::kill(pid_t(child.processId()), SIGKILL);
         QVERIFY(child.waitForFinished(10000));
