@@ -45,9 +45,7 @@ ExternalLauncher& launcher() {
     return *s;
 }
 
-void setLauncher(std::unique_ptr<ExternalLauncher> l) {
-    slot() = std::move(l);
-}
+void setLauncher(std::unique_ptr<ExternalLauncher> l) { slot() = std::move(l); }
 
 bool RecordingLauncher::openUrl(const QString& address) {
     calls.push_back({address, {}, true, {}});
