@@ -1,6 +1,7 @@
 #include "core/shell/Program.h"
 #include "invoice/InvoiceCommand.h"
 #include "invoice/InvoiceScreens.h"
+#include "links/LinkScreens.h"
 #include "management/etax/EtaxCommand.h"
 #include "master/MasterScreens.h"
 #include "printing/PrintingScreens.h"
@@ -15,5 +16,6 @@ int main(int argc, char** argv) {
     nb::registerPrintingScreens();
     nb::registerInvoiceScreens();
     nb::registerQuotationScreens();
+    nb::registerLinkScreens();
     return nb::runProgram(argc, argv);
 }

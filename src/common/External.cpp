@@ -1,8 +1,10 @@
 #include "common/External.h"
 
 #include <QDesktopServices>
+#include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QStandardPaths>
 #include <QUrl>
 
 namespace nb {
@@ -14,8 +16,19 @@ public:
         const QUrl url = QFileInfo::exists(address) ? QUrl::fromLocalFile(address) : QUrl(address);
         return QDesktopServices::openUrl(url);
     }
-    bool startProgram(const QString& program, const QStringList& arguments) override {
-        return QProcess::startDetached(program, arguments);
+    bool startProgram(const QString& program, const QStringList& arguments,
+                      const QString& workingFolder) override {
+        const QString wine =
+            isWindowsProgram(program) ? QStandardPaths::findExecutable(QStringLiteral("wine")) : QString();
+        if (!wine.isEmpty())
+            return QProcess::startDetached(wine, QStringList{program} + arguments, workingFolder);
+        return QProcess::startDetached(program, arguments, workingFolder);
+    }
+
+private:
+    static bool isWindowsProgram(const QString& program) {
+        QFile file(program);
+        return file.open(QIODevice::ReadOnly) && file.read(2) == "MZ";
     }
 };
 
@@ -35,12 +48,13 @@ ExternalLauncher& launcher() {
 void setLauncher(std::unique_ptr<ExternalLauncher> l) { slot() = std::move(l); }
 
 bool RecordingLauncher::openUrl(const QString& address) {
-    calls.push_back({address, {}, true});
+    calls.push_back({address, {}, true, {}});
     return succeed;
 }
 
-bool RecordingLauncher::startProgram(const QString& program, const QStringList& arguments) {
-    calls.push_back({program, arguments, false});
+bool RecordingLauncher::startProgram(const QString& program, const QStringList& arguments,
+                                     const QString& workingFolder) {
+    calls.push_back({program, arguments, false, workingFolder});
     return succeed;
 }
 

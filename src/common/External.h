@@ -14,8 +14,10 @@ public:
     virtual ~ExternalLauncher() = default;
     // Opens an address or a file with the desktop's program for it; false when nothing could.
     virtual bool openUrl(const QString& address) = 0;
-    // Starts a program detached; false when it could not be started.
-    virtual bool startProgram(const QString& program, const QStringList& arguments) = 0;
+    // Starts a program detached, in workingFolder when one is given; false when it could not be
+    // started. A Windows program (a file beginning "MZ") goes through wine when that is on PATH.
+    virtual bool startProgram(const QString& program, const QStringList& arguments,
+                              const QString& workingFolder = QString()) = 0;
 };
 
 ExternalLauncher& launcher();
@@ -28,9 +30,11 @@ public:
         QString target;
         QStringList arguments;
         bool isUrl = false;
+        QString workingFolder;
     };
     bool openUrl(const QString& address) override;
-    bool startProgram(const QString& program, const QStringList& arguments) override;
+    bool startProgram(const QString& program, const QStringList& arguments,
+                      const QString& workingFolder = QString()) override;
     std::vector<Call> calls;
     bool succeed = true;
 };

@@ -45,16 +45,30 @@ bool OpenStatementList(Recordset& rs, const QString& from, const QString& to, co
     return OpenStatementList(stores().dbBill, app().DbBasicFile, rs, from, to, traderCode);
 }
 
+QString tradersLastDealSql(const TraderDealFilter& filter) {
+    QString sql = QStringLiteral("SELECT C_Name, Phone, Fax, HPhone, Trader.Code, MAX(BillDate) as lastdate"
+                                 "  FROM Trader LEFT JOIN ") +
+                  kBillAlias + QStringLiteral(".Master ON trader.code = Master.ccode");
+    if (filter.byName) sql += QStringLiteral(" WHERE C_Name Like ? ESCAPE '\\'");
+    sql += QStringLiteral(" GROUP BY C_Name, Phone, Fax, HPhone, Trader.Code");
+    if (filter.byDate) {
+        sql += QStringLiteral(" HAVING MAX(BillDate) < ?");
+        if (filter.withNoDeal) sql += QStringLiteral(" OR MAX(BillDate) IS NULL");
+    }
+    return sql + QStringLiteral(" ORDER BY C_Name");
+}
+
+bool OpenTradersLastDeal(Recordset& rs, const TraderDealFilter& filter, const QString& nameText,
+                         const QString& date) {
+    QVariantList values;
+    if (filter.byName) values << u'%' + likeLiteral(nameText) + u'%';
+    if (filter.byDate) values << date;
+    return openAcrossFiles(stores().dbBasic, app().DbBillFile, kBillAlias, rs, tradersLastDealSql(filter),
+                           values);
+}
+
 QString tradersNotDealtSinceSql() {
-    return QStringLiteral("SELECT C_Name, Phone, Fax, HPhone, Trader.Code, MAX(BillDate) as lastdate"
-                          "  FROM Trader LEFT JOIN ") +
-           kBillAlias +
-           QStringLiteral(".Master ON trader.code = Master.ccode"
-                          " WHERE C_Name Like ? ESCAPE '\\'"
-                          " GROUP BY C_Name, Phone, Fax, HPhone, Trader.Code"
-                          " HAVING MAX(BillDate) < ?"
-                          " OR MAX(BillDate) IS NULL"
-                          " ORDER BY C_Name");
+    return tradersLastDealSql({true, true, true});
 }
 
 bool OpenTradersNotDealtSince(Database& basic, const QString& billFile, Recordset& rs,

@@ -35,4 +35,17 @@ bool OpenTradersNotDealtSince(Database& basic, const QString& billFile, Recordse
                               const QString& nameText, const QString& date);
 bool OpenTradersNotDealtSince(Recordset& rs, const QString& nameText, const QString& date);
 
+// The traders with the date of their last statement (lastdate, null when none), ordered by
+// C_Name: byName keeps the names that contain the text literally; byDate keeps those whose
+// last statement is before the date, and withNoDeal those with none as well. Bound values:
+// the LIKE pattern when byName, then the date when byDate.
+struct TraderDealFilter {
+    bool byName = false;
+    bool byDate = false;
+    bool withNoDeal = false;
+};
+QString tradersLastDealSql(const TraderDealFilter& filter);
+bool OpenTradersLastDeal(Recordset& rs, const TraderDealFilter& filter, const QString& nameText,
+                         const QString& date);
+
 } // namespace nb

@@ -1,5 +1,5 @@
 // The start-up road: reading and repairing the settings, the decimals, the title and the
-// date panel.
+// date panel, and the move of an old statement file on the way.
 #include "TestSupport.h"
 
 #include "core/AppState.h"
@@ -7,9 +7,11 @@
 #include "core/Settings.h"
 #include "core/shell/Startup.h"
 #include "common/dates/ShortDate.h"
+#include "storage/Stores.h"
 
 #include <QDir>
 #include <QFile>
+#include <QSqlQuery>
 
 using namespace nb;
 
@@ -191,6 +193,32 @@ private Q_SLOTS:
         RecordingShortDate* seen = installShortDate(QStringLiteral("M/d/yyyy"));
         StartProgram();
         QCOMPARE(seen->written, QStringList{"yyyy-MM-dd"});
+    }
+    void anOldStatementFileIsMovedOnTheRoadBeforeTheSettingsAreRead() {
+        test::TestHome home;
+        test::script();
+        installShortDate(QStringLiteral("yyyy-MM-dd"));
+        StartProgram();  // lays down the store files
+        closeStores();
+        const QString folder = home.file(QStringLiteral("Dbs"));
+        {
+            Database old;
+            QVERIFY(old.create(folder + QStringLiteral("/dbdetail.db")));
+            QVERIFY(old.tryExecute(QStringLiteral("CREATE TABLE DealTitle (DealCode TEXT(6), DealDate TEXT(10), "
+                                                  "TraderCode TEXT(6))")));
+            QVERIFY(old.tryExecute(QStringLiteral("CREATE TABLE DealList (DealCode TEXT(6), PName TEXT(50), PNorm "
+                                                  "TEXT(50), Quant REAL, UnitCost REAL, SaleKum REAL, DC REAL)")));
+            QVERIFY(old.tryExecute(QStringLiteral("INSERT INTO DealTitle VALUES ('000001', '2019-01-02', '000001')")));
+        }
+        auto& msgs = test::script();
+        StartProgram();
+        QCOMPARE(msgs.boxes().front().title, QStringLiteral("거래명세표DB 업그레이드"));
+        QCOMPARE(msgs.boxes().back().text, QStringLiteral("거래명세표 DB 업그레이드가 완료 되었습니다."));
+        QVERIFY(QFile::exists(folder + QStringLiteral("/dbDetail_bak.db")));
+        QVERIFY(!QFile::exists(folder + QStringLiteral("/dbdetail.db")));
+        QSqlQuery q(stores().dbBill.connection());
+        QVERIFY(q.exec(QStringLiteral("SELECT BillNo FROM Master")) && q.next());
+        QCOMPARE(q.value(0).toString(), QStringLiteral("000001"));
     }
 };
 

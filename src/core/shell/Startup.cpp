@@ -8,6 +8,7 @@
 #include "core/Clock.h"
 #include "core/Settings.h"
 #include "storage/Stores.h"
+#include "storage/UpdateBill.h"
 
 #include <QApplication>
 #include <QDir>
@@ -105,9 +106,9 @@ bool LoadDecimalSettings() {
 
 void StartProgram() {
     ForceDateFormat(0);
-    // The old statement store conversion runs here, under the busy cursor, before the settings
-    // are read.
+    // The old statement store conversion runs under the busy cursor, before the settings are read.
     QApplication::setOverrideCursor(Qt::WaitCursor);
+    UpdateBill();
     QApplication::restoreOverrideCursor();
     ReadSettings();
     CreateMissingStoreFiles();

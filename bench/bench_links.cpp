@@ -1,0 +1,220 @@
+// Times of the SMS screen's search in the date mode over 50,000 traders and a decade of
+// statements (200,000 statements, 1,000,000 lines), against the same query through the sqlite3
+// command line on the same files; and of the one-time move of an old statement file of
+// 100,000 statements and 1,000,000 lines (the whole step, as at start-up).
+#include "TestSupport.h"
+#include "common/dates/DateBox.h"
+#include "common/grid/Grid.h"
+#include "core/AppState.h"
+#include "core/shell/Startup.h"
+#include "links/FrmSMS.h"
+#include "storage/CrossFileQueries.h"
+#include "storage/Stores.h"
+#include "storage/UpdateBill.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSqlQuery>
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+
+using namespace nb;
+
+namespace {
+
+constexpr int kTraders = 50000;
+constexpr int kStatements = 200000;
+constexpr int kLinesPerStatement = 5;
+
+double medianMs(const std::function<void()>& run, int repeats = 5) {
+    std::vector<double> times;
+    for (int i = 0; i < repeats; ++i) {
+        QElapsedTimer t;
+        t.start();
+        run();
+        times.push_back(double(t.nsecsElapsed()) / 1e6);
+    }
+    std::sort(times.begin(), times.end());
+    return times[times.size() / 2];
+}
+
+QString code(int i) {
+    return QStringLiteral("%1").arg(i, 6, 10, QLatin1Char('0'));
+}
+
+// A date in the ten years 2015-2024 for a statement number.
+QString dateFor(int n) {
+    return QDate(2015, 1, 1).addDays(n % 3650).toString(u"yyyy-MM-dd");
+}
+
+void fillStore() {
+    Database& basic = stores().dbBasic;
+    basic.beginTransaction();
+    QSqlQuery t(basic.connection());
+    t.prepare("INSERT INTO Trader (Code, C_Name, Phone, Fax, HPhone) VALUES (?, ?, ?, ?, ?)");
+    for (int i = 1; i <= kTraders; ++i) {
+        t.addBindValue(code(i));
+        t.addBindValue(QStringLiteral("거래처%1상사").arg(i));
+        t.addBindValue(QStringLiteral("02-%1-%2").arg(100 + i % 900).arg(1000 + i % 9000));
+        t.addBindValue(QStringLiteral("02-%1-%2").arg(200 + i % 700).arg(1000 + i % 9000));
+        t.addBindValue(QStringLiteral("010-%1-%2").arg(1000 + i % 9000).arg(1000 + i % 8000));
+        t.exec();
+    }
+    basic.commit();
+    // Every tenth trader never had a statement; every fifth stopped dealing in 2019.
+    Database& bill = stores().dbBill;
+    bill.beginTransaction();
+    QSqlQuery m(bill.connection());
+    m.prepare(
+        "INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, NumBill) VALUES (?, ?, ?, 0, 0, 5)");
+    QSqlQuery d(bill.connection());
+    d.prepare("INSERT INTO Detail (BillNo, BillSEQ, PName, Unit, Quant, Price, DC, Amount, VAT) "
+              "VALUES (?, ?, '품목', 'EA', 1, 1000, 0, 1000, 100)");
+    int made = 0;
+    for (int n = 0; made < kStatements; ++n) {
+        const int trader = 1 + n % kTraders;
+        if (trader % 10 == 1) continue;
+        const QString date = trader % 5 == 0 ? dateFor(n % 1500) : dateFor(n);
+        const QString billNo = QString::number(++made);
+        m.addBindValue(billNo);
+        m.addBindValue(date);
+        m.addBindValue(code(trader));
+        m.exec();
+        for (int l = 1; l <= kLinesPerStatement; ++l) {
+            d.addBindValue(billNo);
+            d.addBindValue(l);
+            d.exec();
+        }
+    }
+    bill.commit();
+}
+
+double sqliteCliMs(const QString& script, const QString& file) {
+    return medianMs([&] {
+        QProcess p;
+        p.start(QStringLiteral("sqlite3"), {file, script});
+        p.waitForFinished(-1);
+        p.readAllStandardOutput();
+    });
+}
+
+void benchSearch() {
+    fillStore();
+    std::printf("store: %d traders, %d statements, %d lines\n", kTraders, kStatements,
+                kStatements * kLinesPerStatement);
+    FrmSMS form;
+    test::showActive(&form);
+    form.optFilter[1]->click();
+    form.txtDate->setText(QStringLiteral("2020-01-01"));
+    form.chkNoTrade->setChecked(true);
+    int rows = 0;
+    const double screenMs = medianMs([&] {
+        form.btnSearch->click();
+        rows = form.grdList->MaxRows();
+    });
+    const double queryMs = medianMs([&] {
+        Recordset rs;
+        OpenTradersLastDeal(rs, TraderDealFilter{false, true, true}, QString(), QStringLiteral("2020-01-01"));
+    });
+    const QString sql =
+        QStringLiteral("ATTACH '%1' AS bill; "
+                       "SELECT C_Name, Phone, Fax, HPhone, Trader.Code, MAX(BillDate) as lastdate"
+                       "  FROM Trader LEFT JOIN bill.Master ON trader.code = Master.ccode"
+                       " GROUP BY C_Name, Phone, Fax, HPhone, Trader.Code"
+                       " HAVING MAX(BillDate) < '2020-01-01' OR MAX(BillDate) IS NULL"
+                       " ORDER BY C_Name;")
+            .arg(nb::app().DbBillFile);
+    const double cliMs = sqliteCliMs(sql, nb::app().DbBasicFile);
+    std::printf("SMS search, date mode with traders never dealt with: %d rows\n", rows);
+    std::printf("  the query alone         %8.1f ms\n", queryMs);
+    std::printf("  screen (query + grid)   %8.1f ms\n  sqlite3 command line    %8.1f ms\n  ratio %.2f\n",
+                screenMs, cliMs, screenMs / cliMs);
+}
+
+void layDownOldStore(const QString& path, int statements, int lines) {
+    Database old;
+    old.create(path);
+    old.tryExecute("CREATE TABLE DealTitle (DealCode TEXT(6), DealDate TEXT(10), TraderCode TEXT(6))");
+    old.tryExecute("CREATE TABLE DealList (DealCode TEXT(6), PName TEXT(50), PNorm TEXT(50), Quant REAL, "
+                   "UnitCost REAL, SaleKum REAL, DC REAL)");
+    old.beginTransaction();
+    QSqlQuery h(old.connection());
+    h.prepare("INSERT INTO DealTitle VALUES (?, ?, ?)");
+    QSqlQuery l(old.connection());
+    l.prepare("INSERT INTO DealList VALUES (?, '품목', 'EA', ?, 1000, ?, 0)");
+    const int perStatement = lines / statements;
+    for (int s = 1; s <= statements; ++s) {
+        h.addBindValue(code(s));
+        h.addBindValue(dateFor(s));
+        h.addBindValue(code(1 + s % kTraders));
+        h.exec();
+        for (int k = 0; k < perStatement; ++k) {
+            l.addBindValue(code(s));
+            l.addBindValue(1 + k);
+            l.addBindValue((1 + k) * 1000 * (k % 2 ? 1.1 : 1.0)); // half VAT on top, half unclear
+            l.exec();
+        }
+    }
+    old.commit();
+}
+
+void benchConversion() {
+    test::TestHome home;
+    ReadSettings();
+    QDir().mkpath(nb::app().DbPath);
+    CreateMissingStoreFiles();
+    const QString oldPath = nb::app().DbPath + QStringLiteral("/dbdetail.db");
+    layDownOldStore(oldPath, 100000, 1000000);
+    QFile::copy(oldPath, oldPath + QStringLiteral(".copy"));
+    QFile::copy(nb::app().DbBillFile, nb::app().DbBillFile + QStringLiteral(".copy"));
+    auto& msgs = test::script();
+    msgs.answer(AnsOk);
+    msgs.answer(AnsYes);
+    QElapsedTimer t;
+    t.start();
+    UpdateBill();
+    const double ms = double(t.nsecsElapsed()) / 1e6;
+    std::printf("old statement file: 100000 statements, 1000000 lines\n  UpdateBill (whole step)  %8.1f ms\n",
+                ms);
+    // The bare copy of the same rows by the command line, without line numbers or VAT split.
+    const QString script =
+        QStringLiteral("ATTACH '%1' AS old; BEGIN; "
+                       "INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, NumBill) "
+                       "SELECT DealCode, DealDate, TraderCode, 0, 0, 0 FROM old.DealTitle ORDER BY DealCode; "
+                       "INSERT INTO Detail (BillNo, BillSEQ, PName, Unit, Quant, Price, DC, Amount, VAT) "
+                       "SELECT DealCode, 1, PName, PNorm, Quant, UnitCost, DC, SaleKum, 0 FROM old.DealList "
+                       "ORDER BY DealCode; COMMIT;")
+            .arg(oldPath + QStringLiteral(".copy"));
+    QElapsedTimer c;
+    c.start();
+    QProcess p;
+    p.start(QStringLiteral("sqlite3"), {nb::app().DbBillFile + QStringLiteral(".copy"), script});
+    p.waitForFinished(-1);
+    const double cli = double(c.nsecsElapsed()) / 1e6;
+    std::printf("  sqlite3 bare bulk copy  %8.1f ms\n  ratio %.2f\n", cli, ms / cli);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    test::prepareEnvironment();
+    QApplication app(argc, argv);
+    test::prepareApplication(app);
+    {
+        test::TestHome home;
+        test::script();
+        ReadSettings();
+        QDir().mkpath(nb::app().DbPath);
+        CreateMissingStoreFiles();
+        OpenDatabases();
+        benchSearch();
+    }
+    if (!qEnvironmentVariableIsSet("NB_BENCH_SEARCH_ONLY")) benchConversion();
+    return 0;
+}
