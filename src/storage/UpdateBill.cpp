@@ -6,6 +6,7 @@
 #include "core/Settings.h"
 #include "storage/Database.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -184,10 +185,45 @@ QString updateBillFolder() {
     return stored.isEmpty() ? appFolderFile(QStringLiteral("Dbs")) : stored;
 }
 
+namespace {
+
+// The old file as the store remembers it once its statements are in: its size and time. The
+// mark is written in the conversion's own transaction, so a start that finds the old file still
+// there after the commit (the program ended while the closing box stood) only renames it.
+const QString kMarkTable = QStringLiteral("ConvertedDetail");
+
+QVariantList oldFileMark(const QString& oldPath) {
+    const QFileInfo info(oldPath);
+    return {info.size(), info.lastModified().toUTC().toString(Qt::ISODateWithMs)};
+}
+
+bool writeMark(Database& newDb, const QString& oldPath) {
+    return newDb.Execute(QStringLiteral(
+               "CREATE TABLE IF NOT EXISTS ConvertedDetail (FileSize INTEGER, FileTime TEXT)")) &&
+           newDb.Execute(QStringLiteral("INSERT INTO ConvertedDetail (FileSize, FileTime) VALUES (?, ?)"),
+                         oldFileMark(oldPath));
+}
+
+bool alreadyConverted(const QString& newPath, const QString& oldPath) {
+    Database newDb;
+    if (!newDb.open(newPath) || !newDb.hasTable(kMarkTable)) return false;
+    QSqlQuery q(newDb.connection());
+    q.prepare(QStringLiteral("SELECT count(*) FROM ConvertedDetail WHERE FileSize = ? AND FileTime = ?"));
+    for (const QVariant& v : oldFileMark(oldPath))
+        q.addBindValue(v);
+    return q.exec() && q.next() && q.value(0).toInt() > 0;
+}
+
+} // namespace
+
 void UpdateBill() {
     const QString folder = updateBillFolder();
     const QString oldPath = folder + u'/' + kOldFile;
     if (!QFileInfo(oldPath).isFile()) return;
+    if (alreadyConverted(folder + u'/' + kNewFile, oldPath)) {
+        QFile::rename(oldPath, folder + u'/' + kDoneFile);
+        return;
+    }
     ShowInfo(kStartText, kStartTitle);
     const QString newPath = folder + u'/' + kNewFile;
     if (!QFileInfo(newPath).isFile()) {
@@ -202,7 +238,7 @@ void UpdateBill() {
                           QStringLiteral("ModModule"));
         return;
     }
-    if (!Conversion(oldDb, newDb).run()) {
+    if (!Conversion(oldDb, newDb).run() || !writeMark(newDb, oldPath)) {
         newDb.rollback();
         return;
     }
