@@ -11,10 +11,13 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSqlQuery>
 #include <QTableView>
 
 namespace nb {
 namespace {
+
+constexpr int kCodeColumn = 4; // 상호, 성명, 전화번호, 주소, 거래처코드 from 0
 
 QString thisMonth() {
     return today().toString(QStringLiteral("yyyy-MM"));
@@ -44,14 +47,16 @@ void FrmTraderList::InitForm(const QString& name, int section, int& result) {
     m_section = section;
     txtinput()->setText(m_name);
     const SqlPart query = TraderListQuery(stores().dbBasic, m_name, section);
-    Recordset rs;
     model()->clear();
     result = 0;
-    if (!OpenSnapshot(stores().dbBasic, rs, query.sql, query.values)) return;
-    model()->setRows(RowsOf(rs));
+    auto rows = std::make_unique<QSqlQuery>(stores().dbBasic.connection());
+    if (!OpenForwardOnly(stores().dbBasic, *rows, query.sql, query.values)) return;
+    // A text every trader holds lists them all: the first page shows at once, the rest follows.
+    model()->fillFrom(std::move(rows));
     selectRow(0);
-    result = rs.RecordCount() == 0 ? 0 : rs.RecordCount() == 1 ? 1 : 2;
-    if (result == 1) writeTarget(rs.text(QStringLiteral("Code")));
+    const int shown = model()->rowCount();
+    result = shown == 0 ? 0 : (shown == 1 && !model()->isFilling()) ? 1 : 2;
+    if (result == 1) writeTarget(model()->text(0, kCodeColumn));
 }
 
 void FrmTraderList::refill() {

@@ -1,9 +1,14 @@
 #include "master/ListModel.h"
 
+#include <QSqlRecord>
+
 namespace nb {
 
 ListModel::ListModel(const QStringList& headings, QObject* parent)
-    : QAbstractTableModel(parent), m_headings(headings) {}
+    : QAbstractTableModel(parent), m_headings(headings), m_pager(new QTimer(this)) {
+    m_pager->setInterval(0);
+    connect(m_pager, &QTimer::timeout, this, [this] { readRows(kPage); });
+}
 
 int ListModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : int(m_rows.size());
@@ -31,6 +36,7 @@ void ListModel::setHeading(int column, const QString& heading) {
 }
 
 void ListModel::setRows(QVector<QStringList> rows) {
+    stopFilling();
     beginResetModel();
     m_rows = std::move(rows);
     endResetModel();
@@ -52,10 +58,45 @@ QString ListModel::text(int row, int column) const {
     return m_rows[row].value(column);
 }
 
-int ListModel::findRow(int column, const QString& value) const {
+int ListModel::findRow(int column, const QString& value) {
+    finishFilling();
     for (int r = 0; r < m_rows.size(); ++r)
         if (m_rows[r].value(column) == value) return r;
     return -1;
+}
+
+void ListModel::fillFrom(std::unique_ptr<QSqlQuery> query, int firstRows) {
+    setRows({});
+    m_query = std::move(query);
+    readRows(firstRows);
+    if (m_query) m_pager->start();
+}
+
+void ListModel::finishFilling() {
+    while (m_query)
+        readRows(kPage);
+}
+
+void ListModel::stopFilling() {
+    m_pager->stop();
+    m_query.reset();
+}
+
+void ListModel::readRows(int count) {
+    if (!m_query) return;
+    QVector<QStringList> page;
+    const int columns = m_query->record().count();
+    while (page.size() < count && m_query->next()) {
+        QStringList row;
+        row.reserve(columns);
+        for (int c = 0; c < columns; ++c) {
+            const QVariant v = m_query->value(c);
+            row << (v.isNull() ? QString() : v.toString());
+        }
+        page << row;
+    }
+    if (page.size() < count) stopFilling(); // the query is through
+    appendRows(page);
 }
 
 QVector<QStringList> RowsOf(Recordset& rs) {

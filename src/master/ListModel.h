@@ -4,8 +4,11 @@
 #include "storage/Database.h"
 
 #include <QAbstractTableModel>
+#include <QSqlQuery>
 #include <QStringList>
+#include <QTimer>
 #include <QVector>
+#include <memory>
 
 namespace nb {
 
@@ -25,12 +28,26 @@ public:
     void clear();
     // The text of a cell, columns from 0; empty outside.
     QString text(int row, int column) const;
-    // The first row whose column holds the value, or -1.
-    int findRow(int column, const QString& value) const;
+    // The first row whose column holds the value, or -1 (every row read first).
+    int findRow(int column, const QString& value);
+
+    // Rows read from an open forward-only query a page at a time: the first page at once, the
+    // rest between events, so a list of every trader opens at once and the window stays free.
+    void fillFrom(std::unique_ptr<QSqlQuery> query, int firstRows = kFirstPage);
+    bool isFilling() const { return m_query != nullptr; }
+    // Reads what is left now (before anything that needs every row).
+    void finishFilling();
+    static constexpr int kFirstPage = 200;
+    static constexpr int kPage = 2000;
 
 private:
+    void readRows(int count);
+    void stopFilling();
+
     QStringList m_headings;
     QVector<QStringList> m_rows;
+    std::unique_ptr<QSqlQuery> m_query;
+    QTimer* m_pager = nullptr;
 };
 
 // Every row of an open recordset as texts (null as the empty text), in its column order.

@@ -110,6 +110,7 @@ public:
 
 private:
     friend bool openRecordset(Database&, Recordset&, const QString&, const QVariantList&, bool);
+    friend bool OpenForwardOnly(Database&, QSqlQuery&, const QString&, const QVariantList&);
     bool connect(const QString& path, bool creating);
     // Prepares and runs one counted statement; a failure is noted in lastError...().
     bool run(QSqlQuery& query, const QString& sql, const QVariantList& values);
@@ -191,6 +192,9 @@ bool OpenDb(Database& db, const QString& path, int exclusive = 0);
 bool OpenDynaset(Database& db, Recordset& rs, const QString& sql, const QVariantList& values = {});
 bool OpenSnapshot(Database& db, Recordset& rs, const QString& sql, const QVariantList& values = {});
 void CloseRs(Recordset& rs);
+// The statement run for reading row by row (a long list filled a page at a time); the same
+// failure boxes as OpenSnapshot.
+bool OpenForwardOnly(Database& db, QSqlQuery& query, const QString& sql, const QVariantList& values = {});
 // Adds a column unless one of that name (any case) exists, then runs sql once (both in one
 // transaction). False when the column was there; true otherwise, also after a failure, which
 // shows the failure report of the procedure and leaves the table as it was. size 0 leaves

@@ -125,6 +125,13 @@ bool OpenDynaset(Database& db, Recordset& rs, const QString& sql, const QVariant
     return openRecordset(db, rs, sql, values, true);
 }
 
+bool OpenForwardOnly(Database& db, QSqlQuery& query, const QString& sql, const QVariantList& values) {
+    query.setForwardOnly(true);
+    if (db.run(query, sql, values)) return true;
+    ReportQueryFailure(db.lastErrorNumber(), db.lastErrorDescription(), sqlForDisplay(sql, values));
+    return false;
+}
+
 bool OpenSnapshot(Database& db, Recordset& rs, const QString& sql, const QVariantList& values) {
     return openRecordset(db, rs, sql, values, false);
 }

@@ -5,6 +5,7 @@
 #include "core/Clock.h"
 #include "master/FrmNewTrader.h"
 #include "master/FrmTraderList.h"
+#include "master/ListModel.h"
 #include "master/TraderRecords.h"
 
 #include <QLabel>
@@ -392,6 +393,26 @@ private Q_SLOTS:
         pressKey(list.grdList(), Qt::Key_Return);
         QCOMPARE(target.text(), QStringLiteral("000002"));
         QVERIFY(!list.isVisible());
+    }
+    void aListOfEveryTraderOpensWithItsFirstPageAndFillsTheRestBetweenEvents() {
+        TestHome home;
+        QVERIFY(openStores());
+        script();
+        stores().dbBasic.beginTransaction();
+        for (int i = 1; i <= 700; ++i)
+            addTrader(QString("%1").arg(i, 6, 10, QChar('0')), QString("상사%1").arg(i, 4, 10, QChar('0')));
+        stores().dbBasic.commit();
+        FrmTraderList list;
+        int result = 0;
+        list.InitForm("상사", 0, result);
+        QCOMPARE(result, 2);
+        QCOMPARE(list.model()->rowCount(), ListModel::kFirstPage); // shown at once
+        QVERIFY(list.model()->isFilling());
+        QTRY_COMPARE(list.model()->rowCount(), 700); // the rest between events
+        QVERIFY(!list.model()->isFilling());
+        QCOMPARE(list.model()->text(699, 0), QStringLiteral("상사0700"));
+        list.InitForm("상사", 0, result);
+        QCOMPARE(list.model()->findRow(4, "000650"), 649); // a search reads every row first
     }
     void aClickOnARowChoosesIt() {
         TestHome home;
