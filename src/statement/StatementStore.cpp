@@ -73,10 +73,11 @@ bool insertHead(Database& dbBill, const NewLine& line, const QString& billNo) {
 
 bool insertLineRow(Database& dbBill, const QString& billNo, int seq, const QString& pName) {
     bool engineFailed = false;
-    if (touches(dbBill,
-                QStringLiteral("INSERT INTO Detail (BillNo, BillSEQ, PName, Unit, Quant, Price, DC, Amount, VAT) "
-                               "VALUES (?, ?, ?, '', 0, 0, 0, 0, 0)"),
-                {billNo, seq, pName}, engineFailed))
+    if (touches(
+            dbBill,
+            QStringLiteral("INSERT INTO Detail (BillNo, BillSEQ, PName, Unit, Quant, Price, DC, Amount, VAT) "
+                           "VALUES (?, ?, ?, '', 0, 0, 0, 0, 0)"),
+            {billNo, seq, pName}, engineFailed))
         return true;
     if (engineFailed)
         showRunTimeFailure(dbBill, QStringLiteral("자료를 저장하는 중 오류가 발생했습니다."));
@@ -131,8 +132,8 @@ QString headTotalOf(const QString& upperField) {
 
 bool deleteLineRows(Database& dbBill, const QString& billNo, int billSeq, const DeletedLine& line) {
     bool engineFailed = false;
-    if (!touches(dbBill, QStringLiteral("DELETE FROM Detail WHERE BillNo = ? AND BillSEQ = ?"), {billNo, billSeq},
-                 engineFailed))
+    if (!touches(dbBill, QStringLiteral("DELETE FROM Detail WHERE BillNo = ? AND BillSEQ = ?"),
+                 {billNo, billSeq}, engineFailed))
         return false;
     return touches(dbBill,
                    QStringLiteral("UPDATE Master SET TotAmount = TotAmount - ?, TotVat = TotVat - ?, "
@@ -148,10 +149,12 @@ bool nothingChosen(const QString& billNo) {
 
 std::optional<QString> NextBillNo(Database& dbBill) {
     Recordset rs;
-    if (!OpenSnapshot(dbBill, rs, QStringLiteral("SELECT MAX(BillNo) AS last FROM Master"))) return std::nullopt;
+    if (!OpenSnapshot(dbBill, rs, QStringLiteral("SELECT MAX(BillNo) AS last FROM Master")))
+        return std::nullopt;
     QString next = kFirstBillNo;
     if (!rs.isNull(QStringLiteral("last")))
-        next = FormatNumber(qint64(NumberFromText(rs.text(QStringLiteral("last")))) + 1, QStringLiteral("000000"));
+        next = FormatNumber(qint64(NumberFromText(rs.text(QStringLiteral("last")))) + 1,
+                            QStringLiteral("000000"));
     CloseRs(rs);
     return next;
 }
@@ -192,8 +195,9 @@ InsertedLine DetailInsert(Database& dbBill, const NewLine& line) {
 }
 
 bool isLineField(const QString& field) {
-    static const QStringList fields{QStringLiteral("PNAME"), QStringLiteral("UNIT"),  QStringLiteral("QUANT"),
-                                    QStringLiteral("PRICE"), QStringLiteral("AMOUNT"), QStringLiteral("VAT")};
+    static const QStringList fields{QStringLiteral("PNAME"),  QStringLiteral("UNIT"),
+                                    QStringLiteral("QUANT"),  QStringLiteral("PRICE"),
+                                    QStringLiteral("AMOUNT"), QStringLiteral("VAT")};
     return fields.contains(field.toUpper());
 }
 
@@ -225,10 +229,11 @@ UpdatedLine DetailUpdate(Database& dbBill, const QString& billNo, int billSeq, c
     SaveTransaction save(dbBill);
     bool engineFailed = false;
     const bool headMoved =
-        save.started() && (diff == 0.0 || touches(dbBill,
-                               QStringLiteral("UPDATE Master SET ") + total + QStringLiteral(" = ") + total +
-                                   QStringLiteral(" - ? WHERE BillNo = ?"),
-                               {diff, billNo}, engineFailed));
+        save.started() &&
+        (diff == 0.0 || touches(dbBill,
+                                QStringLiteral("UPDATE Master SET ") + total + QStringLiteral(" = ") + total +
+                                    QStringLiteral(" - ? WHERE BillNo = ?"),
+                                {diff, billNo}, engineFailed));
     const bool lineChanged =
         headMoved && touches(dbBill,
                              QStringLiteral("UPDATE Detail SET ") + quoteName(result.field) +
@@ -251,8 +256,8 @@ DeletedLine DeleteLine(Database& dbBill, const QString& billNo, int billSeq) {
         ShowWarning(QStringLiteral("삭제할 행을 먼저 선택하세요."));
         return result;
     }
-    if (AskYesNo(QStringLiteral("선택된 거래내역을 삭제하시겠습니까?"), QStringLiteral("거래내역 삭제"), false) !=
-        AnsYes) {
+    if (AskYesNo(QStringLiteral("선택된 거래내역을 삭제하시겠습니까?"), QStringLiteral("거래내역 삭제"),
+                 false) != AnsYes) {
         result.outcome = LineDeleteOutcome::Declined;
         return result;
     }
@@ -268,7 +273,8 @@ DeletedLine DeleteLine(Database& dbBill, const QString& billNo, int billSeq) {
                              : LineDeleteOutcome::Failed;
         return result;
     }
-    if (!OpenSnapshot(dbBill, rs, QStringLiteral("SELECT Amount, VAT FROM Detail WHERE BillNo = ? AND BillSEQ = ?"),
+    if (!OpenSnapshot(dbBill, rs,
+                      QStringLiteral("SELECT Amount, VAT FROM Detail WHERE BillNo = ? AND BillSEQ = ?"),
                       {billNo, billSeq}))
         return result;
     if (rs.EOF_()) {
@@ -299,9 +305,10 @@ StatementDeleteOutcome DeleteStatement(Database& dbBill, const QString& billNo, 
         return StatementDeleteOutcome::Declined;
     SaveTransaction save(dbBill);
     bool engineFailed = false;
-    const bool gone = save.started() &&
-                      touches(dbBill, QStringLiteral("DELETE FROM Master WHERE BillNo = ?"), {billNo}, engineFailed) &&
-                      dbBill.tryExecute(QStringLiteral("DELETE FROM Detail WHERE BillNo = ?"), {billNo});
+    const bool gone =
+        save.started() &&
+        touches(dbBill, QStringLiteral("DELETE FROM Master WHERE BillNo = ?"), {billNo}, engineFailed) &&
+        dbBill.tryExecute(QStringLiteral("DELETE FROM Detail WHERE BillNo = ?"), {billNo});
     if (!gone || !save.commit()) {
         errorBox(QStringLiteral("삭제도중 오류가 발생했습니다."));
         return StatementDeleteOutcome::Failed;
@@ -316,7 +323,8 @@ std::optional<QList<StatementHead>> ReadStatementList(Database& dbBill, const QS
     if (!OpenStatementList(dbBill, basicFile, rs, from, to, cCode)) return std::nullopt;
     QList<StatementHead> heads;
     heads.reserve(rs.RecordCount());
-    for (; !rs.EOF_(); rs.MoveNext()) heads.append(headFromRow(rs));
+    for (; !rs.EOF_(); rs.MoveNext())
+        heads.append(headFromRow(rs));
     CloseRs(rs);
     return heads;
 }
@@ -328,7 +336,8 @@ std::optional<QList<StatementLine>> ReadStatementLines(Database& dbBill, const Q
         return std::nullopt;
     QList<StatementLine> lines;
     lines.reserve(rs.RecordCount());
-    for (; !rs.EOF_(); rs.MoveNext()) lines.append(lineFromRow(rs));
+    for (; !rs.EOF_(); rs.MoveNext())
+        lines.append(lineFromRow(rs));
     CloseRs(rs);
     return lines;
 }

@@ -68,8 +68,8 @@ InsertedLine DetailInsert(Database& dbBill, const NewLine& line);
 bool isLineField(const QString& field);
 struct UpdatedLine {
     bool ok = false;
-    QString field;    // upper case
-    double diff = 0;  // stored minus new value of AMOUNT or VAT (0 for other fields)
+    QString field;   // upper case
+    double diff = 0; // stored minus new value of AMOUNT or VAT (0 for other fields)
 };
 // One field of one line changed; for AMOUNT and VAT the head's total moves by the difference
 // (no head statement when the value stays).
