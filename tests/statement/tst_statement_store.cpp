@@ -2,6 +2,7 @@
 // moved by the difference, statements deleted with their lines, the list and the lines read
 // back, and a failure at every step of a save leaving the store as before.
 #include "StoreFixture.h"
+#include "statement/StatementRecalc.h"
 #include "statement/StatementStore.h"
 
 #include <QSqlQuery>
@@ -281,6 +282,29 @@ private Q_SLOTS:
                                    QStringLiteral("2024-06-30"))
                      ->size(),
                  0);
+    }
+
+    void vatModeChangeRecalculatesEveryLineAndTheHead() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        const QString no = statementWith({{0, 0}, {0, 0}});
+        DetailUpdate(bill(), no, 1, QStringLiteral("Quant"), 1.0);
+        DetailUpdate(bill(), no, 1, QStringLiteral("Price"), 11000.0);
+        DetailUpdate(bill(), no, 2, QStringLiteral("Quant"), 3.0);
+        DetailUpdate(bill(), no, 2, QStringLiteral("Price"), 1255.0);
+        const auto lines = ReadStatementLines(bill(), no).value_or(QList<StatementLine>());
+        const QList<StatementLine> included = RecalculateLines(bill(), lines, VatMode::Included);
+        QCOMPARE(included[0].amount, 10000.0);
+        QCOMPARE(included[1].vat, 342.0);
+        QCOMPARE(test::scalar(bill(), QStringLiteral("SELECT TotAmount FROM Master")).toDouble(), 13423.0);
+        QVERIFY(headsAgreeWithLines());
+        const int before = bill().statementsRun();
+        RecalculateLines(bill(), included, VatMode::Included);
+        QCOMPARE(bill().statementsRun(), before);
+        const QList<StatementLine> exempt = RecalculateLines(bill(), {included[1]}, VatMode::Exempt);
+        QCOMPARE(exempt[0].amount, 3765.0);
+        QCOMPARE(test::scalar(bill(), QStringLiteral("SELECT TotVat FROM Master")).toDouble(), 1000.0);
+        QVERIFY(headsAgreeWithLines());
     }
 
     // A failure at any step of a save leaves the store as before, with the step's own box.
