@@ -2,16 +2,13 @@
 // 50,000 traders): the list of one month and of one year, the lines of a 200-line statement,
 // one new line and one changed line; beside each, the same query through the sqlite3 command
 // line on the same file.
-#include "TestSupport.h"
-#include "core/AppState.h"
-#include "core/shell/Startup.h"
+#include "StoreFixture.h"
 #include "statement/StatementStore.h"
 #include "storage/CrossFileQueries.h"
 #include "storage/Stores.h"
 
 #include <QApplication>
 #include <QDate>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QRegularExpression>
@@ -145,10 +142,7 @@ int main(int argc, char** argv) {
     test::prepareApplication(app);
     test::TestHome home;
     test::script();
-    ReadSettings();
-    QDir().mkpath(nb::app().DbPath);
-    CreateMissingStoreFiles();
-    OpenDatabases();
+    if (!test::openStores()) return 1;
 
     fillTraders(50000);
     fillStatements(100000, 1000000);
