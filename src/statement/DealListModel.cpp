@@ -11,19 +11,33 @@ bool DealListModel::masterList(const QString& basicFile, const QString& from, co
                                bool onlyTrader) {
     const auto heads = ReadStatementList(m_db, basicFile, from, to, onlyTrader ? m_cCode : QString());
     m_masters = heads.value_or(QList<StatementHead>());
-    chooseMaster(int(m_masters.size()) + 1);
+    showMasterRow(int(m_masters.size()) + 1);
     return heads.has_value();
+}
+
+void DealListModel::showMasterRow(int row) {
+    m_activeMaster = qBound(1, row, masterRowCount());
+    detailList(selectedBillNo());
 }
 
 void DealListModel::chooseMaster(int row) {
     m_activeMaster = qBound(1, row, masterRowCount());
+    const StatementHead* head = activeHead();
+    const QString cCode = head ? head->cCode : QString();
+    if (cCode != m_cCode) setTrader(cCode, head ? head->cName : QString());
     detailList(selectedBillNo());
+}
+
+void DealListModel::newMaster() {
+    setTrader(QString(), QString());
+    showMasterRow(masterRowCount());
 }
 
 void DealListModel::detailList(const QString& billNo) {
     m_lines = ReadStatementLines(m_db, billNo).value_or(QList<StatementLine>());
     m_gong = 0;
     m_se = 0;
+    m_preMisu = 0;
     for (const StatementLine& line : m_lines) {
         m_gong += line.amount;
         m_se += line.vat;
@@ -126,11 +140,7 @@ StatementDeleteOutcome DealListModel::deleteStatement(bool skipPrompt) {
 // the empty row).
 void DealListModel::removeActiveMaster() {
     m_masters.removeAt(m_activeMaster - 1);
-    m_activeMaster = qBound(1, m_activeMaster, masterRowCount());
-    const StatementHead* head = activeHead();
-    const QString cCode = head ? head->cCode : QString();
-    if (cCode != m_cCode) setTrader(cCode, head ? head->cName : QString());
-    detailList(selectedBillNo());
+    chooseMaster(m_activeMaster);
 }
 
 ShownStatement DealListModel::shown() const {

@@ -26,9 +26,11 @@ public:
     // Statements of the range (of the chosen trader when one is set and onlyTrader); stands on
     // the empty last row afterwards, so the screen is on a new statement.
     bool masterList(const QString& basicFile, const QString& from, const QString& to, bool onlyTrader);
-    // Stands on a row of the list (1-based; the row after the last is the empty one) and
-    // shows its lines.
+    // The operator chooses a row of the list (1-based; the row after the last is the empty
+    // one): its trader becomes the chosen one (none for the empty row) and its lines show.
     void chooseMaster(int row);
+    // btnNewMaster: no trader, the empty row, no lines.
+    void newMaster();
     const QList<StatementHead>& masters() const { return m_masters; }
     int masterRowCount() const { return int(m_masters.size()) + 1; } // with the empty row
     int activeMasterRow() const { return m_activeMaster; }
@@ -49,6 +51,11 @@ public:
     double gong() const { return m_gong; }
     double se() const { return m_se; }
     double sum() const { return m_gong + m_se; }
+    // The balance typed for the print (not stored; each list of lines sets it to 0) and the
+    // total with it.
+    void setPreMisu(double value) { m_preMisu = value; }
+    double preMisu() const { return m_preMisu; }
+    double misu() const { return sum() + m_preMisu; }
     // The list's two sums: lines and total of all shown statements.
     int periodCount() const;
     double periodTotal() const;
@@ -66,6 +73,7 @@ public:
 
 private:
     void detailList(const QString& billNo);
+    void showMasterRow(int row);
     StatementHead* activeHead();
     void removeActiveMaster();
 
@@ -79,6 +87,7 @@ private:
     int m_activeDetail = 1;
     double m_gong = 0;
     double m_se = 0;
+    double m_preMisu = 0;
 };
 
 } // namespace nb

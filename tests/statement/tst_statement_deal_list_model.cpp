@@ -95,6 +95,40 @@ private Q_SLOTS:
         QCOMPARE(model.traderCode(), QString());
         QCOMPARE(model.masterRowCount(), 1);
     }
+    void choosingStatementOfAllTradersSetsTraderAndNextListShowsOnlyIt() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        DealListModel model(bill());
+        prepareTrader(model);
+        QVERIFY(model.insertLine(QStringLiteral("a")));
+        model.newMaster();
+        QCOMPARE(model.traderCode(), QString());
+        QCOMPARE(model.dataRowCount(), 0);
+        model.setTrader(QStringLiteral("000002"), QStringLiteral("다라"));
+        QVERIFY(model.insertLine(QStringLiteral("b")));
+        model.newMaster();
+        QVERIFY(listMay(model));
+        QCOMPARE(model.masters().size(), 2);
+        model.chooseMaster(2);
+        QCOMPARE(model.traderCode(), QStringLiteral("000002"));
+        QVERIFY(model.masterList(stores().dbBasic.path(), QStringLiteral("2024-05-01"),
+                                 QStringLiteral("2024-05-31"), true));
+        QCOMPARE(model.masters().size(), 1);
+        QCOMPARE(model.masters()[0].cCode, QStringLiteral("000002"));
+    }
+    void choosingStatementSetsPreviousBalanceToZero() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        DealListModel model(bill());
+        prepareTrader(model);
+        QVERIFY(model.insertLine(QStringLiteral("a")));
+        QVERIFY(model.updateField(QStringLiteral("Amount"), 1000.0));
+        model.setPreMisu(5000);
+        QCOMPARE(model.misu(), 6000.0);
+        model.chooseMaster(1);
+        QCOMPARE(model.preMisu(), 0.0);
+        QCOMPARE(model.misu(), 1000.0);
+    }
     void lineDeleteMovesShownTotals() {
         test::TestHome home;
         QVERIFY(test::openStores());
