@@ -1,0 +1,184 @@
+// Times of the statement store at a decade of data (100,000 statements, 1,000,000 lines,
+// 50,000 traders): the list of one month and of one year, the lines of a 200-line statement,
+// one new line and one changed line; beside each, the same query through the sqlite3 command
+// line on the same file.
+#include "StoreFixture.h"
+#include "statement/StatementStore.h"
+#include "storage/CrossFileQueries.h"
+#include "storage/Stores.h"
+
+#include <QApplication>
+#include <QDate>
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QSqlQuery>
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+
+using namespace nb;
+
+namespace {
+
+constexpr int kRepeats = 15;
+
+double median(std::vector<double> times) {
+    std::sort(times.begin(), times.end());
+    return times[times.size() / 2];
+}
+
+double medianMs(const std::function<void()>& run) {
+    std::vector<double> times;
+    for (int i = 0; i < kRepeats; ++i) {
+        QElapsedTimer t;
+        t.start();
+        run();
+        times.push_back(double(t.nsecsElapsed()) / 1e6);
+    }
+    return median(times);
+}
+
+QString code(int i) {
+    return QStringLiteral("%1").arg(i, 6, 10, QChar(u'0'));
+}
+
+void fillTraders(int count) {
+    Database& db = stores().dbBasic;
+    db.beginTransaction();
+    QSqlQuery q(db.connection());
+    q.prepare(QStringLiteral("INSERT INTO Trader (Code, C_Name) VALUES (?, ?)"));
+    for (int i = 1; i <= count; ++i) {
+        q.addBindValue(code(i));
+        q.addBindValue(QStringLiteral("가나상사%1").arg(i));
+        q.exec();
+    }
+    db.commit();
+}
+
+// Statements spread evenly over 2015-2024, lines / statements each, but the last one has 200.
+void fillStatements(int statements, int lines) {
+    Database& db = stores().dbBill;
+    db.beginTransaction();
+    QSqlQuery head(db.connection());
+    head.prepare(QStringLiteral("INSERT INTO Master VALUES (?, ?, ?, ?, ?, ?)"));
+    QSqlQuery line(db.connection());
+    line.prepare(QStringLiteral("INSERT INTO Detail VALUES (?, ?, ?, 'EA', 2, 5000, 0, 10000, 1000)"));
+    const QDate first(2015, 1, 1);
+    const int days = int(first.daysTo(QDate(2024, 12, 31))) + 1;
+    const int perStatement = lines / statements;
+    for (int i = 1; i <= statements; ++i) {
+        const int count = i == statements ? 200 : perStatement;
+        const QString no = code(i);
+        head.addBindValue(no);
+        head.addBindValue(first.addDays(qint64(i - 1) * days / statements).toString(Qt::ISODate));
+        head.addBindValue(code(1 + i % 50000));
+        head.addBindValue(10000.0 * count);
+        head.addBindValue(1000.0 * count);
+        head.addBindValue(count);
+        head.exec();
+        for (int s = 1; s <= count; ++s) {
+            line.addBindValue(no);
+            line.addBindValue(s);
+            line.addBindValue(QStringLiteral("품목%1").arg(s));
+            line.exec();
+        }
+    }
+    db.commit();
+}
+
+// The run time the command line reports for sql run kRepeats times: the median of one
+// statement, or for several statements (a save) the sum of all divided by the repeats.
+double cliMs(const QString& file, const QString& prelude, const QString& sql) {
+    QString script = prelude + QStringLiteral("\n.output /dev/null\n.timer on\n");
+    for (int i = 0; i < kRepeats; ++i)
+        script += sql + QStringLiteral(";\n");
+    QProcess p;
+    p.start(QStringLiteral("sqlite3"), {file});
+    p.write(script.toUtf8());
+    p.closeWriteChannel();
+    p.waitForFinished(-1);
+    std::vector<double> times;
+    const QRegularExpression real(QStringLiteral("Run Time: real ([0-9.]+)"));
+    auto it = real.globalMatch(QString::fromUtf8(p.readAllStandardOutput()));
+    while (it.hasNext())
+        times.push_back(it.next().captured(1).toDouble() * 1000.0);
+    if (times.empty()) return -1;
+    if (int(times.size()) == kRepeats) return median(times);
+    double sum = 0;
+    for (double t : times)
+        sum += t;
+    return sum / kRepeats;
+}
+
+QString quoted(const QString& text) {
+    return u'\'' + text + u'\'';
+}
+
+void report(const char* what, int rows, double screenMs, double cli) {
+    std::printf("%-34s %7d rows  program %8.2f ms  sqlite3 %8.2f ms  ratio %5.2f\n", what, rows, screenMs,
+                cli, cli > 0 ? screenMs / cli : 0.0);
+}
+
+void timeList(const char* what, const QString& from, const QString& to) {
+    const QString basic = stores().dbBasic.path();
+    int rows = 0;
+    const double ms = medianMs([&] {
+        rows =
+            int(ReadStatementList(stores().dbBill, basic, from, to).value_or(QList<StatementHead>()).size());
+    });
+    QString sql = statementListSql(false);
+    sql.replace(sql.indexOf(u'?'), 1, quoted(from));
+    sql.replace(sql.indexOf(u'?'), 1, quoted(to));
+    report(what, rows, ms,
+           cliMs(stores().dbBill.path(), QStringLiteral("ATTACH '%1' AS %2;").arg(basic, kBasicAlias), sql));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    test::prepareEnvironment();
+    QApplication app(argc, argv);
+    test::prepareApplication(app);
+    test::TestHome home;
+    test::script();
+    if (!test::openStores()) return 1;
+
+    fillTraders(50000);
+    fillStatements(100000, 1000000);
+    std::printf("store: 50000 traders, 100000 statements, 1000000 lines over 2015-2024\n");
+
+    timeList("statement list, one month", QStringLiteral("2020-05-01"), QStringLiteral("2020-05-31"));
+    timeList("statement list, one year", QStringLiteral("2020-01-01"), QStringLiteral("2020-12-31"));
+
+    const QString big = code(100000);
+    int rows = 0;
+    double ms = medianMs([&] {
+        rows = int(ReadStatementLines(stores().dbBill, big).value_or(QList<StatementLine>()).size());
+    });
+    report("lines of a 200-line statement", rows, ms,
+           cliMs(stores().dbBill.path(), QString(),
+                 QStringLiteral("SELECT * FROM Detail WHERE BillNo = '%1' ORDER BY BillSEQ").arg(big)));
+
+    ms = medianMs([&] {
+        DetailInsert(stores().dbBill, {big, QString(), code(1), QStringLiteral("새 품목")});
+    });
+    report("one new line", 1, ms,
+           cliMs(stores().dbBill.path(), QString(),
+                 QStringLiteral(
+                     "BEGIN; SELECT MAX(BillSEQ) FROM Detail WHERE BillNo = '%1'; INSERT INTO Detail "
+                     "VALUES ('%1', 9999, 'x', '', 0, 0, 0, 0, 0); UPDATE Master SET NumBill = NumBill "
+                     "+ 1 WHERE BillNo = '%1'; ROLLBACK")
+                     .arg(big)));
+
+    double amount = 10000;
+    ms = medianMs([&] { DetailUpdate(stores().dbBill, big, 100, QStringLiteral("Amount"), amount += 10); });
+    report("one changed amount", 1, ms,
+           cliMs(stores().dbBill.path(), QString(),
+                 QStringLiteral(
+                     "BEGIN; SELECT * FROM Detail WHERE BillNo = '%1' AND BillSEQ = 100; UPDATE Master "
+                     "SET TotAmount = TotAmount - 10 WHERE BillNo = '%1'; UPDATE Detail SET Amount = 1 "
+                     "WHERE BillNo = '%1' AND BillSEQ = 100; ROLLBACK")
+                     .arg(big)));
+    return 0;
+}

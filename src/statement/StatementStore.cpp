@@ -1,0 +1,349 @@
+#include "statement/StatementStore.h"
+
+#include "common/Messages.h"
+#include "common/text/NumberFormat.h"
+#include "storage/CrossFileQueries.h"
+#include "storage/Database.h"
+
+namespace nb {
+
+namespace {
+
+// The icon of a box that reports a failure of the store.
+constexpr int kErrorBox = 16;
+
+void errorBox(const QString& text) {
+    MsgBox(text, kErrorBox);
+}
+
+// One save in one transaction: rolled back unless committed.
+class SaveTransaction {
+public:
+    explicit SaveTransaction(Database& db) : m_db(db), m_open(db.beginTransaction()) {}
+    ~SaveTransaction() {
+        if (m_open) m_db.rollback();
+    }
+    bool started() const { return m_open; }
+    bool commit() {
+        if (!m_open) return false;
+        m_open = !m_db.commit();
+        return !m_open;
+    }
+
+private:
+    Database& m_db;
+    bool m_open;
+};
+
+// A write that must touch exactly the rows it names: false when the engine failed
+// (engineFailed set) or when no row was touched.
+bool touches(Database& db, const QString& sql, const QVariantList& values, bool& engineFailed) {
+    engineFailed = !db.tryExecute(sql, values);
+    return !engineFailed && db.RecordsAffected() > 0;
+}
+
+void showRunTimeFailure(Database& db, const QString& text) {
+    ShowError(text, db.lastErrorNumber(), db.lastErrorDescription());
+}
+
+// The highest BillSEQ of a statement plus one (1 for none); nothing when the read failed.
+std::optional<int> nextBillSeq(Database& dbBill, const QString& billNo) {
+    Recordset rs;
+    if (!OpenSnapshot(dbBill, rs, QStringLiteral("SELECT MAX(BillSEQ) AS seq FROM Detail WHERE BillNo = ?"),
+                      {billNo}))
+        return std::nullopt;
+    const int seq = rs.isNull(QStringLiteral("seq")) ? 1 : int(rs.number(QStringLiteral("seq"))) + 1;
+    CloseRs(rs);
+    return seq;
+}
+
+bool insertHead(Database& dbBill, const NewLine& line, const QString& billNo) {
+    bool engineFailed = false;
+    if (touches(dbBill,
+                QStringLiteral("INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, NumBill) "
+                               "VALUES (?, ?, ?, 0, 0, 0)"),
+                {billNo, line.billDate, line.cCode}, engineFailed))
+        return true;
+    if (engineFailed)
+        showRunTimeFailure(dbBill, QStringLiteral("자료를 저장하는 중 오류가 발생했습니다."));
+    else
+        errorBox(QStringLiteral("자료 저장중 Master에서 오류가 발생했습니다."));
+    return false;
+}
+
+bool insertLineRow(Database& dbBill, const QString& billNo, int seq, const QString& pName) {
+    bool engineFailed = false;
+    if (touches(
+            dbBill,
+            QStringLiteral("INSERT INTO Detail (BillNo, BillSEQ, PName, Unit, Quant, Price, DC, Amount, VAT) "
+                           "VALUES (?, ?, ?, '', 0, 0, 0, 0, 0)"),
+            {billNo, seq, pName}, engineFailed))
+        return true;
+    if (engineFailed)
+        showRunTimeFailure(dbBill, QStringLiteral("자료를 저장하는 중 오류가 발생했습니다."));
+    else
+        errorBox(QStringLiteral("자료 저장중 Detail에서 오류가 발생했습니다."));
+    return false;
+}
+
+bool countLine(Database& dbBill, const QString& billNo) {
+    bool engineFailed = false;
+    if (touches(dbBill, QStringLiteral("UPDATE Master SET NumBill = NumBill + 1 WHERE BillNo = ?"), {billNo},
+                engineFailed))
+        return true;
+    if (engineFailed)
+        showRunTimeFailure(dbBill, QStringLiteral("자료를 저장하는 중 오류가 발생했습니다."));
+    else
+        errorBox(QStringLiteral("자료 저장중 Master의 거래건수에서 오류가 발생했습니다."));
+    return false;
+}
+
+StatementLine lineFromRow(const Recordset& rs) {
+    StatementLine line;
+    line.billNo = rs.text(QStringLiteral("BillNo"));
+    line.billSeq = int(rs.number(QStringLiteral("BillSEQ")));
+    line.pName = rs.text(QStringLiteral("PName"));
+    line.unit = rs.text(QStringLiteral("Unit"));
+    line.quant = rs.number(QStringLiteral("Quant"));
+    line.price = rs.number(QStringLiteral("Price"));
+    line.amount = rs.number(QStringLiteral("Amount"));
+    line.vat = rs.number(QStringLiteral("VAT"));
+    return line;
+}
+
+StatementHead headFromRow(const Recordset& rs) {
+    StatementHead head;
+    head.billNo = rs.text(QStringLiteral("BillNo"));
+    head.billDate = rs.text(QStringLiteral("BillDate"));
+    head.cCode = rs.text(QStringLiteral("CCode"));
+    head.cName = rs.text(QStringLiteral("C_Name"));
+    head.totAmount = rs.number(QStringLiteral("TotAmount"));
+    head.totVat = rs.number(QStringLiteral("TotVat"));
+    head.numBill = int(rs.number(QStringLiteral("NumBill")));
+    return head;
+}
+
+// The head's total column a line field feeds, empty for the others.
+QString headTotalOf(const QString& upperField) {
+    if (upperField == QLatin1String("AMOUNT")) return QStringLiteral("TotAmount");
+    if (upperField == QLatin1String("VAT")) return QStringLiteral("TotVat");
+    return QString();
+}
+
+bool deleteLineRows(Database& dbBill, const QString& billNo, int billSeq, const DeletedLine& line) {
+    bool engineFailed = false;
+    if (!touches(dbBill, QStringLiteral("DELETE FROM Detail WHERE BillNo = ? AND BillSEQ = ?"),
+                 {billNo, billSeq}, engineFailed))
+        return false;
+    return touches(dbBill,
+                   QStringLiteral("UPDATE Master SET TotAmount = TotAmount - ?, TotVat = TotVat - ?, "
+                                  "NumBill = NumBill - 1 WHERE BillNo = ?"),
+                   {line.amount, line.vat, billNo}, engineFailed);
+}
+
+bool nothingChosen(const QString& billNo) {
+    return NumberFromText(billNo) == 0;
+}
+
+} // namespace
+
+std::optional<QString> NextBillNo(Database& dbBill) {
+    Recordset rs;
+    if (!OpenSnapshot(dbBill, rs, QStringLiteral("SELECT MAX(BillNo) AS last FROM Master")))
+        return std::nullopt;
+    QString next = kFirstBillNo;
+    if (!rs.isNull(QStringLiteral("last")))
+        next = FormatNumber(qint64(NumberFromText(rs.text(QStringLiteral("last")))) + 1,
+                            QStringLiteral("000000"));
+    CloseRs(rs);
+    return next;
+}
+
+QString billDateFromBox(const QString& txtDate) {
+    QString date = txtDate;
+    return date.replace(QStringLiteral("년"), QStringLiteral("-"))
+        .replace(QStringLiteral("월"), QStringLiteral("-"))
+        .remove(QStringLiteral("일"));
+}
+
+InsertedLine DetailInsert(Database& dbBill, const NewLine& line) {
+    InsertedLine result;
+    SaveTransaction save(dbBill);
+    if (!save.started()) {
+        showRunTimeFailure(dbBill, QStringLiteral("자료를 저장하는 중 오류가 발생했습니다."));
+        return result;
+    }
+    result.billNo = line.billNo;
+    if (result.billNo.isEmpty()) {
+        const std::optional<QString> number = NextBillNo(dbBill);
+        if (!number) return result;
+        result.billNo = *number;
+        if (!insertHead(dbBill, line, result.billNo)) return result;
+        result.newHead = true;
+    }
+    const std::optional<int> seq = nextBillSeq(dbBill, result.billNo);
+    if (!seq) return result;
+    if (!insertLineRow(dbBill, result.billNo, *seq, line.pName)) return result;
+    if (!countLine(dbBill, result.billNo)) return result;
+    if (!save.commit()) {
+        showRunTimeFailure(dbBill, QStringLiteral("자료를 저장하는 중 오류가 발생했습니다."));
+        return result;
+    }
+    result.billSeq = *seq;
+    result.ok = true;
+    return result;
+}
+
+bool isLineField(const QString& field) {
+    static const QStringList fields{QStringLiteral("PNAME"),  QStringLiteral("UNIT"),
+                                    QStringLiteral("QUANT"),  QStringLiteral("PRICE"),
+                                    QStringLiteral("AMOUNT"), QStringLiteral("VAT")};
+    return fields.contains(field.toUpper());
+}
+
+UpdatedLine DetailUpdate(Database& dbBill, const QString& billNo, int billSeq, const QString& field,
+                         const QVariant& value) {
+    UpdatedLine result;
+    result.field = field.toUpper();
+    if (billSeq == -1) {
+        errorBox(QStringLiteral("내역순번 정의 오류입니다."));
+        return result;
+    }
+    Recordset rs;
+    if (!OpenSnapshot(dbBill, rs, QStringLiteral("SELECT * FROM Detail WHERE BillNo = ? AND BillSEQ = ?"),
+                      {billNo, billSeq}))
+        return result;
+    if (rs.EOF_()) {
+        CloseRs(rs);
+        errorBox(QStringLiteral("코드[") + billNo + u'_' + QString::number(billSeq) +
+                 QStringLiteral("]에 해당하는 자료를 찾을 수 없습니다."));
+        return result;
+    }
+    const QString total = headTotalOf(result.field);
+    const double diff = total.isEmpty() ? 0.0 : rs.number(result.field) - value.toDouble();
+    CloseRs(rs);
+    if (!isLineField(result.field)) {
+        errorBox(QStringLiteral("자료를 수정하는 중 오류가 발생했습니다."));
+        return result;
+    }
+    SaveTransaction save(dbBill);
+    bool engineFailed = false;
+    const bool headMoved =
+        save.started() &&
+        (diff == 0.0 || touches(dbBill,
+                                QStringLiteral("UPDATE Master SET ") + total + QStringLiteral(" = ") + total +
+                                    QStringLiteral(" - ? WHERE BillNo = ?"),
+                                {diff, billNo}, engineFailed));
+    const bool lineChanged =
+        headMoved && touches(dbBill,
+                             QStringLiteral("UPDATE Detail SET ") + quoteName(result.field) +
+                                 QStringLiteral(" = ? WHERE BillNo = ? AND BillSEQ = ?"),
+                             {value, billNo, billSeq}, engineFailed);
+    if (!lineChanged || !save.commit()) {
+        ShowError(QStringLiteral("자료를 수정하는 중 오류가 발생했습니다."), dbBill.lastErrorNumber(),
+                  dbBill.lastErrorDescription());
+        return result;
+    }
+    result.diff = diff;
+    result.ok = true;
+    return result;
+}
+
+DeletedLine DeleteLine(Database& dbBill, const QString& billNo, int billSeq) {
+    DeletedLine result;
+    if (nothingChosen(billNo) || billSeq == 0) {
+        result.outcome = LineDeleteOutcome::NothingChosen;
+        ShowWarning(QStringLiteral("삭제할 행을 먼저 선택하세요."));
+        return result;
+    }
+    if (AskYesNo(QStringLiteral("선택된 거래내역을 삭제하시겠습니까?"), QStringLiteral("거래내역 삭제"),
+                 false) != AnsYes) {
+        result.outcome = LineDeleteOutcome::Declined;
+        return result;
+    }
+    Recordset rs;
+    if (!OpenSnapshot(dbBill, rs, QStringLiteral("SELECT count(*) AS lines FROM Detail WHERE BillNo = ?"),
+                      {billNo}))
+        return result;
+    const int lines = int(rs.number(QStringLiteral("lines")));
+    CloseRs(rs);
+    if (lines == 1) {
+        result.outcome = DeleteStatement(dbBill, billNo, true) == StatementDeleteOutcome::Deleted
+                             ? LineDeleteOutcome::WholeStatement
+                             : LineDeleteOutcome::Failed;
+        return result;
+    }
+    if (!OpenSnapshot(dbBill, rs,
+                      QStringLiteral("SELECT Amount, VAT FROM Detail WHERE BillNo = ? AND BillSEQ = ?"),
+                      {billNo, billSeq}))
+        return result;
+    if (rs.EOF_()) {
+        CloseRs(rs);
+        result.outcome = LineDeleteOutcome::NotFound;
+        errorBox(QStringLiteral("거래자료를 찾을 수 없습니다.") + billNo + u'_' + QString::number(billSeq));
+        return result;
+    }
+    result.amount = rs.number(QStringLiteral("Amount"));
+    result.vat = rs.number(QStringLiteral("VAT"));
+    CloseRs(rs);
+    SaveTransaction save(dbBill);
+    if (!save.started() || !deleteLineRows(dbBill, billNo, billSeq, result) || !save.commit()) {
+        errorBox(QStringLiteral("삭제도중 오류가 발생했습니다."));
+        return result;
+    }
+    result.outcome = LineDeleteOutcome::Deleted;
+    return result;
+}
+
+StatementDeleteOutcome DeleteStatement(Database& dbBill, const QString& billNo, bool skipPrompt) {
+    if (nothingChosen(billNo)) {
+        ShowWarning(QStringLiteral("삭제할 행을 먼저 선택하세요."));
+        return StatementDeleteOutcome::NothingChosen;
+    }
+    if (!skipPrompt && AskYesNo(QStringLiteral("선택된 전표를 삭제하시겠습니까?"),
+                                QStringLiteral("기존발행전표 삭제"), false) != AnsYes)
+        return StatementDeleteOutcome::Declined;
+    SaveTransaction save(dbBill);
+    bool engineFailed = false;
+    const bool gone =
+        save.started() &&
+        touches(dbBill, QStringLiteral("DELETE FROM Master WHERE BillNo = ?"), {billNo}, engineFailed) &&
+        dbBill.tryExecute(QStringLiteral("DELETE FROM Detail WHERE BillNo = ?"), {billNo});
+    if (!gone || !save.commit()) {
+        errorBox(QStringLiteral("삭제도중 오류가 발생했습니다."));
+        return StatementDeleteOutcome::Failed;
+    }
+    return StatementDeleteOutcome::Deleted;
+}
+
+std::optional<QList<StatementHead>> ReadStatementList(Database& dbBill, const QString& basicFile,
+                                                      const QString& from, const QString& to,
+                                                      const QString& cCode) {
+    Recordset rs;
+    if (!OpenStatementList(dbBill, basicFile, rs, from, to, cCode)) return std::nullopt;
+    QList<StatementHead> heads;
+    heads.reserve(rs.RecordCount());
+    for (; !rs.EOF_(); rs.MoveNext())
+        heads.append(headFromRow(rs));
+    CloseRs(rs);
+    return heads;
+}
+
+std::optional<QList<StatementLine>> ReadStatementLines(Database& dbBill, const QString& billNo) {
+    Recordset rs;
+    if (!OpenSnapshot(dbBill, rs, QStringLiteral("SELECT * FROM Detail WHERE BillNo = ? ORDER BY BillSEQ"),
+                      {billNo}))
+        return std::nullopt;
+    QList<StatementLine> lines;
+    lines.reserve(rs.RecordCount());
+    for (; !rs.EOF_(); rs.MoveNext())
+        lines.append(lineFromRow(rs));
+    CloseRs(rs);
+    return lines;
+}
+
+int detailRowCount(int lineCount) {
+    return lineCount < 15 ? 15 : lineCount + 1;
+}
+
+} // namespace nb

@@ -1,0 +1,154 @@
+// What the statement screen shows as lines are typed, changed and deleted: the list with its
+// empty row, the pending row, the totals, and the statement handed to the print.
+#include "StoreFixture.h"
+#include "statement/DealListModel.h"
+
+using namespace nb;
+
+namespace {
+
+Database& bill() {
+    return stores().dbBill;
+}
+
+void prepareTrader(DealListModel& model) {
+    model.setTrader(QStringLiteral("000001"), QStringLiteral("가나상사"));
+    model.setDateBox(QStringLiteral("2024년05월10일"));
+}
+
+bool listMay(DealListModel& model) {
+    return model.masterList(stores().dbBasic.path(), QStringLiteral("2024-05-01"),
+                            QStringLiteral("2024-05-31"), false);
+}
+
+} // namespace
+
+class TestDealListModel : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void emptyListStandsOnNewStatementWithPendingRow() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        DealListModel model(bill());
+        QVERIFY(listMay(model));
+        QCOMPARE(model.masterRowCount(), 1);
+        QCOMPARE(model.dataRowCount(), 0);
+        prepareTrader(model);
+        QVERIFY(listMay(model));
+        QCOMPARE(model.dataRowCount(), 1);
+        QCOMPARE(model.detailRowCount(), 15);
+        QCOMPARE(model.selectedBillNo(), QString());
+        QCOMPARE(model.selectedBillSeq(), 0);
+    }
+    void firstLineMakesHeadInListAndTotalsFollowEdits() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        DealListModel model(bill());
+        prepareTrader(model);
+        QVERIFY(listMay(model));
+        QVERIFY(model.insertLine(QStringLiteral("볼트")));
+        QCOMPARE(model.masters().size(), 1);
+        QCOMPARE(model.masters()[0].billDate, QStringLiteral("2024-05-10"));
+        QCOMPARE(model.masters()[0].cName, QStringLiteral("가나상사"));
+        QCOMPARE(model.masters()[0].numBill, 1);
+        QVERIFY(model.updateField(QStringLiteral("Amount"), 3765.0));
+        QVERIFY(model.updateField(QStringLiteral("VAT"), 376.0));
+        QCOMPARE(model.sum(), 4141.0);
+        QCOMPARE(model.periodTotal(), 4141.0);
+        model.setActiveDetailRow(model.dataRowCount());
+        QVERIFY(model.insertLine(QStringLiteral("너트")));
+        QCOMPARE(model.dataRowCount(), 3);
+        QCOMPARE(model.periodCount(), 2);
+        const ShownStatement shown = model.shown();
+        QCOMPARE(shown.head.billNo, QStringLiteral("000001"));
+        QCOMPARE(shown.lines.size(), 2);
+        QCOMPARE(test::scalar(bill(), QStringLiteral("SELECT TotAmount FROM Master")).toDouble(), 3765.0);
+        // Listed anew: the screen stands on the empty row again; choosing the row shows its lines.
+        QVERIFY(listMay(model));
+        QCOMPARE(model.activeMasterRow(), 2);
+        QCOMPARE(model.lines().size(), 0);
+        model.chooseMaster(1);
+        QCOMPARE(model.lines().size(), 2);
+        QCOMPARE(model.gong(), 3765.0);
+        QCOMPARE(model.se(), 376.0);
+        QCOMPARE(model.activeDetailRow(), 3);
+    }
+    void deletingLastLineMovesToNeighbourAndItsTrader() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        DealListModel model(bill());
+        prepareTrader(model);
+        QVERIFY(listMay(model));
+        QVERIFY(model.insertLine(QStringLiteral("a")));
+        model.chooseMaster(2);
+        model.setTrader(QStringLiteral("000002"), QStringLiteral("다라"));
+        QVERIFY(model.insertLine(QStringLiteral("b")));
+        QVERIFY(listMay(model));
+        model.chooseMaster(1);
+        model.setActiveDetailRow(1);
+        test::script().answer(AnsYes);
+        QCOMPARE(model.deleteLine(), LineDeleteOutcome::WholeStatement);
+        QCOMPARE(model.masters().size(), 1);
+        QCOMPARE(model.traderCode(), QStringLiteral("000002"));
+        QCOMPARE(model.lines()[0].pName, QStringLiteral("b"));
+        QCOMPARE(model.deleteStatement(true), StatementDeleteOutcome::Deleted);
+        QCOMPARE(model.traderCode(), QString());
+        QCOMPARE(model.masterRowCount(), 1);
+    }
+    void choosingStatementOfAllTradersSetsTraderAndNextListShowsOnlyIt() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        DealListModel model(bill());
+        prepareTrader(model);
+        QVERIFY(model.insertLine(QStringLiteral("a")));
+        model.newMaster();
+        QCOMPARE(model.traderCode(), QString());
+        QCOMPARE(model.dataRowCount(), 0);
+        model.setTrader(QStringLiteral("000002"), QStringLiteral("다라"));
+        QVERIFY(model.insertLine(QStringLiteral("b")));
+        model.newMaster();
+        QVERIFY(listMay(model));
+        QCOMPARE(model.masters().size(), 2);
+        model.chooseMaster(2);
+        QCOMPARE(model.traderCode(), QStringLiteral("000002"));
+        QVERIFY(model.masterList(stores().dbBasic.path(), QStringLiteral("2024-05-01"),
+                                 QStringLiteral("2024-05-31"), true));
+        QCOMPARE(model.masters().size(), 1);
+        QCOMPARE(model.masters()[0].cCode, QStringLiteral("000002"));
+    }
+    void choosingStatementSetsPreviousBalanceToZero() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        DealListModel model(bill());
+        prepareTrader(model);
+        QVERIFY(model.insertLine(QStringLiteral("a")));
+        QVERIFY(model.updateField(QStringLiteral("Amount"), 1000.0));
+        model.setPreMisu(5000);
+        QCOMPARE(model.misu(), 6000.0);
+        model.chooseMaster(1);
+        QCOMPARE(model.preMisu(), 0.0);
+        QCOMPARE(model.misu(), 1000.0);
+    }
+    void lineDeleteMovesShownTotals() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        DealListModel model(bill());
+        prepareTrader(model);
+        QVERIFY(listMay(model));
+        for (const QString& name : {QStringLiteral("a"), QStringLiteral("b")}) {
+            model.setActiveDetailRow(model.dataRowCount());
+            QVERIFY(model.insertLine(name));
+            QVERIFY(model.updateField(QStringLiteral("Amount"), 1000.0));
+        }
+        model.setActiveDetailRow(1);
+        test::script().answer(AnsYes);
+        QCOMPARE(model.deleteLine(), LineDeleteOutcome::Deleted);
+        QCOMPARE(model.gong(), 1000.0);
+        QCOMPARE(model.masters()[0].numBill, 1);
+        QCOMPARE(model.masters()[0].totAmount, 1000.0);
+        QCOMPARE(model.lines()[0].billSeq, 2);
+    }
+};
+
+NB_TEST_MAIN(TestDealListModel)
+#include "tst_statement_deal_list_model.moc"
