@@ -320,6 +320,15 @@ bool Database::hasIndex(const QString& indexName) const {
     return q.exec() && q.next();
 }
 
+bool Database::hasTrigger(const QString& triggerName) const {
+    if (!isOpen()) return false;
+    QSqlQuery q(connection());
+    q.prepare(
+        QStringLiteral("SELECT 1 FROM sqlite_master WHERE type = 'trigger' AND name = ? COLLATE NOCASE"));
+    q.addBindValue(triggerName);
+    return q.exec() && q.next();
+}
+
 bool Database::hasPrimaryIndex(const QString& table) const {
     if (!isOpen()) return false;
     // A rowid PRIMARY KEY (INTEGER PRIMARY KEY) has no entry among the indexes.

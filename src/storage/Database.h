@@ -105,6 +105,7 @@ public:
     QString columnType(const QString& table, const QString& column) const;
     QList<IndexInfo> indexes(const QString& table) const;
     bool hasIndex(const QString& indexName) const;
+    bool hasTrigger(const QString& triggerName) const;
     // True when the table has a primary index (see isPrimaryIndex).
     bool hasPrimaryIndex(const QString& table) const;
 

@@ -229,6 +229,50 @@ TableDef tableDef(const QString& name) {
     return {};
 }
 
+namespace {
+
+// The whole-number columns the totals and quotations are built on. The original's engine
+// rounded a fraction written into such a column half to even; SQLite would keep the fraction,
+// so these triggers round it on every write, whoever writes.
+const QList<std::pair<QString, QStringList>>& wholeNumberColumns() {
+    static const QList<std::pair<QString, QStringList>> columns = {
+        {QStringLiteral("SaleTotal"),
+         {QStringLiteral("TradeKum"), QStringLiteral("VatKum"), QStringLiteral("Blank")}},
+        {QStringLiteral("BuyTotal"),
+         {QStringLiteral("TradeKum"), QStringLiteral("VatKum"), QStringLiteral("Blank")}},
+        {QStringLiteral("Estimate"), {QStringLiteral("EstiKum")}}};
+    return columns;
+}
+
+// x rounded half to even, as an integer: the truncated value, one step away from zero when
+// the fraction is more than a half, or exactly a half on an odd number.
+QString halfEven(const QString& x) {
+    const QString t = QStringLiteral("CAST(%1 AS INTEGER)").arg(x);
+    return QStringLiteral("(CASE WHEN abs(%1 - %2) = 0.5 THEN %2 + (abs(%2) %% 2) * (CASE WHEN %1 > 0 THEN 1 "
+                          "ELSE -1 END) "
+                          "ELSE CAST(round(%1) AS INTEGER) END)")
+        .arg(x, t)
+        .replace(QStringLiteral("%%"), QStringLiteral("%"));
+}
+
+} // namespace
+
+QStringList wholeNumberTriggers(const QString& table) {
+    for (const auto& [name, columns] : wholeNumberColumns()) {
+        if (name != table) continue;
+        QString body;
+        for (const QString& c : columns)
+            body += QStringLiteral("UPDATE %1 SET %2 = %3 WHERE rowid = new.rowid AND typeof(%2) = 'real'; ")
+                        .arg(quoteName(table), quoteName(c), halfEven(quoteName(c)));
+        const QString list = columns.join(QStringLiteral(", "));
+        return {QStringLiteral("CREATE TRIGGER IF NOT EXISTS %1 AFTER INSERT ON %2 BEGIN %3END")
+                    .arg(quoteName(table + QStringLiteral("_whole_ai")), quoteName(table), body),
+                QStringLiteral("CREATE TRIGGER IF NOT EXISTS %1 AFTER UPDATE OF %2 ON %3 BEGIN %4END")
+                    .arg(quoteName(table + QStringLiteral("_whole_au")), list, quoteName(table), body)};
+    }
+    return {};
+}
+
 QStringList createStatements(const TableDef& table) {
     QStringList columns;
     for (const ColumnDef& column : table.columns)
@@ -237,6 +281,7 @@ QStringList createStatements(const TableDef& table) {
                     QStringLiteral(" (") + columns.join(QStringLiteral(", ")) + u')'};
     for (const IndexDef& index : table.indexes)
         out << indexSql(table, index);
+    out << wholeNumberTriggers(table.name);
     return out;
 }
 

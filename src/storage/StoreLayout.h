@@ -55,6 +55,9 @@ QStringList createStatements(const TableDef& table);
 // Creates the table with its indexes in one transaction; a failure shows the query box and
 // leaves the file as it was.
 bool createTable(Database& db, const TableDef& table);
+// The triggers that round fractions written into a table's whole-number columns half to even
+// (SaleTotal, BuyTotal, Estimate); none for other tables.
+QStringList wholeNumberTriggers(const QString& table);
 
 // Creates, for each store path of the application state that is set and names no existing
 // file, that file with its complete layout; InOutCash.db is created without tables. The file

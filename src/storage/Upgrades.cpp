@@ -56,6 +56,13 @@ void addSupplierPrimaryIndex(Database& basic) {
                   QStringLiteral(" ON \"User\" (\"Serial\")"));
 }
 
+// Files from before the rounding triggers gain them; a file that has them runs nothing.
+void addWholeNumberTriggers(Database& db, const QString& table) {
+    if (!db.isOpen() || !db.hasTable(table) || db.hasTrigger(table + QStringLiteral("_whole_au"))) return;
+    for (const QString& sql : wholeNumberTriggers(table))
+        db.Execute(sql);
+}
+
 } // namespace
 
 void UpgradeTables() {
@@ -68,6 +75,8 @@ void UpgradeTables() {
         runUserStep = addInvoiceSupplierColumn(s.dbTax, s.dbBasic);
     }
     if (runUserStep) addSupplierPrimaryIndex(s.dbBasic);
+    addWholeNumberTriggers(s.dbTax, QStringLiteral("SaleTotal"));
+    addWholeNumberTriggers(s.dbTax, QStringLiteral("BuyTotal"));
 }
 
 void UpgradeColumns() {

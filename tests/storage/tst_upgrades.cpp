@@ -161,6 +161,46 @@ private Q_SLOTS:
         QCOMPARE(column(app().DbTaxFile, QStringLiteral("SELECT Receipt FROM NewAcount ORDER BY TaxCode")),
                  (QStringList{QStringLiteral("<null>"), QStringLiteral("<null>")}));
     }
+    void wholeNumberColumnsRoundFractionsHalfToEvenOnWriting() {
+        test::TestHome home;
+        test::useStoreFolder(home);
+        CreateMissingStoreFiles();
+        QVERIFY(test::runRaw(app().DbTaxFile,
+                             {QStringLiteral("INSERT INTO SaleTotal (Serial, CCode, TradeKum, VatKum, Blank) "
+                                             "VALUES ('1', 'a', 2.5, 3.5, -3.5)"),
+                              QStringLiteral("INSERT INTO BuyTotal (Serial, CCode, TradeKum, VatKum, Blank) "
+                                             "VALUES ('1', 'a', 10.4, -2.5, NULL)"),
+                              QStringLiteral("UPDATE BuyTotal SET TradeKum = 10.6")}));
+        QCOMPARE(column(app().DbTaxFile,
+                        QStringLiteral("SELECT TradeKum || '/' || VatKum || '/' || Blank FROM SaleTotal")),
+                 QStringList{QStringLiteral("2/4/-4")});
+        QCOMPARE(
+            column(app().DbTaxFile,
+                   QStringLiteral("SELECT TradeKum || '/' || VatKum || '/' || typeof(Blank) FROM BuyTotal")),
+            QStringList{QStringLiteral("11/-2/null")});
+        QVERIFY(test::runRaw(app().DbEstimateFile,
+                             {QStringLiteral("INSERT INTO Estimate (Seq, EstiKum) VALUES (1, 1500.5)"),
+                              QStringLiteral("INSERT INTO Estimate (Seq, EstiKum) VALUES (2, 1501.5)"),
+                              QStringLiteral("INSERT INTO Estimate (Seq, EstiKum) VALUES (3, 2000)")}));
+        QCOMPARE(column(app().DbEstimateFile, QStringLiteral("SELECT EstiKum FROM Estimate ORDER BY Seq")),
+                 (QStringList{QStringLiteral("1500"), QStringLiteral("1502"), QStringLiteral("2000")}));
+    }
+    void totalsOfAnOlderFileGainTheRoundingOnce() {
+        test::TestHome home;
+        layDownOldFiles(
+            home, {QStringLiteral("INSERT INTO User (Serial) VALUES ('111-11-11111')")},
+            {QStringLiteral("CREATE TABLE SaleTotal (Serial TEXT(8), CCode TEXT(6), TradeKum INTEGER, "
+                            "VatKum INTEGER, Blank INTEGER, CName TEXT(30), UserCode TEXT(15))")});
+        startUpSteps();
+        QVERIFY(stores().dbTax.hasTrigger(QStringLiteral("SaleTotal_whole_ai")));
+        QVERIFY(stores().dbTax.Execute(
+            QStringLiteral("INSERT INTO SaleTotal (Serial, CCode, TradeKum) VALUES ('1', 'a', 0.5)")));
+        QCOMPARE(column(app().DbTaxFile, QStringLiteral("SELECT TradeKum FROM SaleTotal")),
+                 QStringList{QStringLiteral("0")});
+        closeStores();
+        startUpSteps();
+        QCOMPARE(stores().dbTax.statementsRun(), 0);
+    }
     void productUnitTakesPNormAndPNormStartsEmpty() {
         test::TestHome home;
         layDownOldFiles(home);
