@@ -2,6 +2,7 @@
 // statements (200,000 statements, 1,000,000 lines), against the same query through the sqlite3
 // command line on the same files; and of the one-time move of an old statement file of
 // 100,000 statements and 1,000,000 lines (the whole step, as at start-up).
+#include "BenchSupport.h"
 #include "TestSupport.h"
 #include "common/dates/DateBox.h"
 #include "common/grid/Grid.h"
@@ -31,18 +32,6 @@ namespace {
 constexpr int kTraders = 50000;
 constexpr int kStatements = 200000;
 constexpr int kLinesPerStatement = 5;
-
-double medianMs(const std::function<void()>& run, int repeats = 5) {
-    std::vector<double> times;
-    for (int i = 0; i < repeats; ++i) {
-        QElapsedTimer t;
-        t.start();
-        run();
-        times.push_back(double(t.nsecsElapsed()) / 1e6);
-    }
-    std::sort(times.begin(), times.end());
-    return times[times.size() / 2];
-}
 
 QString code(int i) {
     return QStringLiteral("%1").arg(i, 6, 10, QLatin1Char('0'));
@@ -96,7 +85,7 @@ void fillStore() {
 }
 
 double sqliteCliMs(const QString& script, const QString& file) {
-    return medianMs([&] {
+    return bench::medianMs([&] {
         QProcess p;
         p.start(QStringLiteral("sqlite3"), {file, script});
         p.waitForFinished(-1);
@@ -114,11 +103,11 @@ void benchSearch() {
     form.txtDate->setText(QStringLiteral("2020-01-01"));
     form.chkNoTrade->setChecked(true);
     int rows = 0;
-    const double screenMs = medianMs([&] {
+    const double screenMs = bench::medianMs([&] {
         form.btnSearch->click();
         rows = form.grdList->MaxRows();
     });
-    const double queryMs = medianMs([&] {
+    const double queryMs = bench::medianMs([&] {
         Recordset rs;
         OpenTradersLastDeal(rs, TraderDealFilter{false, true, true}, QString(), QStringLiteral("2020-01-01"));
     });
@@ -208,11 +197,7 @@ int main(int argc, char** argv) {
     test::prepareApplication(app);
     {
         test::TestHome home;
-        test::script();
-        ReadSettings();
-        QDir().mkpath(nb::app().DbPath);
-        CreateMissingStoreFiles();
-        OpenDatabases();
+        bench::openFreshStore();
         benchSearch();
     }
     if (!qEnvironmentVariableIsSet("NB_BENCH_SEARCH_ONLY")) benchConversion();

@@ -2,6 +2,7 @@
 // 50,000 traders): the list of one month and of one year, the lines of a 200-line statement,
 // one new line and one changed line; beside each, the same query through the sqlite3 command
 // line on the same file.
+#include "BenchSupport.h"
 #include "StoreFixture.h"
 #include "statement/StatementStore.h"
 #include "storage/CrossFileQueries.h"
@@ -23,21 +24,7 @@ namespace {
 
 constexpr int kRepeats = 15;
 
-double median(std::vector<double> times) {
-    std::sort(times.begin(), times.end());
-    return times[times.size() / 2];
-}
-
-double medianMs(const std::function<void()>& run) {
-    std::vector<double> times;
-    for (int i = 0; i < kRepeats; ++i) {
-        QElapsedTimer t;
-        t.start();
-        run();
-        times.push_back(double(t.nsecsElapsed()) / 1e6);
-    }
-    return median(times);
-}
+double medianMs(const std::function<void()>& run) { return bench::medianMs(run, kRepeats); }
 
 QString code(int i) {
     return QStringLiteral("%1").arg(i, 6, 10, QChar(u'0'));
@@ -104,7 +91,10 @@ double cliMs(const QString& file, const QString& prelude, const QString& sql) {
     while (it.hasNext())
         times.push_back(it.next().captured(1).toDouble() * 1000.0);
     if (times.empty()) return -1;
-    if (int(times.size()) == kRepeats) return median(times);
+    if (int(times.size()) == kRepeats) {
+        std::sort(times.begin(), times.end());
+        return times[times.size() / 2];
+    }
     double sum = 0;
     for (double t : times)
         sum += t;
