@@ -7,6 +7,7 @@
 #include "printing/PrintingScreens.h"
 #include "quotation/QuotationCommand.h"
 #include "quotation/QuotationScreens.h"
+#include "statement/StatementScreens.h"
 
 int main(int argc, char** argv) {
     if (nb::isPrintInvoiceCommand(argc, argv)) return nb::runHeadless(argc, argv, nb::PrintInvoiceCommand);
@@ -15,6 +16,7 @@ int main(int argc, char** argv) {
     nb::registerMasterScreens();
     nb::registerPrintingScreens();
     nb::registerInvoiceScreens();
+    nb::registerStatementScreens();
     nb::registerQuotationScreens();
     nb::registerLinkScreens();
     return nb::runProgram(argc, argv);

@@ -3,7 +3,9 @@
 #include "common/Colors.h"
 
 #include <QApplication>
+#include <QInputDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
@@ -161,6 +163,12 @@ void DialogMessages::progressSet(int value) {
 
 void DialogMessages::progressClose() {
     if (m_progress) m_progress->close();
+}
+
+QString DialogMessages::input(const QString& prompt, const QString& title, const QString& defaultText) {
+    bool ok = false;
+    const QString text = QInputDialog::getText(activeParent(), title, prompt, QLineEdit::Normal, defaultText, &ok);
+    return ok ? text : QString();
 }
 
 } // namespace nb

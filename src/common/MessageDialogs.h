@@ -55,6 +55,7 @@ public:
     void progressShow(const QString& caption, int maximum) override;
     void progressSet(int value) override;
     void progressClose() override;
+    QString input(const QString& prompt, const QString& title, const QString& defaultText) override;
 
 private:
     QPointer<frmFloatMsg> m_float;

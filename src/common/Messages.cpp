@@ -63,6 +63,10 @@ void ShowFloatMsg(const QString& text, int millis, bool modal, int color) {
     messages().floatMsg(text, millis, modal, color);
 }
 
+QString InputBox(const QString& prompt, const QString& title, const QString& defaultText) {
+    return messages().input(prompt, title.isEmpty() ? applicationTitle() : title, defaultText);
+}
+
 QString failureReportText(int number, const QString& description, const QString& procedure,
                           const QString& module) {
     return QStringLiteral("Error ") + QString::number(number) + QStringLiteral(" (") + description +
@@ -123,6 +127,17 @@ const MessageRecord& ScriptedMessages::last() const {
     return m_records.empty() ? none : m_records.back();
 }
 
+QString ScriptedMessages::input(const QString& prompt, const QString& title, const QString& defaultText) {
+    m_records.push_back({QStringLiteral("input"), title, prompt, 0, 0, true});
+    if (m_inputs.empty()) {
+        ++m_unscripted;
+        return defaultText;
+    }
+    const QString text = m_inputs.front();
+    m_inputs.pop_front();
+    return text;
+}
+
 std::vector<MessageRecord> ScriptedMessages::boxes() const {
     std::vector<MessageRecord> out;
     for (const auto& r : m_records)
@@ -132,6 +147,7 @@ std::vector<MessageRecord> ScriptedMessages::boxes() const {
 
 void ScriptedMessages::clear() {
     m_answers.clear();
+    m_inputs.clear();
     m_records.clear();
     m_progressValues.clear();
     m_unscripted = 0;

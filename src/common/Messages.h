@@ -15,6 +15,7 @@ namespace nb {
 // Button and icon codes of the original's MsgBox.
 enum MsgButtons : int {
     MbOk = 0,
+    MbOkCancel = 1,
     MbYesNoCancel = 3,
     MbYesNo = 4,
     MbQuestion = 32,
@@ -53,6 +54,9 @@ public:
     virtual void progressShow(const QString& caption, int maximum) = 0;
     virtual void progressSet(int value) = 0;
     virtual void progressClose() = 0;
+    // The input box: a prompt, a title and a default text; the answer, or empty text when the
+    // operator cancelled.
+    virtual QString input(const QString& prompt, const QString& title, const QString& defaultText) = 0;
 };
 
 // The backend in force (the Qt one unless a test installed another).
@@ -73,6 +77,8 @@ int AskYesNoCancel(const QString& text, const QString& title = QString(), int ex
 void ShowError(const QString& text, int errorNumber, const QString& description);
 void ShowNotice(const QString& text, int millis = 500, int color = kNoticeColor);
 void ShowFloatMsg(const QString& text, int millis, bool modal, int color);
+// The original's InputBox: empty text when cancelled.
+QString InputBox(const QString& prompt, const QString& title, const QString& defaultText = QString());
 
 // The run-time failure "실행 시간 오류 '13'" (a setting or number text that is not a number),
 // under the application's title.
@@ -106,8 +112,11 @@ public:
     void progressShow(const QString& caption, int maximum) override;
     void progressSet(int value) override;
     void progressClose() override;
+    QString input(const QString& prompt, const QString& title, const QString& defaultText) override;
 
     void answer(int code) { m_answers.push_back(code); }
+    // The next input box's answer; with none left an input box answers its default text.
+    void answerInput(const QString& text) { m_inputs.push_back(text); }
     const std::vector<MessageRecord>& records() const { return m_records; }
     const MessageRecord& last() const;
     // Boxes only (no notices or progress).
@@ -118,6 +127,7 @@ public:
 
 private:
     std::deque<int> m_answers;
+    std::deque<QString> m_inputs;
     std::vector<MessageRecord> m_records;
     QList<int> m_progressValues;
     int m_unscripted = 0;

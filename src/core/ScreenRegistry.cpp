@@ -36,4 +36,19 @@ QWidget* openScreen(const QString& menuControl) { return opener() ? opener()(men
 
 void setScreenOpener(std::function<QWidget*(const QString& menuControl)> open) { opener() = std::move(open); }
 
+namespace {
+std::function<QWidget*(const QString&, bool)>& loader() {
+    static std::function<QWidget*(const QString&, bool)> installed;
+    return installed;
+}
+} // namespace
+
+QWidget* loadScreen(const QString& menuControl, bool afresh) {
+    return loader() ? loader()(menuControl, afresh) : nullptr;
+}
+
+void setScreenLoader(std::function<QWidget*(const QString& menuControl, bool afresh)> load) {
+    loader() = std::move(load);
+}
+
 } // namespace nb

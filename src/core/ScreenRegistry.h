@@ -31,4 +31,11 @@ QWidget* openScreen(const QString& menuControl);
 // The main window installs how entries open; tests may install their own.
 void setScreenOpener(std::function<QWidget*(const QString& menuControl)> opener);
 
+// Loads the child screen of an entry without showing it, so that a caller can hand it values
+// before its activation runs; afresh, a loaded one goes first with all it held and the screen
+// loads anew. openScreen then shows it. Null without a main window or for an entry that opens
+// no child screen.
+QWidget* loadScreen(const QString& menuControl, bool afresh);
+void setScreenLoader(std::function<QWidget*(const QString& menuControl, bool afresh)> loader);
+
 } // namespace nb

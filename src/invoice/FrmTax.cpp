@@ -12,6 +12,7 @@
 #include "core/AppFolder.h"
 #include "core/AppState.h"
 #include "core/Clock.h"
+#include "core/ScreenRegistry.h"
 #include "core/Settings.h"
 #include "invoice/FrmPic.h"
 #include "invoice/InvoiceIssue.h"
@@ -519,6 +520,14 @@ void FrmTax::vaBtn4_Click() {
     pic.exec();
 }
 
+// The statement screen, handed the trader of this screen.
+void FrmTax::vaBtn6_Click() {
+    const QString statements = QStringLiteral("mnu_거래명세표");
+    if (QWidget* screen = loadScreen(statements, false))
+        if (auto* code = screen->findChild<QLineEdit*>(QStringLiteral("txtCCode"))) code->setText(txtCCode->text());
+    openScreen(statements);
+}
+
 void FrmTax::btnPrinter_Click() {
     FrmSetPrinter form(this);
     form.InitForm(0);
@@ -541,6 +550,7 @@ void FrmTax::connectControls() {
     connect(btnSave, &QPushButton::clicked, this, &FrmTax::btnSave_Click);
     connect(vaBtn3, &QPushButton::clicked, this, &FrmTax::vaBtn3_Click);
     connect(vaBtn5, &QPushButton::clicked, this, &FrmTax::vaBtn5_Click);
+    connect(vaBtn6, &QPushButton::clicked, this, &FrmTax::vaBtn6_Click);
     connect(vaBtn4, &QPushButton::clicked, this, &FrmTax::vaBtn4_Click);
     connect(btnPrinter, &QPushButton::clicked, this, &FrmTax::btnPrinter_Click);
     connect(vaBtn1, &QPushButton::clicked, this, &FrmTax::vaBtn1_Click);

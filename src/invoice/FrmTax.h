@@ -111,6 +111,7 @@ public Q_SLOTS:
     void vaBtn3_Click();  // 다시입력
     void vaBtn5_Click();  // 집계
     void vaBtn4_Click();  // 견본보기
+    void vaBtn6_Click();  // 거래명세표 발행창
     void btnPrinter_Click();
     void vaBtn1_Click();
 

@@ -218,8 +218,7 @@ void FrmTax::buildButtons() {
                         QRect(kSideX, 506, kSideWidth, 36));
     btnTotal = makeButton(this, QStringLiteral("btnTotal"), QStringLiteral("세금계산서 관리"),
                           QRect(kSideX, 548, kSideWidth, 30));
-    // The statement screen and the invoice management come with later work.
-    vaBtn6->setEnabled(false);
+    // The invoice management comes with later work.
     btnTotal->setEnabled(false);
     pnlGubun = new QGroupBox(QStringLiteral("VAT구분"), this);
     pnlGubun->setObjectName(QStringLiteral("pnlGubun"));

@@ -8,7 +8,7 @@ namespace nb {
 
 LineAmounts amountsInMode(double total, VatMode mode) {
     switch (mode) {
-    case VatMode::Added:
+    case VatMode::Separate:
         return {total, std::trunc(total * 0.1)};
     case VatMode::Included: {
         const double amount = RoundAt(total / 1.1, 0);
@@ -24,7 +24,7 @@ std::optional<VatMode> modeOfLine(double amount, double vat, double oldQuant, do
     if (amount == 0) return std::nullopt;
     const double oldTotal = RoundAt(oldQuant * oldPrice, 0);
     if (amount + vat <= oldTotal) return vat != 0 ? VatMode::Included : VatMode::Exempt;
-    return VatMode::Added;
+    return VatMode::Separate;
 }
 
 std::optional<LineAmounts> LineAmountCalc(const LineBeforeAfter& line, VatMode screenMode) {

@@ -3,13 +3,14 @@
 // VAT mode the line already has (read from its stored amount and VAT) or, for a line with no
 // amount yet, by the mode chosen on the screen; and the prompt of a change of VAT mode.
 
+#include "invoice/InvoiceAmounts.h"
+
 #include <QString>
 #include <optional>
 
 namespace nb {
 
-// The VAT modes of gubun, in the order of its options.
-enum class VatMode { Added = 0, Included = 1, Exempt = 2 };
+// The VAT modes of gubun are those of the invoice: VAT on top, VAT included, no VAT.
 
 struct LineAmounts {
     double amount = 0;

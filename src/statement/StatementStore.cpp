@@ -346,4 +346,16 @@ int detailRowCount(int lineCount) {
     return lineCount < 15 ? 15 : lineCount + 1;
 }
 
+std::optional<QString> PeriodTotalText(Database& dbBill, const QString& from, const QString& to) {
+    Recordset rs;
+    if (!OpenSnapshot(dbBill, rs,
+                      QStringLiteral("Select Sum(totamount+totvat) from master Where billdate Between ? and ?"),
+                      {from, to}))
+        return std::nullopt;
+    const QVariant total = rs.EOF_() ? QVariant() : rs.field(0);
+    CloseRs(rs);
+    if (total.isNull()) return QStringLiteral("0 ");
+    return FormatNumber(total.toDouble(), kMaskSum) + u' ';
+}
+
 } // namespace nb

@@ -99,6 +99,11 @@ std::optional<QList<StatementHead>> ReadStatementList(Database& dbBill, const QS
 // The lines of one statement in sequence order; an empty number reads none.
 std::optional<QList<StatementLine>> ReadStatementLines(Database& dbBill, const QString& billNo);
 
+// The sum of every statement (all traders) dated between from and to, as the period total
+// shows it: "#,##0" and one blank behind, "0 " when there is none. Nothing when the read failed
+// (its box shown).
+std::optional<QString> PeriodTotalText(Database& dbBill, const QString& from, const QString& to);
+
 // Rows spDetail offers for a statement of lineCount lines: at least 15, else one more.
 int detailRowCount(int lineCount);
 

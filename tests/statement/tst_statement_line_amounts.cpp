@@ -18,8 +18,8 @@ class TestStatementLineAmounts : public QObject {
 private Q_SLOTS:
     void workedValuesOfTheThreeModes() {
         const LineBeforeAfter newLine{0, 0, 3, 1255, 0, 0};
-        QCOMPARE(calc(newLine, VatMode::Added).amount, 3765.0);
-        QCOMPARE(calc(newLine, VatMode::Added).vat, 376.0);
+        QCOMPARE(calc(newLine, VatMode::Separate).amount, 3765.0);
+        QCOMPARE(calc(newLine, VatMode::Separate).vat, 376.0);
         QCOMPARE(calc(newLine, VatMode::Included).amount, 3423.0);
         QCOMPARE(calc(newLine, VatMode::Included).vat, 342.0);
         QCOMPARE(calc(newLine, VatMode::Exempt).amount, 3765.0);
@@ -36,7 +36,7 @@ private Q_SLOTS:
         QCOMPARE(a.amount, 3000.0);
         QCOMPARE(a.vat, 300.0);
         // A carved-out line stays carved out under "added".
-        const LineAmounts b = calc({1, 11000, 2, 11000, 10000, 1000}, VatMode::Added);
+        const LineAmounts b = calc({1, 11000, 2, 11000, 10000, 1000}, VatMode::Separate);
         QCOMPARE(b.amount, 20000.0);
         QCOMPARE(b.vat, 2000.0);
     }
@@ -49,22 +49,22 @@ private Q_SLOTS:
         QCOMPARE(next.vat, 0.0);
     }
     void negativeQuantityRoundsAwayFromZeroAndCutsVatTowardsZero() {
-        const LineAmounts a = calc({0, 1255, -3, 1255, 0, 0}, VatMode::Added);
+        const LineAmounts a = calc({0, 1255, -3, 1255, 0, 0}, VatMode::Separate);
         QCOMPARE(a.amount, -3765.0);
         QCOMPARE(a.vat, -376.0);
     }
     void unchangedQuantityAndPriceChangeNothing() {
-        QVERIFY(!LineAmountCalc({3, 1255, 3, 1255, 3765, 376}, VatMode::Added));
+        QVERIFY(!LineAmountCalc({3, 1255, 3, 1255, 3765, 376}, VatMode::Separate));
     }
     void overtypedLowerAmountReadsAsCarvedOut() {
         // 3,765 + 376 overtyped to 3,000 + 376: not above the old total, so carved out.
         QCOMPARE(modeOfLine(3000, 376, 3, 1255), VatMode::Included);
         QCOMPARE(modeOfLine(3000, 0, 3, 1255), VatMode::Exempt);
-        QCOMPARE(modeOfLine(3765, 376, 3, 1255), VatMode::Added);
+        QCOMPARE(modeOfLine(3765, 376, 3, 1255), VatMode::Separate);
         QCOMPARE(modeOfLine(0, 376, 3, 1255), std::nullopt);
     }
     void decimalQuantitiesGiveWholeAmounts() {
-        const LineAmounts a = calc({0, 0, 1.5, 333.3, 0, 0}, VatMode::Added);
+        const LineAmounts a = calc({0, 0, 1.5, 333.3, 0, 0}, VatMode::Separate);
         QCOMPARE(a.amount, 500.0);
         QCOMPARE(a.vat, 50.0);
     }

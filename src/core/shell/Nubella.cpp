@@ -50,11 +50,15 @@ Nubella::Nubella(QWidget* parent) : QMainWindow(parent) {
         openEntry(control);
         return childScreen(control);
     });
+    setScreenLoader([this](const QString& control, bool afresh) { return loadChild(control, afresh); });
     resize(1200, 780);
 }
 
 // Screens must not open through a main window that is gone.
-Nubella::~Nubella() { setScreenOpener({}); }
+Nubella::~Nubella() {
+    setScreenOpener({});
+    setScreenLoader({});
+}
 
 QAction* Nubella::addItem(QMenu* menu, const QString& control, const QString& caption) {
     QAction* action = menu->addAction(caption);
@@ -165,15 +169,27 @@ void Nubella::openEntry(const QString& control) {
     else if (entry->run) entry->run(this);
 }
 
-void Nubella::showChild(const QString& control) {
+QWidget* Nubella::loadChild(const QString& control, bool afresh) {
+    const ScreenEntry* entry = screenFor(control);
+    if (!entry || !entry->createChild) return nullptr;
     QWidget* screen = m_children.value(control);
+    if (screen && afresh) {
+        m_children.remove(control);
+        delete screen->parentWidget(); // the frame, and the screen in it
+        screen = nullptr;
+    }
     if (!screen) {
-        screen = screenFor(control)->createChild();
+        screen = entry->createChild();
         QMdiSubWindow* sub = m_mdi->addSubWindow(screen);
         // Child screens stay loaded and keep their state: closing one only hides it.
         sub->setAttribute(Qt::WA_DeleteOnClose, false);
         m_children.insert(control, screen);
     }
+    return screen;
+}
+
+void Nubella::showChild(const QString& control) {
+    QWidget* screen = loadChild(control, false);
     auto* frame = qobject_cast<QMdiSubWindow*>(screen->parentWidget());
     // Choosing the entry of the screen already in front is an activation too; otherwise the
     // work area's change of active window gives it.

@@ -43,6 +43,7 @@ private:
     QAction* addBarAction(const QString& control, const QString& caption);
     void SetMainBackground();
     void showChild(const QString& control);
+    QWidget* loadChild(const QString& control, bool afresh);
     void askHomePage();
     void showConvertBox();
     void showAbout();

@@ -55,6 +55,7 @@ public:
     void progressShow(const QString&, int) override {}
     void progressSet(int) override {}
     void progressClose() override {}
+    QString input(const QString&, const QString&, const QString&) override { return QString(); }
 
 private:
     static void say(const QString& text) {
