@@ -4,6 +4,9 @@
 // line on the same file.
 #include "BenchSupport.h"
 #include "StoreFixture.h"
+#include "common/dates/DateCells.h"
+#include "common/grid/Grid.h"
+#include "statement/FrmDealList.h"
 #include "statement/StatementStore.h"
 #include "storage/CrossFileQueries.h"
 #include "storage/Stores.h"
@@ -101,6 +104,12 @@ double cliMs(const QString& file, const QString& prelude, const QString& sql) {
     return sum / kRepeats;
 }
 
+QString scalarText(const QString& sql) {
+    QSqlQuery q(stores().dbBill.connection());
+    q.exec(sql);
+    return q.next() ? q.value(0).toString() : QString();
+}
+
 QString quoted(const QString& text) {
     return u'\'' + text + u'\'';
 }
@@ -110,7 +119,9 @@ void report(const char* what, int rows, double screenMs, double cli) {
                 cli, cli > 0 ? screenMs / cli : 0.0);
 }
 
-void timeList(const char* what, const QString& from, const QString& to) {
+// The list read by the store, and the list as the screen shows it (its search button: the
+// query, spMaster filled, the empty row's lines, the sums), beside the bare query.
+void timeList(FrmDealList& screen, const char* what, const QString& from, const QString& to) {
     const QString basic = stores().dbBasic.path();
     int rows = 0;
     const double ms = medianMs([&] {
@@ -120,8 +131,31 @@ void timeList(const char* what, const QString& from, const QString& to) {
     QString sql = statementListSql(false);
     sql.replace(sql.indexOf(u'?'), 1, quoted(from));
     sql.replace(sql.indexOf(u'?'), 1, quoted(to));
-    report(what, rows, ms,
-           cliMs(stores().dbBill.path(), QStringLiteral("ATTACH '%1' AS %2;").arg(basic, kBasicAlias), sql));
+    const double cli =
+        cliMs(stores().dbBill.path(), QStringLiteral("ATTACH '%1' AS %2;").arg(basic, kBasicAlias), sql);
+    report(what, rows, ms, cli);
+    SetDateCellText(screen.spDate[0], from);
+    SetDateCellText(screen.spDate[1], to);
+    const double screenMs = medianMs([&] { screen.cmdMaster_Click(); });
+    report("  the same on the screen", screen.spMaster->MaxRows() - 1, screenMs, cli);
+}
+
+// Choosing the 200-line statement in the list (its lines into spDetail, the totals) and going
+// back to the empty row.
+void timeChoice(FrmDealList& screen, const QString& billNo, double cli) {
+    const QString date = scalarText(QStringLiteral("SELECT BillDate FROM Master WHERE BillNo = '%1'").arg(billNo));
+    SetDateCellText(screen.spDate[0], date);
+    SetDateCellText(screen.spDate[1], date);
+    screen.cmdMaster_Click();
+    int row = 1;
+    while (screen.spMaster->Text(ColMasterBillNo, row) != billNo)
+        ++row;
+    const int empty = screen.spMaster->MaxRows();
+    const double ms = medianMs([&] {
+        screen.spMaster->SetActiveCell(ColBillDate, row);
+        screen.spMaster->SetActiveCell(ColBillDate, empty);
+    });
+    report("  choosing it on the screen (and back)", screen.spDetail->MaxRows(), ms, cli);
 }
 
 } // namespace
@@ -138,17 +172,24 @@ int main(int argc, char** argv) {
     fillStatements(100000, 1000000);
     std::printf("store: 50000 traders, 100000 statements, 1000000 lines over 2015-2024\n");
 
-    timeList("statement list, one month", QStringLiteral("2020-05-01"), QStringLiteral("2020-05-31"));
-    timeList("statement list, one year", QStringLiteral("2020-01-01"), QStringLiteral("2020-12-31"));
+    QSqlQuery(stores().dbBasic.connection())
+        .exec(QStringLiteral("INSERT INTO User (Company, Serial) VALUES ('하르문상사', '123-45-67890')"));
+    FrmDealList screen;
+    screen.show();
+    QApplication::processEvents(); // the first activation: the supplier and the list of this month
+
+    timeList(screen, "statement list, one month", QStringLiteral("2020-05-01"), QStringLiteral("2020-05-31"));
+    timeList(screen, "statement list, one year", QStringLiteral("2020-01-01"), QStringLiteral("2020-12-31"));
 
     const QString big = code(100000);
     int rows = 0;
     double ms = medianMs([&] {
         rows = int(ReadStatementLines(stores().dbBill, big).value_or(QList<StatementLine>()).size());
     });
-    report("lines of a 200-line statement", rows, ms,
-           cliMs(stores().dbBill.path(), QString(),
-                 QStringLiteral("SELECT * FROM Detail WHERE BillNo = '%1' ORDER BY BillSEQ").arg(big)));
+    const double linesCli = cliMs(stores().dbBill.path(), QString(),
+                                  QStringLiteral("SELECT * FROM Detail WHERE BillNo = '%1' ORDER BY BillSEQ").arg(big));
+    report("lines of a 200-line statement", rows, ms, linesCli);
+    timeChoice(screen, big, linesCli);
 
     ms = medianMs([&] {
         DetailInsert(stores().dbBill, {big, QString(), code(1), QStringLiteral("새 품목")});

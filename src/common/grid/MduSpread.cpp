@@ -142,10 +142,8 @@ void MakeTotalGrid(Grid& total, Grid& data, int labelCol) {
 }
 
 void SetSumFormula(Grid& grid, int srcCol, int dstCol) {
-    for (int r = 1; r <= grid.MaxRows(); ++r) {
-        grid.SetFormula(dstCol, r, QString());
-        grid.SetText(dstCol, r, QString());
-    }
+    // One block: clearing cell by cell would work every formula out again after each cell.
+    grid.ClearRange(dstCol, 1, dstCol, grid.MaxRows());
     grid.SetFormula(dstCol, 1, QStringLiteral("SUM(R1C%1:R%2C%1)").arg(srcCol).arg(grid.MaxRows()));
 }
 
