@@ -6,6 +6,7 @@
 #include "common/dates/DateBox.h"
 #include "common/dates/DateCells.h"
 #include "core/Settings.h"
+#include "storage/Stores.h"
 #include "statement/DealPaper.h"
 
 #include <QCheckBox>
@@ -15,6 +16,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTableWidget>
+#include <QToolButton>
 
 using namespace nb;
 
@@ -333,6 +335,61 @@ private Q_SLOTS:
         QCOMPARE(test::lineValue(QStringLiteral("000001"), 1, QStringLiteral("Amount")).toDouble(), -3765.0);
         QCOMPARE(test::lineValue(QStringLiteral("000001"), 1, QStringLiteral("VAT")).toDouble(), -376.0);
         QCOMPARE(test::headValue(QStringLiteral("000001"), QStringLiteral("TotAmount")), -3765.0);
+    }
+    void aFailedSaveOfAQuantityPutsTheOldTextBackAndLeavesTheStoreAsItWas() {
+        Screen s;
+        auto& msgs = test::script();
+        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-05-09"), QStringLiteral("000001"),
+                               {{QStringLiteral("볼트"), 1, 1100, 1000, 100}});
+        FrmDealList& f = s.open();
+        f.spMaster->setFocus();
+        f.spMaster->SetActiveCell(ColBillDate, 1);
+        QVERIFY(test::exec(stores().dbBill, QStringLiteral("CREATE TEMP TRIGGER fail_line BEFORE UPDATE ON Detail "
+                                                          "BEGIN SELECT RAISE(ABORT, 'disk full'); END")));
+        goToCell(f, ColQuant, 1);
+        typeIntoCell(QStringLiteral("5"));
+        QVERIFY(msgs.boxes().back().text.startsWith(QStringLiteral("자료를 수정하는 중 오류가 발생했습니다.")));
+        QCOMPARE(f.spDetail->Text(ColQuant, 1), QStringLiteral("1"));
+        QCOMPARE(test::lineValue(QStringLiteral("000001"), 1, QStringLiteral("Quant")).toDouble(), 1.0);
+        QCOMPARE(test::headValue(QStringLiteral("000001"), QStringLiteral("TotAmount")), 1000.0);
+        QCOMPARE(f.gong->text(), QStringLiteral("1,000"));
+        test::exec(stores().dbBill, QStringLiteral("DROP TRIGGER fail_line"));
+    }
+
+    void aFailedFirstLineLeavesNoStatementBehind() {
+        Screen s;
+        auto& msgs = test::script();
+        FrmDealList& f = s.open();
+        test::chooseTrader(f, QStringLiteral("가나"));
+        QVERIFY(test::exec(stores().dbBill, QStringLiteral("CREATE TEMP TRIGGER fail_line BEFORE INSERT ON Detail "
+                                                          "BEGIN SELECT RAISE(ABORT, 'disk full'); END")));
+        typeIntoCell(QStringLiteral("볼트"));
+        QVERIFY(msgs.boxes().back().text.startsWith(QStringLiteral("자료를 저장하는 중 오류가 발생했습니다.")));
+        QCOMPARE(test::masterRows(), 0);
+        QCOMPARE(f.spMaster->MaxRows(), 1);
+        QVERIFY(f.spDetail->Text(ColPName, 1).isEmpty());
+        QVERIFY(f.LastSavedCCode().isEmpty());
+        test::exec(stores().dbBill, QStringLiteral("DROP TRIGGER fail_line"));
+    }
+
+    void theKeysOfTheHeadMoveToTheReceiverAndTheRangeSpinsByADay() {
+        Screen s;
+        test::script();
+        FrmDealList& f = s.open();
+        f.txtDate->setFocus();
+        pressKey(f.txtDate, Qt::Key_Return);
+        QCOMPARE(focused(), f.CName2);
+        f.PreMisu->setFocus();
+        pressKey(f.PreMisu, Qt::Key_F3);
+        QCOMPARE(focused(), f.CName2);
+        pressKey(f.CName2, Qt::Key_Down); // no receiver chosen: the arrow stays
+        QCOMPARE(focused(), f.CName2);
+        f.udDateUp[1]->click();
+        QCOMPARE(DateCellText(f.spDate[1]), QStringLiteral("2024-05-11"));
+        f.chkChain->setChecked(true);
+        f.udDateDown[0]->click();
+        QCOMPARE(DateCellText(f.spDate[0]), QStringLiteral("2024-04-30"));
+        QCOMPARE(DateCellText(f.spDate[1]), QStringLiteral("2024-04-30"));
     }
 };
 
