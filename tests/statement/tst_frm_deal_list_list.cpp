@@ -7,6 +7,7 @@
 #include "core/AppFolder.h"
 #include "core/Settings.h"
 #include "invoice/InvoiceSeal.h"
+#include "statement/FrmPic2.h"
 #include "statement/StatementSeal.h"
 
 #include <QCheckBox>
@@ -17,6 +18,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTimer>
 
 using namespace nb;
 
@@ -321,6 +323,39 @@ private Q_SLOTS:
         f.CName1->setFocus();
         QCOMPARE(msgs.last().text, QStringLiteral("올바른 날짜형식이 아닙니다"));
         QCOMPARE(focused(), f.txtDate);
+    }
+    void theSampleButtonShowsTheEnlargedSampleDrawnByTheProgram() {
+        Screen s;
+        auto& msgs = test::script();
+        FrmDealList& f = s.open();
+        QString shown;
+        QTimer::singleShot(50, [&shown] {
+            if (auto* zoom = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+                shown = zoom->objectName();
+                zoom->findChild<QPushButton*>(QStringLiteral("cmdClose"))->click();
+            }
+        });
+        f.btnSample->click();
+        QCOMPARE(shown, QStringLiteral("frmZoomDealList"));
+        QCOMPARE(msgs.boxes().size(), size_t(0)); // no picture file, no box
+    }
+
+    void theSmallSampleOpensTheEnlargedOneOnAClick() {
+        Screen s;
+        test::script();
+        FrmPic2 pic;
+        QVERIFY(!pic.picture()->pixmap().isNull());
+        QString shown;
+        QTimer::singleShot(50, [&shown] {
+            if (auto* zoom = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+                shown = zoom->objectName();
+                zoom->reject();
+            }
+        });
+        pic.show();
+        QTest::mouseClick(pic.picture(), Qt::LeftButton);
+        QCOMPARE(shown, QStringLiteral("frmZoomDealList"));
+        test::saveScreenshot(&pic, QStringLiteral("frm_pic2"));
     }
 };
 
