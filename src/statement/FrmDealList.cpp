@@ -288,8 +288,10 @@ void FrmDealList::MasterList(const QString& cCode) {
     m_listing = true;
     spMaster->setMaxRows(0);
     spMaster->setMaxRows(m_model.masterRowCount());
-    for (int row = 1; row < m_model.masterRowCount(); ++row)
-        showMasterRow(row);
+    spMaster->fillQuietly([this] {
+        for (int row = 1; row < m_model.masterRowCount(); ++row)
+            showMasterRow(row);
+    });
     spMaster->SetActiveCell(ColBillDate, m_model.activeMasterRow());
     m_listing = false;
     DetailList();

@@ -6,6 +6,7 @@
 #include <QEvent>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QSignalBlocker>
 #include <cmath>
 
 namespace nb {
@@ -185,6 +186,14 @@ void Grid::DeleteRows(int row, int count) {
 }
 void Grid::InsertRows(int row, int count) {
     m_model->insertRows(row, count);
+}
+
+void Grid::fillQuietly(const std::function<void()>& fill) {
+    {
+        const QSignalBlocker quiet(m_model);
+        fill();
+    }
+    m_model->refreshAll();
 }
 
 void Grid::Refresh() {

@@ -8,6 +8,7 @@
 #include "common/grid/GridTypes.h"
 
 #include <QTableView>
+#include <functional>
 
 class QLineEdit;
 
@@ -62,6 +63,10 @@ public:
     // Removes rows and adds blank ones at the bottom: MaxRows stays.
     void DeleteRows(int row, int count);
     void InsertRows(int row, int count);
+    // Runs fill (a list written row by row) with the cell-by-cell announcements held back, then
+    // tells the view once that the grid's cells changed. textChanged is not sent for what fill
+    // wrote, and formulas are worked out once at the end.
+    void fillQuietly(const std::function<void()>& fill);
     // The block the operator selected; an empty rectangle when none.
     QRect SelectedBlock() const { return m_block; }
     void Refresh();

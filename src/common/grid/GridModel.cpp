@@ -342,6 +342,11 @@ QRect GridModel::resolveBlock(int col, int row, int col2, int row2) const {
     return block.intersected(QRect(1, 1, maxCols(), maxRows()));
 }
 
+void GridModel::refreshAll() {
+    recalcFormulas();
+    if (maxRows() > 0 && maxCols() > 0) changedBlock(QRect(1, 1, maxCols(), maxRows()));
+}
+
 void GridModel::clearBlock(int col, int row, int col2, int row2) {
     const QRect block = resolveBlock(col, row, col2, row2);
     for (int r = block.top(); r <= block.bottom(); ++r) {

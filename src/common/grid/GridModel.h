@@ -64,6 +64,8 @@ public:
 
     // Block actions; a block is columns col..col2 and rows row..row2, -1 meaning all.
     void clearBlock(int col, int row, int col2, int row2);
+    // Formulas worked out and every cell announced to the view as changed (after a quiet fill).
+    void refreshAll();
     void moveBlock(int col, int row, int col2, int row2, int destCol, int destRow);
     // Removes rows and adds as many blank ones at the bottom: the row count stays.
     void deleteRows(int row, int count);

@@ -4,6 +4,8 @@
 #include "common/Colors.h"
 #include "common/grid/MduSpread.h"
 
+#include <QSignalSpy>
+
 using namespace nb;
 
 namespace {
@@ -358,6 +360,22 @@ private Q_SLOTS:
             QCOMPARE(GetGridText(grid, 4, r), QString());
         grid.SetText(3, 2, QStringLiteral("1,000"));
         QCOMPARE(GetGridText(grid, 4, 1), QStringLiteral("2300"));
+    }
+    void aQuietFillAnnouncesNothingCellByCellAndLeavesTheFormulasRight() {
+        test::TestHome home;
+        Grid grid;
+        fill(grid, 4, 5);
+        SetSumFormula(grid, 3, 4);
+        QSignalSpy texts(&grid, &Grid::textChanged);
+        QSignalSpy view(&grid.cells(), &GridModel::dataChanged);
+        grid.fillQuietly([&grid] {
+            for (int r = 1; r <= 5; ++r)
+                grid.SetText(3, r, QString::number(r * 10));
+        });
+        QCOMPARE(texts.count(), 0);
+        QCOMPARE(view.count(), 1);
+        QCOMPARE(GetGridText(grid, 3, 5), QStringLiteral("50"));
+        QCOMPARE(GetGridText(grid, 4, 1), QStringLiteral("150"));
     }
     void sumFormulaReachesOnlyTheRowsThereWereWhenItWasSet() {
         test::TestHome home;
