@@ -7,12 +7,14 @@
 #include "printing/PrintingScreens.h"
 #include "quotation/QuotationCommand.h"
 #include "quotation/QuotationScreens.h"
+#include "statement/StatementCommand.h"
 #include "statement/StatementScreens.h"
 
 int main(int argc, char** argv) {
     if (nb::isPrintInvoiceCommand(argc, argv)) return nb::runHeadless(argc, argv, nb::PrintInvoiceCommand);
     if (nb::isExportEtaxCommand(argc, argv)) return nb::runHeadless(argc, argv, nb::ExportEtaxCommand);
     if (nb::isPrintQuotationCommand(argc, argv)) return nb::runHeadless(argc, argv, nb::PrintQuotationCommand);
+    if (nb::isPrintStatementCommand(argc, argv)) return nb::runHeadless(argc, argv, nb::PrintStatementCommand);
     nb::registerMasterScreens();
     nb::registerPrintingScreens();
     nb::registerInvoiceScreens();

@@ -80,6 +80,12 @@ void ShowFailureReport(int number, const QString& description, const QString& pr
     MsgBox(text, MbOk, QString());
 }
 
+void ShowFormFailureReport(int number, const QString& description, const QString& procedure, const QString& form) {
+    MsgBox(QStringLiteral("Error ") + QString::number(number) + QStringLiteral(" (") + description +
+               QStringLiteral(") in procedure ") + procedure + QStringLiteral(" of Form ") + form,
+           MbOk, QString());
+}
+
 Progress::Progress(const QString& caption, int maximum) { messages().progressShow(caption, maximum); }
 Progress::~Progress() { messages().progressClose(); }
 void Progress::step() { messages().progressSet(++m_value); }

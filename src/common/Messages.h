@@ -90,6 +90,9 @@ QString failureReportText(int number, const QString& description, const QString&
 void ShowFailureReport(int number, const QString& description, const QString& procedure,
                        const QString& module, const QString& extraLine = QString());
 
+// The same for a procedure of a screen: "... in procedure P of Form F".
+void ShowFormFailureReport(int number, const QString& description, const QString& procedure, const QString& form);
+
 // The progress form of long jobs.
 class Progress {
 public:

@@ -169,6 +169,10 @@ std::unique_ptr<PrintJob> startPrintJob(const QString& document) {
     return std::make_unique<PrintJob>(std::move(surface), printer, document);
 }
 
+std::unique_ptr<PrintJob> recordedJobForTesting(const QString& document) {
+    return state().capture ? state().capture->start(currentPrinterName(), document) : nullptr;
+}
+
 void PrinterPrepare(PrintJob& job, bool Inches) {
     Q_UNUSED(Inches);
     job.setFontName(kBasePrintFont);

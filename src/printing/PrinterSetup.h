@@ -74,6 +74,9 @@ private:
     std::vector<std::shared_ptr<PrintRecord>> m_jobs;
 };
 
+// A job recorded into the PrintCapture that lives, or null when none does (tests).
+std::unique_ptr<PrintJob> recordedJobForTesting(const QString& document);
+
 // Stands in for the system's printer list until the program's state is reset (tests).
 void setSystemPrintersForTesting(const QStringList& names, const QString& defaultName);
 

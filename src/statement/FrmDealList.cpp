@@ -21,6 +21,7 @@
 #include "invoice/InvoiceLookups.h"
 #include "invoice/InvoiceStore.h"
 #include "statement/DealPaper.h"
+#include "statement/StatementIssue.h"
 #include "statement/StatementSeal.h"
 #include "storage/Database.h"
 #include "storage/Stores.h"
@@ -83,6 +84,7 @@ void FrmDealList::loadForm() {
     cmbTelNo->setVisible(chk_Phone->isChecked());
     PreMisu->setVisible(ChkNonKum->isChecked());
     Misu->setVisible(ChkNonKum->isChecked());
+    chkPrintFrame->setChecked(printFrameSetting());
     const int mode = GetSetting(kAppSection, kEnvSection, kVatModeKey, QStringLiteral("1")).toInt();
     gubun[size_t(qBound(0, mode, 2))]->setChecked(true);
     cmbTelNo->clear();

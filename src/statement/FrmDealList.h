@@ -7,6 +7,7 @@
 
 #include "statement/DealListModel.h"
 #include "statement/LineAmounts.h"
+#include "statement/StatementPrint.h"
 
 #include <QWidget>
 #include <array>
@@ -65,6 +66,7 @@ public:
     QLineEdit* txtMemo;
     QPushButton* cmdMemo;
     QCheckBox *chk_Phone, *ChkNonKum;
+    QCheckBox* chkPrintFrame; // "양식 포함 인쇄": the form printed under the values
     QComboBox* cmbTelNo;
     std::array<QRadioButton*, 3> gubun{};
     std::array<QRadioButton*, 3> gubun2{};
@@ -72,7 +74,7 @@ public:
     QComboBox* CmbTerm;
     QLabel* pnlSum;
     QLabel *imgPic, *picSign;
-    QPushButton *cmdSeal, *btnNewMaster, *btnPrint, *btnPrinter, *btnSetMargin, *btnSample, *btnGoTax,
+    QPushButton *cmdSeal, *btnNewMaster, *btnPrint, *btnPreview, *btnPrinter, *btnSetMargin, *btnSample, *btnGoTax,
         *vaBtnEstimate;
     QLabel* pnlHelp;
     DealPaper* Picture1;
@@ -82,6 +84,8 @@ public:
     QString LastSavedCCode() const { return m_lastSavedCCode; }
     QString supplierSerial() const { return m_serial; }
     VatMode vatMode() const;
+    // What the print takes from the screen as it stands.
+    StatementPrintData printData() const;
 
     // ---- procedures of the screen ----------------------------------------------------------
     void SupplierShow(const QString& serial);
@@ -109,6 +113,7 @@ public Q_SLOTS:
     void btnSetMargin_Click();
     void btnSample_Click();
     void btnPrint_Click();
+    void btnPreview_Click();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -224,6 +224,9 @@ void FrmDealList::buildTotals() {
                          QRect(kPaperX + 684, y, 90, kBoxHeight));
     cmdSeal = makeButton(this, QStringLiteral("cmdSeal"), QStringLiteral("도장선택"),
                          QRect(kPaperX + 780, y, 90, kBoxHeight));
+    chkPrintFrame = makeCheck(this, QStringLiteral("chkPrintFrame"), QStringLiteral("양식 포함 인쇄"),
+                              QRect(kSideX + 4, y, 160, kBoxHeight));
+    chkPrintFrame->setToolTip(QStringLiteral("양식이 인쇄되지 않은 백지에 양식과 함께 인쇄합니다."));
 }
 
 void FrmDealList::buildButtons() {
@@ -231,11 +234,13 @@ void FrmDealList::buildButtons() {
     btnNewMaster = makeButton(this, QStringLiteral("btnNewMaster"), QStringLiteral("새전표(&N)"), QRect(8, y, 100, 30));
     btnPrint = makeButton(this, QStringLiteral("btnPrint"), QStringLiteral("발 행(&P)"), QRect(112, y, 100, 30));
     btnPrint->setToolTip(QStringLiteral("발행시 자동으로 저장됩니다."));
+    btnPreview = makeButton(this, QStringLiteral("btnPreview"), QStringLiteral("미리보기(&V)"), QRect(216, y, 100, 30));
+    btnPreview->setToolTip(QStringLiteral("발행하면 인쇄될 모양을 미리 봅니다. 저장하거나 인쇄하지 않습니다."));
     btnPrinter = makeButton(this, QStringLiteral("btnPrinter"), QStringLiteral("프린터설정(&T)"),
-                            QRect(216, y, 110, 30));
+                            QRect(320, y, 110, 30));
     btnSetMargin = makeButton(this, QStringLiteral("btnSetMargin"), QStringLiteral("여백설정(&Y)"),
-                              QRect(330, y, 100, 30));
-    btnSample = makeButton(this, QStringLiteral("btnSample"), QStringLiteral("출력견본"), QRect(434, y, 90, 30));
+                              QRect(434, y, 100, 30));
+    btnSample = makeButton(this, QStringLiteral("btnSample"), QStringLiteral("출력견본"), QRect(538, y, 90, 30));
     btnGoTax = makeButton(this, QStringLiteral("btnGoTax"), QStringLiteral("  세금계산서                   발행창"),
                           QRect(kSideX, y, 250, 30));
     vaBtnEstimate = makeButton(this, QStringLiteral("vaBtnEstimate"), QStringLiteral("견적서"),

@@ -10,6 +10,7 @@
 #include "common/input/KeyFlow.h"
 #include "common/input/SelectText.h"
 #include "common/text/NumberFormat.h"
+#include "core/AppState.h"
 #include "core/ScreenRegistry.h"
 #include "invoice/FrmTax.h"
 #include "invoice/InvoicePrint.h"
@@ -18,6 +19,7 @@
 #include "printing/FrmSetPrinter.h"
 #include "printing/PrinterSetup.h"
 #include "statement/FrmDealList.h"
+#include "statement/StatementIssue.h"
 #include "statement/StatementSeal.h"
 #include "storage/Stores.h"
 
@@ -70,6 +72,8 @@ void FrmDealList::connectControls() {
     connect(btnSetMargin, &QPushButton::clicked, this, &FrmDealList::btnSetMargin_Click);
     connect(btnSample, &QPushButton::clicked, this, &FrmDealList::btnSample_Click);
     connect(btnPrint, &QPushButton::clicked, this, &FrmDealList::btnPrint_Click);
+    connect(btnPreview, &QPushButton::clicked, this, &FrmDealList::btnPreview_Click);
+    connect(chkPrintFrame, &QCheckBox::clicked, this, [this] { savePrintFrameSetting(chkPrintFrame->isChecked()); });
     connect(chk_Phone, &QCheckBox::clicked, this, [this] { onCheckClicked(chk_Phone, kPhoneKey); });
     connect(ChkNonKum, &QCheckBox::clicked, this, [this] { onCheckClicked(ChkNonKum, kBalanceKey); });
     connect(sum, &QLineEdit::textChanged, this, [this] { showMisu(); });
@@ -293,8 +297,28 @@ void FrmDealList::btnSetMargin_Click() {
 
 void FrmDealList::btnSample_Click() { showZoomDealList(this); }
 
-void FrmDealList::btnPrint_Click() {
-    // The print of the statement comes with its own layout.
+void FrmDealList::btnPrint_Click() { IssueStatement(printData(), m_model.dataRowCount(), chkPrintFrame->isChecked()); }
+
+void FrmDealList::btnPreview_Click() { PreviewStatement(this, printData(), chkPrintFrame->isChecked()); }
+
+StatementPrintData FrmDealList::printData() const {
+    StatementPrintData data;
+    data.cCode = txtCCode->text();
+    data.supplierSerial = m_serial;
+    data.dateText = txtDate->text();
+    data.memo = txtMemo->text();
+    data.printPhone = chk_Phone->isChecked();
+    data.printBalance = ChkNonKum->isChecked();
+    data.gong = gong->text();
+    data.se = se->text();
+    data.sum = sum->text();
+    data.preMisu = PreMisu->text();
+    data.misu = Misu->text();
+    data.lines = m_model.lines();
+    data.seal = picSign->pixmap().isNull() ? QImage() : picSign->pixmap().toImage();
+    data.decimalQty = app().DecimalQty;
+    data.decimalPrice = app().DecimalPrice;
+    return data;
 }
 
 } // namespace nb

@@ -3,7 +3,8 @@
 
 namespace nb {
 
-// "mnu_거래명세표": FrmDealList, a child screen that stays open.
+// "mnu_거래명세표": FrmDealList, a child screen that stays open; the print test draws the
+// statement's form.
 void registerStatementScreens();
 
 } // namespace nb

@@ -2,6 +2,7 @@
 // layout puts it (recorder), pages and their numbers, the printer and margins of the document,
 // the PDF read back with pdftotext -bbox, and the print from the screen with its edge cases.
 #include "EstimateScreenKit.h"
+#include "PdfRead.h"
 #include "core/Settings.h"
 #include "invoice/InvoiceSeal.h"
 #include "printing/PrintGrid.h"
@@ -15,6 +16,9 @@
 #include <QStandardPaths>
 
 using namespace nb;
+using test::bboxOf;
+using test::pagePng;
+using test::wordAt;
 
 namespace {
 
@@ -41,33 +45,6 @@ void addStoredQuotation(int count = 3) {
         QVERIFY(test::addEstiLine(i, QStringLiteral("202405001"), QStringLiteral("품목%1").arg(i),
                                   i == 2 ? 1.5 : i, 1000, QStringLiteral("EA"),
                                   QStringLiteral("규격%1").arg(i)));
-}
-
-QString bboxOf(const QString& pdf) {
-    QProcess bbox;
-    bbox.start(QStringLiteral("pdftotext"), {QStringLiteral("-bbox"), pdf, QStringLiteral("-")});
-    bbox.waitForFinished(20000);
-    return QString::fromUtf8(bbox.readAllStandardOutput());
-}
-
-// xMin and yMin (points) of the first word with this text, or (-1, -1).
-QPointF wordAt(const QString& html, const QString& word, int page = 1) {
-    const QStringList pages = html.split(QStringLiteral("<page "));
-    if (page >= pages.size()) return {-1, -1};
-    const QRegularExpression re(QStringLiteral("<word xMin=\"([0-9.]+)\" yMin=\"([0-9.]+)\"[^>]*>") +
-                                QRegularExpression::escape(word.toHtmlEscaped()) + QStringLiteral("</word>"));
-    const auto m = re.match(pages.at(page));
-    return m.hasMatch() ? QPointF(m.captured(1).toDouble(), m.captured(2).toDouble()) : QPointF(-1, -1);
-}
-
-void pagePng(const QString& pdf, int page, const QString& name) {
-    QDir().mkpath(test::screenshotDir());
-    QProcess png;
-    png.start(QStringLiteral("pdftoppm"),
-              {QStringLiteral("-png"), QStringLiteral("-r"), QStringLiteral("80"), QStringLiteral("-f"),
-               QString::number(page), QStringLiteral("-l"), QString::number(page),
-               QStringLiteral("-singlefile"), pdf, test::screenshotDir() + u'/' + name});
-    png.waitForFinished(20000);
 }
 
 } // namespace
