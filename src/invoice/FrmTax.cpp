@@ -520,6 +520,11 @@ void FrmTax::vaBtn4_Click() {
     pic.exec();
 }
 
+void FrmTax::btnPreview_Click() {
+    const QImage seal = imgPic->pixmap().isNull() ? QImage() : imgPic->pixmap().toImage();
+    applyFocus(PreviewInvoice(this, formFromControls(), seal));
+}
+
 // The statement screen, handed the trader of this screen.
 void FrmTax::vaBtn6_Click() {
     const QString statements = QStringLiteral("mnu_거래명세표");
@@ -551,6 +556,7 @@ void FrmTax::connectControls() {
     connect(vaBtn3, &QPushButton::clicked, this, &FrmTax::vaBtn3_Click);
     connect(vaBtn5, &QPushButton::clicked, this, &FrmTax::vaBtn5_Click);
     connect(vaBtn6, &QPushButton::clicked, this, &FrmTax::vaBtn6_Click);
+    connect(btnPreview, &QPushButton::clicked, this, &FrmTax::btnPreview_Click);
     connect(vaBtn4, &QPushButton::clicked, this, &FrmTax::vaBtn4_Click);
     connect(btnPrinter, &QPushButton::clicked, this, &FrmTax::btnPrinter_Click);
     connect(vaBtn1, &QPushButton::clicked, this, &FrmTax::vaBtn1_Click);

@@ -220,6 +220,9 @@ void FrmTax::buildButtons() {
                           QRect(kSideX, 548, kSideWidth, 30));
     // The invoice management comes with later work.
     btnTotal->setEnabled(false);
+    btnPreview = makeButton(this, QStringLiteral("btnPreview"), QStringLiteral("미리보기(&V)"),
+                            QRect(kSideX, 584, kSideWidth, 30));
+    btnPreview->setToolTip(QStringLiteral("발행하면 인쇄될 모양을 미리 봅니다. 번호를 받거나 저장하지 않습니다."));
     pnlGubun = new QGroupBox(QStringLiteral("VAT구분"), this);
     pnlGubun->setObjectName(QStringLiteral("pnlGubun"));
     pnlGubun->setGeometry(kPaperX, kBottomY, 262, 48);

@@ -7,6 +7,7 @@
 #include "invoice/InvoiceSeal.h"
 #include "invoice/InvoiceStore.h"
 #include "printing/PrintGrid.h"
+#include "printing/PrintPreview.h"
 #include "printing/PrinterSetup.h"
 #include "storage/Stores.h"
 
@@ -58,15 +59,38 @@ InvoicePrintData printDataOf(const InvoiceForm& form) {
     return data;
 }
 
-IssueResult IssueInvoice(InvoiceForm& form, const QImage& seal) {
+namespace {
+
+// The checks before a print: a receiver and a first line; where the focus goes when one fails.
+std::optional<FormFocus> refuseToPrint(const InvoiceForm& form) {
     if (form.txtCCode.isEmpty()) {
         ShowWarning(QStringLiteral("매출처를 입력하여 주세요"));
-        return {false, 0, QString(), FormFocus::CName_MAE};
+        return FormFocus::CName_MAE;
     }
     if (form.sheet.line(0).tax_num.isEmpty()) {
         ShowWarning(QStringLiteral("출력할 자료를 확인해 주세요"));
-        return {false, 0, QString(), FormFocus::Pummok0};
+        return FormFocus::Pummok0;
     }
+    return std::nullopt;
+}
+
+} // namespace
+
+FormFocus PreviewInvoice(QWidget* parent, InvoiceForm form, const QImage& seal) {
+    if (const std::optional<FormFocus> focus = refuseToPrint(form)) return *focus;
+    const std::optional<QString> code = NextTaxCode(stores().dbTax); // read only: nothing is taken
+    if (!code) return FormFocus::Unchanged;
+    if (!form.manualSeq) form.txtSeq = code->left(3) + u'-' + code->right(3);
+    const InvoicePrintData data = printDataOf(form);
+    showPrintPreview(parent, kInvoiceDocument, [data, seal](PrintJob& job) {
+        prepareJob(job, seal);
+        printCopies(job, data);
+    });
+    return FormFocus::Unchanged;
+}
+
+IssueResult IssueInvoice(InvoiceForm& form, const QImage& seal) {
+    if (const std::optional<FormFocus> focus = refuseToPrint(form)) return {false, 0, QString(), *focus};
     if (!confirmIssue()) return {};
     // The number is read before the job starts, so that a failed read leaves no sheet behind.
     const std::optional<QString> code = NextTaxCode(stores().dbTax);

@@ -10,6 +10,8 @@
 #include <QImage>
 #include <QString>
 
+class QWidget;
+
 namespace nb {
 
 class PrintJob;
@@ -28,6 +30,10 @@ InvoicePrintData printDataOf(const InvoiceForm& form);
 // vaBtn2. On success the form's lines and remark are cleared (clear_input) and txtSeq shows the
 // number taken (unless typed by hand); the caller reloads the issued list.
 IssueResult IssueInvoice(InvoiceForm& form, const QImage& seal);
+
+// The preview of what vaBtn2 would print now, with the number it would take; nothing is asked,
+// numbered, stored or cleared. The same checks as the issue first; their focus comes back.
+FormFocus PreviewInvoice(QWidget* parent, InvoiceForm form, const QImage& seal);
 
 // The print of an issued invoice as the screen gives it right after showing it from the list,
 // with "날짜 인쇄" on and the stored number as its serial, written to a PDF file. 0 on success;
