@@ -2,6 +2,7 @@
 #include "invoice/InvoiceCommand.h"
 #include "invoice/InvoiceScreens.h"
 #include "links/LinkScreens.h"
+#include "management/ManagementScreens.h"
 #include "management/etax/EtaxCommand.h"
 #include "master/MasterScreens.h"
 #include "printing/PrintingScreens.h"
@@ -20,6 +21,7 @@ int main(int argc, char** argv) {
     nb::registerInvoiceScreens();
     nb::registerStatementScreens();
     nb::registerQuotationScreens();
+    nb::registerManagementScreens();
     nb::registerLinkScreens();
     return nb::runProgram(argc, argv);
 }

@@ -557,6 +557,7 @@ void FrmTax::connectControls() {
     connect(vaBtn5, &QPushButton::clicked, this, &FrmTax::vaBtn5_Click);
     connect(vaBtn6, &QPushButton::clicked, this, &FrmTax::vaBtn6_Click);
     connect(btnPreview, &QPushButton::clicked, this, &FrmTax::btnPreview_Click);
+    connect(btnTotal, &QPushButton::clicked, this, [] { openScreen(QStringLiteral("mnu_InvoiceTotal")); });
     connect(vaBtn4, &QPushButton::clicked, this, &FrmTax::vaBtn4_Click);
     connect(btnPrinter, &QPushButton::clicked, this, &FrmTax::btnPrinter_Click);
     connect(vaBtn1, &QPushButton::clicked, this, &FrmTax::vaBtn1_Click);

@@ -218,8 +218,6 @@ void FrmTax::buildButtons() {
                         QRect(kSideX, 506, kSideWidth, 36));
     btnTotal = makeButton(this, QStringLiteral("btnTotal"), QStringLiteral("세금계산서 관리"),
                           QRect(kSideX, 548, kSideWidth, 30));
-    // The invoice management comes with later work.
-    btnTotal->setEnabled(false);
     btnPreview = makeButton(this, QStringLiteral("btnPreview"), QStringLiteral("미리보기(&V)"),
                             QRect(kSideX, 584, kSideWidth, 30));
     btnPreview->setToolTip(QStringLiteral("발행하면 인쇄될 모양을 미리 봅니다. 번호를 받거나 저장하지 않습니다."));

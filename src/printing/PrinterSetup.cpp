@@ -48,13 +48,14 @@ SystemPrinters systemPrinters() {
 const QStringList& documentNames() {
     static const QStringList names{QStringLiteral("세금계산서"), QStringLiteral("거래명세표"),
                                    QStringLiteral("DM인쇄"), QStringLiteral("물품가격"),
-                                   QStringLiteral("청구서"), QStringLiteral("견적서")};
+                                   QStringLiteral("청구서"), QStringLiteral("견적서"),
+                                   QStringLiteral("세금계산서 합계표")};
     return names;
 }
 
-// Saving the printer is known only for the invoice, the statement and the quotation.
+// Saving the printer is known only for the invoice, the statement, the quotation and the 합계표.
 bool hasPrinterSetting(int documentIndex) {
-    return documentIndex == 0 || documentIndex == 1 || documentIndex == 5;
+    return documentIndex == 0 || documentIndex == 1 || documentIndex == 5 || documentIndex == 6;
 }
 
 // The PDF printer's file: when the document is done the operator is told where it is.

@@ -22,7 +22,8 @@ inline const QString kPrinterReadApp = QStringLiteral("브란토2");
 inline const QString kPrinterSection = QStringLiteral("Drive");
 
 // Document names by the index that FrmSetPrinter and FrmMargin receive: 0 "세금계산서",
-// 1 "거래명세표", 2 "DM인쇄", 3 "물품가격", 4 "청구서", 5 "견적서"; empty for any other.
+// 1 "거래명세표", 2 "DM인쇄", 3 "물품가격", 4 "청구서", 5 "견적서", 6 "세금계산서 합계표"; empty for
+// any other.
 QString documentName(int index);
 
 // Device names of the system's printers in the system's order, then "PDF".

@@ -92,7 +92,7 @@ private Q_SLOTS:
         QCOMPARE(f.chkManualSeq->text(), QStringLiteral("일련번호 직접입력"));
         QCOMPARE(f.chkPrnDate->text(), QStringLiteral("날짜 인쇄"));
         QVERIFY(f.vaBtn6->isEnabled());
-        QVERIFY(!f.btnTotal->isEnabled());
+        QVERIFY(f.btnTotal->isEnabled());
         QVERIFY(!f.txtSeq->isEnabled());
         QCOMPARE(f.grdList->Text(2, 0), QStringLiteral("품목 / 규격"));
         // First quarter of this year, whatever quarter it is now: nothing issued then.

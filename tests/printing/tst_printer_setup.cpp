@@ -32,7 +32,8 @@ private Q_SLOTS:
         QCOMPARE(documentName(3), QStringLiteral("물품가격"));
         QCOMPARE(documentName(4), QStringLiteral("청구서"));
         QCOMPARE(documentName(5), QStringLiteral("견적서"));
-        QCOMPARE(documentName(6), QString());
+        QCOMPARE(documentName(6), QStringLiteral("세금계산서 합계표"));
+        QCOMPARE(documentName(7), QString());
     }
     void pdfPrinterIsAlwaysListedLast() {
         test::TestHome home;

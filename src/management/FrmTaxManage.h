@@ -1,0 +1,73 @@
+#pragma once
+// "매입ㆍ매출 계산서 관리": the issued invoices totalled per trader for a period (by dates, a
+// quarter or a half of a year), kept in the work table SaleTotal, with the 합계표 report, the
+// spreadsheet export and the electronic invoice sheet of the same period. The arithmetic and
+// the store work live in TaxTotals, the report in TaxTotalsReport, the export in ExportGrid.
+
+#include "management/TaxTotals.h"
+
+#include <QWidget>
+#include <array>
+
+class QComboBox;
+class QLabel;
+class QPushButton;
+class QStackedWidget;
+
+namespace nb {
+
+class DateBox;
+class Grid;
+
+inline const QString kTaxManageTitle = QStringLiteral("매입ㆍ매출 계산서 관리");
+
+// The columns of grdList.
+enum TotalsCol : int {
+    ColDay = 1,
+    ColTraderName,
+    ColSale,
+    ColSaleVat,
+    ColSaleSum,
+    ColBuy,
+    ColBuyVat,
+    ColBuySum,
+    ColCode,
+    ColTraderCode,
+    ColGubun,
+};
+
+class FrmTaxManage : public QWidget {
+    Q_OBJECT
+public:
+    explicit FrmTaxManage(QWidget* parent = nullptr);
+
+    QComboBox *CmbGubun, *CmbYY, *CmbPeriod;
+    std::array<DateBox*, 2> txtDate{};
+    QStackedWidget* pnlDisp; // the date pair, or the year and period
+    Grid* grdList;
+    std::array<QLabel*, 6> pnlSum{};
+    QPushButton *btnSearch, *btnPrint, *btnExcel, *btnEtax, *btnPreview, *btnPrinter, *btnSetMargin, *btnExit;
+
+    void InitForm();
+    TotalsKind kind() const;
+    TotalsPeriod period() const;
+    const QList<TraderTotal>& rows() const { return m_rows; }
+
+public Q_SLOTS:
+    void btnSearch_Click(); // SearchTotals
+    void btnPrint_Click();
+    void btnExcel_Click();
+    void btnEtax_Click();
+
+private:
+    void buildControls();
+    void buildGrid();
+    void connectControls();
+    void onGubunChanged(int index);
+    void showRows();
+    QString periodName() const;
+
+    QList<TraderTotal> m_rows;
+};
+
+} // namespace nb

@@ -1,0 +1,227 @@
+#include "management/TaxTotalsReport.h"
+
+#include "common/Messages.h"
+#include "common/text/ByteText.h"
+#include "common/text/NumberFormat.h"
+#include "core/AppState.h"
+#include "core/Clock.h"
+#include "printing/PrintGrid.h"
+#include "printing/PrintPreview.h"
+#include "printing/PrinterSetup.h"
+#include "storage/Database.h"
+#include "storage/Stores.h"
+
+namespace nb {
+
+namespace {
+
+using namespace totalslayout;
+
+const QString kRowsRead = QStringLiteral(
+    "SELECT s.CCode, s.CName, COUNT(DISTINCT n.TaxCode) AS Invoices, SUM(n.TradeKum) AS Supply, "
+    "SUM(n.VatKum) AS Tax FROM SaleTotal s JOIN NewAcount n ON n.CCode = s.CCode "
+    "WHERE n.DealDate >= ? AND n.DealDate <= ? GROUP BY s.rowid ORDER BY s.rowid");
+
+QString cell(const QString& text, const Column& column) {
+    return column.right ? PadBytes(text, column.width) : CutBytes(text, column.width);
+}
+
+QString amount(double value) { return FormatNumber(value, kMaskSum); }
+
+void setFont(PrintJob& job, double size, bool bold) {
+    job.setFontSize(size);
+    job.setFontBold(bold);
+}
+
+void printHead(PrintJob& job, const TotalsReport& report, int page, int pages) {
+    const TotalsReportValues& v = report.values;
+    setFont(job, 16, true);
+    job.printAtTab(1.5, 16, kTotalsReportTitle);
+    setFont(job, 10, false);
+    job.printAtTab(4, 38, v.sDate);
+    job.printAtTab(5, 2, QStringLiteral("기    간 : ") + v.sPeriod);
+    job.printAtTab(5, 66, QStringLiteral("작성일자 : ") + v.sIssueDate);
+    setFont(job, kBasePrintSize, false);
+    job.printAtTab(kPageNumberRow, 44, QStringLiteral("- %1 / %2 -").arg(page).arg(pages));
+}
+
+// The supplier and the totals block of the first page.
+void printSummary(PrintJob& job, const TotalsReport& report) {
+    setFont(job, 10, false);
+    job.printAtTab(7, 2, QStringLiteral("공급자 등록번호 : ") + report.supplierSerial);
+    job.printAtTab(8, 2, QStringLiteral("상호(법인명) : ") + report.supplierCompany);
+    job.printAtTab(8, 50, QStringLiteral("성명(대표자) : ") + report.supplierDelegate);
+    job.printAtTab(9, 2, QStringLiteral("사업장 주소 : ") + report.supplierAddr);
+    setFont(job, 10, true);
+    const int heads[] = {2, 20, 38, 62};
+    const QStringList captions{QStringLiteral("매출처수"), QStringLiteral("매    수"), QStringLiteral("공급가액"),
+                               QStringLiteral("세    액")};
+    for (int k = 0; k < 4; ++k)
+        job.printAtTab(11, heads[k], captions[k]);
+    setFont(job, 10, false);
+    job.printAtTab(12, heads[0], PadBytes(QString::number(report.rows.size()), 8));
+    job.printAtTab(12, heads[1], PadBytes(QString::number(report.invoices()), 8));
+    job.printAtTab(12, heads[2], PadBytes(report.values.dSumKum, 18));
+    job.printAtTab(12, heads[3], PadBytes(report.values.dSumVat, 16));
+    job.line(job.tabX(1), job.rowY(13.2), job.tabX(96), job.rowY(13.2));
+}
+
+void printTableHeads(PrintJob& job, int row) {
+    setFont(job, kBasePrintSize, true);
+    job.printAtTab(row, kNumber.tab, cell(QStringLiteral("번호"), kNumber));
+    job.printAtTab(row, kSerial.tab, QStringLiteral("사업자등록번호"));
+    job.printAtTab(row, kCompany.tab, QStringLiteral("상호(법인명)"));
+    job.printAtTab(row, kInvoices.tab, cell(QStringLiteral("매수"), kInvoices));
+    job.printAtTab(row, kSupply.tab, cell(QStringLiteral("공급가액"), kSupply));
+    job.printAtTab(row, kTax.tab, cell(QStringLiteral("세액"), kTax));
+    job.line(job.tabX(1), job.rowY(row + 1), job.tabX(96), job.rowY(row + 1));
+    setFont(job, kBasePrintSize, false);
+}
+
+struct Carried {
+    int invoices = 0;
+    double supply = 0;
+    double tax = 0;
+};
+
+void printCarried(PrintJob& job, int row, const QString& caption, const Carried& carried) {
+    setFont(job, kBasePrintSize, true);
+    job.printAtTab(row, kCompany.tab, caption);
+    job.printAtTab(row, kInvoices.tab, cell(QString::number(carried.invoices), kInvoices));
+    job.printAtTab(row, kSupply.tab, cell(amount(carried.supply), kSupply));
+    job.printAtTab(row, kTax.tab, cell(amount(carried.tax), kTax));
+    setFont(job, kBasePrintSize, false);
+}
+
+} // namespace
+
+int TotalsReport::invoices() const {
+    int n = 0;
+    for (const TotalsReportRow& row : rows)
+        n += row.invoices;
+    return n;
+}
+
+int totalslayout::rowsOnPage(int page) {
+    return page == 1 ? kLastRowOfTable - kTableTop : kLastRowOfTable - kLaterTableTop - 1;
+}
+
+int totalslayout::pagesFor(int rows) {
+    int pages = 1;
+    for (int left = rows - rowsOnPage(1); left > 0; left -= rowsOnPage(++pages)) {
+    }
+    return pages;
+}
+
+std::optional<TotalsReport> ReadTotalsReport(const TotalsReportValues& values) {
+    TotalsReport report;
+    report.values = values;
+    Recordset user;
+    const QString serial = app().DefaultSerial;
+    if (!(serial.isEmpty() ? OpenSnapshot(stores().dbBasic, user, QStringLiteral("SELECT * FROM User"))
+                           : OpenSnapshot(stores().dbBasic, user, QStringLiteral("SELECT * FROM User WHERE Serial = ?"),
+                                          {serial})))
+        return std::nullopt;
+    if (!user.EOF_()) {
+        report.supplierSerial = user.text(QStringLiteral("Serial"));
+        report.supplierCompany = user.text(QStringLiteral("Company"));
+        report.supplierDelegate = user.text(QStringLiteral("Delegate"));
+        report.supplierAddr = user.text(QStringLiteral("Addr"));
+    }
+    CloseRs(user);
+    Recordset rs;
+    if (!OpenSnapshot(stores().dbTax, rs, kRowsRead, {values.selectFrom, values.selectTo})) return std::nullopt;
+    for (; !rs.EOF_(); rs.MoveNext()) {
+        TotalsReportRow row;
+        row.company = rs.text(QStringLiteral("CName"));
+        row.invoices = int(rs.number(QStringLiteral("Invoices")));
+        row.supply = rs.number(QStringLiteral("Supply"));
+        row.tax = rs.number(QStringLiteral("Tax"));
+        Recordset trader;
+        if (OpenSnapshot(stores().dbBasic, trader, QStringLiteral("SELECT Serial FROM Trader WHERE Code = ?"),
+                         {rs.text(QStringLiteral("CCode"))}) &&
+            !trader.EOF_())
+            row.serial = trader.text(QStringLiteral("Serial"));
+        CloseRs(trader);
+        report.rows.append(row);
+    }
+    CloseRs(rs);
+    return report;
+}
+
+void printTotalsReport(PrintJob& job, const TotalsReport& report) {
+    const int pages = pagesFor(int(report.rows.size()));
+    Carried carried;
+    int index = 0;
+    for (int page = 1; page <= pages; ++page) {
+        if (page > 1) job.newPage();
+        printHead(job, report, page, pages);
+        int row = page == 1 ? kTableTop : kLaterTableTop;
+        if (page == 1) printSummary(job, report);
+        printTableHeads(job, row++);
+        if (page > 1) printCarried(job, row++, QStringLiteral("앞 면에서 이월"), carried);
+        for (int n = 0; n < rowsOnPage(page) && index < report.rows.size(); ++n, ++index, ++row) {
+            const TotalsReportRow& r = report.rows.at(index);
+            job.printAtTab(row, kNumber.tab, cell(QString::number(index + 1), kNumber));
+            job.printAtTab(row, kSerial.tab, cell(r.serial, kSerial));
+            job.printAtTab(row, kCompany.tab, cell(r.company, kCompany));
+            job.printAtTab(row, kInvoices.tab, cell(QString::number(r.invoices), kInvoices));
+            job.printAtTab(row, kSupply.tab, cell(amount(r.supply), kSupply));
+            job.printAtTab(row, kTax.tab, cell(amount(r.tax), kTax));
+            carried.invoices += r.invoices;
+            carried.supply += r.supply;
+            carried.tax += r.tax;
+        }
+        job.line(job.tabX(1), job.rowY(kTotalRow), job.tabX(96), job.rowY(kTotalRow));
+        printCarried(job, kTotalRow, page < pages ? QStringLiteral("다음 면으로 이월") : QStringLiteral("합      계"),
+                     carried);
+    }
+}
+
+namespace {
+
+// The report of a period as the button makes it: nothing when a read failed.
+std::optional<TotalsReport> reportOf(TotalsKind kind, int period, const QString& year, const QString& date0,
+                                     const QString& date1) {
+    const TotalsPeriod p = totalsPeriod(kind, period, year, date0, date1);
+    const std::optional<double> sumKum = GetSumKum(stores().dbTax, true, p);
+    const std::optional<double> sumVat = GetSumVat(stores().dbTax, true, p);
+    if (!sumKum || !sumVat) return std::nullopt;
+    return ReadTotalsReport(totalsReportValues(kind, period, year, date0, date1, *sumKum, *sumVat, today()));
+}
+
+// The report stands in the middle of an A4 sheet: its own indent and top under the document's
+// margins.
+void prepareJob(PrintJob& job) {
+    PrinterPrepare(job);
+    const DocumentMargins margins = readDocumentMargins(kTotalsDocument);
+    job.setMargins(margins.left + 12, margins.top + 3);
+}
+
+} // namespace
+
+void PrintTotalsReport(TotalsKind kind, int period, const QString& year, const QString& date0, const QString& date1) {
+    const std::optional<TotalsReport> report = reportOf(kind, period, year, date0, date1);
+    if (!report) return;
+    SelectDocPrinter(kTotalsDocument);
+    std::unique_ptr<PrintJob> job = startPrintJob(kTotalsDocument);
+    if (job) {
+        prepareJob(*job);
+        printTotalsReport(*job, *report);
+        if (!job->endDoc())
+            MsgBox(QStringLiteral("오류번호 : 1\r\n오류내용 : 인쇄를 끝내지 못했습니다."), MbOk | MbExclamation);
+    }
+    RestorePrinter();
+}
+
+void PreviewTotalsReport(QWidget* parent, TotalsKind kind, int period, const QString& year, const QString& date0,
+                         const QString& date1) {
+    const std::optional<TotalsReport> report = reportOf(kind, period, year, date0, date1);
+    if (!report) return;
+    showPrintPreview(parent, kTotalsDocument, [report](PrintJob& job) {
+        prepareJob(job);
+        printTotalsReport(job, *report);
+    });
+}
+
+} // namespace nb

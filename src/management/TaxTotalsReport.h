@@ -1,0 +1,71 @@
+#pragma once
+// The 합계표 of a period (매출처별 세금계산서 합계표), drawn by the program on A4: title, the
+// period and the issue date, the supplier, the totals block (receivers, invoices, supply value,
+// VAT) and one row per receiver of the last search, over as many pages as needed, each with its
+// number, the running total carried from page to page. It is run with the six values of
+// TotalsReportValues and selects the invoices by NewAcount.DealDate.
+
+#include "management/TaxTotals.h"
+
+class QWidget;
+
+namespace nb {
+
+class PrintJob;
+
+inline const QString kTotalsDocument = QStringLiteral("세금계산서 합계표");
+inline const QString kTotalsReportTitle = QStringLiteral("매출처별 세금계산서 합계표");
+
+struct TotalsReportRow {
+    QString serial; // the receiver's registration number
+    QString company;
+    int invoices = 0;
+    double supply = 0;
+    double tax = 0;
+};
+
+struct TotalsReport {
+    TotalsReportValues values;
+    QString supplierSerial, supplierCompany, supplierDelegate, supplierAddr;
+    QList<TotalsReportRow> rows; // the receivers of SaleTotal with invoices in the selection
+    int invoices() const;
+};
+
+// The report's data: the rows from SaleTotal and the selected NewAcount rows, the default
+// supplier (the first one when none is set). Nothing when a read failed (its box shown).
+std::optional<TotalsReport> ReadTotalsReport(const TotalsReportValues& values);
+
+// Where the report stands: rows of the page, tabs of the base font.
+namespace totalslayout {
+inline constexpr int kTableTop = 15;      // the table's headings on the first page
+inline constexpr int kLaterTableTop = 7;  // on the later pages
+inline constexpr int kLastRowOfTable = 60;
+inline constexpr int kTotalRow = 61;      // carried to the next page, or the total on the last
+inline constexpr int kPageNumberRow = 66;
+struct Column {
+    int tab;
+    int width;  // columns the text is padded or cut to
+    bool right; // right aligned
+};
+inline constexpr Column kNumber{2, 4, true};
+inline constexpr Column kSerial{8, 14, false};
+inline constexpr Column kCompany{24, 30, false};
+inline constexpr Column kInvoices{56, 6, true};
+inline constexpr Column kSupply{63, 16, true};
+inline constexpr Column kTax{81, 14, true};
+// Receivers on the first page and on each later one.
+int rowsOnPage(int page);
+int pagesFor(int rows);
+} // namespace totalslayout
+
+// Every page of the report on the job.
+void printTotalsReport(PrintJob& job, const TotalsReport& report);
+
+// btnPrint of FrmTaxManage: the period's sums, the six values, the document's printer and
+// margins, the pages; a failure shows its number and description.
+void PrintTotalsReport(TotalsKind kind, int period, const QString& year, const QString& date0, const QString& date1);
+// The same in the print preview.
+void PreviewTotalsReport(QWidget* parent, TotalsKind kind, int period, const QString& year, const QString& date0,
+                         const QString& date1);
+
+} // namespace nb
