@@ -227,12 +227,13 @@ CellFormat GridModel::format(int col, int row) const {
 }
 
 void GridModel::setFormat(int col, int row, const CellFormat& format) {
+    const bool wholeColumns = row == kAllCells;
+    // A column keeps its type also while it has no rows: the rows added later take it.
+    if (wholeColumns)
+        for (int c = (col == kAllCells ? 1 : col); c <= (col == kAllCells ? maxCols() : col); ++c)
+            if (c >= 1 && c <= maxCols()) m_cols[size_t(c - 1)].format = format;
     const QRect block = resolveBlock(col, row, col, row);
     if (block.isEmpty()) return;
-    const bool wholeColumns = row == kAllCells;
-    if (wholeColumns)
-        for (int c = block.left(); c <= block.right(); ++c)
-            m_cols[size_t(c - 1)].format = format;
     for (int r = block.top(); r <= block.bottom(); ++r) {
         for (int c = block.left(); c <= block.right(); ++c) {
             Cell* target = cell(c, r);

@@ -361,6 +361,17 @@ private Q_SLOTS:
         grid.SetText(3, 2, QStringLiteral("1,000"));
         QCOMPARE(GetGridText(grid, 4, 1), QStringLiteral("2300"));
     }
+    void aColumnTypeSetWhileTheGridHasNoRowsIsKeptForTheRowsAddedLater() {
+        test::TestHome home;
+        Grid grid;
+        grid.setMaxCols(3);
+        grid.setMaxRows(0);
+        SetFloatCell(grid, 2, 0, false);
+        grid.setMaxRows(2);
+        QVERIFY(grid.cellFormat(2, 2).isNumber());
+        QVERIFY(grid.SetText(2, 1, QStringLiteral("1234567")));
+        QCOMPARE(grid.cells().data(grid.cells().index(0, 1), Qt::DisplayRole).toString(), QStringLiteral("1,234,567"));
+    }
     void aQuietFillAnnouncesNothingCellByCellAndLeavesTheFormulasRight() {
         test::TestHome home;
         Grid grid;
