@@ -16,6 +16,7 @@
 #include "storage/Stores.h"
 
 #include <QComboBox>
+#include <QEvent>
 #include <QGroupBox>
 #include <QLabel>
 #include <QMdiSubWindow>
@@ -70,6 +71,7 @@ void FrmTaxManage::buildControls() {
         txtDate[size_t(k)] = new DateBox(dates);
         txtDate[size_t(k)]->setObjectName(QStringLiteral("txtDate_%1").arg(k));
         txtDate[size_t(k)]->setGeometry(k * 150, 2, 120, 24);
+        txtDate[size_t(k)]->installEventFilter(this);
     }
     (new QLabel(QStringLiteral("~"), dates))->setGeometry(128, 2, 14, 24);
     auto* yearAndPeriod = new QWidget(pnlDisp);
@@ -148,6 +150,20 @@ void FrmTaxManage::connectControls() {
         else
             close();
     });
+}
+
+// A date box left without a date says so, takes today and keeps the focus.
+bool FrmTaxManage::eventFilter(QObject* watched, QEvent* event) {
+    auto* box = qobject_cast<DateBox*>(watched);
+    if (box && event->type() == QEvent::FocusOut && !m_checkingDate) {
+        m_checkingDate = true;
+        if (!CheckDateOnLeave(box->dateText(), kBadDateMessage)) {
+            box->setDateText(today().toString(QStringLiteral("yyyy-MM-dd")));
+            box->setFocus();
+        }
+        m_checkingDate = false;
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void FrmTaxManage::InitForm() {

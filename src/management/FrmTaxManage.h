@@ -59,6 +59,9 @@ public Q_SLOTS:
     void btnExcel_Click();
     void btnEtax_Click();
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void buildControls();
     void buildGrid();
@@ -68,6 +71,7 @@ private:
     QString periodName() const;
 
     QList<TraderTotal> m_rows;
+    bool m_checkingDate = false;
 };
 
 } // namespace nb

@@ -14,6 +14,7 @@
 #include "invoice/InvoiceScreens.h"
 #include "management/FrmTaxManage.h"
 #include "management/ManagementScreens.h"
+#include "printing/GridPrint.h"
 #include "printing/PrinterSetup.h"
 
 #include <QAction>
@@ -175,6 +176,34 @@ private Q_SLOTS:
         QCOMPARE(QDir(out.path()).entryList({QStringLiteral("*.xlsx")}),
                  QStringList{QStringLiteral("전자세금계산서_20240401-20240630_1.xlsx")});
         QVERIFY(!shown.isEmpty());
+    }
+
+    void aDateBoxLeftWithoutADateSaysSoAndTakesToday() {
+        Screen s;
+        auto& msgs = test::script();
+        FrmTaxManage& f = s.open();
+        f.txtDate[0]->setFocus();
+        f.txtDate[0]->setText(QStringLiteral("2024-13-45"));
+        f.txtDate[1]->setFocus();
+        QCOMPARE(msgs.last().text, kBadDateMessage);
+        QCOMPARE(f.txtDate[0]->text(), QStringLiteral("2024-08-14"));
+    }
+
+    void aListLeftOutOfTheSheetPrintsAsATable() {
+        Screen s;
+        test::script();
+        PrintCapture capture;
+        Grid grid;
+        grid.setMaxCols(2);
+        grid.setMaxRows(3);
+        grid.SetText(1, 0, QStringLiteral("번호"));
+        grid.SetText(2, 0, QStringLiteral("사유"));
+        grid.SetText(1, 1, QStringLiteral("100000"));
+        grid.SetText(2, 1, QStringLiteral("공급받는자 등록번호가 올바르지 않습니다"));
+        PrintGridList(grid, QStringLiteral("전자세금계산서에서 빠진 세금계산서"));
+        QVERIFY(capture.last().find(QStringLiteral("전자세금계산서에서 빠진 세금계산서")));
+        QVERIFY(capture.last().find(QStringLiteral("공급받는자 등록번호가 올바르지 않습니다")));
+        QVERIFY(capture.last().find(QStringLiteral("- 1 -")));
     }
 
     void theMenuAndTheInvoicesTotalButtonOpenTheScreen() {

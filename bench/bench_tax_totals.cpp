@@ -1,0 +1,139 @@
+// The invoice totals at a decade of data (1,000,000 invoice lines over ten years, 50,000 traders):
+// the search of a quarter and of a year as the screen runs it (the work table refilled, the grid
+// and the sums), beside the bare grouped query through the sqlite3 command line on the same file;
+// the 합계표 of a year to PDF; and a 10,000-row grid written to a spreadsheet file.
+#include "BenchSupport.h"
+#include "common/dates/DateBox.h"
+#include "common/grid/Grid.h"
+#include "management/ExportGrid.h"
+#include "management/FrmTaxManage.h"
+#include "management/TaxTotalsReport.h"
+#include "printing/PrintSurfaces.h"
+#include "printing/PrinterSetup.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDate>
+#include <QSqlQuery>
+#include <cstdio>
+
+using namespace nb;
+
+namespace {
+
+QString code(int i) { return QStringLiteral("%1").arg(i, 6, 10, QChar(u'0')); }
+
+void fill(int traders, int lines) {
+    Database& basic = stores().dbBasic;
+    basic.beginTransaction();
+    QSqlQuery t(basic.connection());
+    t.prepare(QStringLiteral("INSERT INTO Trader (Code, C_Name, Serial) VALUES (?, ?, ?)"));
+    for (int i = 1; i <= traders; ++i) {
+        t.addBindValue(code(i));
+        t.addBindValue(QStringLiteral("가나상사%1").arg(i));
+        t.addBindValue(QStringLiteral("101-01-%1").arg(i, 5, 10, QChar(u'0')));
+        t.exec();
+    }
+    QSqlQuery(basic.connection()).exec(QStringLiteral("INSERT INTO User (Company, Serial) VALUES ('하르문상사', '123-45-67891')"));
+    basic.commit();
+    Database& tax = stores().dbTax;
+    tax.beginTransaction();
+    QSqlQuery q(tax.connection());
+    q.prepare(QStringLiteral("INSERT INTO NewAcount (TaxCode, CCode, PName, Quantity, UnitCost, TradeKum, VatKum, "
+                             "DealDate, TradeDate, UserCode) VALUES (?, ?, '품목', 1, 10000, 10000, 1000, ?, ?, "
+                             "'123-45-67891')"));
+    const QDate first(2015, 1, 1);
+    const int days = int(first.daysTo(QDate(2024, 12, 31))) + 1;
+    for (int i = 0; i < lines; ++i) {
+        const QDate day = first.addDays(qint64(i) * days / lines);
+        q.addBindValue(QStringLiteral("%1").arg(100000 + i / 2, 8, 10, QChar(u'0')));
+        q.addBindValue(code(1 + (i * 7919) % traders));
+        q.addBindValue(day.toString(Qt::ISODate));
+        q.addBindValue(day.toString(QStringLiteral("MM-dd")));
+        q.exec();
+    }
+    tax.commit();
+}
+
+void report(const char* what, int rows, double ms, double cli) {
+    std::printf("%-40s %7d rows  program %9.2f ms  sqlite3 %8.2f ms  ratio %5.2f\n", what, rows, ms, cli,
+                cli > 0 ? ms / cli : 0.0);
+}
+
+double groupedCli(const QString& from, const QString& to) {
+    return bench::cliMs(stores().dbTax.path(),
+                        QStringLiteral("SELECT CCode, SUM(TradeKum), SUM(VatKum) FROM NewAcount WHERE DealDate BETWEEN "
+                                       "'%1' AND '%2' GROUP BY CCode")
+                            .arg(from, to));
+}
+
+void timeSearch(FrmTaxManage& screen, const char* what, int kind, int period, const QString& from,
+                const QString& to) {
+    screen.CmbGubun->setCurrentIndex(kind);
+    screen.CmbYY->setCurrentText(QStringLiteral("2020"));
+    if (kind == 0) {
+        screen.txtDate[0]->setDateText(from);
+        screen.txtDate[1]->setDateText(to);
+    } else {
+        screen.CmbPeriod->setCurrentIndex(period);
+    }
+    const double ms = bench::medianMs([&] { screen.btnSearch_Click(); }, 5);
+    report(what, screen.grdList->DataRowCnt(), ms, groupedCli(from, to));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    test::prepareEnvironment();
+    QApplication app(argc, argv);
+    test::prepareApplication(app);
+    test::TestHome home;
+    bench::openFreshStore();
+    fill(50000, 1000000);
+    std::printf("store: 50000 traders, 1000000 invoice lines over 2015-2024\n");
+
+    FrmTaxManage screen;
+    screen.show();
+    QApplication::processEvents();
+    timeSearch(screen, "search of a quarter (screen)", 1, 1, QStringLiteral("2020-04-01"), QStringLiteral("2020-06-30"));
+    timeSearch(screen, "search of a year (screen)", 0, 0, QStringLiteral("2020-01-01"), QStringLiteral("2020-12-31"));
+
+    const QString pdf = home.file(QStringLiteral("year.pdf"));
+    int receivers = 0;
+    const double reportMs = bench::medianMs(
+        [&] {
+            const TotalsPeriod p{QStringLiteral("2020-01-01"), QStringLiteral("2020-12-31")};
+            const auto v = totalsReportValues(TotalsKind::Dates, 0, QStringLiteral("2020"), p.from, p.to,
+                                              *GetSumKum(stores().dbTax, true, p), *GetSumVat(stores().dbTax, true, p),
+                                              QDate::currentDate());
+            const auto data = ReadTotalsReport(v);
+            receivers = int(data->rows.size());
+            PrintJob job(makePdfSurface(pdf), kPdfPrinterName, kTotalsDocument);
+            PrinterPrepare(job);
+            printTotalsReport(job, *data);
+            job.endDoc();
+        },
+        3);
+    report("the year's 합계표 to PDF", receivers, reportMs, groupedCli("2020-01-01", "2020-12-31"));
+
+    Grid grid;
+    grid.setMaxCols(10);
+    grid.setMaxRows(10000);
+    for (int r = 1; r <= 10000; ++r)
+        for (int c = 1; c <= 10; ++c)
+            grid.SetText(c, r, c == 1 ? QStringLiteral("가나상사%1").arg(r) : QString::number(r * c));
+    QList<int> columns{1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
+    const QString xlsx = home.file(QStringLiteral("grid.xlsx"));
+    const double exportMs = bench::medianMs(
+        [&] {
+            QString error;
+            int number = 0;
+            writeSheet(xlsx, sheetContentOf(grid, columns, {QStringLiteral("< 합 계 >")}, QStringLiteral("목록")),
+                       &error, &number, [](int row) {
+                           if (row % 200 == 0) QApplication::processEvents(); // as the progress form lets it
+                       });
+        },
+        3);
+    report("a 10,000-row grid to .xlsx", 10000, exportMs, 0);
+    return 0;
+}
