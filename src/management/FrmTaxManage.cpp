@@ -199,7 +199,7 @@ QString FrmTaxManage::periodName() const {
 
 void FrmTaxManage::btnSearch_Click() {
     ClearGrid(*grdList);
-    const std::optional<QList<TraderTotal>> rows = SearchTotals(stores().dbTax, period());
+    const std::optional<QList<TraderTotal>> rows = SearchTotals(stores().dbTax, stores().dbBasic.path(), period());
     m_rows = rows.value_or(QList<TraderTotal>());
     showRows();
 }

@@ -1,7 +1,7 @@
 #include "management/TaxTotals.h"
 
 #include "common/text/NumberFormat.h"
-#include "master/clsTrader.h"
+#include "storage/CrossFileQueries.h"
 #include "storage/Database.h"
 
 #include <QDate>
@@ -14,13 +14,45 @@ const char* const kQuarterEnds[4][2] = {
     {"-01-01", "-03-31"}, {"-04-01", "-06-30"}, {"-07-01", "-09-30"}, {"-10-01", "-12-31"}};
 const char* const kHalfEnds[2][2] = {{"-01-01", "-06-30"}, {"-07-01", "-12-31"}};
 
-// The first invoice of each trader in the period (the lowest row of the trader, as the store
-// keeps them in the order they were issued) with the trader's sums.
-const QString kGroupedRead = QStringLiteral(
-    "SELECT g.CCode, g.TradeKum, g.VatKum, f.TaxCode, f.UserCode FROM "
+// One SaleTotal row a trader of the period: the first invoice of the trader (the lowest row,
+// as the store keeps them in the order they were issued), the trader's sums, the blank cells
+// before the supply value (11 minus its digits) and the trader's name from the basic file.
+// Whole sums go in as whole numbers.
+const QString kFillSaleTotal = QStringLiteral(
+    "INSERT INTO SaleTotal (Serial, CCode, TradeKum, VatKum, Blank, CName, UserCode) "
+    "SELECT f.TaxCode, g.CCode, "
+    "CASE WHEN g.TradeKum = CAST(g.TradeKum AS INTEGER) THEN CAST(g.TradeKum AS INTEGER) ELSE g.TradeKum END, "
+    "CASE WHEN g.VatKum = CAST(g.VatKum AS INTEGER) THEN CAST(g.VatKum AS INTEGER) ELSE g.VatKum END, "
+    "11 - length(CAST(CAST(g.TradeKum AS INTEGER) AS TEXT)), t.C_Name, f.UserCode FROM "
     "(SELECT CCode, MIN(rowid) AS FirstRow, SUM(TradeKum) AS TradeKum, SUM(VatKum) AS VatKum "
     "FROM NewAcount WHERE DealDate BETWEEN ? AND ? GROUP BY CCode) g "
-    "JOIN NewAcount f ON f.rowid = g.FirstRow");
+    "JOIN NewAcount f ON f.rowid = g.FirstRow LEFT JOIN basic.Trader t ON t.Code = g.CCode ORDER BY g.CCode");
+
+// The work tables emptied and SaleTotal filled in one transaction; its rows as the grid shows them.
+std::optional<QList<TraderTotal>> refillSaleTotal(Database& dbTax, const TotalsPeriod& period) {
+    if (!dbTax.beginTransaction()) return std::nullopt;
+    if (!dbTax.Execute(QStringLiteral("delete from buytotal")) || !dbTax.Execute(QStringLiteral("delete from saletotal")) ||
+        !dbTax.Execute(kFillSaleTotal, {period.from, period.to}) || !dbTax.commit()) {
+        dbTax.rollback();
+        return std::nullopt;
+    }
+    Recordset rs;
+    if (!OpenSnapshot(dbTax, rs, QStringLiteral("SELECT * FROM SaleTotal ORDER BY rowid"))) return std::nullopt;
+    QList<TraderTotal> rows;
+    rows.reserve(rs.RecordCount());
+    for (; !rs.EOF_(); rs.MoveNext()) {
+        TraderTotal row;
+        row.cCode = rs.text(QStringLiteral("CCode"));
+        row.cName = rs.text(QStringLiteral("CName"));
+        row.taxCode = rs.text(QStringLiteral("Serial"));
+        row.userCode = rs.text(QStringLiteral("UserCode"));
+        row.tradeKum = rs.number(QStringLiteral("TradeKum"));
+        row.vatKum = rs.number(QStringLiteral("VatKum"));
+        rows.append(row);
+    }
+    CloseRs(rs);
+    return rows;
+}
 
 // "2024년 01월 01일" of "2024-01-01".
 QString koreanDate(const QString& isoDate) {
@@ -63,33 +95,13 @@ QStringList periodRows(TotalsKind kind) {
     return {};
 }
 
-std::optional<QList<TraderTotal>> SearchTotals(Database& dbTax, const TotalsPeriod& period) {
-    if (!dbTax.beginTransaction()) return std::nullopt;
-    auto fail = [&]() -> std::optional<QList<TraderTotal>> {
-        dbTax.rollback();
+std::optional<QList<TraderTotal>> SearchTotals(Database& dbTax, const QString& basicFile, const TotalsPeriod& period) {
+    if (!dbTax.attach(basicFile, kBasicAlias)) {
+        ReportQueryFailure(-1, QStringLiteral("unable to open database: ") + basicFile, kFillSaleTotal);
         return std::nullopt;
-    };
-    if (!dbTax.Execute(QStringLiteral("delete from buytotal")) || !dbTax.Execute(QStringLiteral("delete from saletotal")))
-        return fail();
-    Recordset rs;
-    if (!OpenSnapshot(dbTax, rs, kGroupedRead, {period.from, period.to})) return fail();
-    QList<TraderTotal> rows;
-    for (; !rs.EOF_(); rs.MoveNext()) {
-        TraderTotal row;
-        row.cCode = rs.text(QStringLiteral("CCode"));
-        row.tradeKum = rs.number(QStringLiteral("TradeKum"));
-        row.vatKum = rs.number(QStringLiteral("VatKum"));
-        row.taxCode = rs.text(QStringLiteral("TaxCode"));
-        row.userCode = rs.text(QStringLiteral("UserCode"));
-        row.cName = GetTraderName(row.cCode);
-        const int blank = 11 - int(QString::number(qint64(row.tradeKum)).size());
-        if (!dbTax.Execute(QStringLiteral("insert into saleTotal values(?, ?, ?, ?, ?, ?, ?)"),
-                     {row.taxCode, row.cCode, row.tradeKum, row.vatKum, blank, row.cName, row.userCode}))
-            return fail();
-        rows.append(row);
     }
-    CloseRs(rs);
-    if (!dbTax.commit()) return fail();
+    std::optional<QList<TraderTotal>> rows = refillSaleTotal(dbTax, period);
+    dbTax.detach(kBasicAlias);
     return rows;
 }
 

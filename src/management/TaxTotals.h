@@ -41,9 +41,10 @@ struct TraderTotal {
 };
 
 // SearchTotals without the grid: the work tables emptied, the grouped read, one SaleTotal row a
-// trader (Blank = 11 minus the digits of the supply sum), all in one transaction. Nothing when
-// a step failed (its box shown; the work tables are as before).
-std::optional<QList<TraderTotal>> SearchTotals(Database& dbTax, const TotalsPeriod& period);
+// trader (Blank = 11 minus the digits of the supply sum, the name from the basic file at
+// basicFile), all in one transaction. Nothing when a step failed (its box shown; the work
+// tables are as before).
+std::optional<QList<TraderTotal>> SearchTotals(Database& dbTax, const QString& basicFile, const TotalsPeriod& period);
 // The six sums of pnlSum: sales supply, VAT, total, then the purchase three.
 std::array<double, 6> panelSums(const QList<TraderTotal>& rows);
 // A panel's text: "#,###,###" and one blank behind; a blank alone for 0.

@@ -82,7 +82,7 @@ private Q_SLOTS:
         test::script();
         addInvoice("100000", "000001", 1000, 100, "2023-12-31");
         QVERIFY(test::exec(stores().dbTax, "insert into SaleTotal (Serial, CCode) values ('old', 'old')"));
-        const auto rows = SearchTotals(stores().dbTax, {"2024-01-01", "2024-03-31"});
+        const auto rows = SearchTotals(stores().dbTax, stores().dbBasic.path(), {"2024-01-01", "2024-03-31"});
         QVERIFY(rows);
         QVERIFY(rows->isEmpty());
         QCOMPARE(saleTotalRows(), 0);
@@ -97,7 +97,7 @@ private Q_SLOTS:
         addInvoice("100000", "000001", 500, 50, "2024-01-05"); // a second line of the same invoice
         addInvoice("100001", "000001", 2000, 200, "2024-02-05");
         addInvoice("100002", "000002", 123456789, 12345678, "2024-03-05");
-        const auto rows = SearchTotals(stores().dbTax, {"2024-01-01", "2024-03-31"});
+        const auto rows = SearchTotals(stores().dbTax, stores().dbBasic.path(), {"2024-01-01", "2024-03-31"});
         QCOMPARE(rows->size(), 2);
         const TraderTotal& first = rows->at(0).cCode == u"000001" ? rows->at(0) : rows->at(1);
         QCOMPARE(first.tradeKum, 3500.0);
@@ -151,7 +151,7 @@ private Q_SLOTS:
         Store s;
         test::script();
         addInvoice("100000", "000001", 1000, 100, "2024-08-05");
-        QVERIFY(SearchTotals(stores().dbTax, {"2024-07-01", "2024-12-31"}));
+        QVERIFY(SearchTotals(stores().dbTax, stores().dbBasic.path(), {"2024-07-01", "2024-12-31"}));
         const auto v = totalsReportValues(TotalsKind::Half, 1, "2024", {}, {}, 1000, 100, QDate(2025, 1, 2));
         QCOMPARE(v.selectFrom, QStringLiteral("2024-07-01"));
         QCOMPARE(v.selectTo, QStringLiteral("2024-012-31"));
@@ -182,7 +182,7 @@ private Q_SLOTS:
                                {code, QStringLiteral("매출처%1").arg(i), QStringLiteral("2%1-00-00000").arg(i, 2, 10, QChar(u'0'))}));
             addInvoice(QStringLiteral("2%1").arg(i, 5, 10, QChar(u'0')), code, 1000, 100, "2024-04-10");
         }
-        QVERIFY(SearchTotals(stores().dbTax, {"2024-04-01", "2024-06-30"}));
+        QVERIFY(SearchTotals(stores().dbTax, stores().dbBasic.path(), {"2024-04-01", "2024-06-30"}));
         const TotalsReport report = reportOfQuarter(1);
         QCOMPARE(report.rows.size(), 60);
         QCOMPARE(report.invoices(), 60);
@@ -206,7 +206,7 @@ private Q_SLOTS:
         test::script();
         addInvoice("100000", "000001", 1000, 100, "2024-04-10");
         addInvoice("100001", "000002", 2000, 200, "2024-05-10");
-        QVERIFY(SearchTotals(stores().dbTax, {"2024-04-01", "2024-06-30"}));
+        QVERIFY(SearchTotals(stores().dbTax, stores().dbBasic.path(), {"2024-04-01", "2024-06-30"}));
         const QString pdf = s.home.path() + QStringLiteral("/report.pdf");
         {
             PrintJob job(makePdfSurface(pdf), kPdfPrinterName, kTotalsDocument);
