@@ -8,6 +8,7 @@
 #include "printing/PrintGrid.h"
 #include "printing/PrintPreview.h"
 #include "printing/PrinterSetup.h"
+#include "storage/CrossFileQueries.h"
 #include "storage/Database.h"
 #include "storage/Stores.h"
 
@@ -17,9 +18,12 @@ namespace {
 
 using namespace totalslayout;
 
+// The receivers of the last search with their invoices in the selection, and their numbers
+// from the basic file.
 const QString kRowsRead = QStringLiteral(
-    "SELECT s.CCode, s.CName, COUNT(DISTINCT n.TaxCode) AS Invoices, SUM(n.TradeKum) AS Supply, "
-    "SUM(n.VatKum) AS Tax FROM SaleTotal s JOIN NewAcount n ON n.CCode = s.CCode "
+    "SELECT s.CCode, s.CName, t.Serial AS Serial, COUNT(DISTINCT n.TaxCode) AS Invoices, "
+    "SUM(n.TradeKum) AS Supply, SUM(n.VatKum) AS Tax FROM SaleTotal s JOIN NewAcount n ON n.CCode = s.CCode "
+    "LEFT JOIN basic.Trader t ON t.Code = s.CCode "
     "WHERE n.DealDate >= ? AND n.DealDate <= ? GROUP BY s.rowid ORDER BY s.rowid");
 
 QString cell(const QString& text, const Column& column) {
@@ -130,19 +134,22 @@ std::optional<TotalsReport> ReadTotalsReport(const TotalsReportValues& values) {
     }
     CloseRs(user);
     Recordset rs;
-    if (!OpenSnapshot(stores().dbTax, rs, kRowsRead, {values.selectFrom, values.selectTo})) return std::nullopt;
+    Database& tax = stores().dbTax;
+    if (!tax.attach(stores().dbBasic.path(), kBasicAlias)) {
+        ReportQueryFailure(-1, QStringLiteral("unable to open database: ") + stores().dbBasic.path(), kRowsRead);
+        return std::nullopt;
+    }
+    const bool read = OpenSnapshot(tax, rs, kRowsRead, {values.selectFrom, values.selectTo});
+    tax.detach(kBasicAlias);
+    if (!read) return std::nullopt;
+    report.rows.reserve(rs.RecordCount());
     for (; !rs.EOF_(); rs.MoveNext()) {
         TotalsReportRow row;
+        row.serial = rs.text(QStringLiteral("Serial"));
         row.company = rs.text(QStringLiteral("CName"));
         row.invoices = int(rs.number(QStringLiteral("Invoices")));
         row.supply = rs.number(QStringLiteral("Supply"));
         row.tax = rs.number(QStringLiteral("Tax"));
-        Recordset trader;
-        if (OpenSnapshot(stores().dbBasic, trader, QStringLiteral("SELECT Serial FROM Trader WHERE Code = ?"),
-                         {rs.text(QStringLiteral("CCode"))}) &&
-            !trader.EOF_())
-            row.serial = trader.text(QStringLiteral("Serial"));
-        CloseRs(trader);
         report.rows.append(row);
     }
     CloseRs(rs);
