@@ -14,8 +14,10 @@
 int main(int argc, char** argv) {
     if (nb::isPrintInvoiceCommand(argc, argv)) return nb::runHeadless(argc, argv, nb::PrintInvoiceCommand);
     if (nb::isExportEtaxCommand(argc, argv)) return nb::runHeadless(argc, argv, nb::ExportEtaxCommand);
-    if (nb::isPrintQuotationCommand(argc, argv)) return nb::runHeadless(argc, argv, nb::PrintQuotationCommand);
-    if (nb::isPrintStatementCommand(argc, argv)) return nb::runHeadless(argc, argv, nb::PrintStatementCommand);
+    if (nb::isPrintQuotationCommand(argc, argv))
+        return nb::runHeadless(argc, argv, nb::PrintQuotationCommand);
+    if (nb::isPrintStatementCommand(argc, argv))
+        return nb::runHeadless(argc, argv, nb::PrintStatementCommand);
     nb::registerMasterScreens();
     nb::registerPrintingScreens();
     nb::registerInvoiceScreens();

@@ -27,7 +27,9 @@ namespace {
 
 constexpr int kRepeats = 15;
 
-double medianMs(const std::function<void()>& run) { return bench::medianMs(run, kRepeats); }
+double medianMs(const std::function<void()>& run) {
+    return bench::medianMs(run, kRepeats);
+}
 
 QString code(int i) {
     return QStringLiteral("%1").arg(i, 6, 10, QChar(u'0'));
@@ -143,7 +145,8 @@ void timeList(FrmDealList& screen, const char* what, const QString& from, const 
 // Choosing the 200-line statement in the list (its lines into spDetail, the totals) and going
 // back to the empty row.
 void timeChoice(FrmDealList& screen, const QString& billNo, double cli) {
-    const QString date = scalarText(QStringLiteral("SELECT BillDate FROM Master WHERE BillNo = '%1'").arg(billNo));
+    const QString date =
+        scalarText(QStringLiteral("SELECT BillDate FROM Master WHERE BillNo = '%1'").arg(billNo));
     SetDateCellText(screen.spDate[0], date);
     SetDateCellText(screen.spDate[1], date);
     screen.cmdMaster_Click();
@@ -186,8 +189,9 @@ int main(int argc, char** argv) {
     double ms = medianMs([&] {
         rows = int(ReadStatementLines(stores().dbBill, big).value_or(QList<StatementLine>()).size());
     });
-    const double linesCli = cliMs(stores().dbBill.path(), QString(),
-                                  QStringLiteral("SELECT * FROM Detail WHERE BillNo = '%1' ORDER BY BillSEQ").arg(big));
+    const double linesCli =
+        cliMs(stores().dbBill.path(), QString(),
+              QStringLiteral("SELECT * FROM Detail WHERE BillNo = '%1' ORDER BY BillSEQ").arg(big));
     report("lines of a 200-line statement", rows, ms, linesCli);
     timeChoice(screen, big, linesCli);
 

@@ -21,7 +21,9 @@ using namespace nb;
 
 namespace {
 
-QString code(int i) { return QStringLiteral("%1").arg(i, 6, 10, QChar(u'0')); }
+QString code(int i) {
+    return QStringLiteral("%1").arg(i, 6, 10, QChar(u'0'));
+}
 
 void fill(int traders, int lines) {
     Database& basic = stores().dbBasic;
@@ -34,16 +36,20 @@ void fill(int traders, int lines) {
         t.addBindValue(QStringLiteral("101-01-%1").arg(i, 5, 10, QChar(u'0')));
         t.exec();
     }
-    QSqlQuery(basic.connection()).exec(QStringLiteral("INSERT INTO User (Company, Serial) VALUES ('하르문상사', '123-45-67891')"));
+    QSqlQuery(basic.connection())
+        .exec(QStringLiteral("INSERT INTO User (Company, Serial) VALUES ('하르문상사', '123-45-67891')"));
     basic.commit();
     // The invoice lines in one statement, spread evenly over 2015-2024.
     QSqlQuery(stores().dbTax.connection())
-        .exec(QStringLiteral(
-                  "INSERT INTO NewAcount (TaxCode, CCode, PName, Quantity, UnitCost, TradeKum, VatKum, DealDate, "
-                  "TradeDate, UserCode) WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < %1) "
-                  "SELECT printf('%08d', 100000 + i / 2), printf('%06d', 1 + (i * 7919) % %2), '품목', 1, 10000, "
-                  "10000, 1000, date('2015-01-01', '+' || (i * 3652 / %3) || ' days'), "
-                  "strftime('%m-%d', date('2015-01-01', '+' || (i * 3652 / %3) || ' days')), '123-45-67891' FROM n")
+        .exec(QStringLiteral("INSERT INTO NewAcount (TaxCode, CCode, PName, Quantity, UnitCost, TradeKum, "
+                             "VatKum, DealDate, "
+                             "TradeDate, UserCode) WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 "
+                             "FROM n WHERE i < %1) "
+                             "SELECT printf('%08d', 100000 + i / 2), printf('%06d', 1 + (i * 7919) % %2), "
+                             "'품목', 1, 10000, "
+                             "10000, 1000, date('2015-01-01', '+' || (i * 3652 / %3) || ' days'), "
+                             "strftime('%m-%d', date('2015-01-01', '+' || (i * 3652 / %3) || ' days')), "
+                             "'123-45-67891' FROM n")
                   .arg(lines - 1)
                   .arg(traders)
                   .arg(lines));
@@ -57,10 +63,11 @@ void report(const char* what, int rows, double ms, double cli) {
 }
 
 double groupedCli(const QString& from, const QString& to) {
-    return bench::cliMs(stores().dbTax.path(),
-                        QStringLiteral("SELECT CCode, SUM(TradeKum), SUM(VatKum) FROM NewAcount WHERE DealDate BETWEEN "
-                                       "'%1' AND '%2' GROUP BY CCode")
-                            .arg(from, to));
+    return bench::cliMs(
+        stores().dbTax.path(),
+        QStringLiteral("SELECT CCode, SUM(TradeKum), SUM(VatKum) FROM NewAcount WHERE DealDate BETWEEN "
+                       "'%1' AND '%2' GROUP BY CCode")
+            .arg(from, to));
 }
 
 void timeSearch(FrmTaxManage& screen, const char* what, int kind, int period, const QString& from,
@@ -92,8 +99,10 @@ int main(int argc, char** argv) {
     FrmTaxManage screen;
     screen.show();
     QApplication::processEvents();
-    timeSearch(screen, "search of a quarter (screen)", 1, 1, QStringLiteral("2024-04-01"), QStringLiteral("2024-06-30"));
-    timeSearch(screen, "search of a year (screen)", 0, 0, QStringLiteral("2024-01-01"), QStringLiteral("2024-12-31"));
+    timeSearch(screen, "search of a quarter (screen)", 1, 1, QStringLiteral("2024-04-01"),
+               QStringLiteral("2024-06-30"));
+    timeSearch(screen, "search of a year (screen)", 0, 0, QStringLiteral("2024-01-01"),
+               QStringLiteral("2024-12-31"));
 
     const QString pdf = home.file(QStringLiteral("year.pdf"));
     int receivers = 0;
@@ -101,8 +110,8 @@ int main(int argc, char** argv) {
         [&] {
             const TotalsPeriod p{QStringLiteral("2024-01-01"), QStringLiteral("2024-12-31")};
             const auto v = totalsReportValues(TotalsKind::Dates, 0, QStringLiteral("2024"), p.from, p.to,
-                                              *GetSumKum(stores().dbTax, true, p), *GetSumVat(stores().dbTax, true, p),
-                                              QDate::currentDate());
+                                              *GetSumKum(stores().dbTax, true, p),
+                                              *GetSumVat(stores().dbTax, true, p), QDate::currentDate());
             const auto data = ReadTotalsReport(v);
             receivers = int(data->rows.size());
             PrintJob job(makePdfSurface(pdf), kPdfPrinterName, kTotalsDocument);
@@ -125,7 +134,8 @@ int main(int argc, char** argv) {
         [&] {
             QString error;
             int number = 0;
-            writeSheet(xlsx, sheetContentOf(grid, columns, {QStringLiteral("< 합 계 >")}, QStringLiteral("목록")),
+            writeSheet(xlsx,
+                       sheetContentOf(grid, columns, {QStringLiteral("< 합 계 >")}, QStringLiteral("목록")),
                        &error, &number, [](int row) {
                            if (row % 200 == 0) QApplication::processEvents(); // as the progress form lets it
                        });

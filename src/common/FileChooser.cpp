@@ -13,7 +13,8 @@ public:
     QString openFile(QWidget* parent, const QString& title, const QString& filter) override {
         return QFileDialog::getOpenFileName(parent, title, QString(), qtFileFilter(filter));
     }
-    QString saveFile(QWidget* parent, const QString& title, const QString& suggested, const QString& filter) override {
+    QString saveFile(QWidget* parent, const QString& title, const QString& suggested,
+                     const QString& filter) override {
         return QFileDialog::getSaveFileName(parent, title, suggested, qtFileFilter(filter));
     }
     QString chooseFolder(QWidget* parent, const QString& title, const QString& start) override {
@@ -54,7 +55,8 @@ QString ScriptedFileChooser::openFile(QWidget*, const QString& title, const QStr
     return next(QStringLiteral("open"), title);
 }
 
-QString ScriptedFileChooser::saveFile(QWidget*, const QString& title, const QString& path, const QString& filter) {
+QString ScriptedFileChooser::saveFile(QWidget*, const QString& title, const QString& path,
+                                      const QString& filter) {
     filters << filter;
     suggested << path;
     return next(QStringLiteral("save"), title);

@@ -28,7 +28,8 @@ void setFileChooser(std::unique_ptr<FileChooser> chooser);
 class ScriptedFileChooser : public FileChooser {
 public:
     QString openFile(QWidget* parent, const QString& title, const QString& filter) override;
-    QString saveFile(QWidget* parent, const QString& title, const QString& suggested, const QString& filter) override;
+    QString saveFile(QWidget* parent, const QString& title, const QString& suggested,
+                     const QString& filter) override;
     QString chooseFolder(QWidget* parent, const QString& title, const QString& start) override;
     QStringList answers;
     QStringList titles;

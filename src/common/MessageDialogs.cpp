@@ -15,7 +15,9 @@
 namespace nb {
 namespace {
 
-QWidget* activeParent() { return QApplication::activeWindow(); }
+QWidget* activeParent() {
+    return QApplication::activeWindow();
+}
 
 QLabel* colouredPanel(const QString& text, int color, QWidget* parent) {
     auto* label = new QLabel(text, parent);
@@ -55,8 +57,8 @@ FrmMsgbox::FrmMsgbox(const QString& text, int millis, int color, QWidget* parent
 }
 
 frmFloatMsg::frmFloatMsg(const QString& text, int millis, int color, QWidget* parent)
-    : QDialog(parent, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
-                          Qt::WindowDoesNotAcceptFocus) {
+    : QDialog(parent,
+              Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus) {
     setObjectName(QStringLiteral("frmFloatMsg"));
     setAttribute(Qt::WA_ShowWithoutActivating);
     auto* layout = new QVBoxLayout(this);
@@ -90,21 +92,40 @@ QMessageBox* buildMessageBox(const QString& text, int buttons, const QString& ti
     box->setWindowTitle(title);
     box->setText(QString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n'));
     switch (buttons & 112) {
-    case MbQuestion: box->setIcon(QMessageBox::Question); break;
-    case MbExclamation: box->setIcon(QMessageBox::Warning); break;
-    case MbInformation: box->setIcon(QMessageBox::Information); break;
-    case 16: box->setIcon(QMessageBox::Critical); break;
-    default: box->setIcon(QMessageBox::NoIcon); break;
+    case MbQuestion:
+        box->setIcon(QMessageBox::Question);
+        break;
+    case MbExclamation:
+        box->setIcon(QMessageBox::Warning);
+        break;
+    case MbInformation:
+        box->setIcon(QMessageBox::Information);
+        break;
+    case 16:
+        box->setIcon(QMessageBox::Critical);
+        break;
+    default:
+        box->setIcon(QMessageBox::NoIcon);
+        break;
     }
     QList<QMessageBox::StandardButton> order;
     switch (buttons & 7) {
-    case MbYesNoCancel: order = {QMessageBox::Yes, QMessageBox::No, QMessageBox::Cancel}; break;
-    case MbYesNo: order = {QMessageBox::Yes, QMessageBox::No}; break;
-    case 1: order = {QMessageBox::Ok, QMessageBox::Cancel}; break;
-    default: order = {QMessageBox::Ok}; break;
+    case MbYesNoCancel:
+        order = {QMessageBox::Yes, QMessageBox::No, QMessageBox::Cancel};
+        break;
+    case MbYesNo:
+        order = {QMessageBox::Yes, QMessageBox::No};
+        break;
+    case 1:
+        order = {QMessageBox::Ok, QMessageBox::Cancel};
+        break;
+    default:
+        order = {QMessageBox::Ok};
+        break;
     }
     QMessageBox::StandardButtons set;
-    for (auto b : order) set |= b;
+    for (auto b : order)
+        set |= b;
     box->setStandardButtons(set);
     const int def = qMin<int>((buttons & 768) >> 8, int(order.size()) - 1);
     box->setDefaultButton(order[def]);
@@ -114,10 +135,14 @@ QMessageBox* buildMessageBox(const QString& text, int buttons, const QString& ti
 
 int answerFor(int standardButton) {
     switch (standardButton) {
-    case QMessageBox::Yes: return AnsYes;
-    case QMessageBox::No: return AnsNo;
-    case QMessageBox::Cancel: return AnsCancel;
-    default: return AnsOk;
+    case QMessageBox::Yes:
+        return AnsYes;
+    case QMessageBox::No:
+        return AnsNo;
+    case QMessageBox::Cancel:
+        return AnsCancel;
+    default:
+        return AnsOk;
     }
 }
 
@@ -139,8 +164,10 @@ void DialogMessages::floatMsg(const QString& text, int millis, bool modal, int c
     auto* form = new frmFloatMsg(text, millis, color, activeParent());
     form->setAttribute(Qt::WA_DeleteOnClose);
     m_float = form;
-    if (modal) form->exec();
-    else form->show();
+    if (modal)
+        form->exec();
+    else
+        form->show();
 }
 
 void DialogMessages::closeFloatMsg() {
@@ -158,7 +185,7 @@ void DialogMessages::progressShow(const QString& caption, int maximum) {
 void DialogMessages::progressSet(int value) {
     if (!m_progress) return;
     m_progress->ProgressBar1->setValue(value);
-    if (value % 200 == 0) QApplication::processEvents();  // let the event pump run now and then
+    if (value % 200 == 0) QApplication::processEvents(); // let the event pump run now and then
 }
 
 void DialogMessages::progressClose() {
@@ -167,7 +194,8 @@ void DialogMessages::progressClose() {
 
 QString DialogMessages::input(const QString& prompt, const QString& title, const QString& defaultText) {
     bool ok = false;
-    const QString text = QInputDialog::getText(activeParent(), title, prompt, QLineEdit::Normal, defaultText, &ok);
+    const QString text =
+        QInputDialog::getText(activeParent(), title, prompt, QLineEdit::Normal, defaultText, &ok);
     return ok ? text : QString();
 }
 

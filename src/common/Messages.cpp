@@ -16,7 +16,9 @@ QString& titleSlot() {
     return title;
 }
 
-QString orAppTitle(const QString& title) { return title.isEmpty() ? applicationTitle() : title; }
+QString orAppTitle(const QString& title) {
+    return title.isEmpty() ? applicationTitle() : title;
+}
 
 } // namespace
 
@@ -26,10 +28,16 @@ MessageBackend& messages() {
     return *b;
 }
 
-void setMessageBackend(std::unique_ptr<MessageBackend> backend) { backendSlot() = std::move(backend); }
+void setMessageBackend(std::unique_ptr<MessageBackend> backend) {
+    backendSlot() = std::move(backend);
+}
 
-QString applicationTitle() { return titleSlot(); }
-void setApplicationTitle(const QString& title) { titleSlot() = title; }
+QString applicationTitle() {
+    return titleSlot();
+}
+void setApplicationTitle(const QString& title) {
+    titleSlot() = title;
+}
 
 int MsgBox(const QString& text, int buttons, const QString& title) {
     return messages().box(text, buttons, orAppTitle(title));
@@ -39,9 +47,13 @@ void ShowTypeMismatch() {
     MsgBox(QStringLiteral("실행 시간 오류 '13':\r\n\r\n형식이 일치하지 않습니다."), MbExclamation, kAppTitle);
 }
 
-void ShowInfo(const QString& text, const QString& title) { MsgBox(text, MbInformation, title); }
+void ShowInfo(const QString& text, const QString& title) {
+    MsgBox(text, MbInformation, title);
+}
 
-void ShowWarning(const QString& text, const QString& title) { MsgBox(text, MbExclamation, title); }
+void ShowWarning(const QString& text, const QString& title) {
+    MsgBox(text, MbExclamation, title);
+}
 
 int AskYesNo(const QString& text, const QString& title, bool defaultYes) {
     return MsgBox(text, defaultYes ? 36 : 292, title);
@@ -57,7 +69,9 @@ void ShowError(const QString& text, int errorNumber, const QString& description)
                    MbExclamation, QStringLiteral("오류"));
 }
 
-void ShowNotice(const QString& text, int millis, int color) { messages().notice(text, millis, color); }
+void ShowNotice(const QString& text, int millis, int color) {
+    messages().notice(text, millis, color);
+}
 
 void ShowFloatMsg(const QString& text, int millis, bool modal, int color) {
     messages().floatMsg(text, millis, modal, color);
@@ -80,24 +94,35 @@ void ShowFailureReport(int number, const QString& description, const QString& pr
     MsgBox(text, MbOk, QString());
 }
 
-void ShowFormFailureReport(int number, const QString& description, const QString& procedure, const QString& form) {
+void ShowFormFailureReport(int number, const QString& description, const QString& procedure,
+                           const QString& form) {
     MsgBox(QStringLiteral("Error ") + QString::number(number) + QStringLiteral(" (") + description +
                QStringLiteral(") in procedure ") + procedure + QStringLiteral(" of Form ") + form,
            MbOk, QString());
 }
 
-Progress::Progress(const QString& caption, int maximum) { messages().progressShow(caption, maximum); }
-Progress::~Progress() { messages().progressClose(); }
-void Progress::step() { messages().progressSet(++m_value); }
+Progress::Progress(const QString& caption, int maximum) {
+    messages().progressShow(caption, maximum);
+}
+Progress::~Progress() {
+    messages().progressClose();
+}
+void Progress::step() {
+    messages().progressSet(++m_value);
+}
 
 int defaultAnswer(int buttons) {
     const int kind = buttons & 7;
-    const int def = (buttons & 768) >> 8;  // 0: first button, 1: second, 2: third
+    const int def = (buttons & 768) >> 8; // 0: first button, 1: second, 2: third
     switch (kind) {
-    case MbYesNoCancel: return def == 0 ? AnsYes : def == 1 ? AnsNo : AnsCancel;
-    case MbYesNo: return def == 0 ? AnsYes : AnsNo;
-    case 1: return def == 0 ? AnsOk : AnsCancel;  // OK / Cancel
-    default: return AnsOk;
+    case MbYesNoCancel:
+        return def == 0 ? AnsYes : def == 1 ? AnsNo : AnsCancel;
+    case MbYesNo:
+        return def == 0 ? AnsYes : AnsNo;
+    case 1:
+        return def == 0 ? AnsOk : AnsCancel; // OK / Cancel
+    default:
+        return AnsOk;
     }
 }
 
@@ -125,7 +150,9 @@ void ScriptedMessages::progressShow(const QString& caption, int maximum) {
     m_progressValues.clear();
 }
 
-void ScriptedMessages::progressSet(int value) { m_progressValues << value; }
+void ScriptedMessages::progressSet(int value) {
+    m_progressValues << value;
+}
 void ScriptedMessages::progressClose() {}
 
 const MessageRecord& ScriptedMessages::last() const {

@@ -32,10 +32,10 @@ inline constexpr int kNoticeColor = 16761024;
 
 // One thing said or asked, as recorded.
 struct MessageRecord {
-    QString kind;   // "box", "notice", "float", "progress"
+    QString kind; // "box", "notice", "float", "progress"
     QString title;
     QString text;
-    int buttons = 0;  // the MsgBox value for boxes; the milliseconds for notices
+    int buttons = 0; // the MsgBox value for boxes; the milliseconds for notices
     int color = 0;
     bool modal = true;
 };
@@ -91,7 +91,8 @@ void ShowFailureReport(int number, const QString& description, const QString& pr
                        const QString& module, const QString& extraLine = QString());
 
 // The same for a procedure of a screen: "... in procedure P of Form F".
-void ShowFormFailureReport(int number, const QString& description, const QString& procedure, const QString& form);
+void ShowFormFailureReport(int number, const QString& description, const QString& procedure,
+                           const QString& form);
 
 // The progress form of long jobs.
 class Progress {

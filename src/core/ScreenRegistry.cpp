@@ -23,7 +23,9 @@ const ScreenEntry* screenFor(const QString& menuControl) {
     return it == registry().constEnd() ? nullptr : &it.value();
 }
 
-void clearScreenRegistry() { registry().clear(); }
+void clearScreenRegistry() {
+    registry().clear();
+}
 
 namespace {
 std::function<QWidget*(const QString&)>& opener() {
@@ -32,9 +34,13 @@ std::function<QWidget*(const QString&)>& opener() {
 }
 } // namespace
 
-QWidget* openScreen(const QString& menuControl) { return opener() ? opener()(menuControl) : nullptr; }
+QWidget* openScreen(const QString& menuControl) {
+    return opener() ? opener()(menuControl) : nullptr;
+}
 
-void setScreenOpener(std::function<QWidget*(const QString& menuControl)> open) { opener() = std::move(open); }
+void setScreenOpener(std::function<QWidget*(const QString& menuControl)> open) {
+    opener() = std::move(open);
+}
 
 namespace {
 std::function<QWidget*(const QString&, bool)>& loader() {

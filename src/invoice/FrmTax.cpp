@@ -529,7 +529,8 @@ void FrmTax::btnPreview_Click() {
 void FrmTax::vaBtn6_Click() {
     const QString statements = QStringLiteral("mnu_거래명세표");
     if (QWidget* screen = loadScreen(statements, false))
-        if (auto* code = screen->findChild<QLineEdit*>(QStringLiteral("txtCCode"))) code->setText(txtCCode->text());
+        if (auto* code = screen->findChild<QLineEdit*>(QStringLiteral("txtCCode")))
+            code->setText(txtCCode->text());
     openScreen(statements);
 }
 

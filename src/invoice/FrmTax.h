@@ -69,8 +69,8 @@ public:
     std::array<DateBox*, 2> txtDate{};
     Grid* grdList;
     QLabel *imgPic, *picSign;
-    QPushButton *vaBtn1, *vaBtn2, *vaBtn3, *vaBtn4, *vaBtn5, *vaBtn6, *btnSave, *btnTotal, *btnPrinter, *btnPreview,
-        *cmdSeal;
+    QPushButton *vaBtn1, *vaBtn2, *vaBtn3, *vaBtn4, *vaBtn5, *vaBtn6, *btnSave, *btnTotal, *btnPrinter,
+        *btnPreview, *cmdSeal;
     std::array<QPushButton*, 3> btnMonthView{};
     TaxPaper* paperArea;
 
@@ -106,12 +106,12 @@ public:
     void showReceipt(const QString& receipt);
 
 public Q_SLOTS:
-    void vaBtn2_Click();  // 발행
-    void btnSave_Click(); // 저장
-    void vaBtn3_Click();  // 다시입력
-    void vaBtn5_Click();  // 집계
-    void vaBtn4_Click();  // 견본보기
-    void vaBtn6_Click();  // 거래명세표 발행창
+    void vaBtn2_Click();     // 발행
+    void btnSave_Click();    // 저장
+    void vaBtn3_Click();     // 다시입력
+    void vaBtn5_Click();     // 집계
+    void vaBtn4_Click();     // 견본보기
+    void vaBtn6_Click();     // 거래명세표 발행창
     void btnPreview_Click(); // 미리보기: what 발행 would print now
     void btnPrinter_Click();
     void vaBtn1_Click();

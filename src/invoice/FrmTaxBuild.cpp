@@ -1,4 +1,5 @@
 // FrmTax: its controls, where they stand on the drawn paper and beside it, and the tab order.
+#include "common/FormBuild.h"
 #include "common/dates/DateBox.h"
 #include "common/grid/Grid.h"
 #include "common/text/NumBox.h"
@@ -26,31 +27,6 @@ constexpr int kSideX = 770;
 constexpr int kSideWidth = 360;
 constexpr int kBottomY = kPaperY + kHeight + 8;
 constexpr int kBoxHeight = 24;
-
-QLabel* makeLabel(QWidget* parent, const QString& text, const QRect& geometry, bool framed = false) {
-    auto* l = new QLabel(text, parent);
-    l->setGeometry(geometry);
-    if (framed) {
-        l->setFrameShape(QFrame::Panel);
-        l->setFrameShadow(QFrame::Sunken);
-    }
-    return l;
-}
-
-QPushButton* makeButton(QWidget* parent, const QString& name, const QString& caption, const QRect& geometry) {
-    auto* b = new QPushButton(caption, parent);
-    b->setObjectName(name);
-    b->setGeometry(geometry);
-    b->setFocusPolicy(Qt::TabFocus);
-    return b;
-}
-
-QLabel* makeSumPanel(QWidget* parent, const QString& name, const QRect& geometry) {
-    QLabel* panel = makeLabel(parent, QString(), geometry, true);
-    panel->setObjectName(name);
-    panel->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    return panel;
-}
 
 } // namespace
 
@@ -220,7 +196,8 @@ void FrmTax::buildButtons() {
                           QRect(kSideX, 548, kSideWidth, 30));
     btnPreview = makeButton(this, QStringLiteral("btnPreview"), QStringLiteral("미리보기(&V)"),
                             QRect(kSideX, 584, kSideWidth, 30));
-    btnPreview->setToolTip(QStringLiteral("발행하면 인쇄될 모양을 미리 봅니다. 번호를 받거나 저장하지 않습니다."));
+    btnPreview->setToolTip(
+        QStringLiteral("발행하면 인쇄될 모양을 미리 봅니다. 번호를 받거나 저장하지 않습니다."));
     pnlGubun = new QGroupBox(QStringLiteral("VAT구분"), this);
     pnlGubun->setObjectName(QStringLiteral("pnlGubun"));
     pnlGubun->setGeometry(kPaperX, kBottomY, 262, 48);

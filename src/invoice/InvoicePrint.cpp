@@ -13,23 +13,10 @@ namespace {
 
 using namespace invoicelayout;
 
-PrintParty partyFromRow(const Recordset& rs, bool trader) {
-    PrintParty p;
-    p.serial = rs.text(QStringLiteral("Serial"));
-    p.company = rs.text(trader ? QStringLiteral("C_Name") : QStringLiteral("Company"));
-    p.delegate = rs.text(trader ? QStringLiteral("U_Name") : QStringLiteral("Delegate"));
-    p.addr = rs.text(trader ? QStringLiteral("Addr1") : QStringLiteral("Addr"));
-    p.status = rs.text(QStringLiteral("Status"));
-    p.item = rs.text(QStringLiteral("Item"));
-    p.phone = rs.text(QStringLiteral("Phone"));
-    p.fax = rs.text(QStringLiteral("Fax"));
-    return p;
-}
-
 PrintParty readParty(Database& db, const QString& sql, const QVariantList& values, bool trader) {
     Recordset rs;
     PrintParty party;
-    if (OpenSnapshot(db, rs, sql, values) && !rs.EOF_()) party = partyFromRow(rs, trader);
+    if (OpenSnapshot(db, rs, sql, values) && !rs.EOF_()) party = printPartyOf(rs, trader);
     CloseRs(rs);
     return party;
 }
@@ -156,6 +143,19 @@ void printTotal(PrintJob& job, const InvoicePrintData& data, const PaperSums& su
 }
 
 } // namespace
+
+PrintParty printPartyOf(const Recordset& rs, bool trader) {
+    PrintParty p;
+    p.serial = rs.text(QStringLiteral("Serial"));
+    p.company = rs.text(trader ? QStringLiteral("C_Name") : QStringLiteral("Company"));
+    p.delegate = rs.text(trader ? QStringLiteral("U_Name") : QStringLiteral("Delegate"));
+    p.addr = rs.text(trader ? QStringLiteral("Addr1") : QStringLiteral("Addr"));
+    p.status = rs.text(QStringLiteral("Status"));
+    p.item = rs.text(QStringLiteral("Item"));
+    p.phone = rs.text(QStringLiteral("Phone"));
+    p.fax = rs.text(QStringLiteral("Fax"));
+    return p;
+}
 
 PrintParties ReadPrintParties(Database& dbBasic, const QString& traderCode, const QString& userSerial) {
     PrintParties parties;

@@ -11,6 +11,8 @@
 
 namespace nb {
 
+class Recordset;
+
 class Database;
 class PrintJob;
 
@@ -25,6 +27,9 @@ struct PrintParty {
     QString phone;
     QString fax;
 };
+
+// A party from its row of User (trader false) or Trader.
+PrintParty printPartyOf(const Recordset& rs, bool trader);
 
 // 검색Snp거래처(code): the trader of the code (the first by Code when code is empty) and the
 // supplier of userSerial (the first row of User when it is empty, whatever the screen shows).

@@ -40,7 +40,8 @@ QVariant totalValue(const QString& text) {
 }
 
 QString failureText(int number, const QString& reason) {
-    return QStringLiteral("오류번호 : ") + QString::number(number) + QStringLiteral("\r\n오류내용 : ") + reason +
+    return QStringLiteral("오류번호 : ") + QString::number(number) + QStringLiteral("\r\n오류내용 : ") +
+           reason +
            QStringLiteral("\r\n정상적으로 수행할 수 없습니다.\r\n파일을 쓸 수 있는 곳인지 확인하세요.");
 }
 
@@ -82,7 +83,7 @@ bool writeSheet(const QString& path, const SheetContent& content, QString* error
             writeValue(file, r + 1, c, cells.at(c));
             const QVariant& v = cells.at(c);
             const double w = v.typeId() == QMetaType::Double ? widthOf(FormatNumber(v.toDouble(), kMaskSum))
-                                                              : widthOf(v.toString());
+                                                             : widthOf(v.toString());
             if (c < widths.size()) widths[c] = qMax(widths[c], w);
         }
         if (rowWritten) rowWritten(r + 1);
@@ -121,7 +122,8 @@ QString ExportGrid(QWidget* parent, const Grid& grid, const QList<int>& columns,
         MsgBox(failureText(number, reason), MbOk | MbExclamation, QStringLiteral("오류"));
         return QString();
     }
-    if (AskYesNo(QStringLiteral("엑셀 파일을 만들었습니다.\r\n") + path + QStringLiteral("\r\n\r\n지금 여시겠습니까?"),
+    if (AskYesNo(QStringLiteral("엑셀 파일을 만들었습니다.\r\n") + path +
+                     QStringLiteral("\r\n\r\n지금 여시겠습니까?"),
                  title) == AnsYes)
         launcher().openUrl(path);
     return path;

@@ -17,10 +17,10 @@ class Grid;
 
 // What is written, taken from a grid.
 struct SheetContent {
-    QString title;           // the sheet's name
-    QStringList headings;    // row 1
+    QString title;               // the sheet's name
+    QStringList headings;        // row 1
     QList<QList<QVariant>> rows; // a double is a number, a QString a text
-    QStringList totals;      // the total row; numeric texts ("1,234 ") go in as numbers
+    QStringList totals;          // the total row; numeric texts ("1,234 ") go in as numbers
 };
 // The grid's data rows (1 to DataRowCnt) in the given columns.
 SheetContent sheetContentOf(const Grid& grid, const QList<int>& columns, const QStringList& totals,

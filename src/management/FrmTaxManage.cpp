@@ -1,6 +1,7 @@
 #include "management/FrmTaxManage.h"
 
 #include "common/FileChooser.h"
+#include "common/FormBuild.h"
 #include "common/Messages.h"
 #include "common/dates/DateBox.h"
 #include "common/dates/DateCells.h"
@@ -30,20 +31,6 @@ namespace {
 
 constexpr int kListRows = 18;
 constexpr int kTotalsDocumentIndex = 6; // "세금계산서 합계표" of the printer and margin screens
-
-QPushButton* makeButton(QWidget* parent, const QString& name, const QString& caption, const QRect& geometry) {
-    auto* b = new QPushButton(caption, parent);
-    b->setObjectName(name);
-    b->setGeometry(geometry);
-    return b;
-}
-
-QComboBox* makeList(QWidget* parent, const QString& name, const QRect& geometry) {
-    auto* list = new QComboBox(parent);
-    list->setObjectName(name);
-    list->setGeometry(geometry);
-    return list;
-}
 
 } // namespace
 
@@ -79,9 +66,11 @@ void FrmTaxManage::buildControls() {
     CmbPeriod = makeList(yearAndPeriod, QStringLiteral("CmbPeriod"), QRect(96, 2, 150, 24));
     pnlDisp->addWidget(dates);
     pnlDisp->addWidget(yearAndPeriod);
-    btnSearch = makeButton(this, QStringLiteral("btnSearch"), QStringLiteral("검색(&S)"), QRect(620, 10, 90, 28));
-    const QStringList heads{QStringLiteral("매출액"), QStringLiteral("매출부가세"), QStringLiteral("매출합계"),
-                            QStringLiteral("매입액"), QStringLiteral("매입부가세"), QStringLiteral("매입합계")};
+    btnSearch =
+        makeButton(this, QStringLiteral("btnSearch"), QStringLiteral("검색(&S)"), QRect(620, 10, 90, 28));
+    const QStringList heads{QStringLiteral("매출액"),     QStringLiteral("매출부가세"),
+                            QStringLiteral("매출합계"),   QStringLiteral("매입액"),
+                            QStringLiteral("매입부가세"), QStringLiteral("매입합계")};
     auto* sums = new QGroupBox(QStringLiteral("합계"), this);
     sums->setGeometry(10, 492, 990, 68);
     for (int k = 0; k < 6; ++k) {
@@ -93,15 +82,22 @@ void FrmTaxManage::buildControls() {
         pnlSum[size_t(k)]->setFrameShadow(QFrame::Sunken);
         pnlSum[size_t(k)]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     }
-    btnPrint = makeButton(this, QStringLiteral("btnPrint"), QStringLiteral("인쇄(&P)"), QRect(10, 574, 110, 32));
-    btnExcel = makeButton(this, QStringLiteral("btnExcel"), QStringLiteral("Excel변환(&E)"), QRect(126, 574, 120, 32));
+    btnPrint =
+        makeButton(this, QStringLiteral("btnPrint"), QStringLiteral("인쇄(&P)"), QRect(10, 574, 110, 32));
+    btnExcel = makeButton(this, QStringLiteral("btnExcel"), QStringLiteral("Excel변환(&E)"),
+                          QRect(126, 574, 120, 32));
     btnEtax = makeButton(this, QStringLiteral("btnEtax"), QStringLiteral("전자세금계산서 엑셀(&H)"),
                          QRect(252, 574, 200, 32));
-    btnEtax->setToolTip(QStringLiteral("이 기간에 발행한 세금계산서를 국세청 일괄발급 엑셀 양식으로 만듭니다."));
-    btnPreview = makeButton(this, QStringLiteral("btnPreview"), QStringLiteral("미리보기(&V)"), QRect(458, 574, 110, 32));
-    btnPrinter = makeButton(this, QStringLiteral("btnPrinter"), QStringLiteral("프린터설정(&T)"), QRect(574, 574, 120, 32));
-    btnSetMargin = makeButton(this, QStringLiteral("btnSetMargin"), QStringLiteral("여백설정(&Y)"), QRect(700, 574, 110, 32));
-    btnExit = makeButton(this, QStringLiteral("btnExit"), QStringLiteral("닫기(&X)"), QRect(890, 574, 110, 32));
+    btnEtax->setToolTip(
+        QStringLiteral("이 기간에 발행한 세금계산서를 국세청 일괄발급 엑셀 양식으로 만듭니다."));
+    btnPreview = makeButton(this, QStringLiteral("btnPreview"), QStringLiteral("미리보기(&V)"),
+                            QRect(458, 574, 110, 32));
+    btnPrinter = makeButton(this, QStringLiteral("btnPrinter"), QStringLiteral("프린터설정(&T)"),
+                            QRect(574, 574, 120, 32));
+    btnSetMargin = makeButton(this, QStringLiteral("btnSetMargin"), QStringLiteral("여백설정(&Y)"),
+                              QRect(700, 574, 110, 32));
+    btnExit =
+        makeButton(this, QStringLiteral("btnExit"), QStringLiteral("닫기(&X)"), QRect(890, 574, 110, 32));
 }
 
 void FrmTaxManage::buildGrid() {
@@ -110,10 +106,11 @@ void FrmTaxManage::buildGrid() {
     grdList->setGeometry(10, 46, 990, 440);
     CommonSpreadDesign(*grdList, true, true, true, true);
     grdList->setMaxCols(ColGubun);
-    const QStringList heads{QStringLiteral("일 자"),   QStringLiteral("거래처명"),   QStringLiteral("매출액"),
-                            QStringLiteral("매출부가세"), QStringLiteral("매출합계"), QStringLiteral("매입액"),
-                            QStringLiteral("매입부가세"), QStringLiteral("매입합계"), QStringLiteral("코드"),
-                            QStringLiteral("거래처코드"), QStringLiteral("구분")};
+    const QStringList heads{
+        QStringLiteral("일 자"),      QStringLiteral("거래처명"), QStringLiteral("매출액"),
+        QStringLiteral("매출부가세"), QStringLiteral("매출합계"), QStringLiteral("매입액"),
+        QStringLiteral("매입부가세"), QStringLiteral("매입합계"), QStringLiteral("코드"),
+        QStringLiteral("거래처코드"), QStringLiteral("구분")};
     const double widths[] = {8, 20, 12, 11, 12, 11, 10, 11, 7, 10, 4};
     for (int c = 1; c <= ColGubun; ++c) {
         grdList->SetText(c, 0, heads[c - 1]);
@@ -131,8 +128,8 @@ void FrmTaxManage::connectControls() {
     connect(btnExcel, &QPushButton::clicked, this, &FrmTaxManage::btnExcel_Click);
     connect(btnEtax, &QPushButton::clicked, this, &FrmTaxManage::btnEtax_Click);
     connect(btnPreview, &QPushButton::clicked, this, [this] {
-        PreviewTotalsReport(this, kind(), CmbPeriod->currentIndex(), CmbYY->currentText(), txtDate[0]->dateText(),
-                            txtDate[1]->dateText());
+        PreviewTotalsReport(this, kind(), CmbPeriod->currentIndex(), CmbYY->currentText(),
+                            txtDate[0]->dateText(), txtDate[1]->dateText());
     });
     connect(btnPrinter, &QPushButton::clicked, this, [this] {
         FrmSetPrinter form(this);
@@ -185,7 +182,9 @@ void FrmTaxManage::onGubunChanged(int index) {
     if (index == 0) txtDate[0]->setFocus();
 }
 
-TotalsKind FrmTaxManage::kind() const { return TotalsKind(qBound(0, CmbGubun->currentIndex(), 2)); }
+TotalsKind FrmTaxManage::kind() const {
+    return TotalsKind(qBound(0, CmbGubun->currentIndex(), 2));
+}
 
 TotalsPeriod FrmTaxManage::period() const {
     return totalsPeriod(kind(), CmbPeriod->currentIndex(), CmbYY->currentText(), txtDate[0]->dateText(),
@@ -199,7 +198,8 @@ QString FrmTaxManage::periodName() const {
 
 void FrmTaxManage::btnSearch_Click() {
     ClearGrid(*grdList);
-    const std::optional<QList<TraderTotal>> rows = SearchTotals(stores().dbTax, stores().dbBasic.path(), period());
+    const std::optional<QList<TraderTotal>> rows =
+        SearchTotals(stores().dbTax, stores().dbBasic.path(), period());
     m_rows = rows.value_or(QList<TraderTotal>());
     showRows();
 }
@@ -245,8 +245,9 @@ void FrmTaxManage::btnEtax_Click() {
     const TotalsPeriod p = period();
     EtaxRunHooks hooks;
     hooks.chooseFolder = [](QWidget* parent) {
-        return fileChooser().chooseFolder(parent, QStringLiteral("전자세금계산서 엑셀 저장 폴더"),
-                                          QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+        return fileChooser().chooseFolder(
+            parent, QStringLiteral("전자세금계산서 엑셀 저장 폴더"),
+            QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
     };
     hooks.exportList = [this](Grid* list) {
         QList<int> columns;
@@ -255,7 +256,9 @@ void FrmTaxManage::btnEtax_Click() {
         ExportGrid(this, *list, columns, {}, QStringLiteral("발행되지 않은 세금계산서"),
                    QStringLiteral("전자세금계산서_제외_%1.xlsx").arg(periodName()));
     };
-    hooks.printList = [](Grid* list) { PrintGridList(*list, QStringLiteral("전자세금계산서에서 빠진 세금계산서")); };
+    hooks.printList = [](Grid* list) {
+        PrintGridList(*list, QStringLiteral("전자세금계산서에서 빠진 세금계산서"));
+    };
     RunEtaxExport(this, p.from, p.to, hooks);
 }
 

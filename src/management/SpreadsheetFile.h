@@ -26,7 +26,8 @@ public:
     // A new sheet that the writes below go to.
     void addSheet(const QString& name);
     void writeText(int row, int col, const QString& text, bool bold = false);
-    void writeNumber(int row, int col, double value, const QString& format = kThousandsFormat, bool bold = false);
+    void writeNumber(int row, int col, double value, const QString& format = kThousandsFormat,
+                     bool bold = false);
     // Width in characters of the sheet's default font.
     void setColumnWidth(int col, double chars);
     void freezeRows(int rows);

@@ -21,7 +21,8 @@ const char* const kHalfEnds[2][2] = {{"-01-01", "-06-30"}, {"-07-01", "-12-31"}}
 const QString kFillSaleTotal = QStringLiteral(
     "INSERT INTO SaleTotal (Serial, CCode, TradeKum, VatKum, Blank, CName, UserCode) "
     "SELECT f.TaxCode, g.CCode, "
-    "CASE WHEN g.TradeKum = CAST(g.TradeKum AS INTEGER) THEN CAST(g.TradeKum AS INTEGER) ELSE g.TradeKum END, "
+    "CASE WHEN g.TradeKum = CAST(g.TradeKum AS INTEGER) THEN CAST(g.TradeKum AS INTEGER) ELSE g.TradeKum "
+    "END, "
     "CASE WHEN g.VatKum = CAST(g.VatKum AS INTEGER) THEN CAST(g.VatKum AS INTEGER) ELSE g.VatKum END, "
     "11 - length(CAST(CAST(g.TradeKum AS INTEGER) AS TEXT)), t.C_Name, f.UserCode FROM "
     "(SELECT CCode, MIN(rowid) AS FirstRow, SUM(TradeKum) AS TradeKum, SUM(VatKum) AS VatKum "
@@ -31,13 +32,15 @@ const QString kFillSaleTotal = QStringLiteral(
 // The work tables emptied and SaleTotal filled in one transaction; its rows as the grid shows them.
 std::optional<QList<TraderTotal>> refillSaleTotal(Database& dbTax, const TotalsPeriod& period) {
     if (!dbTax.beginTransaction()) return std::nullopt;
-    if (!dbTax.Execute(QStringLiteral("delete from buytotal")) || !dbTax.Execute(QStringLiteral("delete from saletotal")) ||
+    if (!dbTax.Execute(QStringLiteral("delete from buytotal")) ||
+        !dbTax.Execute(QStringLiteral("delete from saletotal")) ||
         !dbTax.Execute(kFillSaleTotal, {period.from, period.to}) || !dbTax.commit()) {
         dbTax.rollback();
         return std::nullopt;
     }
     Recordset rs;
-    if (!OpenSnapshot(dbTax, rs, QStringLiteral("SELECT * FROM SaleTotal ORDER BY rowid"))) return std::nullopt;
+    if (!OpenSnapshot(dbTax, rs, QStringLiteral("SELECT * FROM SaleTotal ORDER BY rowid")))
+        return std::nullopt;
     QList<TraderTotal> rows;
     rows.reserve(rs.RecordCount());
     for (; !rs.EOF_(); rs.MoveNext()) {
@@ -56,16 +59,17 @@ std::optional<QList<TraderTotal>> refillSaleTotal(Database& dbTax, const TotalsP
 
 // "2024년 01월 01일" of "2024-01-01".
 QString koreanDate(const QString& isoDate) {
-    return isoDate.left(4) + QStringLiteral("년 ") + isoDate.mid(5, 2) + QStringLiteral("월 ") + isoDate.mid(8, 2) +
-           QStringLiteral("일");
+    return isoDate.left(4) + QStringLiteral("년 ") + isoDate.mid(5, 2) + QStringLiteral("월 ") +
+           isoDate.mid(8, 2) + QStringLiteral("일");
 }
 
 std::optional<double> sumOf(Database& db, const QString& column, bool sales, const TotalsPeriod& period) {
     Recordset rs;
     const QString table = sales ? QStringLiteral("NewAcount") : QStringLiteral("BuyTax");
-    if (!OpenSnapshot(db, rs,
-                      QStringLiteral("SELECT SUM(%1) FROM %2 WHERE DealDate BETWEEN ? AND ?").arg(column, table),
-                      {period.from, period.to}))
+    if (!OpenSnapshot(
+            db, rs,
+            QStringLiteral("SELECT SUM(%1) FROM %2 WHERE DealDate BETWEEN ? AND ?").arg(column, table),
+            {period.from, period.to}))
         return std::nullopt;
     const double sum = rs.EOF_() ? 0 : rs.field(0).toDouble();
     CloseRs(rs);
@@ -95,7 +99,8 @@ QStringList periodRows(TotalsKind kind) {
     return {};
 }
 
-std::optional<QList<TraderTotal>> SearchTotals(Database& dbTax, const QString& basicFile, const TotalsPeriod& period) {
+std::optional<QList<TraderTotal>> SearchTotals(Database& dbTax, const QString& basicFile,
+                                               const TotalsPeriod& period) {
     if (!dbTax.attach(basicFile, kBasicAlias)) {
         ReportQueryFailure(-1, QStringLiteral("unable to open database: ") + basicFile, kFillSaleTotal);
         return std::nullopt;
@@ -129,7 +134,8 @@ std::optional<double> GetSumVat(Database& dbTax, bool sales, const TotalsPeriod&
 }
 
 TotalsReportValues totalsReportValues(TotalsKind kind, int period, const QString& year, const QString& date0,
-                                      const QString& date1, double sumKum, double sumVat, const QDate& today) {
+                                      const QString& date1, double sumKum, double sumVat,
+                                      const QDate& today) {
     TotalsReportValues v;
     const TotalsPeriod p = totalsPeriod(kind, period, year, date0, date1);
     if (kind == TotalsKind::Dates)

@@ -44,7 +44,8 @@ struct TraderTotal {
 // trader (Blank = 11 minus the digits of the supply sum, the name from the basic file at
 // basicFile), all in one transaction. Nothing when a step failed (its box shown; the work
 // tables are as before).
-std::optional<QList<TraderTotal>> SearchTotals(Database& dbTax, const QString& basicFile, const TotalsPeriod& period);
+std::optional<QList<TraderTotal>> SearchTotals(Database& dbTax, const QString& basicFile,
+                                               const TotalsPeriod& period);
 // The six sums of pnlSum: sales supply, VAT, total, then the purchase three.
 std::array<double, 6> panelSums(const QList<TraderTotal>& rows);
 // A panel's text: "#,###,###" and one blank behind; a blank alone for 0.
@@ -57,9 +58,9 @@ std::optional<double> GetSumVat(Database& dbTax, bool sales, const TotalsPeriod&
 
 // The six values the 합계표 is run with, and its selection on NewAcount.DealDate.
 struct TotalsReportValues {
-    QString sDate;      // "(   2024년 1/4 기   )"
-    QString sPeriod;    // "2024년 01월 01일 - 2024년 03월 31일"
-    QString dSumKum;    // the period's sums, without blanks
+    QString sDate;   // "(   2024년 1/4 기   )"
+    QString sPeriod; // "2024년 01월 01일 - 2024년 03월 31일"
+    QString dSumKum; // the period's sums, without blanks
     QString dSumVat;
     QString sIssueDate; // today, "YYYY년 MM월 DD일"
     QString selectFrom; // the selection; a second half ends "YYYY-012-31", which selects nothing

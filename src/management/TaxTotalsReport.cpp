@@ -30,7 +30,9 @@ QString cell(const QString& text, const Column& column) {
     return column.right ? PadBytes(text, column.width) : CutBytes(text, column.width);
 }
 
-QString amount(double value) { return FormatNumber(value, kMaskSum); }
+QString amount(double value) {
+    return FormatNumber(value, kMaskSum);
+}
 
 void setFont(PrintJob& job, double size, bool bold) {
     job.setFontSize(size);
@@ -58,8 +60,8 @@ void printSummary(PrintJob& job, const TotalsReport& report) {
     job.printAtTab(9, 2, QStringLiteral("사업장 주소 : ") + report.supplierAddr);
     setFont(job, 10, true);
     const int heads[] = {2, 20, 38, 62};
-    const QStringList captions{QStringLiteral("매출처수"), QStringLiteral("매    수"), QStringLiteral("공급가액"),
-                               QStringLiteral("세    액")};
+    const QStringList captions{QStringLiteral("매출처수"), QStringLiteral("매    수"),
+                               QStringLiteral("공급가액"), QStringLiteral("세    액")};
     for (int k = 0; k < 4; ++k)
         job.printAtTab(11, heads[k], captions[k]);
     setFont(job, 10, false);
@@ -123,8 +125,8 @@ std::optional<TotalsReport> ReadTotalsReport(const TotalsReportValues& values) {
     Recordset user;
     const QString serial = app().DefaultSerial;
     if (!(serial.isEmpty() ? OpenSnapshot(stores().dbBasic, user, QStringLiteral("SELECT * FROM User"))
-                           : OpenSnapshot(stores().dbBasic, user, QStringLiteral("SELECT * FROM User WHERE Serial = ?"),
-                                          {serial})))
+                           : OpenSnapshot(stores().dbBasic, user,
+                                          QStringLiteral("SELECT * FROM User WHERE Serial = ?"), {serial})))
         return std::nullopt;
     if (!user.EOF_()) {
         report.supplierSerial = user.text(QStringLiteral("Serial"));
@@ -136,7 +138,8 @@ std::optional<TotalsReport> ReadTotalsReport(const TotalsReportValues& values) {
     Recordset rs;
     Database& tax = stores().dbTax;
     if (!tax.attach(stores().dbBasic.path(), kBasicAlias)) {
-        ReportQueryFailure(-1, QStringLiteral("unable to open database: ") + stores().dbBasic.path(), kRowsRead);
+        ReportQueryFailure(-1, QStringLiteral("unable to open database: ") + stores().dbBasic.path(),
+                           kRowsRead);
         return std::nullopt;
     }
     const bool read = OpenSnapshot(tax, rs, kRowsRead, {values.selectFrom, values.selectTo});
@@ -180,7 +183,8 @@ void printTotalsReport(PrintJob& job, const TotalsReport& report) {
             carried.tax += r.tax;
         }
         job.line(job.tabX(1), job.rowY(kTotalRow), job.tabX(96), job.rowY(kTotalRow));
-        printCarried(job, kTotalRow, page < pages ? QStringLiteral("다음 면으로 이월") : QStringLiteral("합      계"),
+        printCarried(job, kTotalRow,
+                     page < pages ? QStringLiteral("다음 면으로 이월") : QStringLiteral("합      계"),
                      carried);
     }
 }
@@ -207,7 +211,8 @@ void prepareJob(PrintJob& job) {
 
 } // namespace
 
-void PrintTotalsReport(TotalsKind kind, int period, const QString& year, const QString& date0, const QString& date1) {
+void PrintTotalsReport(TotalsKind kind, int period, const QString& year, const QString& date0,
+                       const QString& date1) {
     const std::optional<TotalsReport> report = reportOf(kind, period, year, date0, date1);
     if (!report) return;
     SelectDocPrinter(kTotalsDocument);
@@ -216,13 +221,14 @@ void PrintTotalsReport(TotalsKind kind, int period, const QString& year, const Q
         prepareJob(*job);
         printTotalsReport(*job, *report);
         if (!job->endDoc())
-            MsgBox(QStringLiteral("오류번호 : 1\r\n오류내용 : 인쇄를 끝내지 못했습니다."), MbOk | MbExclamation);
+            MsgBox(QStringLiteral("오류번호 : 1\r\n오류내용 : 인쇄를 끝내지 못했습니다."),
+                   MbOk | MbExclamation);
     }
     RestorePrinter();
 }
 
-void PreviewTotalsReport(QWidget* parent, TotalsKind kind, int period, const QString& year, const QString& date0,
-                         const QString& date1) {
+void PreviewTotalsReport(QWidget* parent, TotalsKind kind, int period, const QString& year,
+                         const QString& date0, const QString& date1) {
     const std::optional<TotalsReport> report = reportOf(kind, period, year, date0, date1);
     if (!report) return;
     showPrintPreview(parent, kTotalsDocument, [report](PrintJob& job) {

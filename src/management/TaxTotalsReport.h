@@ -37,10 +37,10 @@ std::optional<TotalsReport> ReadTotalsReport(const TotalsReportValues& values);
 
 // Where the report stands: rows of the page, tabs of the base font.
 namespace totalslayout {
-inline constexpr int kTableTop = 15;      // the table's headings on the first page
-inline constexpr int kLaterTableTop = 7;  // on the later pages
+inline constexpr int kTableTop = 15;     // the table's headings on the first page
+inline constexpr int kLaterTableTop = 7; // on the later pages
 inline constexpr int kLastRowOfTable = 60;
-inline constexpr int kTotalRow = 61;      // carried to the next page, or the total on the last
+inline constexpr int kTotalRow = 61; // carried to the next page, or the total on the last
 inline constexpr int kPageNumberRow = 66;
 struct Column {
     int tab;
@@ -63,9 +63,10 @@ void printTotalsReport(PrintJob& job, const TotalsReport& report);
 
 // btnPrint of FrmTaxManage: the period's sums, the six values, the document's printer and
 // margins, the pages; a failure shows its number and description.
-void PrintTotalsReport(TotalsKind kind, int period, const QString& year, const QString& date0, const QString& date1);
+void PrintTotalsReport(TotalsKind kind, int period, const QString& year, const QString& date0,
+                       const QString& date1);
 // The same in the print preview.
-void PreviewTotalsReport(QWidget* parent, TotalsKind kind, int period, const QString& year, const QString& date0,
-                         const QString& date1);
+void PreviewTotalsReport(QWidget* parent, TotalsKind kind, int period, const QString& year,
+                         const QString& date0, const QString& date1);
 
 } // namespace nb

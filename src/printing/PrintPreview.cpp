@@ -1,7 +1,7 @@
 #include "printing/PrintPreview.h"
 
-#include "printing/PrinterSetup.h"
 #include "printing/PrintSurfaces.h"
+#include "printing/PrinterSetup.h"
 
 #include <QPainter>
 #include <QPrintPreviewDialog>
@@ -38,7 +38,8 @@ void paintPreview(QPrinter* printer, const QString& document, const PrintRoutine
 
 QPrintPreviewDialog* makePrintPreview(QWidget* parent, const QString& document, const PrintRoutine& print) {
     auto* printer = new QPrinter(QPrinter::HighResolution);
-    printer->setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF(0, 0, 0, 0)));
+    printer->setPageLayout(
+        QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF(0, 0, 0, 0)));
     printer->setFullPage(true);
     auto* preview = new QPrintPreviewDialog(printer, parent);
     // The dialog does not own a printer it is given: it goes with the dialog.

@@ -46,9 +46,9 @@ SystemPrinters systemPrinters() {
 }
 
 const QStringList& documentNames() {
-    static const QStringList names{QStringLiteral("세금계산서"), QStringLiteral("거래명세표"),
-                                   QStringLiteral("DM인쇄"), QStringLiteral("물품가격"),
-                                   QStringLiteral("청구서"), QStringLiteral("견적서"),
+    static const QStringList names{QStringLiteral("세금계산서"),       QStringLiteral("거래명세표"),
+                                   QStringLiteral("DM인쇄"),           QStringLiteral("물품가격"),
+                                   QStringLiteral("청구서"),           QStringLiteral("견적서"),
                                    QStringLiteral("세금계산서 합계표")};
     return names;
 }

@@ -110,10 +110,10 @@ void FrmDealList::loadForm() {
 void FrmDealList::setupDetailGrid() {
     spDetail->setMaxCols(ColBillSeq);
     spDetail->setMaxRows(15);
-    const QStringList heads{QStringLiteral("품목"), QStringLiteral("단위"), QStringLiteral("수량"),
-                            QStringLiteral("단가"), QStringLiteral("금액"), QStringLiteral("세액"),
+    const QStringList heads{QStringLiteral("품목"),     QStringLiteral("단위"),    QStringLiteral("수량"),
+                            QStringLiteral("단가"),     QStringLiteral("금액"),    QStringLiteral("세액"),
                             QStringLiteral("거래번호"), QStringLiteral("거래순번")};
-    const QStringList ids{QStringLiteral("PName"), QStringLiteral("Unit"), QStringLiteral("Quant"),
+    const QStringList ids{QStringLiteral("PName"), QStringLiteral("Unit"),   QStringLiteral("Quant"),
                           QStringLiteral("Price"), QStringLiteral("Amount"), QStringLiteral("VAT")};
     const double widths[] = {23, 6, 8, 10, 11, 9, 7, 6};
     for (int c = 1; c <= ColBillSeq; ++c) {
@@ -136,8 +136,9 @@ void FrmDealList::setupDetailGrid() {
 void FrmDealList::setupMasterGrid() {
     CommonSpreadDesign(*spMaster, true, true, true, true);
     spMaster->setMaxCols(ColSumTotal);
-    const QStringList heads{QStringLiteral("발행일자"),   QStringLiteral("거래처명"),   QStringLiteral("건수"),
-                            QStringLiteral("합계액"),     QStringLiteral("거래번호"),   QStringLiteral("거래처코드"),
+    const QStringList heads{QStringLiteral("발행일자"),   QStringLiteral("거래처명"),
+                            QStringLiteral("건수"),       QStringLiteral("합계액"),
+                            QStringLiteral("거래번호"),   QStringLiteral("거래처코드"),
                             QStringLiteral("총합계수량"), QStringLiteral("총합계금액")};
     const double widths[] = {10, 14, 5, 11, 7, 7, 8, 10};
     for (int c = 1; c <= ColSumTotal; ++c) {
@@ -173,8 +174,8 @@ void FrmDealList::SupplierShow(const QString& serial) {
     Recordset rs;
     const bool read = serial.isEmpty()
                           ? OpenSnapshot(stores().dbBasic, rs, QStringLiteral("SELECT * FROM User"))
-                          : OpenSnapshot(stores().dbBasic, rs, QStringLiteral("SELECT * FROM User WHERE Serial = ?"),
-                                         {serial});
+                          : OpenSnapshot(stores().dbBasic, rs,
+                                         QStringLiteral("SELECT * FROM User WHERE Serial = ?"), {serial});
     if (!read) return;
     m_serial = serial;
     for (QLineEdit* box : {CName1, UName1, Serial1, Addr1, Up1, Jong1})
@@ -196,8 +197,8 @@ void FrmDealList::SupplierShow(const QString& serial) {
     Up1->setText(rs.text(QStringLiteral("Status")));
     Jong1->setText(rs.text(QStringLiteral("Item")));
     txtDate->setText(today().toString(QStringLiteral("yyyy년MM월dd일")));
-    cmbTelNo->setItemText(
-        1, phoneNote(QStringLiteral("[공급자T:"), rs.text(QStringLiteral("Phone")), rs.text(QStringLiteral("Fax"))));
+    cmbTelNo->setItemText(1, phoneNote(QStringLiteral("[공급자T:"), rs.text(QStringLiteral("Phone")),
+                                       rs.text(QStringLiteral("Fax"))));
     cmbTelNo->setCurrentIndex(0);
     CloseRs(rs);
 }
@@ -221,7 +222,8 @@ void FrmDealList::TraderClear() {
 void FrmDealList::TraderShow(const QString& cCode) {
     TraderClear();
     Recordset rs;
-    if (!OpenSnapshot(stores().dbBasic, rs, QStringLiteral("Select * From Trader where Code = ?"), {cCode})) return;
+    if (!OpenSnapshot(stores().dbBasic, rs, QStringLiteral("Select * From Trader where Code = ?"), {cCode}))
+        return;
     if (rs.EOF_()) {
         cmbTelNo->setItemText(0, kReceiverPhoneEmpty);
     } else {
@@ -274,8 +276,8 @@ void FrmDealList::searchTrader() {
             return;
         }
         if (invoiceLookups().newTrader)
-            invoiceLookups().newTrader(this, txtCCode, CName2->text(), today().toString(QStringLiteral("yyyy-MM")),
-                                       CName2);
+            invoiceLookups().newTrader(this, txtCCode, CName2->text(),
+                                       today().toString(QStringLiteral("yyyy-MM")), CName2);
     }
     if (txtCCode->text().isEmpty()) return;
     TraderShow(txtCCode->text());
@@ -286,7 +288,8 @@ void FrmDealList::searchTrader() {
 
 void FrmDealList::MasterList(const QString& cCode) {
     m_model.setTrader(txtCCode->text(), CName2->text());
-    m_model.masterList(stores().dbBasic.path(), DateCellText(spDate[0]), DateCellText(spDate[1]), !cCode.isEmpty());
+    m_model.masterList(stores().dbBasic.path(), DateCellText(spDate[0]), DateCellText(spDate[1]),
+                       !cCode.isEmpty());
     m_listing = true;
     spMaster->setMaxRows(0);
     spMaster->setMaxRows(m_model.masterRowCount());
@@ -419,7 +422,9 @@ void FrmDealList::btnNewMaster_Click() {
     CName2->setFocus();
 }
 
-void FrmDealList::cmdMaster_Click() { MasterList(txtCCode->text()); }
+void FrmDealList::cmdMaster_Click() {
+    MasterList(txtCCode->text());
+}
 
 // ---- balance, memo, seal, settings --------------------------------------------------------------
 
@@ -450,7 +455,9 @@ void FrmDealList::cmdSeal_Click() {
 }
 
 void FrmDealList::onCheckClicked(QCheckBox* box, const QString& key) {
-    if (isVisible()) SaveSetting(kAppSection, kEnvSection, key, box->isChecked() ? QStringLiteral("1") : QStringLiteral("0"));
+    if (isVisible())
+        SaveSetting(kAppSection, kEnvSection, key,
+                    box->isChecked() ? QStringLiteral("1") : QStringLiteral("0"));
     if (box == chk_Phone) cmbTelNo->setVisible(box->isChecked());
     if (box == ChkNonKum) {
         PreMisu->setVisible(box->isChecked());

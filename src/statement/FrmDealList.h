@@ -43,7 +43,8 @@ enum MasterCol : int {
 };
 
 inline const QString kDealListTitle = QStringLiteral("거래명세표 발행");
-inline const QString kDealListHelp = QStringLiteral("*삭제:[F4] *신규등록.검색:[상호]에서 [엔터] *검색이동:[F3]");
+inline const QString kDealListHelp =
+    QStringLiteral("*삭제:[F4] *신규등록.검색:[상호]에서 [엔터] *검색이동:[F3]");
 
 class FrmDealList : public QWidget {
     Q_OBJECT
@@ -74,8 +75,8 @@ public:
     QComboBox* CmbTerm;
     QLabel* pnlSum;
     QLabel *imgPic, *picSign;
-    QPushButton *cmdSeal, *btnNewMaster, *btnPrint, *btnPreview, *btnPrinter, *btnSetMargin, *btnSample, *btnGoTax,
-        *vaBtnEstimate;
+    QPushButton *cmdSeal, *btnNewMaster, *btnPrint, *btnPreview, *btnPrinter, *btnSetMargin, *btnSample,
+        *btnGoTax, *vaBtnEstimate;
     QLabel* pnlHelp;
     DealPaper* Picture1;
 

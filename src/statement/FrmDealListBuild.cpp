@@ -1,4 +1,5 @@
 // FrmDealList: its controls, where they stand on the drawn head and around the two grids.
+#include "common/FormBuild.h"
 #include "common/dates/DateBox.h"
 #include "common/grid/Grid.h"
 #include "statement/DealPaper.h"
@@ -30,34 +31,6 @@ constexpr int kBottomY = kGridTop + kGridHeight + 8;
 constexpr int kBoxHeight = 24;
 constexpr int kFormWidth = kSideX + kSideWidth + 8;
 
-QLabel* makeLabel(QWidget* parent, const QString& text, const QRect& geometry) {
-    auto* l = new QLabel(text, parent);
-    l->setGeometry(geometry);
-    return l;
-}
-
-QPushButton* makeButton(QWidget* parent, const QString& name, const QString& caption, const QRect& geometry) {
-    auto* b = new QPushButton(caption, parent);
-    b->setObjectName(name);
-    b->setGeometry(geometry);
-    b->setFocusPolicy(Qt::TabFocus);
-    return b;
-}
-
-QCheckBox* makeCheck(QWidget* parent, const QString& name, const QString& caption, const QRect& geometry) {
-    auto* c = new QCheckBox(caption, parent);
-    c->setObjectName(name);
-    c->setGeometry(geometry);
-    return c;
-}
-
-QRadioButton* makeOption(QWidget* parent, const QString& name, const QString& caption, const QRect& geometry) {
-    auto* o = new QRadioButton(caption, parent);
-    o->setObjectName(name);
-    o->setGeometry(geometry);
-    return o;
-}
-
 } // namespace
 
 QLineEdit* FrmDealList::makeBox(const QString& name, const QRect& geometry, QWidget* parent) {
@@ -86,17 +59,15 @@ void FrmDealList::buildPaperHead() {
     txtDate->setObjectName(QStringLiteral("txtDate"));
     txtDate->setGeometry(80, 8, 150, 26);
     txtDate->installEventFilter(this);
-    btnMonthView[2] = makeButton(Picture1, QStringLiteral("btnMonthView_2"), QStringLiteral("▼"),
-                                 QRect(232, 8, 22, 26));
+    btnMonthView[2] =
+        makeButton(Picture1, QStringLiteral("btnMonthView_2"), QStringLiteral("▼"), QRect(232, 8, 22, 26));
     struct Place {
         int row, x, width;
     };
-    const Place places[6] = {{1, kFieldLeft, kMid - kFieldLeft - 4},
-                             {0, kFieldLeft, 200},
-                             {1, kMid + kMidLabel + 4, 70},
-                             {2, kFieldLeft, kHalf - kFieldLeft - 6},
-                             {3, kFieldLeft, kMid - kFieldLeft - 4},
-                             {3, kMid + kMidLabel + 4, kHalf - kMid - kMidLabel - 10}};
+    const Place places[6] = {
+        {1, kFieldLeft, kMid - kFieldLeft - 4}, {0, kFieldLeft, 200},
+        {1, kMid + kMidLabel + 4, 70},          {2, kFieldLeft, kHalf - kFieldLeft - 6},
+        {3, kFieldLeft, kMid - kFieldLeft - 4}, {3, kMid + kMidLabel + 4, kHalf - kMid - kMidLabel - 10}};
     QLineEdit** supplier[6] = {&CName1, &Serial1, &UName1, &Addr1, &Up1, &Jong1};
     QLineEdit** receiver[6] = {&CName2, &Serial2, &UName2, &Addr2, &Up2, &Jong2};
     const QStringList names{QStringLiteral("CName"), QStringLiteral("Serial"), QStringLiteral("UName"),
@@ -143,8 +114,8 @@ void FrmDealList::buildRangeControls() {
         udDateDown[size_t(k)]->setObjectName(QStringLiteral("udDateCng_%1_down").arg(k));
         udDateDown[size_t(k)]->setArrowType(Qt::DownArrow);
         udDateDown[size_t(k)]->setGeometry(x + 113, 21, 16, 13);
-        btnMonthView[size_t(k)] = makeButton(this, QStringLiteral("btnMonthView_%1").arg(k), QStringLiteral("▼"),
-                                             QRect(x + 130, 8, 22, 26));
+        btnMonthView[size_t(k)] = makeButton(this, QStringLiteral("btnMonthView_%1").arg(k),
+                                             QStringLiteral("▼"), QRect(x + 130, 8, 22, 26));
     }
     makeLabel(this, QStringLiteral("~"), QRect(kSideX + 154, 8, 12, 26));
     cmdMaster = makeButton(this, QStringLiteral("cmdMaster"), QStringLiteral("검색(&L)"),
@@ -154,7 +125,8 @@ void FrmDealList::buildRangeControls() {
 
     auto* vatPanel = new QGroupBox(QStringLiteral("VAT구분"), this);
     vatPanel->setGeometry(kSideX, 62, kSideWidth, 48);
-    const QStringList vatCaptions{QStringLiteral("VAT별도"), QStringLiteral("VAT포함"), QStringLiteral("면세")};
+    const QStringList vatCaptions{QStringLiteral("VAT별도"), QStringLiteral("VAT포함"),
+                                  QStringLiteral("면세")};
     for (int k = 0; k < 3; ++k)
         gubun[size_t(k)] = makeOption(vatPanel, QStringLiteral("gubun_%1").arg(k), vatCaptions[k],
                                       QRect(12 + k * 120, 20, 110, 22));
@@ -162,7 +134,8 @@ void FrmDealList::buildRangeControls() {
     auto* sumPanel = new QGroupBox(QStringLiteral("[ 전체거래처합계 ]"), this);
     sumPanel->setObjectName(QStringLiteral("fraSum"));
     sumPanel->setGeometry(kSideX, 114, kSideWidth, 74);
-    const QStringList termCaptions{QStringLiteral("4분기별"), QStringLiteral("2분기별"), QStringLiteral("년별")};
+    const QStringList termCaptions{QStringLiteral("4분기별"), QStringLiteral("2분기별"),
+                                   QStringLiteral("년별")};
     for (int k = 0; k < 3; ++k)
         gubun2[size_t(k)] = makeOption(sumPanel, QStringLiteral("gubun2_%1").arg(k), termCaptions[k],
                                        QRect(12 + k * 100, 20, 92, 22));
@@ -191,7 +164,8 @@ void FrmDealList::buildGrids() {
 
 void FrmDealList::buildTotals() {
     int y = kBottomY;
-    const QStringList sumCaptions{QStringLiteral("공급가액"), QStringLiteral("세  액"), QStringLiteral("합  계")};
+    const QStringList sumCaptions{QStringLiteral("공급가액"), QStringLiteral("세  액"),
+                                  QStringLiteral("합  계")};
     QLineEdit** sums[3] = {&gong, &se, &sum};
     const QStringList sumNames{QStringLiteral("gong"), QStringLiteral("se"), QStringLiteral("sum")};
     for (int k = 0; k < 3; ++k) {
@@ -231,18 +205,23 @@ void FrmDealList::buildTotals() {
 
 void FrmDealList::buildButtons() {
     const int y = kBottomY + 90;
-    btnNewMaster = makeButton(this, QStringLiteral("btnNewMaster"), QStringLiteral("새전표(&N)"), QRect(8, y, 100, 30));
-    btnPrint = makeButton(this, QStringLiteral("btnPrint"), QStringLiteral("발 행(&P)"), QRect(112, y, 100, 30));
+    btnNewMaster =
+        makeButton(this, QStringLiteral("btnNewMaster"), QStringLiteral("새전표(&N)"), QRect(8, y, 100, 30));
+    btnPrint =
+        makeButton(this, QStringLiteral("btnPrint"), QStringLiteral("발 행(&P)"), QRect(112, y, 100, 30));
     btnPrint->setToolTip(QStringLiteral("발행시 자동으로 저장됩니다."));
-    btnPreview = makeButton(this, QStringLiteral("btnPreview"), QStringLiteral("미리보기(&V)"), QRect(216, y, 100, 30));
-    btnPreview->setToolTip(QStringLiteral("발행하면 인쇄될 모양을 미리 봅니다. 저장하거나 인쇄하지 않습니다."));
+    btnPreview = makeButton(this, QStringLiteral("btnPreview"), QStringLiteral("미리보기(&V)"),
+                            QRect(216, y, 100, 30));
+    btnPreview->setToolTip(
+        QStringLiteral("발행하면 인쇄될 모양을 미리 봅니다. 저장하거나 인쇄하지 않습니다."));
     btnPrinter = makeButton(this, QStringLiteral("btnPrinter"), QStringLiteral("프린터설정(&T)"),
                             QRect(320, y, 110, 30));
     btnSetMargin = makeButton(this, QStringLiteral("btnSetMargin"), QStringLiteral("여백설정(&Y)"),
                               QRect(434, y, 100, 30));
-    btnSample = makeButton(this, QStringLiteral("btnSample"), QStringLiteral("출력견본"), QRect(538, y, 90, 30));
-    btnGoTax = makeButton(this, QStringLiteral("btnGoTax"), QStringLiteral("  세금계산서                   발행창"),
-                          QRect(kSideX, y, 250, 30));
+    btnSample =
+        makeButton(this, QStringLiteral("btnSample"), QStringLiteral("출력견본"), QRect(538, y, 90, 30));
+    btnGoTax = makeButton(this, QStringLiteral("btnGoTax"),
+                          QStringLiteral("  세금계산서                   발행창"), QRect(kSideX, y, 250, 30));
     vaBtnEstimate = makeButton(this, QStringLiteral("vaBtnEstimate"), QStringLiteral("견적서"),
                                QRect(kSideX + 256, y, 140, 30));
     pnlHelp = makeLabel(this, QString(), QRect(8, y + 36, kFormWidth - 16, 20));

@@ -40,13 +40,16 @@ namespace {
 const QString kPhoneKey = QStringLiteral("명세서전화번호");
 const QString kBalanceKey = QStringLiteral("명세서미수금");
 
-bool isEnter(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
+bool isEnter(int key) {
+    return key == Qt::Key_Return || key == Qt::Key_Enter;
+}
 
 } // namespace
 
 void FrmDealList::connectControls() {
     auto* selectOnEntry = new SelectAllOnFocus(this);
-    for (QWidget* box : {static_cast<QWidget*>(PreMisu), static_cast<QWidget*>(Misu), static_cast<QWidget*>(txtYear)})
+    for (QWidget* box :
+         {static_cast<QWidget*>(PreMisu), static_cast<QWidget*>(Misu), static_cast<QWidget*>(txtYear)})
         selectOnEntry->watch(box);
     const DateRangeCells range{chkChain, spDate};
     for (int k = 0; k < 2; ++k) {
@@ -73,7 +76,8 @@ void FrmDealList::connectControls() {
     connect(btnSample, &QPushButton::clicked, this, &FrmDealList::btnSample_Click);
     connect(btnPrint, &QPushButton::clicked, this, &FrmDealList::btnPrint_Click);
     connect(btnPreview, &QPushButton::clicked, this, &FrmDealList::btnPreview_Click);
-    connect(chkPrintFrame, &QCheckBox::clicked, this, [this] { savePrintFrameSetting(chkPrintFrame->isChecked()); });
+    connect(chkPrintFrame, &QCheckBox::clicked, this,
+            [this] { savePrintFrameSetting(chkPrintFrame->isChecked()); });
     connect(chk_Phone, &QCheckBox::clicked, this, [this] { onCheckClicked(chk_Phone, kPhoneKey); });
     connect(ChkNonKum, &QCheckBox::clicked, this, [this] { onCheckClicked(ChkNonKum, kBalanceKey); });
     connect(sum, &QLineEdit::textChanged, this, [this] { showMisu(); });
@@ -179,8 +183,9 @@ bool FrmDealList::sealKey(int key) {
 }
 
 void FrmDealList::deleteSeal() {
-    const QString question = QStringLiteral("공급자도장을 삭제하시겠습니까?\r\n삭제시 도장인쇄를 하지 않게 됩니다.\r\n"
-                                            "※도장파일이 삭제되지는 않습니다. 언제든지 재지정 가능합니다.");
+    const QString question =
+        QStringLiteral("공급자도장을 삭제하시겠습니까?\r\n삭제시 도장인쇄를 하지 않게 됩니다.\r\n"
+                       "※도장파일이 삭제되지는 않습니다. 언제든지 재지정 가능합니다.");
     if (MsgBox(question, MbYesNo | MbQuestion, QStringLiteral("공급자도장 삭제")) != AnsYes) return;
     saveStatementSealSetting(QString());
     SealShow();
@@ -280,7 +285,9 @@ void FrmDealList::btnGoTax_Click() {
     openScreen(QStringLiteral("mnu_InvoiceForm"));
 }
 
-void FrmDealList::vaBtnEstimate_Click() { openScreen(QStringLiteral("mnu_Estimate")); }
+void FrmDealList::vaBtnEstimate_Click() {
+    openScreen(QStringLiteral("mnu_Estimate"));
+}
 
 void FrmDealList::btnPrinter_Click() {
     FrmSetPrinter form(this);
@@ -295,11 +302,17 @@ void FrmDealList::btnSetMargin_Click() {
     form.exec();
 }
 
-void FrmDealList::btnSample_Click() { showZoomDealList(this); }
+void FrmDealList::btnSample_Click() {
+    showZoomDealList(this);
+}
 
-void FrmDealList::btnPrint_Click() { IssueStatement(printData(), m_model.dataRowCount(), chkPrintFrame->isChecked()); }
+void FrmDealList::btnPrint_Click() {
+    IssueStatement(printData(), m_model.dataRowCount(), chkPrintFrame->isChecked());
+}
 
-void FrmDealList::btnPreview_Click() { PreviewStatement(this, printData(), chkPrintFrame->isChecked()); }
+void FrmDealList::btnPreview_Click() {
+    PreviewStatement(this, printData(), chkPrintFrame->isChecked());
+}
 
 StatementPrintData FrmDealList::printData() const {
     StatementPrintData data;

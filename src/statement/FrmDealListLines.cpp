@@ -25,17 +25,27 @@ namespace {
 
 const QString kFreeTextCode = QStringLiteral("000000");
 
-bool isNumberColumn(int col) { return col >= ColQuant && col <= ColVat; }
+bool isNumberColumn(int col) {
+    return col >= ColQuant && col <= ColVat;
+}
 
 } // namespace
 
-QString FrmDealList::cell(int col, int row) const { return spDetail->Text(col, row); }
+QString FrmDealList::cell(int col, int row) const {
+    return spDetail->Text(col, row);
+}
 
-double FrmDealList::cellValue(int col, int row) const { return spDetail->Value(col, row); }
+double FrmDealList::cellValue(int col, int row) const {
+    return spDetail->Value(col, row);
+}
 
-void FrmDealList::setCell(int col, int row, const QString& text) { spDetail->SetText(col, row, text); }
+void FrmDealList::setCell(int col, int row, const QString& text) {
+    spDetail->SetText(col, row, text);
+}
 
-void FrmDealList::setLineCell(int col, int row, double value) { setCell(col, row, plainNumberText(value)); }
+void FrmDealList::setLineCell(int col, int row, double value) {
+    setCell(col, row, plainNumberText(value));
+}
 
 void FrmDealList::DetailRowUnlock(int row) {
     for (int col = ColPName; col <= ColVat; ++col)
@@ -186,11 +196,13 @@ void FrmDealList::chainAfterProduct(int row) {
     if (cellValue(ColQuant, row) == 0 && updateCell(ColQuant, row, QStringLiteral("Quant"), 1.0))
         setCell(ColQuant, row, QStringLiteral("1"));
     Recordset rs;
-    if (OpenSnapshot(stores().dbBasic, rs, QStringLiteral("SELECT SalePrice, Unit From Product WHERE Code = ?"),
+    if (OpenSnapshot(stores().dbBasic, rs,
+                     QStringLiteral("SELECT SalePrice, Unit From Product WHERE Code = ?"),
                      {txtPCode->text()}) &&
         !rs.EOF_()) {
         const QString unit = rs.text(QStringLiteral("Unit"));
-        if (!unit.isEmpty() && updateCell(ColUnit, row, QStringLiteral("unit"), unit)) setCell(ColUnit, row, unit);
+        if (!unit.isEmpty() && updateCell(ColUnit, row, QStringLiteral("unit"), unit))
+            setCell(ColUnit, row, unit);
         if (!rs.isNull(QStringLiteral("SalePrice"))) {
             const double price = rs.number(QStringLiteral("SalePrice"));
             if (updateCell(ColPrice, row, QStringLiteral("Price"), price)) setLineCell(ColPrice, row, price);

@@ -15,8 +15,8 @@ QImage smallStatementSample() {
 } // namespace
 
 FrmPic2::FrmPic2(QWidget* parent)
-    : ZoomForm(QStringLiteral("FrmPic2"), QStringLiteral("거래명세표 견본"), QStringLiteral("sample_bill.jpg"),
-               smallStatementSample(), parent) {
+    : ZoomForm(QStringLiteral("FrmPic2"), QStringLiteral("거래명세표 견본"),
+               QStringLiteral("sample_bill.jpg"), smallStatementSample(), parent) {
     picture()->installEventFilter(this);
     picture()->setCursor(Qt::PointingHandCursor);
 }

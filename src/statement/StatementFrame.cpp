@@ -19,25 +19,25 @@ struct Rule {
 
 // The rules of one half, as the form is drawn: the boxes first, the rows and columns after.
 const Rule kRules[] = {
-    {1, 2, 24, 23, 5}, // outer box of the form (drawn as a box)
-    {1, 1, 8, 2, 5},   // date box above the form (box)
-    {19, 1, 24, 2, 5}, // signature box above the form (box)
-    {2, 2, 2, 6, 3},   // side label of the supplier block
-    {3, 1, 3, 6, 3},   // label column of the supplier block
-    {4, 5, 4, 6, 3},   {5, 5, 5, 6, 3},   // item label
-    {7, 3, 7, 4, 3},   {8, 3, 8, 4, 3},   // name label
-    {12, 2, 12, 6, 3},                    // left side of the receiver block
-    {13, 2, 13, 22, 3},                   // long vertical through head and lines
-    {14, 2, 14, 6, 3},                    // label column of the receiver block
-    {18, 5, 18, 6, 3}, {19, 5, 19, 6, 3}, // item label
-    {20, 3, 20, 4, 3}, {21, 3, 21, 4, 3}, // name label
-    {2, 3, 12, 3, 3},  {2, 4, 12, 4, 3},  {2, 5, 12, 5, 3},   // supplier rows
-    {13, 3, 24, 3, 3}, {13, 4, 24, 4, 3}, {13, 5, 24, 5, 3},  // receiver rows
-    {1, 6, 24, 6, 5},                                         // top of the heading row
-    {1, 7, 24, 7, 5},  {1, 7, 24, 7, 3},                      // bottom of the heading row
-    {1, 22, 24, 22, 3},                                       // bottom of the line rows
-    {9, 6, 9, 22, 3},  {13, 6, 13, 22, 3}, {15, 6, 15, 22, 3}, {19, 6, 19, 22, 3}, {23, 6, 23, 22, 3},
-    {3, 22, 3, 23, 3}, {5, 22, 5, 23, 3},  {6, 22, 6, 23, 3},  {9, 22, 9, 23, 3},   {11, 22, 11, 23, 3},
+    {1, 2, 24, 23, 5},                                           // outer box of the form (drawn as a box)
+    {1, 1, 8, 2, 5},                                             // date box above the form (box)
+    {19, 1, 24, 2, 5},                                           // signature box above the form (box)
+    {2, 2, 2, 6, 3},                                             // side label of the supplier block
+    {3, 1, 3, 6, 3},                                             // label column of the supplier block
+    {4, 5, 4, 6, 3},     {5, 5, 5, 6, 3},                        // item label
+    {7, 3, 7, 4, 3},     {8, 3, 8, 4, 3},                        // name label
+    {12, 2, 12, 6, 3},                                           // left side of the receiver block
+    {13, 2, 13, 22, 3},                                          // long vertical through head and lines
+    {14, 2, 14, 6, 3},                                           // label column of the receiver block
+    {18, 5, 18, 6, 3},   {19, 5, 19, 6, 3},                      // item label
+    {20, 3, 20, 4, 3},   {21, 3, 21, 4, 3},                      // name label
+    {2, 3, 12, 3, 3},    {2, 4, 12, 4, 3},    {2, 5, 12, 5, 3},  // supplier rows
+    {13, 3, 24, 3, 3},   {13, 4, 24, 4, 3},   {13, 5, 24, 5, 3}, // receiver rows
+    {1, 6, 24, 6, 5},                                            // top of the heading row
+    {1, 7, 24, 7, 5},    {1, 7, 24, 7, 3},                       // bottom of the heading row
+    {1, 22, 24, 22, 3},                                          // bottom of the line rows
+    {9, 6, 9, 22, 3},    {13, 6, 13, 22, 3},  {15, 6, 15, 22, 3},  {19, 6, 19, 22, 3},  {23, 6, 23, 22, 3},
+    {3, 22, 3, 23, 3},   {5, 22, 5, 23, 3},   {6, 22, 6, 23, 3},   {9, 22, 9, 23, 3},   {11, 22, 11, 23, 3},
     {16, 22, 16, 23, 3}, {17, 22, 17, 23, 3}, {21, 22, 21, 23, 3}, {22, 22, 22, 23, 3},
 };
 constexpr int kBoxRules = 3; // the first three rules are boxes
@@ -54,7 +54,12 @@ struct Word {
 QList<Word> words(bool supplier) {
     return {
         {{QStringLiteral("거 래 명 세 표")}, 20, 8, 1, 4, -0.8},
-        {{supplier ? QStringLiteral("(공급자 보관용)") : QStringLiteral("(공급받는자 보관용)")}, 10, 22, 1, -2, -2.5},
+        {{supplier ? QStringLiteral("(공급자 보관용)") : QStringLiteral("(공급받는자 보관용)")},
+         10,
+         22,
+         1,
+         -2,
+         -2.5},
         {{QStringLiteral("일자")}, 10, 1, 1, 1.5, 1.5},
         {{QStringLiteral("인수자")}, 10, 19, 1, 0.5, 1.5},
         {{QStringLiteral("공")}, 10, 1, 3, 0.5, 0.5},
@@ -66,8 +71,13 @@ QList<Word> words(bool supplier) {
         {{QStringLiteral("업태")}, 8, 2, 5, 0.5, 1},
         {{QStringLiteral("성"), QStringLiteral("명")}, 8, 7, 3, 0.5, 0.5},
         {{QStringLiteral("종"), QStringLiteral("목")}, 8, 4, 5, 0.5, 0.5},
-        {{QStringLiteral("공"), QStringLiteral("급"), QStringLiteral("받"), QStringLiteral("는"), QStringLiteral("자")},
-         10, 12, 2, 0.3, 0.5},
+        {{QStringLiteral("공"), QStringLiteral("급"), QStringLiteral("받"), QStringLiteral("는"),
+          QStringLiteral("자")},
+         10,
+         12,
+         2,
+         0.3,
+         0.5},
         {{QStringLiteral("등록"), QStringLiteral("번호")}, 8, 13, 2, 0.5, 0.5},
         {{QStringLiteral("상호")}, 8, 13, 3, 0.5, 1},
         {{QStringLiteral("주소")}, 8, 13, 4, 0.5, 1},
@@ -108,7 +118,8 @@ std::array<double, 24> frameYs(double Y0) {
 std::array<double, 25> frameXs(double X0) {
     // Whole inches and grid steps of each point; X 22 and X 23 are the same point.
     const double inches[25] = {0, 0, 0, 0, 1, 1, 1, 2, 2, 3, 3, 3, 3, 3, 3, 4, 4.5, 4, 5, 5, 5, 5, 6, 6, 7};
-    const double steps[25] = {0, 0, 3, 7, 9, 12, 15, 5, 8, 2, 3, 5, 6, 9, 13, 6, 0, 14, 1, 4, 11, 14, 4, 4, 4};
+    const double steps[25] = {0, 0,  3, 7, 9,  12, 15, 5,  8,  2, 3, 5, 6,
+                              9, 13, 6, 0, 14, 1,  4,  11, 14, 4, 4, 4};
     std::array<double, 25> x{};
     for (int i = 1; i <= 24; ++i)
         x[size_t(i)] = X0 + inches[i] + steps[i] * kU;

@@ -12,12 +12,12 @@ namespace nb {
 class PrintJob;
 
 namespace dealframe {
-inline constexpr double kU = 0.0625;               // the grid step, 1/16 inch
-inline constexpr double kHalfDistance = 5.84;      // the lower half under the upper, inches
-inline constexpr double kCutLine = 5.3125;         // the cut line under the upper half's top
+inline constexpr double kU = 0.0625;          // the grid step, 1/16 inch
+inline constexpr double kHalfDistance = 5.84; // the lower half under the upper, inches
+inline constexpr double kCutLine = 5.3125;    // the cut line under the upper half's top
 inline constexpr double kCutLength = 7.25;
-inline constexpr double kTopOffset = 0.40875;      // inches added to the top margin
-inline constexpr double kLeftOffset = 0.5;         // inches added to the left margin
+inline constexpr double kTopOffset = 0.40875; // inches added to the top margin
+inline constexpr double kLeftOffset = 0.5;    // inches added to the left margin
 inline const QString kFrameFont = QStringLiteral("돋움체");
 } // namespace dealframe
 

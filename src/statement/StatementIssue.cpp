@@ -30,7 +30,9 @@ bool settingOn(const QString& key, const QString& defaultValue) {
 
 } // namespace
 
-bool printFrameSetting() { return settingOn(kPrintFrameKey, QStringLiteral("0")); }
+bool printFrameSetting() {
+    return settingOn(kPrintFrameKey, QStringLiteral("0"));
+}
 
 void savePrintFrameSetting(bool on) {
     SaveSetting(kAppSection, kEnvSection, kPrintFrameKey, on ? QStringLiteral("1") : QStringLiteral("0"));
@@ -41,7 +43,8 @@ bool IssueStatement(const StatementPrintData& data, int dataRowCount, bool print
         ShowWarning(QStringLiteral("발행할 내역이 없습니다."));
         return false;
     }
-    if (AskYesNo(QStringLiteral("발행하시겠습니까?"), QStringLiteral("거래명세표 발행")) != AnsYes) return false;
+    if (AskYesNo(QStringLiteral("발행하시겠습니까?"), QStringLiteral("거래명세표 발행")) != AnsYes)
+        return false;
     SelectDocPrinter(kStatementDocument);
     std::unique_ptr<PrintJob> job = startPrintJob(kStatementDocument);
     if (!job) {
@@ -65,8 +68,8 @@ void PreviewStatement(QWidget* parent, const StatementPrintData& data, bool prin
 
 std::optional<StatementPrintData> storedStatementPrintData(const QString& billNo) {
     Recordset rs;
-    if (!OpenSnapshot(stores().dbBill, rs, QStringLiteral("SELECT BillDate, CCode FROM Master WHERE BillNo = ?"),
-                      {billNo}) ||
+    if (!OpenSnapshot(stores().dbBill, rs,
+                      QStringLiteral("SELECT BillDate, CCode FROM Master WHERE BillNo = ?"), {billNo}) ||
         rs.EOF_())
         return std::nullopt;
     StatementPrintData data;
@@ -96,7 +99,8 @@ std::optional<StatementPrintData> storedStatementPrintData(const QString& billNo
     return data;
 }
 
-int PrintStoredStatementToPdf(const QString& billNo, const QString& pdfPath, bool printFrame, QString* reason) {
+int PrintStoredStatementToPdf(const QString& billNo, const QString& pdfPath, bool printFrame,
+                              QString* reason) {
     auto fail = [&](const QString& why) {
         if (reason) *reason = why;
         return 1;

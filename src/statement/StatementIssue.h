@@ -23,6 +23,7 @@ void PreviewStatement(QWidget* parent, const StatementPrintData& data, bool prin
 // date, no memo, no previous balance; the supplier and the two checks from the settings.
 std::optional<StatementPrintData> storedStatementPrintData(const QString& billNo);
 // `--print-statement`: 0, or 1 with a one-line reason.
-int PrintStoredStatementToPdf(const QString& billNo, const QString& pdfPath, bool printFrame, QString* reason);
+int PrintStoredStatementToPdf(const QString& billNo, const QString& pdfPath, bool printFrame,
+                              QString* reason);
 
 } // namespace nb

@@ -18,21 +18,8 @@ using namespace deallayout;
 
 const QString kForm = QStringLiteral("FrmDealList");
 
-StatementParty partyOf(const Recordset& rs, bool trader) {
-    StatementParty p;
-    p.serial = rs.text(QStringLiteral("Serial"));
-    p.company = rs.text(trader ? QStringLiteral("C_Name") : QStringLiteral("Company"));
-    p.delegate = rs.text(trader ? QStringLiteral("U_Name") : QStringLiteral("Delegate"));
-    p.addr = rs.text(trader ? QStringLiteral("Addr1") : QStringLiteral("Addr"));
-    p.status = rs.text(QStringLiteral("Status"));
-    p.item = rs.text(QStringLiteral("Item"));
-    p.phone = rs.text(QStringLiteral("Phone"));
-    p.fax = rs.text(QStringLiteral("Fax"));
-    return p;
-}
-
 // "[공급받는자T:051-234 F:051-235]": a party's telephone note, the fax only when there is one.
-QString phoneNote(const QString& head, const StatementParty& party) {
+QString phoneNote(const QString& head, const PrintParty& party) {
     QString note = head + party.phone;
     if (!party.fax.isEmpty()) note += QStringLiteral(" F:") + party.fax;
     return note + u']';
@@ -52,7 +39,8 @@ void printSeal(PrintJob& job, const QImage& seal) {
 }
 
 // Print_Data_Ink1B_Head: the seal, then both copies of the head.
-void printHead(PrintJob& job, const StatementPrintData& data, const StatementParties& parties, bool& longMemo) {
+void printHead(PrintJob& job, const StatementPrintData& data, const StatementParties& parties,
+               bool& longMemo) {
     job.setFontTransparent(true);
     printSeal(job, data.seal);
     for (int copy = 0; copy < 2; ++copy)
@@ -78,7 +66,9 @@ void printMoreSheets(PrintJob& job, int page) {
     job.printAtTab(1 + kCopyRows, kMoreSheetsTab, text);
 }
 
-QString quantityText(double value, int places) { return FormatNumber(value, GetDecFormat(places, true, false)); }
+QString quantityText(double value, int places) {
+    return FormatNumber(value, GetDecFormat(places, true, false));
+}
 
 } // namespace
 
@@ -91,14 +81,15 @@ std::optional<StatementParties> ReadStatementParties(Database& dbBasic, const QS
     const bool userRead =
         supplierSerial.isEmpty()
             ? OpenSnapshot(dbBasic, user, QStringLiteral("Select * from User"))
-            : OpenSnapshot(dbBasic, user, QStringLiteral("Select * from User where serial = ?"), {supplierSerial});
+            : OpenSnapshot(dbBasic, user, QStringLiteral("Select * from User where serial = ?"),
+                           {supplierSerial});
     if (!userRead) return std::nullopt;
     if (trader.EOF_() || user.EOF_()) {
-        ShowFormFailureReport(3021, QStringLiteral("No current record."), QStringLiteral("Print_Data_Ink1B_Head"),
-                              kForm);
+        ShowFormFailureReport(3021, QStringLiteral("No current record."),
+                              QStringLiteral("Print_Data_Ink1B_Head"), kForm);
         return std::nullopt;
     }
-    StatementParties parties{partyOf(user, false), partyOf(trader, true)};
+    StatementParties parties{printPartyOf(user, false), printPartyOf(trader, true)};
     CloseRs(trader);
     CloseRs(user);
     return parties;
@@ -107,8 +98,8 @@ std::optional<StatementParties> ReadStatementParties(Database& dbBasic, const QS
 QList<StatementField> headFields(const StatementPrintData& data, const StatementParties& parties, int copy,
                                  bool& longMemo) {
     const double base = kCopyRows * copy;
-    const StatementParty& user = parties.supplier;
-    const StatementParty& trader = parties.trader;
+    const PrintParty& user = parties.supplier;
+    const PrintParty& trader = parties.trader;
     QList<StatementField> fields;
     fields.append({base + 3, 16, data.dateText, kHeadSize, false});
     if (data.printPhone)
@@ -139,9 +130,12 @@ QList<StatementField> lineFields(const StatementPrintData& data, const Statement
     return {
         {row, kPName.tab, line.pName, kHeadSize, false},
         {row, kUnit.tab, CutBytes(line.unit, kUnit.width), kHeadSize, false},
-        {row, kQuant.tab, PadBytes(quantityText(line.quant, data.decimalQty), kQuant.width), kHeadSize, false},
-        {row, kPrice.tab, PadBytes(quantityText(line.price, data.decimalPrice), kPrice.width), kHeadSize, false},
-        {row, kAmount.tab, PadBytes(FormatNumber(line.amount, kMaskStatementPrint), kAmount.width), kHeadSize, false},
+        {row, kQuant.tab, PadBytes(quantityText(line.quant, data.decimalQty), kQuant.width), kHeadSize,
+         false},
+        {row, kPrice.tab, PadBytes(quantityText(line.price, data.decimalPrice), kPrice.width), kHeadSize,
+         false},
+        {row, kAmount.tab, PadBytes(FormatNumber(line.amount, kMaskStatementPrint), kAmount.width), kHeadSize,
+         false},
         {row, kVat.tab, PadBytes(FormatNumber(line.vat, kMaskStatementPrint), kVat.width), kHeadSize, false},
     };
 }
@@ -153,14 +147,17 @@ QList<TotalField> totalFields(const StatementPrintData& data, int leftMargin) {
     const QString vatText = data.se == u"0" ? QString() : won + data.se;
     const double x0 = leftMargin / 12.0 + 0.5;
     return {
-        {x0 + 0.6, PadBytes(won + data.gong, 13)}, {x0 + 2.0, PadBytes(vatText, 14)},
-        {x0 + 3.3, PadBytes(won + data.sum, 14)},  {x0 + 4.6, preText},
+        {x0 + 0.6, PadBytes(won + data.gong, 13)},
+        {x0 + 2.0, PadBytes(vatText, 14)},
+        {x0 + 3.3, PadBytes(won + data.sum, 14)},
+        {x0 + 4.6, preText},
         {x0 + 6.0, misuText},
     };
 }
 
 bool Print_Data_Ink1B(PrintJob& job, const StatementPrintData& data, bool printFrame) {
-    const std::optional<StatementParties> parties = ReadStatementParties(stores().dbBasic, data.cCode, data.supplierSerial);
+    const std::optional<StatementParties> parties =
+        ReadStatementParties(stores().dbBasic, data.cCode, data.supplierSerial);
     if (!parties) return false;
     int page = 1;
     int rowOnPage = 0;

@@ -4,6 +4,7 @@
 // as many sheets as the lines need, the total on the first sheet only. The names and numbers
 // of the head are read again from the store; everything else comes as the screen shows it.
 
+#include "invoice/InvoicePrint.h"
 #include "statement/StatementStore.h"
 
 #include <QImage>
@@ -19,27 +20,24 @@ inline const QString kStatementDocument = QStringLiteral("거래명세표");
 
 // What the print takes from the screen.
 struct StatementPrintData {
-    QString cCode;          // txtCCode: the receiver read again for the head
-    QString supplierSerial; // the screen's supplier; empty for the first one
-    QString dateText;       // txtDate as shown, "YYYY년MM월DD일"
-    QString memo;           // txtMemo
-    bool printPhone = false;   // chk_Phone
-    bool printBalance = true;  // ChkNonKum
-    QString gong, se, sum;     // the three totals as shown ("#,##0")
-    QString preMisu, misu;     // the balance boxes as shown
+    QString cCode;            // txtCCode: the receiver read again for the head
+    QString supplierSerial;   // the screen's supplier; empty for the first one
+    QString dateText;         // txtDate as shown, "YYYY년MM월DD일"
+    QString memo;             // txtMemo
+    bool printPhone = false;  // chk_Phone
+    bool printBalance = true; // ChkNonKum
+    QString gong, se, sum;    // the three totals as shown ("#,##0")
+    QString preMisu, misu;    // the balance boxes as shown
     QList<StatementLine> lines;
-    QImage seal;               // picSign; null for no seal
+    QImage seal; // picSign; null for no seal
     int decimalQty = 0;
     int decimalPrice = 0;
 };
 
 // The head's parties as read for the print.
-struct StatementParty {
-    QString serial, company, delegate, addr, status, item, phone, fax;
-};
 struct StatementParties {
-    StatementParty supplier;
-    StatementParty trader;
+    PrintParty supplier;
+    PrintParty trader;
 };
 // The receiver by its code and the supplier by its number (the first when empty); nothing when
 // either read fails or finds no row (its report shown).
@@ -57,8 +55,8 @@ inline constexpr int kMoreSheetsTab = 70;
 inline constexpr double kHeadSize = 10;
 inline constexpr double kSerialSize = 11;
 inline constexpr double kTotalSize = 11;
-inline constexpr double kSealSize = 0.7;    // inches, square
-inline constexpr double kSealX = 3.5;       // inches right of the left margin's edge
+inline constexpr double kSealSize = 0.7; // inches, square
+inline constexpr double kSealX = 3.5;    // inches right of the left margin's edge
 inline constexpr double kSealRows[2] = {5.5, 40.6};
 // The columns of one line: tab, and the columns its text is cut or padded to (0: as it is).
 struct LineColumn {

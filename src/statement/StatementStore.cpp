@@ -348,9 +348,10 @@ int detailRowCount(int lineCount) {
 
 std::optional<QString> PeriodTotalText(Database& dbBill, const QString& from, const QString& to) {
     Recordset rs;
-    if (!OpenSnapshot(dbBill, rs,
-                      QStringLiteral("Select Sum(totamount+totvat) from master Where billdate Between ? and ?"),
-                      {from, to}))
+    if (!OpenSnapshot(
+            dbBill, rs,
+            QStringLiteral("Select Sum(totamount+totvat) from master Where billdate Between ? and ?"),
+            {from, to}))
         return std::nullopt;
     const QVariant total = rs.EOF_() ? QVariant() : rs.field(0);
     CloseRs(rs);

@@ -47,9 +47,9 @@ private Q_SLOTS:
         Grid grid;
         fillGrid(grid);
         const QString path = home.file(QStringLiteral("out.xlsx"));
-        const SheetContent content = sheetContentOf(grid, {1, 2, 3}, {QStringLiteral("< 합 계 >"),
-                                                                      QStringLiteral("1,235,567 "), QStringLiteral(" ")},
-                                                    QStringLiteral("매입ㆍ매출 계산서 관리"));
+        const SheetContent content = sheetContentOf(
+            grid, {1, 2, 3}, {QStringLiteral("< 합 계 >"), QStringLiteral("1,235,567 "), QStringLiteral(" ")},
+            QStringLiteral("매입ㆍ매출 계산서 관리"));
         QString error;
         int number = 0;
         QList<int> progress;
@@ -70,9 +70,10 @@ private Q_SLOTS:
         QVERIFY(!cells.contains("C4")); // a blank panel writes nothing
         QVERIFY(!cells.contains("A5"));
         const QString sheet = test::xlsxSheetXml(path);
-        QVERIFY(sheet.contains(QStringLiteral("<pane ySplit=\"1\"")));     // the heading row stays
-        QVERIFY(sheet.contains(QStringLiteral("<col ")));                  // widths fit the contents
-        QVERIFY(QString::fromUtf8(test::xlsxPart(path, QStringLiteral("xl/styles.xml"))).contains(QStringLiteral("#,##0")));
+        QVERIFY(sheet.contains(QStringLiteral("<pane ySplit=\"1\""))); // the heading row stays
+        QVERIFY(sheet.contains(QStringLiteral("<col ")));              // widths fit the contents
+        QVERIFY(QString::fromUtf8(test::xlsxPart(path, QStringLiteral("xl/styles.xml")))
+                    .contains(QStringLiteral("#,##0")));
     }
 
     void exportingAnEmptyGridSaysSoAndWritesNothing() {
@@ -82,8 +83,10 @@ private Q_SLOTS:
         Grid grid;
         grid.setMaxCols(2);
         grid.setMaxRows(10);
-        QVERIFY(ExportGrid(nullptr, grid, {1, 2}, {}, QStringLiteral("목록"), QStringLiteral("x.xlsx")).isEmpty());
-        QCOMPARE(msgs.last().text, QStringLiteral("엑셀로 보낼 데이터가 없습니다.\r\n자료 검색후 엑셀로 보내세요."));
+        QVERIFY(ExportGrid(nullptr, grid, {1, 2}, {}, QStringLiteral("목록"), QStringLiteral("x.xlsx"))
+                    .isEmpty());
+        QCOMPARE(msgs.last().text,
+                 QStringLiteral("엑셀로 보낼 데이터가 없습니다.\r\n자료 검색후 엑셀로 보내세요."));
         QCOMPARE(msgs.last().buttons, int(MbInformation));
         QVERIFY(chooser.kinds.isEmpty());
     }
@@ -98,7 +101,9 @@ private Q_SLOTS:
         const QString path = home.file(QStringLiteral("export.xlsx"));
         chooser.answers << path;
         msgs.answer(AnsYes);
-        QCOMPARE(ExportGrid(nullptr, grid, {1, 2, 3}, {}, QStringLiteral("목록"), QStringLiteral("목록_2024.xlsx")), path);
+        QCOMPARE(ExportGrid(nullptr, grid, {1, 2, 3}, {}, QStringLiteral("목록"),
+                            QStringLiteral("목록_2024.xlsx")),
+                 path);
         QCOMPARE(chooser.kinds, QStringList{QStringLiteral("save")});
         QVERIFY(chooser.suggested.first().endsWith(QStringLiteral("/목록_2024.xlsx")));
         QCOMPARE(msgs.progressValues(), (QList<int>{1, 2}));
@@ -119,7 +124,8 @@ private Q_SLOTS:
         fillGrid(grid);
         const QString path = home.file(QStringLiteral("no/such/folder/x.xlsx"));
         chooser.answers << path;
-        QVERIFY(ExportGrid(nullptr, grid, {1, 2, 3}, {}, QStringLiteral("목록"), QStringLiteral("x.xlsx")).isEmpty());
+        QVERIFY(ExportGrid(nullptr, grid, {1, 2, 3}, {}, QStringLiteral("목록"), QStringLiteral("x.xlsx"))
+                    .isEmpty());
         QCOMPARE(msgs.last().title, QStringLiteral("오류"));
         QVERIFY(msgs.last().text.startsWith(QStringLiteral("오류번호 : ")));
         QVERIFY(msgs.last().text.contains(path));

@@ -32,14 +32,26 @@ namespace {
 void addInvoices() {
     test::addSupplier({QStringLiteral("123-45-67891"), QStringLiteral("하르문상사"), QStringLiteral("홍길동"),
                        QStringLiteral("서울시 중구 을지로 1"), QString(), QString(), QString(), QString()});
-    test::addTraderRow(QStringLiteral("000001"), {QStringLiteral("234-56-78904"), QStringLiteral("가나철강"), QStringLiteral("김철수"), {},
-                                                  {}, {}, {}, {}});
-    test::addTraderRow(QStringLiteral("000002"), {QStringLiteral("345-67-89013"), QStringLiteral("다라상회"), QStringLiteral("이영희"), {},
-                                                  {}, {}, {}, {}});
-    test::addInvoiceRow(QStringLiteral("100000"), QStringLiteral("000001"), QStringLiteral("앵글"), 50000, 5000,
-                        QStringLiteral("2024-04-02"));
-    test::addInvoiceRow(QStringLiteral("100001"), QStringLiteral("000001"), QStringLiteral("파이프"), 120000, 12000,
-                        QStringLiteral("2024-05-20"));
+    test::addTraderRow(QStringLiteral("000001"), {QStringLiteral("234-56-78904"),
+                                                  QStringLiteral("가나철강"),
+                                                  QStringLiteral("김철수"),
+                                                  {},
+                                                  {},
+                                                  {},
+                                                  {},
+                                                  {}});
+    test::addTraderRow(QStringLiteral("000002"), {QStringLiteral("345-67-89013"),
+                                                  QStringLiteral("다라상회"),
+                                                  QStringLiteral("이영희"),
+                                                  {},
+                                                  {},
+                                                  {},
+                                                  {},
+                                                  {}});
+    test::addInvoiceRow(QStringLiteral("100000"), QStringLiteral("000001"), QStringLiteral("앵글"), 50000,
+                        5000, QStringLiteral("2024-04-02"));
+    test::addInvoiceRow(QStringLiteral("100001"), QStringLiteral("000001"), QStringLiteral("파이프"), 120000,
+                        12000, QStringLiteral("2024-05-20"));
     test::addInvoiceRow(QStringLiteral("100002"), QStringLiteral("000002"), QStringLiteral("볼트"), 8000, 800,
                         QStringLiteral("2024-06-30"));
     test::addInvoiceRow(QStringLiteral("100003"), QStringLiteral("000002"), QStringLiteral("너트"), 9000, 900,
@@ -124,7 +136,8 @@ private Q_SLOTS:
         FrmTaxManage& f = s.open();
         searchSecondQuarter(f);
         f.btnPrint->click();
-        const QStringList pdfs = QDir(s.home.file(QStringLiteral("Print"))).entryList({QStringLiteral("*.pdf")});
+        const QStringList pdfs =
+            QDir(s.home.file(QStringLiteral("Print"))).entryList({QStringLiteral("*.pdf")});
         QCOMPARE(pdfs.size(), 1);
         QVERIFY(pdfs.first().startsWith(QStringLiteral("세금계산서 합계표-")));
         QVERIFY(msgs.last().text.contains(pdfs.first())); // the PDF printer says where the file is
@@ -144,7 +157,8 @@ private Q_SLOTS:
         chooser.answers << path;
         msgs.answer(AnsNo);
         f.btnExcel->click();
-        QVERIFY(chooser.suggested.first().endsWith(QStringLiteral("매입ㆍ매출 계산서 관리_20240401-20240630.xlsx")));
+        QVERIFY(chooser.suggested.first().endsWith(
+            QStringLiteral("매입ㆍ매출 계산서 관리_20240401-20240630.xlsx")));
         QCOMPARE(test::xlsxSheetNames(path), QStringList{QStringLiteral("매입ㆍ매출 계산서 관리")});
         const auto cells = test::xlsxCells(path);
         QCOMPARE(cells.value("A1").value, QStringLiteral("거래처명"));
@@ -216,7 +230,8 @@ private Q_SLOTS:
             Nubella window;
             window.refreshMenuState();
             QVERIFY(window.load(false));
-            test::addSupplier({QStringLiteral("123-45-67890"), QStringLiteral("하르문상사"), {}, {}, {}, {}, {}, {}});
+            test::addSupplier(
+                {QStringLiteral("123-45-67890"), QStringLiteral("하르문상사"), {}, {}, {}, {}, {}, {}});
             test::showActive(&window);
             QVERIFY(window.menuAction(QStringLiteral("mnu_InvoiceTotal"))->isEnabled());
             window.menuAction(QStringLiteral("mnu_InvoiceForm"))->trigger();
@@ -225,7 +240,8 @@ private Q_SLOTS:
             QVERIFY(tax);
             tax->btnTotal->click();
             QTest::qWait(30);
-            auto* totals = qobject_cast<FrmTaxManage*>(window.childScreen(QStringLiteral("mnu_InvoiceTotal")));
+            auto* totals =
+                qobject_cast<FrmTaxManage*>(window.childScreen(QStringLiteral("mnu_InvoiceTotal")));
             QVERIFY(totals);
             QVERIFY(totals->isVisible());
         }

@@ -20,8 +20,9 @@ struct Store {
     test::TestHome home;
     Store() {
         QVERIFY(test::openStores());
-        QVERIFY(test::exec(stores().dbBasic, "insert into User (Serial, Company, Delegate, Addr) values "
-                                             "('123-45-67890', '하르문상사', '홍길동', '서울시 중구 을지로 1')"));
+        QVERIFY(test::exec(stores().dbBasic,
+                           "insert into User (Serial, Company, Delegate, Addr) values "
+                           "('123-45-67890', '하르문상사', '홍길동', '서울시 중구 을지로 1')"));
         for (int k = 1; k <= 3; ++k)
             QVERIFY(test::exec(stores().dbBasic, "insert into Trader (Code, C_Name, Serial) values (?, ?, ?)",
                                {QStringLiteral("00000%1").arg(k), QStringLiteral("거래처%1").arg(k),
@@ -29,14 +30,18 @@ struct Store {
     }
 };
 
-void addInvoice(const QString& taxCode, const QString& cCode, double supply, double tax, const QString& date) {
-    QVERIFY(test::exec(stores().dbTax,
-                       "insert into NewAcount (TaxCode, CCode, PName, Quantity, UnitCost, TradeKum, VatKum, DealDate, "
-                       "TradeDate, UserCode) values (?, ?, '볼트', 1, ?, ?, ?, ?, ?, '123-45-67890')",
-                       {taxCode, cCode, supply, supply, tax, date, date.mid(5)}));
+void addInvoice(const QString& taxCode, const QString& cCode, double supply, double tax,
+                const QString& date) {
+    QVERIFY(test::exec(
+        stores().dbTax,
+        "insert into NewAcount (TaxCode, CCode, PName, Quantity, UnitCost, TradeKum, VatKum, DealDate, "
+        "TradeDate, UserCode) values (?, ?, '볼트', 1, ?, ?, ?, ?, ?, '123-45-67890')",
+        {taxCode, cCode, supply, supply, tax, date, date.mid(5)}));
 }
 
-int saleTotalRows() { return test::scalar(stores().dbTax, "select count(*) from SaleTotal").toInt(); }
+int saleTotalRows() {
+    return test::scalar(stores().dbTax, "select count(*) from SaleTotal").toInt();
+}
 
 std::shared_ptr<PrintRecord> printedReport(const TotalsReport& report) {
     auto record = std::make_shared<PrintRecord>();
@@ -49,9 +54,10 @@ std::shared_ptr<PrintRecord> printedReport(const TotalsReport& report) {
 
 TotalsReport reportOfQuarter(int quarter) {
     const TotalsPeriod p = totalsPeriod(TotalsKind::Quarter, quarter, QStringLiteral("2024"), {}, {});
-    const auto values = totalsReportValues(TotalsKind::Quarter, quarter, QStringLiteral("2024"), {}, {},
-                                           GetSumKum(stores().dbTax, true, p).value_or(-1),
-                                           GetSumVat(stores().dbTax, true, p).value_or(-1), QDate(2024, 7, 2));
+    const auto values =
+        totalsReportValues(TotalsKind::Quarter, quarter, QStringLiteral("2024"), {}, {},
+                           GetSumKum(stores().dbTax, true, p).value_or(-1),
+                           GetSumVat(stores().dbTax, true, p).value_or(-1), QDate(2024, 7, 2));
     return ReadTotalsReport(values).value_or(TotalsReport());
 }
 
@@ -62,7 +68,8 @@ class TestTaxTotals : public QObject {
 private Q_SLOTS:
     void eachSearchKindCoversItsPeriod() {
         const QString y = QStringLiteral("2024");
-        QCOMPARE(totalsPeriod(TotalsKind::Dates, 0, y, "2024-02-03", "2024-02-20").from, QStringLiteral("2024-02-03"));
+        QCOMPARE(totalsPeriod(TotalsKind::Dates, 0, y, "2024-02-03", "2024-02-20").from,
+                 QStringLiteral("2024-02-03"));
         QCOMPARE(totalsPeriod(TotalsKind::Quarter, 1, y, {}, {}).from, QStringLiteral("2024-04-01"));
         QCOMPARE(totalsPeriod(TotalsKind::Quarter, 3, y, {}, {}).to, QStringLiteral("2024-12-31"));
         QCOMPARE(totalsPeriod(TotalsKind::Half, 0, y, {}, {}).to, QStringLiteral("2024-06-30"));
@@ -108,10 +115,13 @@ private Q_SLOTS:
         const QString serial =
             test::scalar(stores().dbTax, "select Serial from SaleTotal where CCode = '000001'").toString();
         QVERIFY(serial == u"100000" || serial == u"100001");
-        QCOMPARE(test::scalar(stores().dbTax, "select Blank from SaleTotal where CCode = '000001'").toInt(), 11 - 4);
-        QCOMPARE(test::scalar(stores().dbTax, "select Blank from SaleTotal where CCode = '000002'").toInt(), 11 - 9);
-        QCOMPARE(test::scalar(stores().dbTax, "select CName from SaleTotal where CCode = '000002'").toString(),
-                 QStringLiteral("거래처2"));
+        QCOMPARE(test::scalar(stores().dbTax, "select Blank from SaleTotal where CCode = '000001'").toInt(),
+                 11 - 4);
+        QCOMPARE(test::scalar(stores().dbTax, "select Blank from SaleTotal where CCode = '000002'").toInt(),
+                 11 - 9);
+        QCOMPARE(
+            test::scalar(stores().dbTax, "select CName from SaleTotal where CCode = '000002'").toString(),
+            QStringLiteral("거래처2"));
         const auto sums = panelSums(*rows);
         QCOMPARE(panelText(sums[0]), QStringLiteral("123,460,289 "));
         QCOMPARE(panelText(sums[2]), QStringLiteral("135,806,317 "));
@@ -179,7 +189,8 @@ private Q_SLOTS:
         for (int i = 0; i < 60; ++i) {
             const QString code = QStringLiteral("%1").arg(100 + i, 6, 10, QChar(u'0'));
             QVERIFY(test::exec(stores().dbBasic, "insert into Trader (Code, C_Name, Serial) values (?, ?, ?)",
-                               {code, QStringLiteral("매출처%1").arg(i), QStringLiteral("2%1-00-00000").arg(i, 2, 10, QChar(u'0'))}));
+                               {code, QStringLiteral("매출처%1").arg(i),
+                                QStringLiteral("2%1-00-00000").arg(i, 2, 10, QChar(u'0'))}));
             addInvoice(QStringLiteral("2%1").arg(i, 5, 10, QChar(u'0')), code, 1000, 100, "2024-04-10");
         }
         QVERIFY(SearchTotals(stores().dbTax, stores().dbBasic.path(), {"2024-04-01", "2024-06-30"}));
@@ -194,7 +205,8 @@ private Q_SLOTS:
         const PrintedText* first = record->find(QStringLiteral("매출처0"));
         QCOMPARE(first->y, printRowY(0, totalslayout::kTableTop + 1));
         QCOMPARE(first->x, printTabX(0, totalslayout::kCompany.tab, kBasePrintSize));
-        const PrintedText* total = record->find(PadBytes(QStringLiteral("60,000"), totalslayout::kSupply.width));
+        const PrintedText* total =
+            record->find(PadBytes(QStringLiteral("60,000"), totalslayout::kSupply.width));
         QVERIFY(total);
         QCOMPARE(total->page, 2);
         QCOMPARE(total->y, printRowY(0, totalslayout::kTotalRow));

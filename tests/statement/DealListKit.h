@@ -11,6 +11,24 @@
 
 namespace nb::test {
 
+// The statement screen on the stores of the invoice screen's tests, opened and shown.
+struct DealScreen {
+    TestHome home;
+    std::unique_ptr<FrmDealList> form;
+    DealScreen() {
+        fixClock();
+        openStores();
+        addScreenData();
+        installStoreLookups();
+    }
+    FrmDealList& open() {
+        form = std::make_unique<FrmDealList>();
+        showActive(form.get());
+        return *form;
+    }
+    ~DealScreen() { setClock({}); }
+};
+
 // A statement head with its lines (product, quantity, price, amount, VAT) and totals that agree.
 inline bool addDealStatement(const QString& billNo, const QString& date, const QString& cCode,
                              const QList<std::tuple<QString, double, double, double, double>>& lines) {
@@ -27,28 +45,34 @@ inline bool addDealStatement(const QString& billNo, const QString& date, const Q
     int seq = 0;
     for (const auto& [name, quant, price, lineAmount, lineVat] : lines)
         if (!exec(stores().dbBill,
-                  QStringLiteral("INSERT INTO Detail (BillNo, BillSEQ, PName, Unit, Quant, Price, DC, Amount, VAT) "
-                                 "VALUES (?, ?, ?, 'EA', ?, ?, 0, ?, ?)"),
+                  QStringLiteral(
+                      "INSERT INTO Detail (BillNo, BillSEQ, PName, Unit, Quant, Price, DC, Amount, VAT) "
+                      "VALUES (?, ?, ?, 'EA', ?, ?, 0, ?, ?)"),
                   {billNo, ++seq, name, quant, price, lineAmount, lineVat}))
             return false;
     return true;
 }
 
 inline double headValue(const QString& billNo, const QString& column) {
-    return scalar(stores().dbBill, QStringLiteral("SELECT %1 FROM Master WHERE BillNo = ?").arg(column), {billNo})
+    return scalar(stores().dbBill, QStringLiteral("SELECT %1 FROM Master WHERE BillNo = ?").arg(column),
+                  {billNo})
         .toDouble();
 }
 
 inline QVariant lineValue(const QString& billNo, int seq, const QString& column) {
-    return scalar(stores().dbBill, QStringLiteral("SELECT %1 FROM Detail WHERE BillNo = ? AND BillSEQ = ?").arg(column),
+    return scalar(stores().dbBill,
+                  QStringLiteral("SELECT %1 FROM Detail WHERE BillNo = ? AND BillSEQ = ?").arg(column),
                   {billNo, seq});
 }
 
 inline int detailRows(const QString& billNo) {
-    return scalar(stores().dbBill, QStringLiteral("SELECT count(*) FROM Detail WHERE BillNo = ?"), {billNo}).toInt();
+    return scalar(stores().dbBill, QStringLiteral("SELECT count(*) FROM Detail WHERE BillNo = ?"), {billNo})
+        .toInt();
 }
 
-inline int masterRows() { return scalar(stores().dbBill, QStringLiteral("SELECT count(*) FROM Master")).toInt(); }
+inline int masterRows() {
+    return scalar(stores().dbBill, QStringLiteral("SELECT count(*) FROM Master")).toInt();
+}
 
 // The receiver by Enter: the name typed into CName2, then Enter.
 inline void chooseTrader(FrmDealList& f, const QString& name) {
@@ -78,7 +102,8 @@ inline void typeIntoCell(const QString& text) {
 // code back, as FrmNewProduct does.
 inline void registerProductsOnTheSpot(const QString& code, double price) {
     InvoiceLookups l = invoiceLookups();
-    l.newProduct = [code, price](QWidget*, QLineEdit* target, const QString& seed, const QString& date, QWidget*) {
+    l.newProduct = [code, price](QWidget*, QLineEdit* target, const QString& seed, const QString& date,
+                                 QWidget*) {
         lookupLog().calls << QStringLiteral("newProduct:") + seed + u':' + date;
         addProductRow(code, seed, QString(), price, QStringLiteral("SET"));
         target->setText(code);

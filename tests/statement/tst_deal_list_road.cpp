@@ -46,7 +46,9 @@ struct MainWindow {
         QTest::qWait(30);
         return qobject_cast<Screen*>(window.childScreen(control));
     }
-    FrmTax* invoice() const { return qobject_cast<FrmTax*>(window.childScreen(QStringLiteral("mnu_InvoiceForm"))); }
+    FrmTax* invoice() const {
+        return qobject_cast<FrmTax*>(window.childScreen(QStringLiteral("mnu_InvoiceForm")));
+    }
 };
 
 const QString kStatements = QStringLiteral("mnu_거래명세표");
@@ -70,10 +72,10 @@ private Q_SLOTS:
     void theInvoiceScreensStatementButtonHandsOverItsTrader() {
         MainWindow w;
         test::script();
-        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-05-03"), QStringLiteral("000001"),
-                               {{QStringLiteral("볼트"), 1, 1100, 1000, 100}});
-        test::addDealStatement(QStringLiteral("000002"), QStringLiteral("2024-05-04"), QStringLiteral("000002"),
-                               {{QStringLiteral("앵글"), 1, 11000, 10000, 1000}});
+        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-05-03"),
+                               QStringLiteral("000001"), {{QStringLiteral("볼트"), 1, 1100, 1000, 100}});
+        test::addDealStatement(QStringLiteral("000002"), QStringLiteral("2024-05-04"),
+                               QStringLiteral("000002"), {{QStringLiteral("앵글"), 1, 11000, 10000, 1000}});
         FrmTax* tax = w.open<FrmTax>(kInvoice);
         test::chooseReceiver(*tax, QStringLiteral("다라"));
         QCOMPARE(tax->txtCCode->text(), QStringLiteral("000002"));
@@ -91,8 +93,8 @@ private Q_SLOTS:
     void choosingAnOldStatementAndGoingToTheInvoiceOpensAnEmptyInvoice() {
         MainWindow w;
         test::script();
-        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-05-03"), QStringLiteral("000001"),
-                               {{QStringLiteral("볼트"), 1, 1100, 1000, 100}});
+        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-05-03"),
+                               QStringLiteral("000001"), {{QStringLiteral("볼트"), 1, 1100, 1000, 100}});
         auto* f = w.open<FrmDealList>(kStatements);
         f->spMaster->setFocus();
         f->spMaster->SetActiveCell(ColBillDate, 1);
@@ -109,8 +111,8 @@ private Q_SLOTS:
     void theTraderOfTheLastSavedLineGoesToTheInvoiceNotTheOneChosenAfter() {
         MainWindow w;
         test::script();
-        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-05-03"), QStringLiteral("000002"),
-                               {{QStringLiteral("앵글"), 1, 11000, 10000, 1000}});
+        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-05-03"),
+                               QStringLiteral("000002"), {{QStringLiteral("앵글"), 1, 11000, 10000, 1000}});
         auto* f = w.open<FrmDealList>(kStatements);
         test::chooseTrader(*f, QStringLiteral("가나"));
         test::typeIntoCell(QStringLiteral("볼트"));
@@ -127,7 +129,8 @@ private Q_SLOTS:
         QCOMPARE(tax->CName_MAE->text(), QStringLiteral("가나철강"));
         QCOMPARE(tax->txtDate[0]->text(), QStringLiteral("2024-05-10"));
         QCOMPARE(tax->txtDate[1]->text(), QStringLiteral("2024-05-10"));
-        QCOMPARE(tax->write_yy->text() + tax->write_mm->text() + tax->write_dd->text(), QStringLiteral("20240510"));
+        QCOMPARE(tax->write_yy->text() + tax->write_mm->text() + tax->write_dd->text(),
+                 QStringLiteral("20240510"));
         // The activation ran the summary of that day's statements into the first line.
         QCOMPARE(tax->gonggum(0)->text().trimmed(), QStringLiteral("909"));
         test::saveScreenshot(&w.window, QStringLiteral("frm_tax_from_statement"));

@@ -6,8 +6,8 @@
 #include "common/dates/DateBox.h"
 #include "common/dates/DateCells.h"
 #include "core/Settings.h"
-#include "storage/Stores.h"
 #include "statement/DealPaper.h"
+#include "storage/Stores.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -22,26 +22,11 @@ using namespace nb;
 
 namespace {
 
-struct Screen {
-    test::TestHome home;
-    std::unique_ptr<FrmDealList> form;
-    Screen() {
-        test::fixClock();
-        test::openStores();
-        test::addScreenData();
-        test::installStoreLookups();
-    }
-    FrmDealList& open() {
-        form = std::make_unique<FrmDealList>();
-        test::showActive(form.get());
-        return *form;
-    }
-    ~Screen() { setClock({}); }
-};
+using Screen = test::DealScreen;
 
 using test::focused;
-using test::pressKey;
 using test::goToCell;
+using test::pressKey;
 using test::typeIntoCell;
 
 } // namespace
@@ -59,7 +44,8 @@ private Q_SLOTS:
         QCOMPARE(f.txtDate->text(), QStringLiteral("2024년05월10일"));
         QCOMPARE(DateCellText(f.spDate[0]), QStringLiteral("2024-05-01"));
         QCOMPARE(DateCellText(f.spDate[1]), QStringLiteral("2024-05-10"));
-        QCOMPARE(f.pnlHelp->text(), QStringLiteral("*삭제:[F4] *신규등록.검색:[상호]에서 [엔터] *검색이동:[F3]"));
+        QCOMPARE(f.pnlHelp->text(),
+                 QStringLiteral("*삭제:[F4] *신규등록.검색:[상호]에서 [엔터] *검색이동:[F3]"));
         QCOMPARE(f.cmbTelNo->itemText(0), QStringLiteral("[공급받는자T:]"));
         QCOMPARE(f.cmbTelNo->itemText(1), QStringLiteral("[공급자T:02-123-4567 F:02-123-4568]"));
         QCOMPARE(f.CmbTerm->currentText(), QStringLiteral("2/4분기"));
@@ -86,10 +72,10 @@ private Q_SLOTS:
         test::script();
         FrmDealList& f = s.open();
         QCOMPARE(f.pnlSum->text(), QStringLiteral("0 "));
-        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-04-03"), QStringLiteral("000001"),
-                               {{QStringLiteral("볼트"), 1, 11000, 10000, 1000}});
-        test::addDealStatement(QStringLiteral("000002"), QStringLiteral("2024-07-03"), QStringLiteral("000002"),
-                               {{QStringLiteral("너트"), 1, 550, 500, 50}});
+        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-04-03"),
+                               QStringLiteral("000001"), {{QStringLiteral("볼트"), 1, 11000, 10000, 1000}});
+        test::addDealStatement(QStringLiteral("000002"), QStringLiteral("2024-07-03"),
+                               QStringLiteral("000002"), {{QStringLiteral("너트"), 1, 550, 500, 50}});
         f.txtYear->setFocus();
         test::enter(f.txtYear);
         QCOMPARE(f.pnlSum->text(), QStringLiteral("11,000 "));
@@ -160,7 +146,8 @@ private Q_SLOTS:
         msgs.answer(AnsNo);
         test::chooseTrader(f, QStringLiteral("없는상사"));
         QCOMPARE(msgs.last().title, QStringLiteral("매출처 검색"));
-        QCOMPARE(msgs.last().text, QStringLiteral("검색한 매출처가 등록되어 있지 않습니다.\r\n매출처를 등록하겠습니까?"));
+        QCOMPARE(msgs.last().text,
+                 QStringLiteral("검색한 매출처가 등록되어 있지 않습니다.\r\n매출처를 등록하겠습니까?"));
         QVERIFY(f.CName2->text().isEmpty());
         QVERIFY(f.txtCCode->text().isEmpty());
         test::lookupLog().newCode = QStringLiteral("000002");
@@ -206,7 +193,8 @@ private Q_SLOTS:
         msgs.answer(AnsCancel);
         typeIntoCell(QStringLiteral("수리비"));
         QCOMPARE(msgs.last().title, QStringLiteral("상품 검색"));
-        QCOMPARE(msgs.last().text, QStringLiteral("검색된 상품이 없습니다. \r\n\r\n상품을 등록하시겠습니까?    "));
+        QCOMPARE(msgs.last().text,
+                 QStringLiteral("검색된 상품이 없습니다. \r\n\r\n상품을 등록하시겠습니까?    "));
         QCOMPARE(test::lineValue(no, 2, QStringLiteral("PName")).toString(), QStringLiteral("수리비"));
         QCOMPARE(test::lineValue(no, 2, QStringLiteral("Quant")).toDouble(), 1.0);
         QCOMPARE(test::lineValue(no, 2, QStringLiteral("Amount")).toDouble(), 0.0);
@@ -261,7 +249,8 @@ private Q_SLOTS:
         goToCell(f, ColPName, 1);
         pressKey(focused(), Qt::Key_Return);
         QVERIFY(test::lookupLog().calls.contains(QStringLiteral("product:")));
-        QCOMPARE(msgs.last().text, QStringLiteral("등록된 상품이 없습니다. \r\n\r\n상품을 등록하시겠습니까?    "));
+        QCOMPARE(msgs.last().text,
+                 QStringLiteral("등록된 상품이 없습니다. \r\n\r\n상품을 등록하시겠습니까?    "));
     }
 
     void tabbingOutOfAnEmptyProductCellDoesNothing() {
@@ -291,8 +280,8 @@ private Q_SLOTS:
     void aLineSavedWithVatKeepsItsOwnModeUnderExemptWhenItsQuantityChanges() {
         Screen s;
         test::script();
-        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-05-09"), QStringLiteral("000001"),
-                               {{QStringLiteral("볼트"), 1, 1000, 1000, 100}});
+        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-05-09"),
+                               QStringLiteral("000001"), {{QStringLiteral("볼트"), 1, 1000, 1000, 100}});
         SaveSetting(kAppSection, kEnvSection, QStringLiteral("명세서부가세구분"), QStringLiteral("2"));
         FrmDealList& f = s.open();
         QVERIFY(f.gubun[2]->isChecked());
@@ -307,8 +296,8 @@ private Q_SLOTS:
     void aQuantityOfZeroGivesZeroAndTheNextChangeTakesTheScreensMode() {
         Screen s;
         test::script();
-        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-05-09"), QStringLiteral("000001"),
-                               {{QStringLiteral("볼트"), 1, 1000, 1000, 100}});
+        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-05-09"),
+                               QStringLiteral("000001"), {{QStringLiteral("볼트"), 1, 1000, 1000, 100}});
         FrmDealList& f = s.open();
         f.spMaster->setFocus();
         f.spMaster->SetActiveCell(ColBillDate, 1);
@@ -325,8 +314,8 @@ private Q_SLOTS:
     void aNegativeQuantityRoundsAwayFromZeroAndCutsItsVatTowardsZero() {
         Screen s;
         test::script();
-        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-05-09"), QStringLiteral("000001"),
-                               {{QStringLiteral("볼트"), 1, 1255, 1255, 125}});
+        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-05-09"),
+                               QStringLiteral("000001"), {{QStringLiteral("볼트"), 1, 1255, 1255, 125}});
         FrmDealList& f = s.open();
         f.spMaster->setFocus();
         f.spMaster->SetActiveCell(ColBillDate, 1);
@@ -339,16 +328,18 @@ private Q_SLOTS:
     void aFailedSaveOfAQuantityPutsTheOldTextBackAndLeavesTheStoreAsItWas() {
         Screen s;
         auto& msgs = test::script();
-        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-05-09"), QStringLiteral("000001"),
-                               {{QStringLiteral("볼트"), 1, 1100, 1000, 100}});
+        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-05-09"),
+                               QStringLiteral("000001"), {{QStringLiteral("볼트"), 1, 1100, 1000, 100}});
         FrmDealList& f = s.open();
         f.spMaster->setFocus();
         f.spMaster->SetActiveCell(ColBillDate, 1);
-        QVERIFY(test::exec(stores().dbBill, QStringLiteral("CREATE TEMP TRIGGER fail_line BEFORE UPDATE ON Detail "
-                                                          "BEGIN SELECT RAISE(ABORT, 'disk full'); END")));
+        QVERIFY(test::exec(stores().dbBill,
+                           QStringLiteral("CREATE TEMP TRIGGER fail_line BEFORE UPDATE ON Detail "
+                                          "BEGIN SELECT RAISE(ABORT, 'disk full'); END")));
         goToCell(f, ColQuant, 1);
         typeIntoCell(QStringLiteral("5"));
-        QVERIFY(msgs.boxes().back().text.startsWith(QStringLiteral("자료를 수정하는 중 오류가 발생했습니다.")));
+        QVERIFY(
+            msgs.boxes().back().text.startsWith(QStringLiteral("자료를 수정하는 중 오류가 발생했습니다.")));
         QCOMPARE(f.spDetail->Text(ColQuant, 1), QStringLiteral("1"));
         QCOMPARE(test::lineValue(QStringLiteral("000001"), 1, QStringLiteral("Quant")).toDouble(), 1.0);
         QCOMPARE(test::headValue(QStringLiteral("000001"), QStringLiteral("TotAmount")), 1000.0);
@@ -361,10 +352,12 @@ private Q_SLOTS:
         auto& msgs = test::script();
         FrmDealList& f = s.open();
         test::chooseTrader(f, QStringLiteral("가나"));
-        QVERIFY(test::exec(stores().dbBill, QStringLiteral("CREATE TEMP TRIGGER fail_line BEFORE INSERT ON Detail "
-                                                          "BEGIN SELECT RAISE(ABORT, 'disk full'); END")));
+        QVERIFY(test::exec(stores().dbBill,
+                           QStringLiteral("CREATE TEMP TRIGGER fail_line BEFORE INSERT ON Detail "
+                                          "BEGIN SELECT RAISE(ABORT, 'disk full'); END")));
         typeIntoCell(QStringLiteral("볼트"));
-        QVERIFY(msgs.boxes().back().text.startsWith(QStringLiteral("자료를 저장하는 중 오류가 발생했습니다.")));
+        QVERIFY(
+            msgs.boxes().back().text.startsWith(QStringLiteral("자료를 저장하는 중 오류가 발생했습니다.")));
         QCOMPARE(test::masterRows(), 0);
         QCOMPARE(f.spMaster->MaxRows(), 1);
         QVERIFY(f.spDetail->Text(ColPName, 1).isEmpty());

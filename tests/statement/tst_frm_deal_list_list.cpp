@@ -24,22 +24,7 @@ using namespace nb;
 
 namespace {
 
-struct Screen {
-    test::TestHome home;
-    std::unique_ptr<FrmDealList> form;
-    Screen() {
-        test::fixClock();
-        test::openStores();
-        test::addScreenData();
-        test::installStoreLookups();
-    }
-    FrmDealList& open() {
-        form = std::make_unique<FrmDealList>();
-        test::showActive(form.get());
-        return *form;
-    }
-    ~Screen() { setClock({}); }
-};
+using Screen = test::DealScreen;
 
 using test::focused;
 using test::goToCell;
@@ -120,9 +105,10 @@ private Q_SLOTS:
         QList<std::tuple<QString, double, double, double, double>> lines;
         for (int k = 1; k <= 17; ++k)
             lines.append({QStringLiteral("품목 %1호").arg(k), double(k), 1100, 1000.0 * k, 100.0 * k});
-        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-05-08"), QStringLiteral("000001"), lines);
-        test::addDealStatement(QStringLiteral("000002"), QStringLiteral("2024-05-09"), QStringLiteral("000002"),
-                               {{QStringLiteral("앵글"), 1, 11000, 10000, 1000}});
+        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-05-08"),
+                               QStringLiteral("000001"), lines);
+        test::addDealStatement(QStringLiteral("000002"), QStringLiteral("2024-05-09"),
+                               QStringLiteral("000002"), {{QStringLiteral("앵글"), 1, 11000, 10000, 1000}});
         FrmDealList& f = s.open();
         chooseListRow(f, 1);
         QCOMPARE(f.spDetail->MaxRows(), 18);
@@ -215,7 +201,8 @@ private Q_SLOTS:
         f.gubun[2]->click();
         QCOMPARE(msgs.last().text, vatModeChangeQuestion());
         QCOMPARE(msgs.last().buttons, MbYesNoCancel | MbDefaultButton2);
-        QCOMPARE(GetSetting(kAppSection, kEnvSection, QStringLiteral("명세서부가세구분")), QStringLiteral("2"));
+        QCOMPARE(GetSetting(kAppSection, kEnvSection, QStringLiteral("명세서부가세구분")),
+                 QStringLiteral("2"));
         QCOMPARE(test::lineValue(QStringLiteral("000001"), 2, QStringLiteral("VAT")).toDouble(), 200.0);
         // No: the chosen line only, in the mode chosen.
         msgs.answer(AnsNo);
@@ -237,11 +224,12 @@ private Q_SLOTS:
         msgs.answer(AnsNo);
         msgs.answer(AnsOk);
         f.gubun[1]->click();
-        QCOMPARE(msgs.last().text, QStringLiteral("현재 선택된 순번은 자료가 입력되어\r\n있지 않아 계산을 할 수 없습니다."));
+        QCOMPARE(msgs.last().text,
+                 QStringLiteral("현재 선택된 순번은 자료가 입력되어\r\n있지 않아 계산을 할 수 없습니다."));
         QCOMPARE(msgs.unscripted(), 0);
         // The box as the operator sees it, over the screen with the statement's lines.
-        std::unique_ptr<QMessageBox> box(buildMessageBox(vatModeChangeQuestion(), MbYesNoCancel | MbDefaultButton2,
-                                                         QStringLiteral("누벨라"), &f));
+        std::unique_ptr<QMessageBox> box(buildMessageBox(
+            vatModeChangeQuestion(), MbYesNoCancel | MbDefaultButton2, QStringLiteral("누벨라"), &f));
         box->show();
         box->move(f.mapToGlobal(QPoint(200, 150)));
         QApplication::processEvents();
@@ -258,7 +246,8 @@ private Q_SLOTS:
         FrmDealList& f = s.open();
         f.gubun[0]->click();
         QCOMPARE(msgs.records().size(), size_t(0));
-        QCOMPARE(GetSetting(kAppSection, kEnvSection, QStringLiteral("명세서부가세구분")), QStringLiteral("0"));
+        QCOMPARE(GetSetting(kAppSection, kEnvSection, QStringLiteral("명세서부가세구분")),
+                 QStringLiteral("0"));
     }
 
     void theMemoIsAskedForAndCutToSixtyBytes() {
@@ -269,8 +258,9 @@ private Q_SLOTS:
         f.cmdMemo->click();
         QCOMPARE(msgs.last().kind, QStringLiteral("input"));
         QCOMPARE(msgs.last().title, QStringLiteral("비고입력"));
-        QCOMPARE(msgs.last().text,
-                 QStringLiteral("거래명세표 발행시 인쇄될 비고를 입력하세요.\r\n최대입력 길이는 한글60자입니다."));
+        QCOMPARE(
+            msgs.last().text,
+            QStringLiteral("거래명세표 발행시 인쇄될 비고를 입력하세요.\r\n최대입력 길이는 한글60자입니다."));
         QCOMPARE(f.txtMemo->text(), QString(30, QChar(u'가')));
         msgs.answerInput(QString());
         f.cmdMemo->click();

@@ -13,9 +13,10 @@ namespace {
 // A store with a supplier, a trader and one statement of two lines, made by a first start.
 void prepareStore(const QString& home) {
     QCOMPARE(runProgram(home, {"--print-statement", "999999", "--pdf", home + "/none.pdf"}).exitCode, 1);
-    nb::test::execOn(home + "/Dbs/dbBasic.db",
-                     {"INSERT INTO User (Company, Delegate, Serial) VALUES ('하르문상사', '홍길동', '123-45-67890')",
-                      "INSERT INTO Trader (Code, C_Name, Serial) VALUES ('000001', '가나철강', '234-56-78901')"});
+    nb::test::execOn(
+        home + "/Dbs/dbBasic.db",
+        {"INSERT INTO User (Company, Delegate, Serial) VALUES ('하르문상사', '홍길동', '123-45-67890')",
+         "INSERT INTO Trader (Code, C_Name, Serial) VALUES ('000001', '가나철강', '234-56-78901')"});
     nb::test::execOn(home + "/Dbs/dbBill.db",
                      {"INSERT INTO Master VALUES ('000003', '2024-04-30', '000001', 5000, 500, 2)",
                       "INSERT INTO Detail VALUES ('000003', 1, '볼트', 'EA', 3, 1000, 0, 3000, 300)",
@@ -29,7 +30,8 @@ class TestStatementCommand : public QObject {
 private Q_SLOTS:
     void aMissingStatementExitsWithAOneLineReason() {
         QTemporaryDir home;
-        const auto run = runProgram(home.path(), {"--print-statement", "999999", "--pdf", home.path() + "/x.pdf"});
+        const auto run =
+            runProgram(home.path(), {"--print-statement", "999999", "--pdf", home.path() + "/x.pdf"});
         QCOMPARE(run.exitCode, 1);
         QCOMPARE(run.errorText, QStringLiteral("거래명세표 999999 이(가) 없습니다."));
         QVERIFY(!QFile::exists(home.path() + "/x.pdf"));
@@ -39,7 +41,8 @@ private Q_SLOTS:
         QTemporaryDir home;
         const auto run = runProgram(home.path(), {"--print-statement", "000001"});
         QCOMPARE(run.exitCode, 2);
-        QCOMPARE(run.errorText, QStringLiteral("사용법: nubella --print-statement 거래번호 --pdf 파일 [--frame]"));
+        QCOMPARE(run.errorText,
+                 QStringLiteral("사용법: nubella --print-statement 거래번호 --pdf 파일 [--frame]"));
     }
 
     void aStoredStatementPrintsWithItsOwnDateAndTheFormWhenAsked() {
@@ -53,7 +56,8 @@ private Q_SLOTS:
         QVERIFY(text.contains(QStringLiteral("볼트")));
         QVERIFY(!text.contains(QStringLiteral("거 래 명 세 표")));
         const QString framed = home.path() + "/framed.pdf";
-        QCOMPARE(runProgram(home.path(), {"--print-statement", "000003", "--pdf", framed, "--frame"}).exitCode, 0);
+        QCOMPARE(
+            runProgram(home.path(), {"--print-statement", "000003", "--pdf", framed, "--frame"}).exitCode, 0);
         QVERIFY(nb::test::pdfText(framed).contains(QStringLiteral("(공급자 보관용)")));
     }
 };

@@ -19,21 +19,12 @@ using namespace nb;
 
 namespace {
 
-struct Screen {
-    test::TestHome home;
-    std::unique_ptr<FrmDealList> form;
+// The screen on a store with one statement of two lines.
+struct Screen : test::DealScreen {
     Screen() {
-        test::fixClock();
-        test::openStores();
-        test::addScreenData();
-        test::installStoreLookups();
-        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-05-09"), QStringLiteral("000001"),
-                               {{QStringLiteral("볼트"), 3, 1100, 3000, 300}, {QStringLiteral("너트"), 2, 1000, 2000, 200}});
-    }
-    FrmDealList& open() {
-        form = std::make_unique<FrmDealList>();
-        test::showActive(form.get());
-        return *form;
+        test::addDealStatement(
+            QStringLiteral("000001"), QStringLiteral("2024-05-09"), QStringLiteral("000001"),
+            {{QStringLiteral("볼트"), 3, 1100, 3000, 300}, {QStringLiteral("너트"), 2, 1000, 2000, 200}});
     }
     FrmDealList& openOnTheStatement() {
         FrmDealList& f = open();
@@ -41,7 +32,6 @@ struct Screen {
         f.spMaster->SetActiveCell(ColBillDate, 1);
         return f;
     }
-    ~Screen() { setClock({}); }
 };
 
 QStringList textsOf(const PrintRecord& record) {
@@ -70,8 +60,10 @@ private Q_SLOTS:
         Screen s;
         auto& msgs = test::script();
         PrintCapture capture;
-        SaveSetting(kAppSection, QStringLiteral("거래명세표"), QStringLiteral("LeftMargin"), QStringLiteral("4"));
-        SaveSetting(kAppSection, QStringLiteral("거래명세표"), QStringLiteral("TopMargin"), QStringLiteral("1.5"));
+        SaveSetting(kAppSection, QStringLiteral("거래명세표"), QStringLiteral("LeftMargin"),
+                    QStringLiteral("4"));
+        SaveSetting(kAppSection, QStringLiteral("거래명세표"), QStringLiteral("TopMargin"),
+                    QStringLiteral("1.5"));
         FrmDealList& f = s.openOnTheStatement();
         msgs.answer(AnsNo);
         f.btnPrint->click();
@@ -130,10 +122,11 @@ private Q_SLOTS:
         test::script();
         FrmDealList& f = s.openOnTheStatement();
         const StatementPrintData data = f.printData();
-        std::unique_ptr<QPrintPreviewDialog> preview(makePrintPreview(&f, kStatementDocument, [data](PrintJob& job) {
-            PrinterPrepare(job);
-            Print_Data_Ink1B(job, data, true);
-        }));
+        std::unique_ptr<QPrintPreviewDialog> preview(
+            makePrintPreview(&f, kStatementDocument, [data](PrintJob& job) {
+                PrinterPrepare(job);
+                Print_Data_Ink1B(job, data, true);
+            }));
         preview->resize(900, 700);
         preview->show();
         QTest::qWait(100);
@@ -146,7 +139,8 @@ private Q_SLOTS:
         Screen s;
         auto& msgs = test::script();
         PrintCapture capture;
-        test::addInvoiceRow(QStringLiteral("100005"), QStringLiteral("000001"), QStringLiteral("앵글"), 50000, 5000);
+        test::addInvoiceRow(QStringLiteral("100005"), QStringLiteral("000001"), QStringLiteral("앵글"), 50000,
+                            5000);
         FrmTax tax;
         test::showActive(&tax);
         test::chooseReceiver(tax, QStringLiteral("가나"));

@@ -24,13 +24,15 @@ struct Store {
     test::TestHome home;
     Store() {
         QVERIFY(test::openStores());
-        test::addSupplier({QStringLiteral("123-45-67890"), QStringLiteral("하르문상사"), QStringLiteral("홍길동"),
-                           QStringLiteral("서울시 중구 을지로 1"), QStringLiteral("02-123-4567"),
-                           QStringLiteral("02-123-4568"), QStringLiteral("도소매"), QStringLiteral("철물")});
+        test::addSupplier({QStringLiteral("123-45-67890"), QStringLiteral("하르문상사"),
+                           QStringLiteral("홍길동"), QStringLiteral("서울시 중구 을지로 1"),
+                           QStringLiteral("02-123-4567"), QStringLiteral("02-123-4568"),
+                           QStringLiteral("도소매"), QStringLiteral("철물")});
         test::addTraderRow(QStringLiteral("000001"),
-                           {QStringLiteral("234-56-78901"), QStringLiteral("가나철강"), QStringLiteral("김철수"),
-                            QStringLiteral("부산시 동구 중앙대로 1"), QStringLiteral("051-234-5678"), QString(),
-                            QStringLiteral("제조"), QStringLiteral("강판")});
+                           {QStringLiteral("234-56-78901"), QStringLiteral("가나철강"),
+                            QStringLiteral("김철수"), QStringLiteral("부산시 동구 중앙대로 1"),
+                            QStringLiteral("051-234-5678"), QString(), QStringLiteral("제조"),
+                            QStringLiteral("강판")});
     }
 };
 
@@ -61,7 +63,8 @@ StatementPrintData statementOf(int lineCount) {
     return data;
 }
 
-std::shared_ptr<PrintRecord> printed(const StatementPrintData& data, bool frame = false, int left = 0, double top = 0) {
+std::shared_ptr<PrintRecord> printed(const StatementPrintData& data, bool frame = false, int left = 0,
+                                     double top = 0) {
     auto record = std::make_shared<PrintRecord>();
     PrintJob job(std::make_unique<RecordingSurface>(record), QStringLiteral("test"), kStatementDocument);
     PrinterPrepare(job);
@@ -243,8 +246,10 @@ private Q_SLOTS:
         auto record = std::make_shared<PrintRecord>();
         PrintJob job(std::make_unique<RecordingSurface>(record), QStringLiteral("test"), kStatementDocument);
         QVERIFY(!Print_Data_Ink1B(job, data, false));
-        QCOMPARE(msgs.last().text,
-                 QStringLiteral("Error 3021 (No current record.) in procedure Print_Data_Ink1B_Head of Form FrmDealList"));
+        QCOMPARE(
+            msgs.last().text,
+            QStringLiteral(
+                "Error 3021 (No current record.) in procedure Print_Data_Ink1B_Head of Form FrmDealList"));
         QVERIFY(record->texts.empty());
     }
 
@@ -300,7 +305,8 @@ private Q_SLOTS:
         QList<std::tuple<QString, double, double>> lines;
         for (int i = 1; i <= 17; ++i)
             lines.append({QStringLiteral("품목%1").arg(i), 1000.0 * i, 100.0 * i});
-        QVERIFY(test::addStatement(QStringLiteral("000007"), QStringLiteral("2024-04-30"), QStringLiteral("000001"), lines));
+        QVERIFY(test::addStatement(QStringLiteral("000007"), QStringLiteral("2024-04-30"),
+                                   QStringLiteral("000001"), lines));
         const QString pdf = s.home.path() + QStringLiteral("/statement.pdf");
         QString reason;
         QCOMPARE(PrintStoredStatementToPdf(QStringLiteral("000007"), pdf, false, &reason), 0);
@@ -325,8 +331,9 @@ private Q_SLOTS:
         if (!test::havePdfTools()) QSKIP("pdftotext or pdftoppm missing");
         Store s;
         test::script();
-        QVERIFY(test::addStatement(QStringLiteral("000008"), QStringLiteral("2024-05-02"), QStringLiteral("000001"),
-                                   {{QStringLiteral("볼트"), 3000, 300}, {QStringLiteral("너트"), 2000, 200}}));
+        QVERIFY(test::addStatement(
+            QStringLiteral("000008"), QStringLiteral("2024-05-02"), QStringLiteral("000001"),
+            {{QStringLiteral("볼트"), 3000, 300}, {QStringLiteral("너트"), 2000, 200}}));
         const QString pdf = s.home.path() + QStringLiteral("/frame.pdf");
         QString reason;
         QCOMPARE(PrintStoredStatementToPdf(QStringLiteral("000008"), pdf, true, &reason), 0);
@@ -336,7 +343,8 @@ private Q_SLOTS:
         const auto x = frameXs(0.5);
         // The first line stands in the first line row of the form, the product under "품목".
         const QPointF bolt = test::allWordsAt(html, QStringLiteral("볼트")).value(0);
-        QVERIFY2(bolt.y() / 72 > y[7] - 0.05 && bolt.y() / 72 < y[9], qPrintable(QString::number(bolt.y() / 72)));
+        QVERIFY2(bolt.y() / 72 > y[7] - 0.05 && bolt.y() / 72 < y[9],
+                 qPrintable(QString::number(bolt.y() / 72)));
         QVERIFY(bolt.x() / 72 > x[1] && bolt.x() / 72 < x[9]);
         // The receiver's number in the receiver's half, on the number row.
         const QList<QPointF> serials = test::allWordsAt(html, QStringLiteral("234-56-78901"));

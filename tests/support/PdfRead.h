@@ -50,15 +50,17 @@ inline QList<QPointF> allWordsAt(const QString& html, const QString& word, int p
     return found;
 }
 
-inline int pdfPages(const QString& html) { return int(html.count(QStringLiteral("<page "))); }
+inline int pdfPages(const QString& html) {
+    return int(html.count(QStringLiteral("<page ")));
+}
 
 inline void pagePng(const QString& pdf, int page, const QString& name) {
     QDir().mkpath(screenshotDir());
     QProcess png;
     png.start(QStringLiteral("pdftoppm"),
               {QStringLiteral("-png"), QStringLiteral("-r"), QStringLiteral("80"), QStringLiteral("-f"),
-               QString::number(page), QStringLiteral("-l"), QString::number(page), QStringLiteral("-singlefile"),
-               pdf, screenshotDir() + u'/' + name});
+               QString::number(page), QStringLiteral("-l"), QString::number(page),
+               QStringLiteral("-singlefile"), pdf, screenshotDir() + u'/' + name});
     png.waitForFinished(20000);
 }
 

@@ -7,8 +7,8 @@
 #include "core/AppFolder.h"
 #include "core/AppState.h"
 #include "core/Clock.h"
-#include "core/shell/FrmLogin.h"
 #include "core/ScreenRegistry.h"
+#include "core/shell/FrmLogin.h"
 #include "core/shell/Startup.h"
 #include "core/shell/frmAbout.h"
 
@@ -25,7 +25,7 @@
 namespace nb {
 namespace {
 
-constexpr int kMainBackground = 8420869;  // RGB 05 7E 80
+constexpr int kMainBackground = 8420869; // RGB 05 7E 80
 
 // Entries the main window answers itself; all others wait for a registered screen.
 bool isOwnEntry(const QString& control) {
@@ -121,9 +121,9 @@ void Nubella::buildStatusPanels() {
     }
     m_panels[2]->setText(QStringLiteral("IT기술의 강자! 업무전산화의 모든것.   S/W개발.용지문의: 1500-0000"));
     m_panels[2]->setAlignment(Qt::AlignCenter);
-    statusBar()->addWidget(m_panels[0]);       // left
-    statusBar()->addWidget(m_panels[2], 1);    // middle
-    statusBar()->addPermanentWidget(m_panels[1]);  // right
+    statusBar()->addWidget(m_panels[0]);          // left
+    statusBar()->addWidget(m_panels[2], 1);       // middle
+    statusBar()->addPermanentWidget(m_panels[1]); // right
 }
 
 void Nubella::refreshMenuState() {
@@ -134,8 +134,10 @@ void Nubella::refreshMenuState() {
 void Nubella::SetMainBackground() {
     const QString picture = userImage(QStringLiteral("mainbg.jpg"));
     QPixmap pixmap;
-    if (!picture.isEmpty() && pixmap.load(picture)) m_mdi->setBackground(QBrush(pixmap));
-    else m_mdi->setBackground(colorFromBgr(kMainBackground));
+    if (!picture.isEmpty() && pixmap.load(picture))
+        m_mdi->setBackground(QBrush(pixmap));
+    else
+        m_mdi->setBackground(colorFromBgr(kMainBackground));
 }
 
 bool Nubella::load(bool showSplash) {
@@ -154,9 +156,13 @@ bool Nubella::load(bool showSplash) {
     return true;
 }
 
-void Nubella::endProgram() { std::_Exit(0); }
+void Nubella::endProgram() {
+    std::_Exit(0);
+}
 
-QWidget* Nubella::childScreen(const QString& control) const { return m_children.value(control).data(); }
+QWidget* Nubella::childScreen(const QString& control) const {
+    return m_children.value(control).data();
+}
 
 void Nubella::openEntry(const QString& control) {
     if (control == QStringLiteral("mnu_end") || control == QStringLiteral("mnuExit")) return endProgram();
@@ -165,8 +171,10 @@ void Nubella::openEntry(const QString& control) {
     if (control == QStringLiteral("mnuConvert")) return showConvertBox();
     const ScreenEntry* entry = screenFor(control);
     if (!entry) return;
-    if (entry->createChild) showChild(control);
-    else if (entry->run) entry->run(this);
+    if (entry->createChild)
+        showChild(control);
+    else if (entry->run)
+        entry->run(this);
 }
 
 QWidget* Nubella::loadChild(const QString& control, bool afresh) {

@@ -370,7 +370,8 @@ private Q_SLOTS:
         grid.setMaxRows(2);
         QVERIFY(grid.cellFormat(2, 2).isNumber());
         QVERIFY(grid.SetText(2, 1, QStringLiteral("1234567")));
-        QCOMPARE(grid.cells().data(grid.cells().index(0, 1), Qt::DisplayRole).toString(), QStringLiteral("1,234,567"));
+        QCOMPARE(grid.cells().data(grid.cells().index(0, 1), Qt::DisplayRole).toString(),
+                 QStringLiteral("1,234,567"));
     }
     void aQuietFillAnnouncesNothingCellByCellAndLeavesTheFormulasRight() {
         test::TestHome home;
