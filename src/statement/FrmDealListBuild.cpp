@@ -199,7 +199,7 @@ void FrmDealList::buildTotals() {
     cmdSeal = makeButton(this, QStringLiteral("cmdSeal"), QStringLiteral("도장선택"),
                          QRect(kPaperX + 780, y, 90, kBoxHeight));
     chkPrintFrame = makeCheck(this, QStringLiteral("chkPrintFrame"), QStringLiteral("양식 포함 인쇄"),
-                              QRect(kSideX + 4, y, 160, kBoxHeight));
+                              QRect(kPaperX + 884, y, 170, kBoxHeight));
     chkPrintFrame->setToolTip(QStringLiteral("양식이 인쇄되지 않은 백지에 양식과 함께 인쇄합니다."));
 }
 
