@@ -104,7 +104,6 @@ void FrmDealList::loadForm() {
     // The user's own picture of the head when there is one; the drawn head otherwise.
     const QString background = userImage(QStringLiteral("bill_back.jpg"));
     if (!background.isEmpty()) Picture1->setBackgroundPicture(QPixmap(background));
-    m_loaded = true;
 }
 
 void FrmDealList::setupDetailGrid() {

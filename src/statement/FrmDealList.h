@@ -141,7 +141,6 @@ private:
     void showTotals();
     void showMisu();
     void fillTerms(int kind);
-    void onVatClicked(int index);
     void onCheckClicked(QCheckBox* box, const QString& key);
     // FrmDealListKeys.cpp
     void connectControls();
@@ -164,11 +163,11 @@ private:
     void applyLineAmounts(int row, double oldQuant, double oldPrice);
     void DetailRowAppend();
     void DetailRowUnlock(int row);
-    void recalculateStatement();
     QString cell(int col, int row) const;
     double cellValue(int col, int row) const;
     void setCell(int col, int row, const QString& text);
     void setLineCell(int col, int row, double value);
+    void onVatClicked(int index);
 
     DealListModel m_model;
     QString m_serial;
@@ -176,7 +175,6 @@ private:
     QString m_oldCellText;
     bool m_enterInEdit = false;
     bool m_listing = false; // the program moves the cursor of spMaster: no choice is made
-    bool m_loaded = false;
     bool m_firstActivate = true;
     bool m_serialFound = false;
     bool m_checkingDate = false;
