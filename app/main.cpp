@@ -1,4 +1,4 @@
-#include "core/shell/Program.h"
+#include "shell/Program.h"
 #include "invoice/InvoiceCommand.h"
 #include "invoice/InvoiceScreens.h"
 #include "links/LinkScreens.h"

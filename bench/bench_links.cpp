@@ -7,7 +7,7 @@
 #include "common/dates/DateBox.h"
 #include "common/grid/Grid.h"
 #include "core/AppState.h"
-#include "core/shell/Startup.h"
+#include "shell/Startup.h"
 #include "links/FrmSMS.h"
 #include "storage/CrossFileQueries.h"
 #include "storage/Stores.h"

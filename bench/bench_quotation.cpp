@@ -4,7 +4,7 @@
 #include "BenchSupport.h"
 #include "TestSupport.h"
 #include "core/AppState.h"
-#include "core/shell/Startup.h"
+#include "shell/Startup.h"
 #include "quotation/FrmEstiList.h"
 #include "quotation/FrmEstimate.h"
 #include "quotation/clsEstimate.h"

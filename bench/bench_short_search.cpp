@@ -4,7 +4,7 @@
 #include "BenchSupport.h"
 #include "TestSupport.h"
 #include "core/AppState.h"
-#include "core/shell/Startup.h"
+#include "shell/Startup.h"
 #include "master/FrmPost.h"
 #include "master/FrmTraderList.h"
 #include "master/PostImport.h"

@@ -1,4 +1,4 @@
-#include "core/shell/FrmLogin.h"
+#include "shell/FrmLogin.h"
 
 #include "core/AppFolder.h"
 #include "core/AppState.h"

@@ -1,4 +1,4 @@
-#include "core/shell/frmAbout.h"
+#include "shell/frmAbout.h"
 
 #include "common/External.h"
 #include "common/Messages.h"

@@ -1,4 +1,4 @@
-#include "core/shell/Program.h"
+#include "shell/Program.h"
 
 #include "common/Messages.h"
 #include "common/UiSetup.h"
@@ -6,8 +6,8 @@
 #include "core/AppState.h"
 #include "core/Lifecycle.h"
 #include "core/ScreenRegistry.h"
-#include "core/shell/Nubella.h"
-#include "core/shell/Startup.h"
+#include "shell/Nubella.h"
+#include "shell/Startup.h"
 
 #include <QApplication>
 #include <cstdio>

@@ -1,4 +1,4 @@
-#include "core/shell/Startup.h"
+#include "shell/Startup.h"
 
 #include "common/Messages.h"
 #include "common/dates/DateText.h"

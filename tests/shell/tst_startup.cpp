@@ -5,7 +5,7 @@
 #include "core/AppState.h"
 #include "core/Clock.h"
 #include "core/Settings.h"
-#include "core/shell/Startup.h"
+#include "shell/Startup.h"
 #include "common/dates/ShortDate.h"
 #include "storage/Stores.h"
 

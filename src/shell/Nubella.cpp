@@ -1,4 +1,4 @@
-#include "core/shell/Nubella.h"
+#include "shell/Nubella.h"
 
 #include "common/Colors.h"
 #include "common/External.h"
@@ -8,9 +8,9 @@
 #include "core/AppState.h"
 #include "core/Clock.h"
 #include "core/ScreenRegistry.h"
-#include "core/shell/FrmLogin.h"
-#include "core/shell/Startup.h"
-#include "core/shell/frmAbout.h"
+#include "shell/FrmLogin.h"
+#include "shell/Startup.h"
+#include "shell/frmAbout.h"
 
 #include <QAction>
 #include <QDate>

@@ -8,10 +8,10 @@
 #include "core/Clock.h"
 #include "core/ScreenRegistry.h"
 #include "core/Settings.h"
-#include "core/shell/FrmLogin.h"
-#include "core/shell/Nubella.h"
-#include "core/shell/Program.h"
-#include "core/shell/frmAbout.h"
+#include "shell/FrmLogin.h"
+#include "shell/Nubella.h"
+#include "shell/Program.h"
+#include "shell/frmAbout.h"
 
 #include <QAction>
 #include <QApplication>
