@@ -470,7 +470,8 @@ void FrmTax::vaBtn2_Click() {
     const QImage seal = imgPic->pixmap().isNull() ? QImage() : imgPic->pixmap().toImage();
     const IssueResult result = IssueInvoice(form, seal);
     applyFocus(result.focus);
-    if (!result.printed) return;
+    // An invoice stored whose paper failed is on the list: its lines must not be issued twice.
+    if (!result.printed && result.storedTaxCode.isEmpty()) return;
     txtSeq->setText(form.txtSeq);
     clear_input();
     LoadIssuedList(txtCCode->text());

@@ -26,10 +26,9 @@ SaveResult SaveInvoice(InvoiceForm& form, Database& dbTax) {
         ShowWarning(nothingToSave);
         return {false, QString(), FormFocus::Pummok0};
     }
-    const std::optional<QString> code = NextTaxCode(dbTax);
-    if (!code) return {};
     const InvoiceHead head{form.txtCCode, form.dealDate(), form.bigo, form.serialUser, form.youngsu};
-    if (!InsertInvoiceRows(dbTax, *code, head, linesToSave(form.sheet))) return {};
+    const std::optional<QString> code = StoreNewInvoice(dbTax, head, linesToSave(form.sheet));
+    if (!code) return {};
     return {true, *code, FormFocus::Pummok0};
 }
 

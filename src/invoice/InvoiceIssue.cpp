@@ -93,7 +93,7 @@ IssueResult IssueInvoice(InvoiceForm& form, const QImage& seal) {
     if (const std::optional<FormFocus> focus = refuseToPrint(form)) return {false, 0, QString(), *focus};
     if (!confirmIssue()) return {};
     // The number is read before the job starts, so that a failed read leaves no sheet behind.
-    const std::optional<QString> code = NextTaxCode(stores().dbTax);
+    std::optional<QString> code = NextTaxCode(stores().dbTax);
     if (!code) return {};
     SelectDocPrinter(kInvoiceDocument);
     std::unique_ptr<PrintJob> job = startPrintJob(kInvoiceDocument);
@@ -102,19 +102,26 @@ IssueResult IssueInvoice(InvoiceForm& form, const QImage& seal) {
         return {};
     }
     prepareJob(*job, seal);
+    // A new invoice is stored before its paper is drawn: its number is taken inside the save,
+    // so another running copy cannot print the same number, and no paper has no rows behind it.
+    QString stored;
+    if (form.TaxCode.isEmpty()) {
+        const InvoiceHead head{form.txtCCode, form.dealDate(), form.bigo, form.serialUser, form.youngsu};
+        code = StoreNewInvoice(stores().dbTax, head, printableLines(form.sheet));
+        if (!code) {
+            RestorePrinter();
+            return {};
+        }
+        stored = *code;
+    }
     if (!form.manualSeq) form.txtSeq = code->left(3) + u'-' + code->right(3);
     const InvoicePrintData data = printDataOf(form);
     const std::optional<int> printed = printCopies(*job, data);
     if (!printed) {
         RestorePrinter();
-        return {};
+        return {false, 0, stored, FormFocus::Unchanged};
     }
-    IssueResult result{true, *printed, QString(), FormFocus::Unchanged};
-    if (form.TaxCode.isEmpty()) {
-        const InvoiceHead head{form.txtCCode, form.dealDate(), form.bigo, form.serialUser, form.youngsu};
-        if (InsertInvoiceRows(stores().dbTax, *code, head, printableLines(form.sheet)))
-            result.storedTaxCode = *code;
-    }
+    IssueResult result{true, *printed, stored, FormFocus::Unchanged};
     form.clearInput();
     job->setFontTransparent(false);
     job->endDoc();

@@ -1,6 +1,7 @@
 #include "invoice/InvoiceStore.h"
 
 #include "common/text/NumberFormat.h"
+#include "common/text/StoredNumber.h"
 #include "storage/Database.h"
 
 #include <QVariant>
@@ -109,32 +110,74 @@ QList<InvoiceLine> printableLines(const InvoiceSheet& sheet) {
     return lines;
 }
 
-bool InsertInvoiceRows(Database& dbTax, const QString& taxCode, const InvoiceHead& head,
-                       const QList<InvoiceLine>& lines) {
+namespace {
+
+// The rows of one invoice, inside the caller's transaction.
+bool insertRows(Database& dbTax, const QString& taxCode, const InvoiceHead& head,
+                const QList<InvoiceLine>& lines) {
     static const QString sql = QStringLiteral(
         "insert into NewAcount(TaxCode, CCode, PName, PNorm, Quantity, UnitCost, TradeKum, VatKum, DealDate, "
         "issuedate, TradeDate, UserCode, Receipt) values(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
-    if (!dbTax.beginTransaction()) return false;
     for (const InvoiceLine& line : lines) {
+        const QVariantList numbers{numberValue(line.su_num), numberValue(line.gibon_num),
+                                   numberValue(line.gonggum),
+                                   numberValue(FormatText(line.tax_num, kMaskPlain))};
+        for (const QVariant& n : numbers)
+            if (n.typeId() == QMetaType::Double &&
+                !checkStoredNumber(n.toDouble(), NumberColumn::Amount, QStringLiteral("SaveInvoice"),
+                                   QStringLiteral("FrmTax"), ReportOwner::Form))
+                return false;
         const QVariantList values{taxCode,
                                   head.cCode.trimmed(),
                                   line.pummok.trimmed(),
                                   line.dan_num,
-                                  numberValue(line.su_num),
-                                  numberValue(line.gibon_num),
-                                  numberValue(line.gonggum),
-                                  numberValue(FormatText(line.tax_num, kMaskPlain)),
+                                  numbers[0],
+                                  numbers[1],
+                                  numbers[2],
+                                  numbers[3],
                                   head.dealDate,
                                   head.remark.trimmed(),
                                   line.ddyy.trimmed(),
                                   head.userCode,
                                   head.receipt.trimmed()};
-        if (!dbTax.Execute(sql, values)) {
-            dbTax.rollback();
-            return false;
-        }
+        if (!dbTax.Execute(sql, values)) return false;
     }
-    return dbTax.commit();
+    return true;
+}
+
+const QString kInvoiceSaveFailed = QStringLiteral("세금계산서를 저장하지 못했습니다.");
+
+} // namespace
+
+bool InsertInvoiceRows(Database& dbTax, const QString& taxCode, const InvoiceHead& head,
+                       const QList<InvoiceLine>& lines) {
+    if (!dbTax.beginTransaction()) {
+        ReportSaveFailure(dbTax, kInvoiceSaveFailed);
+        return false;
+    }
+    if (!insertRows(dbTax, taxCode, head, lines)) {
+        dbTax.rollback();
+        return false;
+    }
+    if (dbTax.commit()) return true;
+    ReportSaveFailure(dbTax, kInvoiceSaveFailed);
+    return false;
+}
+
+std::optional<QString> StoreNewInvoice(Database& dbTax, const InvoiceHead& head,
+                                       const QList<InvoiceLine>& lines) {
+    if (!dbTax.beginTransaction()) {
+        ReportSaveFailure(dbTax, kInvoiceSaveFailed);
+        return std::nullopt;
+    }
+    const std::optional<QString> code = NextTaxCode(dbTax);
+    if (!code || !insertRows(dbTax, *code, head, lines)) {
+        dbTax.rollback();
+        return std::nullopt;
+    }
+    if (dbTax.commit()) return code;
+    ReportSaveFailure(dbTax, kInvoiceSaveFailed);
+    return std::nullopt;
 }
 
 std::optional<IssuedInvoice> ReadIssuedInvoice(Database& dbTax, const QString& taxCode) {

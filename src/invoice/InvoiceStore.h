@@ -42,9 +42,14 @@ QList<InvoiceLine> linesToSave(const InvoiceSheet& sheet);
 QList<InvoiceLine> printableLines(const InvoiceSheet& sheet);
 
 // One row per line under the number, in one transaction; false (nothing stored, the query box
-// shown) when a row fails.
+// shown) when a row fails. An amount the store cannot hold is refused with the overflow report.
 bool InsertInvoiceRows(Database& dbTax, const QString& taxCode, const InvoiceHead& head,
                        const QList<InvoiceLine>& lines);
+// A new invoice: its number (the highest stored plus one) is taken inside the transaction that
+// stores its rows, begun as a write, so two running copies never confirm one number twice.
+// The number stored; nothing when the save failed (its box shown, nothing stored).
+std::optional<QString> StoreNewInvoice(Database& dbTax, const InvoiceHead& head,
+                                       const QList<InvoiceLine>& lines);
 
 // An issued invoice as its rows hold it.
 struct IssuedInvoice {
@@ -53,7 +58,7 @@ struct IssuedInvoice {
     QString dealDate;
     QString remark;
     QString userCode;
-    QString receipt; // "영수", "청구", or empty for invoices issued before the column existed
+    QString receipt;          // "영수", "청구", or empty for invoices issued before the column existed
     QList<InvoiceLine> lines; // in the order the rows were written
 };
 // Nothing when no row has the number (or the read failed).

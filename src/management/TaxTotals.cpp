@@ -31,11 +31,18 @@ const QString kFillSaleTotal = QStringLiteral(
 
 // The work tables emptied and SaleTotal filled in one transaction; its rows as the grid shows them.
 std::optional<QList<TraderTotal>> refillSaleTotal(Database& dbTax, const TotalsPeriod& period) {
-    if (!dbTax.beginTransaction()) return std::nullopt;
+    if (!dbTax.beginTransaction()) {
+        ReportSaveFailure(dbTax, QStringLiteral("기간 합계를 만들지 못했습니다."));
+        return std::nullopt;
+    }
     if (!dbTax.Execute(QStringLiteral("delete from buytotal")) ||
         !dbTax.Execute(QStringLiteral("delete from saletotal")) ||
-        !dbTax.Execute(kFillSaleTotal, {period.from, period.to}) || !dbTax.commit()) {
+        !dbTax.Execute(kFillSaleTotal, {period.from, period.to})) {
         dbTax.rollback();
+        return std::nullopt;
+    }
+    if (!dbTax.commit()) {
+        ReportSaveFailure(dbTax, QStringLiteral("기간 합계를 만들지 못했습니다."));
         return std::nullopt;
     }
     Recordset rs;

@@ -175,9 +175,21 @@ bool FrmNewTrader::prepare() {
 }
 
 bool FrmNewTrader::saveNew() {
-    if (!prepare()) return false;
+    // The code is taken inside the save, begun as a write: two running copies never give one
+    // code twice.
+    Database& db = stores().dbBasic;
+    if (!db.beginTransaction()) {
+        ReportSaveFailure(db, QStringLiteral("거래처를 저장하지 못했습니다."));
+        return false;
+    }
+    if (!prepare()) {
+        db.rollback();
+        return false;
+    }
     m_trader->SaveTrader();
-    return true;
+    if (db.commit()) return true;
+    ReportSaveFailure(db, QStringLiteral("거래처를 저장하지 못했습니다."));
+    return false;
 }
 
 bool FrmNewTrader::saveChange() {

@@ -170,10 +170,23 @@ ProductSave SaveProduct(const ProductFields& given, QString& code, int mode) {
         updateProduct(f, buy, sale, code);
         return ProductSave::Updated;
     }
+    // The code is taken inside the save, begun as a write: two running copies never give one
+    // code twice.
+    if (!basic().beginTransaction()) {
+        ReportSaveFailure(basic(), QStringLiteral("상품을 저장하지 못했습니다."));
+        return ProductSave::Failed;
+    }
     QString next;
-    if (!NextProductCode(next)) return ProductSave::Failed;
+    if (!NextProductCode(next)) {
+        basic().rollback();
+        return ProductSave::Failed;
+    }
     code = next;
     insertProduct(f, buy, sale, code);
+    if (!basic().commit()) {
+        ReportSaveFailure(basic(), QStringLiteral("상품을 저장하지 못했습니다."));
+        return ProductSave::Failed;
+    }
     return ProductSave::Inserted;
 }
 

@@ -75,12 +75,18 @@ SupplierSave SaveSupplier(SupplierFormState& state, const SupplierFields& fields
             QStringLiteral("이미 같은 사업자번호가 등록되어 있습니다.\r\n사업자번호는 중복될 수 없습니다."));
         return SupplierSave::Duplicate;
     }
-    basic().beginTransaction();
+    if (!basic().beginTransaction()) {
+        ReportSaveFailure(basic());
+        return SupplierSave::Failed;
+    }
     if (!replaceSupplierRow(state, fields)) {
         basic().rollback();
         return SupplierSave::Failed;
     }
-    basic().commit();
+    if (!basic().commit()) {
+        ReportSaveFailure(basic());
+        return SupplierSave::Failed;
+    }
     state.OldSerial = serial;
     if (defaultChecked) SetDefaultSupplier(serial);
     ResetLegacySettings();
@@ -92,18 +98,24 @@ SupplierSave SaveSupplier(SupplierFormState& state, const SupplierFields& fields
 }
 
 void ResetLegacySettings() {
-    basic().beginTransaction();
-    basic().Execute(QStringLiteral("DELETE FROM Environment;"));
-    Recordset rs;
-    if (OpenDynaset(basic(), rs, QStringLiteral("Environment"))) {
-        rs.AddNew();
-        for (const char* name : {"StockProc", "Standard", "Special", "StockManage"})
-            rs.setField(QLatin1String(name), 0);
-        for (const char* name : {"Password", "sPost", "ePost"})
-            rs.setField(QLatin1String(name), QString());
-        rs.Update();
+    if (basic().beginTransaction()) {
+        bool ok = basic().Execute(QStringLiteral("DELETE FROM Environment;"));
+        Recordset rs;
+        if (ok && OpenDynaset(basic(), rs, QStringLiteral("Environment"))) {
+            rs.AddNew();
+            for (const char* name : {"StockProc", "Standard", "Special", "StockManage"})
+                rs.setField(QLatin1String(name), 0);
+            for (const char* name : {"Password", "sPost", "ePost"})
+                rs.setField(QLatin1String(name), QString());
+            ok = rs.Update();
+        }
+        if (!ok)
+            basic().rollback();
+        else if (!basic().commit())
+            ReportSaveFailure(basic());
+    } else {
+        ReportSaveFailure(basic());
     }
-    basic().commit();
     postLimits() = {};
     // The password member behind "암호사용여부" has no writer: it is always 0.
     SaveEnv(QStringLiteral("암호번호"), QString());

@@ -92,17 +92,40 @@ bool FillTrader(const TraderForm& form, clsTrader& t) {
 
 bool DeleteTraderWithBusiness(const QString& code) {
     Stores& s = stores();
-    Database* files[] = {&s.dbBasic, &s.dbBill, &s.dbTax};
-    const QString statements[] = {QStringLiteral("delete from Trader where Code = ?"),
-                                  QStringLiteral("Delete from master where CCode = ?"),
-                                  QStringLiteral("Delete from NewAcount where CCode = ?")};
-    for (Database* db : files)
-        db->beginTransaction();
+    // The trader's own row is committed last: until then a failure leaves it on the list, so
+    // the operator can delete again what is left.
+    struct Step {
+        Database* db;
+        QStringList statements;
+    };
+    const Step steps[] = {
+        {&s.dbBill,
+         {QStringLiteral("DELETE FROM Detail WHERE BillNo IN (SELECT BillNo FROM Master WHERE CCode = ?)"),
+          QStringLiteral("Delete from master where CCode = ?")}},
+        {&s.dbTax, {QStringLiteral("Delete from NewAcount where CCode = ?")}},
+        {&s.dbBasic, {QStringLiteral("delete from Trader where Code = ?")}}};
+    int begun = 0;
     bool ok = true;
-    for (int i = 0; i < 3 && ok; ++i)
-        ok = files[i]->Execute(statements[i], {code});
-    for (Database* db : files)
-        ok ? (void)db->commit() : db->rollback();
+    for (const Step& step : steps) {
+        ok = step.db->beginTransaction();
+        if (!ok) {
+            ReportSaveFailure(*step.db, QStringLiteral("거래처를 삭제하지 못했습니다."));
+            break;
+        }
+        ++begun;
+        for (const QString& sql : step.statements)
+            ok = ok && step.db->Execute(sql, {code});
+        if (!ok) break;
+    }
+    for (int i = 0; i < begun; ++i) {
+        Database& db = *steps[i].db;
+        if (!ok) {
+            db.rollback();
+        } else if (!db.commit()) {
+            ReportSaveFailure(db, QStringLiteral("거래처를 삭제하지 못했습니다."));
+            ok = false;
+        }
+    }
     return ok;
 }
 

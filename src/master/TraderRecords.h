@@ -33,9 +33,10 @@ struct TraderForm {
 // must not be saved.
 bool FillTrader(const TraderForm& form, clsTrader& trader);
 
-// Deletes the trader, then its statement heads (Master) and its invoices (NewAcount). The
-// statements' lines (Detail) stay as they are. The three deletes are undone together if one
-// of them fails.
+// Deletes the trader, its statements (heads in Master with their lines in Detail: a line left
+// without its head would join the next statement given that number) and its invoices
+// (NewAcount). Each store's deletes are one transaction; a failure before the first commit
+// leaves everything as it was, and shows its box.
 bool DeleteTraderWithBusiness(const QString& code);
 
 } // namespace nb

@@ -239,9 +239,10 @@ void FrmEstimate::SaveHead(bool IsNew) {
     e.sRefer = txtinput[2]->text();
     e.sValidate = txtinput[4]->text();
     e.sSection = txtinput[5]->text();
-    if (IsNew)
+    if (IsNew) {
         e.SaveInitEstimate();
-    else
+        pnlCode->setText(e.sCode); // another running copy may have taken the number shown
+    } else
         e.UpdateEstiBase();
 }
 
@@ -334,8 +335,13 @@ void FrmEstimate::DeleteWhole() {
         m_isDeleting = false;
         return;
     }
-    if (!db.Execute(QStringLiteral("DELETE FROM Estimate WHERE Code = ?"), {code}) || !db.commit()) {
+    if (!db.Execute(QStringLiteral("DELETE FROM Estimate WHERE Code = ?"), {code})) {
         db.rollback();
+        m_isDeleting = false;
+        return;
+    }
+    if (!db.commit()) {
+        ReportSaveFailure(db, QStringLiteral("견적내역을 삭제하지 못했습니다."));
         m_isDeleting = false;
         return;
     }

@@ -147,6 +147,7 @@ void FrmEstimate::SaveLine(int Row) {
     e.siEUnitCost = float(plainNumber(cell(ColPrice, Row)));
     e.lEstiKum = qint32(CLng(plainNumber(cell(ColKum, Row))));
     e.SaveEstimate();
+    setCell(ColSeq, Row, QString::number(e.lSeq)); // taken anew when another copy had it
 }
 
 void FrmEstimate::onEditMode(int col, int row, int mode, bool) {

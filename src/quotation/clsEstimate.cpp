@@ -2,6 +2,7 @@
 
 #include "common/Messages.h"
 #include "common/text/NumberFormat.h"
+#include "common/text/StoredNumber.h"
 #include "storage/Database.h"
 #include "storage/Stores.h"
 
@@ -45,23 +46,67 @@ bool clsEstimate::write(const QString& sql, const QVariantList& values, const QS
     return false;
 }
 
+// A failed check counts as free: the insert that follows fails the same way and shows the
+// save's one box, with its number and description.
+bool clsEstimate::codeTaken(const QString& sql, const QVariantList& keys) {
+    bool taken = false;
+    return m_db.tryHasRow(sql, keys, taken) && taken;
+}
+
 void clsEstimate::SaveInitEstimate() {
     static const QString sql = QStringLiteral(
         "INSERT INTO EstiBase (EstiCode, CCode, CName, EstiDate, DeriveDate, ClassName, EstiKum, "
         "EstiHanKum, Vat, Refer, Validate, Section) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    if (!checkStoredNumber(dETotKum, NumberColumn::Amount, QStringLiteral("SaveInitEstimate"),
+                           QStringLiteral("clsEstimate")))
+        return;
+    // The number shown was read before; inside the save, begun as a write, it is taken anew
+    // when another running copy stored it meanwhile (or lines of it remain).
+    if (!m_db.beginTransaction()) {
+        ReportSaveFailure(m_db, QStringLiteral("견적서를 저장하지 못했습니다."));
+        return;
+    }
+    if (codeTaken(QStringLiteral("SELECT 1 FROM EstiBase WHERE EstiCode = ? UNION ALL "
+                                 "SELECT 1 FROM Estimate WHERE Code = ? LIMIT 1"),
+                  {sCode, sCode}))
+        NextCode(sCode);
     const QVariantList values{sCode,    sCCode,      sCName,           sEDate, sDeriveDate, sClass,
                               dETotKum, sETotHanKum, storedBool(bVAT), sRefer, sValidate,   sSection};
-    if (m_db.tryExecute(sql, values) && m_db.RecordsAffected() > 0) return;
+    if (!sCode.isEmpty() && m_db.tryExecute(sql, values) && m_db.RecordsAffected() > 0) {
+        if (m_db.commit()) return;
+        ReportSaveFailure(m_db, QStringLiteral("견적서를 저장하지 못했습니다."));
+        return;
+    }
     const int number = m_db.lastErrorNumber() ? m_db.lastErrorNumber() : int(ErrNotOpened);
-    MsgBox(headInsertFailure(number, m_db.lastErrorDescription()), MbOk | MbExclamation);
+    const QString description = m_db.lastErrorDescription();
+    m_db.rollback();
+    MsgBox(headInsertFailure(number, description), MbOk | MbExclamation);
+}
+
+bool clsEstimate::lineFits() const {
+    return checkStoredNumber(siEAmount, NumberColumn::Single, QStringLiteral("SaveEstimate"),
+                             QStringLiteral("clsEstimate")) &&
+           checkStoredNumber(siEUnitCost, NumberColumn::Single, QStringLiteral("SaveEstimate"),
+                             QStringLiteral("clsEstimate"));
 }
 
 void clsEstimate::SaveEstimate() {
-    write(
-        QStringLiteral("INSERT INTO Estimate (Seq, Code, PCode, PName, PNorm, EAmount, EUnitPrice, EstiKum, "
-                       "EUnit) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)"),
-        {lSeq, sCode, sPCode, sPName, sPNorm, double(siEAmount), double(siEUnitCost), lEstiKum, sUnit},
-        QStringLiteral("견적내역을 저장하는 중 오류가 발생했습니다."));
+    if (!lineFits()) return;
+    // The line key is checked inside the save: another running copy may have taken it.
+    if (!m_db.beginTransaction()) {
+        ReportSaveFailure(m_db, QStringLiteral("견적내역을 저장하지 못했습니다."));
+        return;
+    }
+    if (codeTaken(QStringLiteral("SELECT 1 FROM Estimate WHERE Seq = ?"), {lSeq})) NextSeq(lSeq);
+    if (!write(QStringLiteral(
+                   "INSERT INTO Estimate (Seq, Code, PCode, PName, PNorm, EAmount, EUnitPrice, EstiKum, "
+                   "EUnit) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)"),
+               {lSeq, sCode, sPCode, sPName, sPNorm, double(siEAmount), double(siEUnitCost), lEstiKum, sUnit},
+               QStringLiteral("견적내역을 저장하는 중 오류가 발생했습니다."))) {
+        m_db.rollback();
+        return;
+    }
+    if (!m_db.commit()) ReportSaveFailure(m_db, QStringLiteral("견적내역을 저장하지 못했습니다."));
 }
 
 void clsEstimate::UpdateEstiBase() {
@@ -74,12 +119,16 @@ void clsEstimate::UpdateEstiBase() {
 }
 
 void clsEstimate::UpdateEstimate() {
+    if (!lineFits()) return;
     write(QStringLiteral("UPDATE Estimate SET EAmount = ?, EUnitPrice = ?, EstiKum = ? WHERE Seq = ?"),
           {double(siEAmount), double(siEUnitCost), lEstiKum, lSeq},
           QStringLiteral("견적서 자료를 갱신하는 중 오류가 발생했습니다."));
 }
 
 void clsEstimate::UpdateTotKum() {
+    if (!checkStoredNumber(dETotKum, NumberColumn::Amount, QStringLiteral("UpdateTotKum"),
+                           QStringLiteral("clsEstimate")))
+        return;
     write(QStringLiteral("UPDATE EstiBase SET EstiKum = ?, EstiHanKum = ? WHERE EstiCode = ?"),
           {dETotKum, sETotHanKum, sCode}, QStringLiteral("견적금액을 갱신하는 중 오류가 발생했습니다."),
           QStringLiteral("견적내역 갱신"), true);
@@ -108,7 +157,10 @@ void clsEstimate::Update_Trader_Name() {
 void clsEstimate::DeleteEstimate() {
     // The head is looked for by the column name "Code", which the head table does not have; the
     // screen deletes with statements of its own and never calls this.
-    if (!m_db.beginTransaction()) return;
+    if (!m_db.beginTransaction()) {
+        ReportSaveFailure(m_db, QStringLiteral("견적서 자료를 삭제하지 못했습니다."));
+        return;
+    }
     if (!write(QStringLiteral("DELETE FROM EstiBase WHERE Code = ?"), {sCode},
                QStringLiteral("견적서 자료를 삭제하는 중 오류가 발생했습니다."), kDeleteTitle, true)) {
         m_db.rollback();
@@ -119,7 +171,7 @@ void clsEstimate::DeleteEstimate() {
         m_db.rollback();
         return;
     }
-    m_db.commit();
+    if (!m_db.commit()) ReportSaveFailure(m_db, QStringLiteral("견적서 자료를 삭제하지 못했습니다."));
 }
 
 void clsEstimate::DeleteDetail() {
@@ -144,12 +196,14 @@ void clsEstimate::NextCode(QString& code) {
     // The highest code of the month, read backwards along the code's index.
     if (!OpenSnapshot(
             m_db, rs,
-            QStringLiteral("SELECT EstiCode AS MCode FROM EstiBase WHERE EstiCode >= ? AND EstiCode < ? "
-                           "ORDER BY EstiCode DESC LIMIT 1"),
-            {prefix, prefix + kHighestChar})) {
+            QStringLiteral("SELECT MAX(c) AS MCode FROM (SELECT MAX(EstiCode) AS c FROM EstiBase WHERE "
+                           "EstiCode >= ? AND EstiCode < ? UNION ALL SELECT MAX(Code) FROM Estimate "
+                           "WHERE Code >= ? AND Code < ?)"),
+            {prefix, prefix + kHighestChar, prefix, prefix + kHighestChar})) {
         code.clear();
         return;
     }
+    // Above the lines' numbers too: lines left without their head never join a new quotation.
     code = nextEstimateCode(sEDate, rs.EOF_() ? QString() : rs.text(QStringLiteral("MCode")));
     CloseRs(rs);
 }

@@ -5,6 +5,7 @@
 // the write changes no row. A head save runs its one statement; nothing here spans two.
 
 #include <QString>
+#include <QVariantList>
 #include <QtGlobal>
 
 namespace nb {
@@ -58,6 +59,10 @@ public:
     void FindEstiHead(Recordset& rs, bool& found);
 
 private:
+    // True when the statement finds a row for the keys (or the read failed).
+    bool codeTaken(const QString& sql, const QVariantList& keys);
+    // The line's quantity and price fit their columns, else the overflow report.
+    bool lineFits() const;
     // Runs one write; false (after the operation's message) when no row changed.
     bool write(const QString& sql, const QVariantList& values, const QString& failure,
                const QString& title = QString(), bool warning = false);

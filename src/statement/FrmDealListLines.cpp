@@ -8,6 +8,7 @@
 #include "common/grid/Grid.h"
 #include "common/text/NumberFormat.h"
 #include "common/text/Rounding.h"
+#include "common/text/StoredNumber.h"
 #include "core/Settings.h"
 #include "invoice/InvoiceAmounts.h"
 #include "invoice/InvoiceLookups.h"
@@ -90,7 +91,14 @@ void FrmDealList::onDetailEditMode(int col, int row, int mode, bool changeMade) 
         }
     } else {
         const QVariant value = isNumberColumn(col) ? QVariant(NumberFromText(text)) : QVariant(text);
-        if (!updateCell(col, row, spDetail->ColID(col), value)) {
+        // A quantity or price whose line amount the store cannot hold is refused before it is
+        // stored, so the line never keeps a quantity its amount does not follow.
+        const double other = col == ColQuant   ? cellValue(ColPrice, row)
+                             : col == ColPrice ? cellValue(ColQuant, row)
+                                               : 0;
+        if (!checkStoredNumber(value.toDouble() * other, NumberColumn::Amount, QStringLiteral("DetailUpdate"),
+                               QStringLiteral("FrmDealList"), ReportOwner::Form) ||
+            !updateCell(col, row, spDetail->ColID(col), value)) {
             setCell(col, row, m_oldCellText);
             return;
         }

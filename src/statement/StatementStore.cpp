@@ -2,6 +2,7 @@
 
 #include "common/Messages.h"
 #include "common/text/NumberFormat.h"
+#include "common/text/StoredNumber.h"
 #include "storage/CrossFileQueries.h"
 #include "storage/Database.h"
 
@@ -24,10 +25,11 @@ public:
         if (m_open) m_db.rollback();
     }
     bool started() const { return m_open; }
+    // A failed commit has rolled the save back already.
     bool commit() {
         if (!m_open) return false;
-        m_open = !m_db.commit();
-        return !m_open;
+        m_open = false;
+        return m_db.commit();
     }
 
 private:
@@ -42,8 +44,11 @@ bool touches(Database& db, const QString& sql, const QVariantList& values, bool&
     return !engineFailed && db.RecordsAffected() > 0;
 }
 
+// The run-time box of a failed save: the headline, the cause in the operator's words, then
+// the engine's number and words.
 void showRunTimeFailure(Database& db, const QString& text) {
-    ShowError(text, db.lastErrorNumber(), db.lastErrorDescription());
+    ShowError(text + u'\r' + storeFaultText(db.lastEngineCode(), db.lastErrorDescription()),
+              db.lastErrorNumber(), db.lastErrorDescription());
 }
 
 // The highest BillSEQ of a statement plus one (1 for none); nothing when the read failed.
@@ -149,7 +154,10 @@ bool nothingChosen(const QString& billNo) {
 
 std::optional<QString> NextBillNo(Database& dbBill) {
     Recordset rs;
-    if (!OpenSnapshot(dbBill, rs, QStringLiteral("SELECT MAX(BillNo) AS last FROM Master")))
+    // Above every line's number too: a line whose head is gone must never join a new statement.
+    if (!OpenSnapshot(dbBill, rs,
+                      QStringLiteral("SELECT MAX(last) AS last FROM (SELECT MAX(BillNo) AS last FROM Master "
+                                     "UNION ALL SELECT MAX(BillNo) FROM Detail)")))
         return std::nullopt;
     QString next = kFirstBillNo;
     if (!rs.isNull(QStringLiteral("last")))
@@ -201,6 +209,48 @@ bool isLineField(const QString& field) {
     return fields.contains(field.toUpper());
 }
 
+namespace {
+
+// The stored value of a line's field, read inside the save's transaction; nothing (its box
+// shown) when the line is not there or the read failed.
+std::optional<double> storedLineValue(Database& dbBill, const QString& billNo, int billSeq,
+                                      const QString& upperField) {
+    Recordset rs;
+    if (!OpenSnapshot(dbBill, rs, QStringLiteral("SELECT * FROM Detail WHERE BillNo = ? AND BillSEQ = ?"),
+                      {billNo, billSeq}))
+        return std::nullopt;
+    if (rs.EOF_()) {
+        CloseRs(rs);
+        errorBox(QStringLiteral("코드[") + billNo + u'_' + QString::number(billSeq) +
+                 QStringLiteral("]에 해당하는 자료를 찾을 수 없습니다."));
+        return std::nullopt;
+    }
+    const double value = isLineField(upperField) ? rs.number(upperField) : 0.0;
+    CloseRs(rs);
+    return value;
+}
+
+// A head total after it moves by -diff still fits its column.
+bool headTotalFits(Database& dbBill, const QString& billNo, const QString& total, double diff) {
+    Recordset rs;
+    if (!OpenSnapshot(dbBill, rs,
+                      QStringLiteral("SELECT ") + total +
+                          QStringLiteral(" AS t FROM Master WHERE BillNo = ?"),
+                      {billNo}))
+        return false;
+    const double moved = rs.number(QStringLiteral("t")) - diff;
+    CloseRs(rs);
+    return checkStoredNumber(moved, NumberColumn::Amount, QStringLiteral("DetailUpdate"),
+                             QStringLiteral("FrmDealList"), ReportOwner::Form);
+}
+
+bool isNumberField(const QString& upperField) {
+    return upperField == u"QUANT" || upperField == u"PRICE" || upperField == u"AMOUNT" ||
+           upperField == u"VAT";
+}
+
+} // namespace
+
 UpdatedLine DetailUpdate(Database& dbBill, const QString& billNo, int billSeq, const QString& field,
                          const QVariant& value) {
     UpdatedLine result;
@@ -209,39 +259,39 @@ UpdatedLine DetailUpdate(Database& dbBill, const QString& billNo, int billSeq, c
         errorBox(QStringLiteral("내역순번 정의 오류입니다."));
         return result;
     }
-    Recordset rs;
-    if (!OpenSnapshot(dbBill, rs, QStringLiteral("SELECT * FROM Detail WHERE BillNo = ? AND BillSEQ = ?"),
-                      {billNo, billSeq}))
+    if (isNumberField(result.field) &&
+        !checkStoredNumber(value.toDouble(), NumberColumn::Amount, QStringLiteral("DetailUpdate"),
+                           QStringLiteral("FrmDealList"), ReportOwner::Form))
         return result;
-    if (rs.EOF_()) {
-        CloseRs(rs);
-        errorBox(QStringLiteral("코드[") + billNo + u'_' + QString::number(billSeq) +
-                 QStringLiteral("]에 해당하는 자료를 찾을 수 없습니다."));
+    // The old value and the head's total are read inside the save, begun as a write, so another
+    // running copy cannot change the line between the read and the move.
+    SaveTransaction save(dbBill);
+    if (!save.started()) {
+        showRunTimeFailure(dbBill, QStringLiteral("자료를 수정하는 중 오류가 발생했습니다."));
         return result;
     }
-    const QString total = headTotalOf(result.field);
-    const double diff = total.isEmpty() ? 0.0 : rs.number(result.field) - value.toDouble();
-    CloseRs(rs);
+    const std::optional<double> stored = storedLineValue(dbBill, billNo, billSeq, result.field);
+    if (!stored) return result;
     if (!isLineField(result.field)) {
         errorBox(QStringLiteral("자료를 수정하는 중 오류가 발생했습니다."));
         return result;
     }
-    SaveTransaction save(dbBill);
+    const QString total = headTotalOf(result.field);
+    const double diff = total.isEmpty() ? 0.0 : *stored - value.toDouble();
+    if (diff != 0.0 && !headTotalFits(dbBill, billNo, total, diff)) return result;
     bool engineFailed = false;
     const bool headMoved =
-        save.started() &&
-        (diff == 0.0 || touches(dbBill,
-                                QStringLiteral("UPDATE Master SET ") + total + QStringLiteral(" = ") + total +
-                                    QStringLiteral(" - ? WHERE BillNo = ?"),
-                                {diff, billNo}, engineFailed));
+        diff == 0.0 || touches(dbBill,
+                               QStringLiteral("UPDATE Master SET ") + total + QStringLiteral(" = ") + total +
+                                   QStringLiteral(" - ? WHERE BillNo = ?"),
+                               {diff, billNo}, engineFailed);
     const bool lineChanged =
         headMoved && touches(dbBill,
                              QStringLiteral("UPDATE Detail SET ") + quoteName(result.field) +
                                  QStringLiteral(" = ? WHERE BillNo = ? AND BillSEQ = ?"),
                              {value, billNo, billSeq}, engineFailed);
     if (!lineChanged || !save.commit()) {
-        ShowError(QStringLiteral("자료를 수정하는 중 오류가 발생했습니다."), dbBill.lastErrorNumber(),
-                  dbBill.lastErrorDescription());
+        showRunTimeFailure(dbBill, QStringLiteral("자료를 수정하는 중 오류가 발생했습니다."));
         return result;
     }
     result.diff = diff;
@@ -261,6 +311,12 @@ DeletedLine DeleteLine(Database& dbBill, const QString& billNo, int billSeq) {
         result.outcome = LineDeleteOutcome::Declined;
         return result;
     }
+    // What the delete moves is read inside its transaction, begun as a write.
+    SaveTransaction save(dbBill);
+    if (!save.started()) {
+        showRunTimeFailure(dbBill, QStringLiteral("삭제도중 오류가 발생했습니다."));
+        return result;
+    }
     Recordset rs;
     if (!OpenSnapshot(dbBill, rs, QStringLiteral("SELECT count(*) AS lines FROM Detail WHERE BillNo = ?"),
                       {billNo}))
@@ -268,9 +324,12 @@ DeletedLine DeleteLine(Database& dbBill, const QString& billNo, int billSeq) {
     const int lines = int(rs.number(QStringLiteral("lines")));
     CloseRs(rs);
     if (lines == 1) {
-        result.outcome = DeleteStatement(dbBill, billNo, true) == StatementDeleteOutcome::Deleted
-                             ? LineDeleteOutcome::WholeStatement
-                             : LineDeleteOutcome::Failed;
+        const bool gone = DeleteStatement(dbBill, billNo, true) == StatementDeleteOutcome::Deleted;
+        if (gone && !save.commit()) {
+            showRunTimeFailure(dbBill, QStringLiteral("삭제도중 오류가 발생했습니다."));
+            return result;
+        }
+        result.outcome = gone ? LineDeleteOutcome::WholeStatement : LineDeleteOutcome::Failed;
         return result;
     }
     if (!OpenSnapshot(dbBill, rs,
@@ -286,9 +345,12 @@ DeletedLine DeleteLine(Database& dbBill, const QString& billNo, int billSeq) {
     result.amount = rs.number(QStringLiteral("Amount"));
     result.vat = rs.number(QStringLiteral("VAT"));
     CloseRs(rs);
-    SaveTransaction save(dbBill);
-    if (!save.started() || !deleteLineRows(dbBill, billNo, billSeq, result) || !save.commit()) {
+    if (!deleteLineRows(dbBill, billNo, billSeq, result)) {
         errorBox(QStringLiteral("삭제도중 오류가 발생했습니다."));
+        return result;
+    }
+    if (!save.commit()) {
+        showRunTimeFailure(dbBill, QStringLiteral("삭제도중 오류가 발생했습니다."));
         return result;
     }
     result.outcome = LineDeleteOutcome::Deleted;
@@ -309,8 +371,12 @@ StatementDeleteOutcome DeleteStatement(Database& dbBill, const QString& billNo, 
         save.started() &&
         touches(dbBill, QStringLiteral("DELETE FROM Master WHERE BillNo = ?"), {billNo}, engineFailed) &&
         dbBill.tryExecute(QStringLiteral("DELETE FROM Detail WHERE BillNo = ?"), {billNo});
-    if (!gone || !save.commit()) {
+    if (!gone) {
         errorBox(QStringLiteral("삭제도중 오류가 발생했습니다."));
+        return StatementDeleteOutcome::Failed;
+    }
+    if (!save.commit()) {
+        showRunTimeFailure(dbBill, QStringLiteral("삭제도중 오류가 발생했습니다."));
         return StatementDeleteOutcome::Failed;
     }
     return StatementDeleteOutcome::Deleted;

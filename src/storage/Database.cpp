@@ -2,17 +2,31 @@
 
 #include "common/Messages.h"
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QSqlError>
 #include <QSqlRecord>
+#include <QThread>
 #include <QUuid>
 
 namespace nb {
 namespace {
 
-// Engine result codes that mean another connection holds a lock.
+// Engine result codes the program tells apart.
 constexpr int kSqliteBusy = 5;
 constexpr int kSqliteLocked = 6;
+constexpr int kSqliteReadOnly = 8;
+constexpr int kSqliteIoErr = 10;
+constexpr int kSqliteCorrupt = 11;
+constexpr int kSqliteFull = 13;
+constexpr int kSqliteCantOpen = 14;
+constexpr int kSqliteConstraint = 19;
+constexpr int kSqliteNotADb = 26;
+
+// A busy store is asked again after this slice of waiting; between slices the window's
+// events are handled.
+constexpr int kBusySliceMillis = 50;
 
 QString descriptionOf(const QSqlError& error) {
     return error.databaseText().isEmpty() ? error.text() : error.databaseText();
@@ -52,7 +66,53 @@ int errorNumberFor(const QString& engineText, int engineCode) {
     return engineCode != 0 ? engineCode : 1;
 }
 
-void ReportQueryFailure(int errorNumber, const QString& description, const QString& sql) {
+bool isBusyCode(int engineCode) {
+    const int primary = engineCode & 0xFF;
+    return primary == kSqliteBusy || primary == kSqliteLocked;
+}
+
+QString storeFaultText(int engineCode, const QString& engineText) {
+    const QString text = engineText.toLower();
+    switch (engineCode & 0xFF) {
+    case kSqliteFull:
+    case kSqliteIoErr:
+        return QStringLiteral("디스크에 쓸 수 없어 저장하지 못했습니다 (디스크 공간 부족 또는 쓰기 오류). "
+                              "디스크 공간을 확보한 뒤 다시 저장하십시오.");
+    case kSqliteReadOnly:
+        return QStringLiteral("자료 파일이 읽기 전용이라 저장하지 못했습니다. "
+                              "자료 폴더와 파일의 쓰기 권한을 확인하십시오.");
+    case kSqliteCorrupt:
+    case kSqliteNotADb:
+        return QStringLiteral(
+            "자료 파일이 손상되어 저장하지 못했습니다. 백업해 둔 자료 파일로 복원하십시오.");
+    case kSqliteBusy:
+    case kSqliteLocked:
+        return QStringLiteral("다른 프로그램(또는 다른 컴퓨터의 누벨라)이 자료 파일을 쓰고 있어 저장하지 "
+                              "못했습니다. 잠시 후 다시 저장하십시오.");
+    case kSqliteCantOpen:
+        return QStringLiteral("자료 파일을 열 수 없어 처리하지 못했습니다. 자료 파일이 있는지, 경로 설정이 "
+                              "맞는지 확인하십시오.");
+    case kSqliteConstraint:
+        if (text.contains(QStringLiteral("unique")))
+            return QStringLiteral(
+                "같은 번호(코드)의 자료가 이미 있어 저장하지 못했습니다. 번호를 확인하고 다시 "
+                "입력하십시오.");
+        if (text.contains(QStringLiteral("not null")))
+            return QStringLiteral(
+                "반드시 입력해야 할 값이 비어 있어 저장하지 못했습니다. 빈 칸을 채우고 다시 "
+                "저장하십시오.");
+        return QStringLiteral("입력한 값이 자료의 규칙에 맞지 않아 저장하지 못했습니다. 입력한 내용을 "
+                              "확인하십시오.");
+    default:
+        if (text.contains(QStringLiteral("is locked"))) return storeFaultText(kSqliteBusy, engineText);
+        if (text.contains(QStringLiteral("unable to open")))
+            return storeFaultText(kSqliteCantOpen, engineText);
+        return QStringLiteral(
+            "자료를 처리하는 중 오류가 발생했습니다. 입력한 내용을 확인한 뒤 다시 하십시오.");
+    }
+}
+
+void ReportQueryFailure(int errorNumber, const QString& description, const QString& sql, int engineCode) {
     switch (errorNumber) {
     case ErrSyntax:
         ShowInfo(QStringLiteral("Jet Data Base Engine의 식을 확인하세요.\r") + sql, QStringLiteral("Query"));
@@ -61,12 +121,22 @@ void ReportQueryFailure(int errorNumber, const QString& description, const QStri
         ShowInfo(QStringLiteral("Data Base MDB가 선언되지 않았습니다.\r") + sql, QStringLiteral("MDB 오류"));
         break;
     case ErrEngine:
-        ShowInfo(description + u'\r' + sql, QStringLiteral("MDB 오류"));
+        ShowInfo(storeFaultText(kSqliteBusy, description) + u'\r' + description + u'\r' + sql,
+                 QStringLiteral("MDB 오류"));
         break;
     default:
-        ShowInfo(description + u'\r' + sql, QStringLiteral("ERROR"));
+        ShowInfo(storeFaultText(engineCode ? engineCode : errorNumber, description) + u'\r' + description +
+                     u'\r' + sql,
+                 QStringLiteral("ERROR"));
         break;
     }
+}
+
+void ReportSaveFailure(const Database& db, const QString& headline) {
+    const QString first = headline.isEmpty() ? QStringLiteral("자료를 저장하지 못했습니다.") : headline;
+    ShowInfo(first + u'\r' + storeFaultText(db.lastEngineCode(), db.lastErrorDescription()) +
+                 QStringLiteral("\r\r") + db.lastErrorDescription(),
+             QStringLiteral("저장 오류"));
 }
 
 namespace {
@@ -143,6 +213,7 @@ bool Database::connect(const QString& path, bool creating) {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
         db.setDatabaseName(path);
         ok = db.open() && (!creating || runInternal(db, QStringLiteral("PRAGMA synchronous=OFF"))) &&
+             runInternal(db, QStringLiteral("PRAGMA busy_timeout=") + QString::number(kBusySliceMillis)) &&
              runInternal(db, QStringLiteral("SELECT count(*) FROM sqlite_master"));
         const bool wal = ok && runInternal(db, QStringLiteral("PRAGMA journal_mode=WAL"));
         ok = ok && (wal || !creating) && runInternal(db, QStringLiteral("PRAGMA foreign_keys=OFF"));
@@ -181,12 +252,18 @@ void Database::close() {
 }
 
 void Database::setBusyTimeout(int millis) {
-    if (isOpen()) runInternal(connection(), QStringLiteral("PRAGMA busy_timeout=") + QString::number(millis));
+    m_busyWaitMillis = qMax(0, millis);
 }
 
-void Database::noteFailure(int number, const QString& description) {
+void Database::noteFailure(int number, const QString& description, int engineCode) {
     m_lastErrorNumber = number;
     m_lastErrorDescription = description;
+    m_lastEngineCode = engineCode;
+}
+
+void Database::noteFailure(const QSqlError& error) {
+    const int code = engineCodeOf(error);
+    noteFailure(errorNumberFor(error.databaseText(), code), descriptionOf(error), code);
 }
 
 bool Database::run(QSqlQuery& q, const QString& sql, const QVariantList& values) {
@@ -196,17 +273,25 @@ bool Database::run(QSqlQuery& q, const QString& sql, const QVariantList& values)
         return false;
     }
     ++m_statementsRun;
-    bool ok = q.prepare(sql);
-    if (ok) {
-        for (const QVariant& v : values)
-            q.addBindValue(v);
-        ok = q.exec();
+    // Outside a transaction a statement is its own; while another copy writes it is asked
+    // again until the busy wait is over. Inside one the write lock is already held.
+    QElapsedTimer waited;
+    waited.start();
+    for (;;) {
+        bool ok = q.prepare(sql);
+        if (ok) {
+            for (const QVariant& v : values)
+                q.addBindValue(v);
+            ok = q.exec();
+        }
+        if (ok) return true;
+        noteFailure(q.lastError());
+        if (inTransaction() || !isBusyCode(m_lastEngineCode) || waited.elapsed() >= m_busyWaitMillis)
+            return false;
+        q.finish();
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        QThread::msleep(kBusySliceMillis);
     }
-    if (!ok) {
-        const QSqlError error = q.lastError();
-        noteFailure(errorNumberFor(error.databaseText(), engineCodeOf(error)), descriptionOf(error));
-    }
-    return ok;
 }
 
 bool Database::tryExecute(const QString& sql, const QVariantList& values) {
@@ -217,9 +302,19 @@ bool Database::tryExecute(const QString& sql, const QVariantList& values) {
     return true;
 }
 
+bool Database::tryHasRow(const QString& sql, const QVariantList& values, bool& found) {
+    found = false;
+    QSqlQuery q(connection());
+    q.setForwardOnly(true);
+    if (!run(q, sql, values)) return false;
+    found = q.next();
+    return true;
+}
+
 bool Database::Execute(const QString& sql, const QVariantList& values) {
     if (tryExecute(sql, values)) return true;
-    ReportQueryFailure(m_lastErrorNumber, m_lastErrorDescription, sqlForDisplay(sql, values));
+    ReportQueryFailure(m_lastErrorNumber, m_lastErrorDescription, sqlForDisplay(sql, values),
+                       m_lastEngineCode);
     return false;
 }
 
@@ -232,26 +327,75 @@ void Database::detach(const QString& alias) {
     if (isOpen()) runInternal(connection(), QStringLiteral("DETACH DATABASE ") + quoteName(alias));
 }
 
+bool Database::runControl(const QString& sql, bool waitWhileBusy) {
+    QElapsedTimer waited;
+    waited.start();
+    for (;;) {
+        QSqlQuery q(connection());
+        if (q.exec(sql)) return true;
+        noteFailure(q.lastError());
+        if (!waitWhileBusy || !isBusyCode(m_lastEngineCode) || waited.elapsed() >= m_busyWaitMillis)
+            return false;
+        q.finish();
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        QThread::msleep(kBusySliceMillis);
+    }
+}
+
 bool Database::beginTransaction() {
-    if (!isOpen()) return false;
+    noteFailure(ErrNone, QString());
+    if (!isOpen()) {
+        noteFailure(ErrNotOpened, QStringLiteral("Object variable or With block variable not set"));
+        return false;
+    }
+    if (m_savepoints.isEmpty()) {
+        if (!runControl(QStringLiteral("BEGIN IMMEDIATE"), true)) return false;
+        m_savepoints << QString();
+        return true;
+    }
     const QString name = QStringLiteral("nb_save_") + QString::number(m_savepoints.size());
-    if (!runInternal(connection(), QStringLiteral("SAVEPOINT ") + name)) return false;
+    if (!runControl(QStringLiteral("SAVEPOINT ") + name, false)) return false;
     m_savepoints << name;
     return true;
 }
 
+// COMMIT can fail (a full disk, a read-only file, another copy still reading in the old
+// journal mode); the save then did not happen, and the transaction must not stay open, or
+// every later save would nest in it and vanish with it.
+bool Database::commitOutermost() {
+    m_savepoints.clear();
+    if (runControl(QStringLiteral("COMMIT"), true)) return true;
+    const int number = m_lastErrorNumber;
+    const int code = m_lastEngineCode;
+    const QString description = m_lastErrorDescription;
+    // The engine may have rolled back already; then this answers "no transaction" harmlessly.
+    QSqlQuery(connection()).exec(QStringLiteral("ROLLBACK"));
+    noteFailure(number, description, code);
+    return false;
+}
+
 bool Database::commit() {
     if (!isOpen() || m_savepoints.isEmpty()) return false;
-    const bool ok = runInternal(connection(), QStringLiteral("RELEASE ") + m_savepoints.last());
-    if (ok) m_savepoints.removeLast();
-    return ok;
+    if (m_savepoints.size() == 1) return commitOutermost();
+    const QString name = m_savepoints.last();
+    if (runControl(QStringLiteral("RELEASE ") + name, false)) {
+        m_savepoints.removeLast();
+        return true;
+    }
+    rollback();
+    return false;
 }
 
 void Database::rollback() {
     if (!isOpen() || m_savepoints.isEmpty()) return;
     const QString name = m_savepoints.takeLast();
-    runInternal(connection(), QStringLiteral("ROLLBACK TO ") + name);
-    runInternal(connection(), QStringLiteral("RELEASE ") + name);
+    QSqlQuery q(connection());
+    if (name.isEmpty()) {
+        q.exec(QStringLiteral("ROLLBACK"));
+        return;
+    }
+    q.exec(QStringLiteral("ROLLBACK TO ") + name);
+    q.exec(QStringLiteral("RELEASE ") + name);
 }
 
 // ---- Schema questions ------------------------------------------------------------------

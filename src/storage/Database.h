@@ -5,6 +5,7 @@
 // false. Values always travel as bound parameters, never inside the SQL text.
 
 #include <QSqlDatabase>
+#include <QSqlError>
 #include <QSqlQuery>
 #include <QString>
 #include <QStringList>
@@ -69,18 +70,27 @@ public:
     // writes are not flushed one by one: whoever creates a file flushes it when complete.
     bool create(const QString& path);
     void close();
-    // How long a statement waits for another connection's lock before it fails.
+    // How long a save waits for another connection (another running copy) to finish its
+    // write before it is refused as busy. The wait is taken in short slices with the
+    // window's events handled between them, so the window stays alive.
     void setBusyTimeout(int millis);
+    int busyTimeout() const { return m_busyWaitMillis; }
+    static constexpr int kDefaultBusyWaitMillis = 5000;
 
     // Direct execution with the values bound in order. On an engine failure shows the box of
     // the query helpers and returns false; RecordsAffected() then reads 0.
     bool Execute(const QString& sql, const QVariantList& values = {});
     // The same without a box, for callers that word their own failure (lastError...()).
     bool tryExecute(const QString& sql, const QVariantList& values = {});
+    // A quiet question "does the query give a row?" for checks inside a save whose own
+    // statement reports the failure; false (and found false) when the query failed.
+    bool tryHasRow(const QString& sql, const QVariantList& values, bool& found);
     int RecordsAffected() const { return m_recordsAffected; }
     // Number and description of the last failure (0 / empty after a success).
     int lastErrorNumber() const { return m_lastErrorNumber; }
     QString lastErrorDescription() const { return m_lastErrorDescription; }
+    // The engine's own result code of the last failure (SQLITE_FULL, ...), 0 when none.
+    int lastEngineCode() const { return m_lastEngineCode; }
     // Statements run through Execute, tryExecute and the recordset helpers since the file was
     // opened. Schema questions below and transaction control are not counted.
     int statementsRun() const { return m_statementsRun; }
@@ -90,8 +100,12 @@ public:
     bool attach(const QString& filePath, const QString& alias);
     void detach(const QString& alias);
 
-    // One save that runs as several statements runs in one transaction. Transactions nest
-    // (an inner one is a savepoint of the outer).
+    // One save that runs as several statements runs in one transaction. The outermost one
+    // begins as a write (it takes the store's write lock at once, waiting while another
+    // connection holds it), so every read inside it sees the store as the save leaves it.
+    // Transactions nest (an inner one is a savepoint of the outer). A failed commit rolls the
+    // transaction back and answers false: nothing of the save stays, nothing stays open.
+    // Failures are noted in lastError...() and show no box: the caller shows the save's.
     bool beginTransaction();
     bool commit();
     void rollback();
@@ -115,13 +129,19 @@ private:
     bool connect(const QString& path, bool creating);
     // Prepares and runs one counted statement; a failure is noted in lastError...().
     bool run(QSqlQuery& query, const QString& sql, const QVariantList& values);
-    void noteFailure(int number, const QString& description);
+    void noteFailure(int number, const QString& description, int engineCode = 0);
+    void noteFailure(const QSqlError& error);
+    // Runs a transaction statement, retrying while the store is busy (see setBusyTimeout).
+    bool runControl(const QString& sql, bool waitWhileBusy);
+    bool commitOutermost();
 
     QString m_path;
     QString m_connection;
     int m_recordsAffected = 0;
     int m_statementsRun = 0;
     int m_lastErrorNumber = 0;
+    int m_lastEngineCode = 0;
+    int m_busyWaitMillis = kDefaultBusyWaitMillis;
     QString m_lastErrorDescription;
     QStringList m_savepoints;
 };
@@ -205,8 +225,18 @@ bool DAO_AddField(Database& db, const QString& table, const QString& field, int 
 // The declared column text DAO_AddField and the store layout use for a type and size.
 QString declaredType(int type, int size);
 
-// The box a failed statement shows, chosen by error number (exposed for tests).
-void ReportQueryFailure(int errorNumber, const QString& description, const QString& sql);
+// The box a failed statement shows, chosen by error number (exposed for tests). Above the
+// engine's own words stands a Korean sentence saying what happened and what to do.
+void ReportQueryFailure(int errorNumber, const QString& description, const QString& sql, int engineCode = 0);
+
+// Why the store refused a write, in the operator's words: what happened and what to do
+// (disk full, store read-only, store damaged, store busy, a duplicate or missing value).
+QString storeFaultText(int engineCode, const QString& engineText);
+// True when the engine's code says another connection holds the store.
+bool isBusyCode(int engineCode);
+// The failure box of a save that did not happen: the headline, the cause in Korean, and the
+// engine's words under them.
+void ReportSaveFailure(const Database& db, const QString& headline = QString());
 // The statement as a failure box shows it: each ? outside quotes replaced by its value, text
 // between single quotes, numbers plain, a missing value as Null. For the eye only, never run.
 QString sqlForDisplay(const QString& sql, const QVariantList& values);

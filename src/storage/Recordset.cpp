@@ -96,7 +96,8 @@ bool openRecordset(Database& db, Recordset& rs, const QString& sql, const QVaria
     QSqlQuery q(db.connection());
     q.setForwardOnly(true);
     if (!db.run(q, statement, values)) {
-        ReportQueryFailure(db.lastErrorNumber(), db.lastErrorDescription(), sqlForDisplay(sql, values));
+        ReportQueryFailure(db.lastErrorNumber(), db.lastErrorDescription(), sqlForDisplay(sql, values),
+                           db.lastEngineCode());
         return false;
     }
     const QSqlRecord rec = q.record();
@@ -128,7 +129,8 @@ bool OpenDynaset(Database& db, Recordset& rs, const QString& sql, const QVariant
 bool OpenForwardOnly(Database& db, QSqlQuery& query, const QString& sql, const QVariantList& values) {
     query.setForwardOnly(true);
     if (db.run(query, sql, values)) return true;
-    ReportQueryFailure(db.lastErrorNumber(), db.lastErrorDescription(), sqlForDisplay(sql, values));
+    ReportQueryFailure(db.lastErrorNumber(), db.lastErrorDescription(), sqlForDisplay(sql, values),
+                       db.lastEngineCode());
     return false;
 }
 

@@ -68,13 +68,11 @@ bool DAO_AddField(Database& db, const QString& table, const QString& field, int 
     if (db.hasColumn(table, field)) return false;
     // The column and its statement are one step: a failure leaves neither behind, so the next
     // start tries both again.
-    db.beginTransaction();
-    const bool added = db.tryExecute(addColumnSql(table, field, type, size, allowZero)) &&
+    const bool began = db.beginTransaction();
+    const bool added = began && db.tryExecute(addColumnSql(table, field, type, size, allowZero)) &&
                        (sql.isEmpty() || db.tryExecute(sql));
-    if (added) {
-        db.commit();
-        return true;
-    }
+    if (added && db.commit()) return true;
+    // A failed commit has rolled back already and noted its cause.
     reportAddFieldFailure(db, table, field);
     db.rollback();
     return true; // the original carried on after its report and still answered true

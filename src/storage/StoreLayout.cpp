@@ -286,14 +286,19 @@ QStringList createStatements(const TableDef& table) {
 }
 
 bool createTable(Database& db, const TableDef& table) {
-    db.beginTransaction();
+    if (!db.beginTransaction()) {
+        ReportSaveFailure(db, QStringLiteral("자료 파일에 표를 만들지 못했습니다."));
+        return false;
+    }
     for (const QString& sql : createStatements(table)) {
         if (!db.Execute(sql)) {
             db.rollback();
             return false;
         }
     }
-    return db.commit();
+    if (db.commit()) return true;
+    ReportSaveFailure(db, QStringLiteral("자료 파일에 표를 만들지 못했습니다."));
+    return false;
 }
 
 bool createStoreFile(const QString& path, const QList<TableDef>& tables) {

@@ -26,7 +26,10 @@ bool addInvoiceSupplierColumn(Database& tax, Database& basic) {
     const QString table = QStringLiteral("NewAcount");
     const QString column = QStringLiteral("UserCode");
     if (!tax.hasTable(table) || tax.hasColumn(table, column)) return true;
-    tax.beginTransaction();
+    if (!tax.beginTransaction()) {
+        ReportSaveFailure(tax, QStringLiteral("세금계산서 자료 파일을 새 형식으로 바꾸지 못했습니다."));
+        return true;
+    }
     if (!tax.Execute(QStringLiteral("ALTER TABLE \"NewAcount\" ADD COLUMN \"UserCode\" ") +
                      declaredType(dbText, 15))) {
         tax.rollback();
@@ -42,7 +45,10 @@ bool addInvoiceSupplierColumn(Database& tax, Database& basic) {
         moved = tax.Execute(QStringLiteral("Update NewAcount Set UserCode = ?"),
                             {users.text(QStringLiteral("Serial"))});
     CloseRs(users);
-    moved ? void(tax.commit()) : tax.rollback();
+    if (!moved)
+        tax.rollback();
+    else if (!tax.commit())
+        ReportSaveFailure(tax, QStringLiteral("세금계산서 자료 파일을 새 형식으로 바꾸지 못했습니다."));
     return true;
 }
 

@@ -3,7 +3,7 @@
 // child window bring the activation, so a supplier changed meanwhile shows.
 #include "InvoiceFixture.h"
 #include "core/ScreenRegistry.h"
-#include "core/shell/Nubella.h"
+#include "shell/Nubella.h"
 #include "invoice/FrmTax.h"
 #include "invoice/InvoiceScreens.h"
 #include "master/FrmUser.h"

@@ -9,7 +9,7 @@
 #include "common/grid/Grid.h"
 #include "core/Clock.h"
 #include "core/ScreenRegistry.h"
-#include "core/shell/Nubella.h"
+#include "shell/Nubella.h"
 #include "invoice/FrmTax.h"
 #include "invoice/InvoiceScreens.h"
 #include "management/FrmTaxManage.h"

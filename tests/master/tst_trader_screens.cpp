@@ -493,8 +493,8 @@ private Q_SLOTS:
         QCOMPARE(scalar(stores().dbBill, "SELECT count(*) FROM Master WHERE CCode = '000001'").toInt(), 0);
         QCOMPARE(scalar(stores().dbTax, "SELECT count(*) FROM NewAcount WHERE CCode = '000001'").toInt(), 0);
         QCOMPARE(scalar(stores().dbTax, "SELECT count(*) FROM NewAcount").toInt(), 1);
-        // The lines of its statements stay behind without their head.
-        QCOMPARE(scalar(stores().dbBill, "SELECT count(*) FROM Detail WHERE BillNo = '000001'").toInt(), 1);
+        // The lines of its statements go with their head.
+        QCOMPARE(scalar(stores().dbBill, "SELECT count(*) FROM Detail WHERE BillNo = '000001'").toInt(), 0);
         QCOMPARE(listCodes(list), (QStringList{"000002"}));
     }
     void aFailedDeleteStepUndoesTheOthers() {

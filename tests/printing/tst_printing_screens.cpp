@@ -1,7 +1,7 @@
 // The printer entry of the main window's menu opens the printer choice for the invoice, modally.
 #include "TestSupport.h"
 
-#include "core/shell/Nubella.h"
+#include "shell/Nubella.h"
 #include "core/ScreenRegistry.h"
 #include "printing/FrmSetPrinter.h"
 #include "printing/PrintingScreens.h"

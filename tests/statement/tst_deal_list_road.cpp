@@ -4,7 +4,7 @@
 #include "DealListKit.h"
 #include "common/dates/DateBox.h"
 #include "core/ScreenRegistry.h"
-#include "core/shell/Nubella.h"
+#include "shell/Nubella.h"
 #include "invoice/InvoiceScreens.h"
 #include "statement/StatementScreens.h"
 

@@ -183,7 +183,8 @@ private Q_SLOTS:
         QVERIFY(!OpenStatementList(stores().dbBill, gone, rs, QStringLiteral("2024-01-01"),
                                    QStringLiteral("2024-12-31")));
         QCOMPARE(msgs.last().text,
-                 QStringLiteral("unable to open database: ") + gone + u'\r' +
+                 storeFaultText(14, QString()) + QStringLiteral("\runable to open database: ") + gone +
+                     u'\r' +
                      sqlForDisplay(statementListSql(false),
                                    {QStringLiteral("2024-01-01"), QStringLiteral("2024-12-31")}));
         QCOMPARE(msgs.last().title, QStringLiteral("ERROR"));

@@ -149,7 +149,8 @@ private Q_SLOTS:
         QVERIFY(!db.Execute(sql, {QStringLiteral("000002")}));
         QCOMPARE(db.lastErrorNumber(), int(ErrEngine));
         QCOMPARE(msgs.last().text,
-                 QStringLiteral("database is locked\rINSERT INTO Trader (Code) VALUES ('000002')"));
+                 storeFaultText(5, QString()) +
+                     QStringLiteral("\rdatabase is locked\rINSERT INTO Trader (Code) VALUES ('000002')"));
         QCOMPARE(msgs.last().title, QStringLiteral("MDB 오류"));
         other.rollback();
     }
@@ -160,10 +161,12 @@ private Q_SLOTS:
         auto& msgs = test::script();
         const QString sql = QStringLiteral("INSERT INTO User (Company) VALUES (?)");
         QVERIFY(!db.Execute(sql, {QStringLiteral("무번호")}));
-        QCOMPARE(
-            msgs.last().text,
-            QStringLiteral(
-                "NOT NULL constraint failed: User.Serial\rINSERT INTO User (Company) VALUES ('무번호')"));
+        // A Korean sentence saying what happened and what to do stands above the engine's words.
+        QCOMPARE(msgs.last().text,
+                 QStringLiteral("반드시 입력해야 할 값이 비어 있어 저장하지 못했습니다. 빈 칸을 채우고 다시 "
+                                "저장하십시오.\r"
+                                "NOT NULL constraint failed: User.Serial\rINSERT INTO User (Company) VALUES "
+                                "('무번호')"));
         QCOMPARE(msgs.last().title, QStringLiteral("ERROR"));
         QCOMPARE(msgs.last().buttons, int(MbInformation));
         QVERIFY(db.lastErrorNumber() != ErrSyntax && db.lastErrorNumber() != ErrNotOpened &&
@@ -176,8 +179,10 @@ private Q_SLOTS:
         const QString q = QStringLiteral("SELECT 1");
         QTest::newRow("3011") << 3011 << kExpressionText + q << QStringLiteral("Query");
         QTest::newRow("91") << 91 << kDeclaredText + q << QStringLiteral("MDB 오류");
-        QTest::newRow("3261") << 3261 << QStringLiteral("설명\r") + q << QStringLiteral("MDB 오류");
-        QTest::newRow("other") << 3022 << QStringLiteral("설명\r") + q << QStringLiteral("ERROR");
+        QTest::newRow("3261") << 3261 << storeFaultText(5, QString()) + QStringLiteral("\r설명\r") + q
+                              << QStringLiteral("MDB 오류");
+        QTest::newRow("other") << 3022 << storeFaultText(3022, QString()) + QStringLiteral("\r설명\r") + q
+                               << QStringLiteral("ERROR");
     }
     void failureBoxesByNumber() {
         QFETCH(int, number);

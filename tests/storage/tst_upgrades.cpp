@@ -271,8 +271,9 @@ private Q_SLOTS:
         startUpSteps();
         QCOMPARE(msgs.boxes().size(), size_t(1));
         QCOMPARE(msgs.last().text,
-                 QStringLiteral("UNIQUE constraint failed: User.Serial\r"
-                                "CREATE UNIQUE INDEX \"User_PK\" ON \"User\" (\"Serial\")"));
+                 storeFaultText(19, QStringLiteral("UNIQUE")) +
+                     QStringLiteral("\rUNIQUE constraint failed: User.Serial\r"
+                                    "CREATE UNIQUE INDEX \"User_PK\" ON \"User\" (\"Serial\")"));
         QCOMPARE(msgs.last().title, QStringLiteral("ERROR"));
         QVERIFY(!stores().dbBasic.hasPrimaryIndex(QStringLiteral("User")));
         // The other steps went on.
@@ -327,7 +328,9 @@ private Q_SLOTS:
         auto& msgs = test::script();
         startUpSteps();
         QCOMPARE(msgs.boxes().size(), size_t(1));
-        QCOMPARE(msgs.last().text, QStringLiteral("blocked\rUpdate NewAcount Set UserCode = '111-11-11111'"));
+        QCOMPARE(msgs.last().text,
+                 storeFaultText(19, QStringLiteral("blocked")) +
+                     QStringLiteral("\rblocked\rUpdate NewAcount Set UserCode = '111-11-11111'"));
         QCOMPARE(msgs.last().title, QStringLiteral("ERROR"));
         QVERIFY(!stores().dbTax.hasColumn(QStringLiteral("NewAcount"), QStringLiteral("UserCode")));
         QVERIFY(stores().dbTax.Execute(QStringLiteral("DROP TRIGGER stop")));

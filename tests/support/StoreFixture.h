@@ -5,7 +5,7 @@
 
 #include "TestSupport.h"
 #include "core/AppState.h"
-#include "core/shell/Startup.h"
+#include "shell/Startup.h"
 #include "storage/Stores.h"
 
 #include <QDir>

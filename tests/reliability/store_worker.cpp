@@ -1,0 +1,185 @@
+// A running copy of the program's saves, for the reliability tests: it opens the stores of
+// NUBELLA_HOME and saves invoices, statements or quotations through the program's own code,
+// printing one line per save the program confirmed ("ok ...") or refused ("fail ..."). The
+// tests kill it at random points, run two at once, or limit the size of the files it may write.
+//
+//   nb_store_worker invoice|statement|quotation COUNT [TAG]
+//   nb_store_worker bump BILLNO SEQ COUNT           changes one statement line's amount
+//   nb_store_worker full invoice|statement|quotation one save refused by a full disk, then one
+//                                                   more after space returns
+#include "common/Messages.h"
+#include "core/AppState.h"
+#include "invoice/InvoiceStore.h"
+#include "quotation/clsEstimate.h"
+#include "shell/Startup.h"
+#include "statement/StatementStore.h"
+#include "storage/Database.h"
+#include "storage/StoreLayout.h"
+#include "storage/Stores.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QRandomGenerator>
+#include <QThread>
+#include <csignal>
+#include <cstdio>
+#include <sys/resource.h>
+
+using namespace nb;
+
+namespace {
+
+ScriptedMessages* g_messages = nullptr;
+
+// Between two saves a copy lets the other in, as an operator's typing always does (a copy that
+// saved in a tight loop could find the store busy at every try of the other's wait).
+constexpr int kPauseMillis = 5;
+
+void say(const QString& line) {
+    std::printf("%s\n", line.toUtf8().constData());
+    std::fflush(stdout);
+}
+
+// The last box shown since the previous call, on one line.
+QString lastBox() {
+    const auto boxes = g_messages->boxes();
+    const QString text = boxes.empty() ? QStringLiteral("(no box)") : boxes.back().text;
+    g_messages->clear();
+    return QString(text).replace(u'\r', u' ').replace(u'\n', u' ');
+}
+
+// An invoice of one to three lines; "ok TAXCODE LINES TAG".
+bool saveInvoice(int i, const QString& tag) {
+    const InvoiceHead head{tag, QStringLiteral("2024-05-10"), QString(), QStringLiteral("123-45-67890"),
+                           QStringLiteral("영수")};
+    QList<InvoiceLine> lines;
+    for (int n = 0; n <= i % 3; ++n)
+        lines.append({QStringLiteral("05-10"), QStringLiteral("품목%1").arg(n), QStringLiteral("EA"),
+                      QStringLiteral("1"), QStringLiteral("1,000"), QStringLiteral("1,000"),
+                      QStringLiteral("100")});
+    const std::optional<QString> code = StoreNewInvoice(stores().dbTax, head, lines);
+    if (!code) return say(QStringLiteral("fail ") + lastBox()), false;
+    say(QStringLiteral("ok %1 %2 %3").arg(*code).arg(lines.size()).arg(tag));
+    return true;
+}
+
+// A new statement of two lines, each saved and priced as the screen does; "ok BILLNO SEQ" per
+// line once its amount and VAT are confirmed.
+bool saveStatement(int i) {
+    QString billNo;
+    for (int n = 1; n <= 2; ++n) {
+        const InsertedLine line =
+            DetailInsert(stores().dbBill, {billNo, QStringLiteral("2024-05-10"), QStringLiteral("000001"),
+                                           QStringLiteral("품목")});
+        if (!line.ok) return say(QStringLiteral("fail ") + lastBox()), false;
+        billNo = line.billNo;
+        const double amount = 1000.0 * (1 + (i + n) % 7);
+        for (const auto& [field, value] : {std::pair{QStringLiteral("Quant"), 1.0},
+                                           {QStringLiteral("Price"), amount},
+                                           {QStringLiteral("Amount"), amount},
+                                           {QStringLiteral("VAT"), amount / 10}})
+            if (!DetailUpdate(stores().dbBill, billNo, line.billSeq, field, value).ok)
+                return say(QStringLiteral("fail ") + lastBox()), false;
+        say(QStringLiteral("ok %1 %2").arg(billNo).arg(line.billSeq));
+    }
+    return true;
+}
+
+// A quotation as the screen stores it: the head, then each line and the new total.
+bool saveQuotation() {
+    clsEstimate e;
+    e.sEDate = QStringLiteral("2024-05-10");
+    e.NextCode(e.sCode);
+    e.sCCode = QStringLiteral("000001");
+    e.sCName = QStringLiteral("대한상사");
+    e.SaveInitEstimate();
+    if (!g_messages->boxes().empty()) return say(QStringLiteral("fail ") + lastBox()), false;
+    say(QStringLiteral("ok head %1").arg(e.sCode));
+    for (int n = 1; n <= 2; ++n) {
+        e.NextSeq(e.lSeq);
+        e.sPName = QStringLiteral("품목");
+        e.siEAmount = 2;
+        e.siEUnitCost = 500;
+        e.lEstiKum = 1000;
+        e.SaveEstimate();
+        e.dETotKum = 1000.0 * n;
+        e.UpdateTotKum();
+        if (!g_messages->boxes().empty()) return say(QStringLiteral("fail ") + lastBox()), false;
+        say(QStringLiteral("ok line %1 %2").arg(e.sCode).arg(e.lSeq));
+    }
+    return true;
+}
+
+bool saveOne(const QString& kind, int i, const QString& tag) {
+    if (kind == u"invoice") return saveInvoice(i, tag);
+    if (kind == u"statement") return saveStatement(i);
+    return saveQuotation();
+}
+
+// One line's amount changed again and again, as two operators on one statement would.
+int bump(const QString& billNo, int seq, int count) {
+    int failed = 0;
+    for (int i = 0; i < count; ++i) {
+        const double amount = double(QRandomGenerator::global()->bounded(1, 100000));
+        if (DetailUpdate(stores().dbBill, billNo, seq, QStringLiteral("Amount"), amount).ok)
+            say(QStringLiteral("ok %1").arg(amount));
+        else
+            ++failed, say(QStringLiteral("fail ") + lastBox());
+        QThread::msleep(kPauseMillis);
+    }
+    return failed == 0 ? 0 : 1;
+}
+
+// Files may not grow past a few bytes (a full disk); a write past it fails instead of ending
+// the process.
+void limitFileSize(rlim_t bytes) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    limit.rlim_cur = bytes;
+    setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+void liftFileSizeLimit() {
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    limit.rlim_cur = limit.rlim_max;
+    setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+int fullDisk(const QString& kind) {
+    limitFileSize(1024);
+    if (saveOne(kind, 0, QStringLiteral("000001"))) return 1; // the save must have been refused
+    liftFileSizeLimit();
+    return saveOne(kind, 1, QStringLiteral("000002")) ? 0 : 1;
+}
+
+int work(const QStringList& args) {
+    const QString kind = args.at(0);
+    if (kind == u"bump") return bump(args.at(1), args.value(2).toInt(), args.value(3).toInt());
+    if (kind == u"full") return fullDisk(args.at(1));
+    const int count = args.at(1).toInt();
+    const QString tag = args.value(2, QStringLiteral("000001"));
+    int failed = 0;
+    for (int i = 0; i < count; ++i) {
+        failed += saveOne(kind, i, tag) ? 0 : 1;
+        QThread::msleep(kPauseMillis);
+    }
+    return failed == 0 ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    const QStringList args = app.arguments().mid(1);
+    if (args.size() < 2) return 2;
+    g_messages = &scriptMessages();
+    ReadSettings();
+    QDir().mkpath(nb::app().DbPath);
+    CreateMissingStoreFiles();
+    if (!OpenDatabases() || !OpenDb(stores().dbEstimate, nb::app().DbEstimateFile)) return 3;
+    const int rc = work(args);
+    closeStores(); // the connections go before the application object
+    return rc;
+}
