@@ -47,13 +47,26 @@ private:
         m_attached = true;
         m_sub = qobject_cast<QMdiSubWindow*>(m_screen->parentWidget());
         if (m_sub && m_sub->mdiArea())
-            connect(m_sub->mdiArea(), &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* active) {
-                if (active && active == m_sub) run();
-            });
+            connect(m_sub->mdiArea(), &QMdiArea::subWindowActivated, this,
+                    &ActivationWatcher::childActivated);
         m_topWindow = m_screen->window();
         qApp->installEventFilter(this); // modal screens closing over the window
         // A child window the work area made active as it was shown gives no signal later.
-        if (!m_sub || inFront()) run();
+        if (!m_sub || inFront()) {
+            m_lastInFront = true;
+            run();
+        }
+    }
+
+    // The work area names its active child again each time the whole program gets the focus
+    // back from the desktop (and names none while another program has it). Only a change of
+    // child inside the program is an activation: coming back from a calculator, or from a
+    // message box that took the focus, leaves what the operator typed alone.
+    void childActivated(QMdiSubWindow* active) {
+        if (!active) return;
+        const bool wasInFront = m_lastInFront;
+        m_lastInFront = active == m_sub;
+        if (m_lastInFront && !wasInFront) run();
     }
 
     // A modal screen shown over this screen's window while the activation runs: the supplier
@@ -82,6 +95,7 @@ private:
     QPointer<QMdiSubWindow> m_sub;
     QPointer<QWidget> m_topWindow;
     bool m_attached = false;
+    bool m_lastInFront = false; // the last child the work area named active was this screen's
     bool m_running = false;
     bool m_requestedWhileRunning = false;
 };

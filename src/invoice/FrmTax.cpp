@@ -36,6 +36,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <utility>
 
 namespace nb {
 
@@ -178,10 +179,13 @@ void FrmTax::loadForm() {
 void FrmTax::init_form() {
     if (auto* sub = qobject_cast<QMdiSubWindow*>(parentWidget())) sub->move(sub->x(), 47);
     ShowSupplier(UserSerial.isEmpty() ? app().DefaultSerial : UserSerial);
+    // The statement screen hands a trader over by loading this screen afresh: its statements
+    // are summed once, on that first activation, never again over what was typed since.
+    const bool handOver = !std::exchange(m_activatedOnce, true);
     if (!txtCCode->text().isEmpty()) {
         ShowTrader(txtCCode->text());
         LoadIssuedList(txtCCode->text());
-        vaBtn5_Click();
+        if (handOver) vaBtn5_Click();
     }
     fillPeriodChoices();
     const QString year = today().toString(QStringLiteral("yyyy"));

@@ -163,6 +163,7 @@ private:
     int m_listRow = 1;
     QString m_savedTradeDate;
     bool m_redirecting = false;
+    bool m_activatedOnce = false; // the first activation sums what the statement screen handed over
     bool m_checkingDate = false;
     bool m_loaded = false;
 };

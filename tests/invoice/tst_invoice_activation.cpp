@@ -2,6 +2,8 @@
 // the screen's own request shows at once, the menu entry chosen again and a return from another
 // child window bring the activation, so a supplier changed meanwhile shows.
 #include "InvoiceFixture.h"
+#include "common/dates/DateBox.h"
+#include "core/Clock.h"
 #include "core/ScreenRegistry.h"
 #include "shell/Nubella.h"
 #include "invoice/FrmTax.h"
@@ -14,6 +16,7 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTimer>
 
 using namespace nb;
@@ -33,6 +36,39 @@ struct MainWindow {
         test::showActive(&window);
     }
     ~MainWindow() { clearScreenRegistry(); }
+    // What the statement screen's 세금계산서 button does: the screen loaded afresh, handed a
+    // trader and a day, then shown.
+    FrmTax* handOver(const QString& cCode, const QString& date) {
+        auto* tax = qobject_cast<FrmTax*>(loadScreen(QStringLiteral("mnu_InvoiceForm"), true));
+        if (!tax) return nullptr;
+        tax->txtCCode->setText(cCode);
+        tax->txtDate[0]->setDateText(date);
+        tax->txtDate[1]->setDateText(date);
+        openScreen(QStringLiteral("mnu_InvoiceForm"));
+        QTest::qWait(50);
+        return tax;
+    }
+    // The operator switches to another program (a calculator) and back to this one. Answers how
+    // often the work area named its active child meanwhile: the round trip the screen must not
+    // take for an activation.
+    int roundTripThroughAnotherProgram() {
+        QSignalSpy named(window.mdiArea(), &QMdiArea::subWindowActivated);
+        QWidget calculator;
+        calculator.setWindowTitle(QStringLiteral("계산기"));
+        calculator.resize(200, 120);
+        calculator.show();
+        calculator.activateWindow();
+        [&] { QTRY_COMPARE(QApplication::activeWindow(), &calculator); }();
+        // The whole program loses the desktop's focus and gets it back.
+        QEvent leaving(QEvent::ApplicationDeactivate);
+        QCoreApplication::sendEvent(qApp, &leaving);
+        QEvent coming(QEvent::ApplicationActivate);
+        window.activateWindow();
+        [&] { QTRY_COMPARE(QApplication::activeWindow(), &window); }();
+        QCoreApplication::sendEvent(qApp, &coming);
+        QTest::qWait(50);
+        return int(named.count());
+    }
     FrmTax* openInvoice() {
         window.menuAction(QStringLiteral("mnu_InvoiceForm"))->trigger();
         QTest::qWait(50);
@@ -108,6 +144,63 @@ private Q_SLOTS:
         QTest::qWait(50);
         QCOMPARE(w.window.mdiArea()->activeSubWindow(), tax->parentWidget());
         QCOMPARE(tax->CName_user->text(), QStringLiteral("가나물산"));
+    }
+    void comingBackFromAnotherProgramKeepsTheLineTypedOverTheSummary() {
+        MainWindow w;
+        test::script();
+        test::addSupplier({QStringLiteral("123-45-67891"), QStringLiteral("가나상사"),
+                           QStringLiteral("김가나"), QString(), QString(), QString(), QString(), QString()});
+        QVERIFY(test::addTraderRow(QStringLiteral("00001"), {QStringLiteral("222-33-44444"),
+                                                              QStringLiteral("다라상회"), QString(), QString(),
+                                                              QString(), QString(), QString(), QString()}));
+        const QString day = today().toString(u"yyyy-MM-dd");
+        QVERIFY(test::addStatement(QStringLiteral("000001"), day, QStringLiteral("00001"),
+                                   {{QStringLiteral("볼트"), 5000, 500}}));
+        FrmTax* tax = w.handOver(QStringLiteral("00001"), day);
+        QVERIFY(tax);
+        QCOMPARE(tax->pummok(0)->text(), QStringLiteral("볼트"));
+        tax->pummok(0)->setFocus();
+        tax->pummok(0)->selectAll();
+        test::typeText(tax->pummok(0), QStringLiteral("손으로 쓴 품목"));
+        QVERIFY(w.roundTripThroughAnotherProgram() > 0);
+        QCOMPARE(tax->pummok(0)->text(), QStringLiteral("손으로 쓴 품목"));
+    }
+    void comingBackFromAnotherProgramAsksNothingWhenNothingWasSummed() {
+        MainWindow w;
+        auto& msgs = test::script();
+        test::addSupplier({QStringLiteral("123-45-67891"), QStringLiteral("가나상사"),
+                           QStringLiteral("김가나"), QString(), QString(), QString(), QString(), QString()});
+        QVERIFY(test::addTraderRow(QStringLiteral("00001"), {QStringLiteral("222-33-44444"),
+                                                              QStringLiteral("다라상회"), QString(), QString(),
+                                                              QString(), QString(), QString(), QString()}));
+        QVERIFY(w.handOver(QStringLiteral("00001"), today().toString(u"yyyy-MM-dd")));
+        const auto nothingSummed = [&] {
+            int n = 0;
+            for (const MessageRecord& box : msgs.boxes())
+                n += box.text == u"집계내역이 존재하지 않습니다." ? 1 : 0;
+            return n;
+        };
+        QCOMPARE(nothingSummed(), 1);
+        QVERIFY(w.roundTripThroughAnotherProgram() > 0);
+        QVERIFY(w.roundTripThroughAnotherProgram() > 0);
+        QCOMPARE(nothingSummed(), 1);
+    }
+    void theMenuEntryChosenAgainAfterAHandOverKeepsTheTypedLine() {
+        MainWindow w;
+        test::script();
+        test::addSupplier({QStringLiteral("123-45-67891"), QStringLiteral("가나상사"),
+                           QStringLiteral("김가나"), QString(), QString(), QString(), QString(), QString()});
+        QVERIFY(test::addTraderRow(QStringLiteral("00001"), {QStringLiteral("222-33-44444"),
+                                                              QStringLiteral("다라상회"), QString(), QString(),
+                                                              QString(), QString(), QString(), QString()}));
+        const QString day = today().toString(u"yyyy-MM-dd");
+        QVERIFY(test::addStatement(QStringLiteral("000001"), day, QStringLiteral("00001"),
+                                   {{QStringLiteral("볼트"), 5000, 500}}));
+        FrmTax* tax = w.handOver(QStringLiteral("00001"), day);
+        QVERIFY(tax);
+        tax->pummok(0)->setText(QStringLiteral("손으로 쓴 품목"));
+        QCOMPARE(w.openInvoice(), tax);
+        QCOMPARE(tax->pummok(0)->text(), QStringLiteral("손으로 쓴 품목"));
     }
 };
 
