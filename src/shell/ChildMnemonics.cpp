@@ -1,0 +1,97 @@
+#include "shell/ChildMnemonics.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QGroupBox>
+#include <QKeyEvent>
+#include <QKeySequence>
+#include <QLabel>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QPointer>
+
+namespace nb {
+namespace {
+
+bool isLetterOrDigit(int key) {
+    return (key >= Qt::Key_A && key <= Qt::Key_Z) || (key >= Qt::Key_0 && key <= Qt::Key_9);
+}
+
+bool captionUnderlines(const QString& caption, int key) {
+    return !caption.isEmpty() && QKeySequence::mnemonic(caption) == QKeySequence(Qt::ALT | Qt::Key(key));
+}
+
+QString captionOf(const QWidget* widget) {
+    if (auto* button = qobject_cast<const QAbstractButton*>(widget)) return button->text();
+    if (auto* label = qobject_cast<const QLabel*>(widget)) return label->buddy() ? label->text() : QString();
+    if (auto* group = qobject_cast<const QGroupBox*>(widget)) return group->title();
+    return {};
+}
+
+bool reachable(const QWidget* widget) {
+    return widget->isVisible() && widget->isEnabled();
+}
+
+// Alt+letter reaches the active child screen's controls first. A ShortcutOverride accepted for
+// such a letter keeps it from the menu bar's shortcuts; the key press that follows fires it.
+class MnemonicFilter : public QObject {
+public:
+    explicit MnemonicFilter(QMdiArea* area) : QObject(area), m_area(area) {}
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() != QEvent::ShortcutOverride && event->type() != QEvent::KeyPress) return false;
+        auto* key = static_cast<QKeyEvent*>(event);
+        QWidget* target = targetFor(key);
+        if (!target) return false;
+        if (event->type() == QEvent::ShortcutOverride) {
+            event->accept();
+            return true;
+        }
+        fireMnemonic(target);
+        return true;
+    }
+
+private:
+    QWidget* targetFor(const QKeyEvent* key) const {
+        const Qt::KeyboardModifiers mods = key->modifiers() & ~Qt::KeypadModifier;
+        if (mods != Qt::AltModifier || !isLetterOrDigit(key->key()) || !m_area) return nullptr;
+        if (QApplication::activeModalWidget() || QApplication::activeWindow() != m_area->window())
+            return nullptr;
+        QMdiSubWindow* active = m_area->activeSubWindow();
+        return active && active->widget() ? childMnemonicTarget(active->widget(), key->key()) : nullptr;
+    }
+
+    QPointer<QMdiArea> m_area;
+};
+
+} // namespace
+
+QWidget* childMnemonicTarget(const QWidget* screen, int key) {
+    if (!screen || !isLetterOrDigit(key)) return nullptr;
+    for (QWidget* widget : screen->findChildren<QWidget*>())
+        if (reachable(widget) && captionUnderlines(captionOf(widget), key)) return widget;
+    return nullptr;
+}
+
+void fireMnemonic(QWidget* target) {
+    if (auto* label = qobject_cast<QLabel*>(target)) {
+        if (QWidget* buddy = label->buddy()) buddy->setFocus(Qt::ShortcutFocusReason);
+        return;
+    }
+    if (auto* group = qobject_cast<QGroupBox*>(target)) {
+        group->setFocus(Qt::ShortcutFocusReason);
+        if (group->isCheckable()) group->setChecked(!group->isChecked());
+        return;
+    }
+    if (auto* button = qobject_cast<QAbstractButton*>(target)) {
+        button->setFocus(Qt::ShortcutFocusReason);
+        button->click();
+    }
+}
+
+void installChildMnemonics(QMdiArea* area) {
+    qApp->installEventFilter(new MnemonicFilter(area));
+}
+
+} // namespace nb
