@@ -8,7 +8,9 @@
 #include "core/AppState.h"
 #include "core/Clock.h"
 #include "core/ScreenRegistry.h"
+#include "shell/ChildMnemonics.h"
 #include "shell/FrmLogin.h"
+#include "shell/ModalReturn.h"
 #include "shell/Startup.h"
 #include "shell/frmAbout.h"
 
@@ -43,6 +45,8 @@ Nubella::Nubella(QWidget* parent) : QMainWindow(parent) {
     m_mdi = new QMdiArea(this);
     m_mdi->setObjectName(QStringLiteral("mdiArea"));
     setCentralWidget(m_mdi);
+    installChildMnemonics(m_mdi);
+    installModalReturn(this);
     buildMenus();
     buildStatusPanels();
     refreshMenuState();
