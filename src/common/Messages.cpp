@@ -3,6 +3,9 @@
 #include "common/MessageDialogs.h"
 #include "core/AppState.h"
 
+#include <QFile>
+#include <QTextStream>
+
 namespace nb {
 namespace {
 
@@ -20,11 +23,58 @@ QString orAppTitle(const QString& title) {
     return title.isEmpty() ? applicationTitle() : title;
 }
 
+// The boxes shown, one line each ("kind<TAB>title<TAB>text", line breaks as "\\n"), appended to
+// the file NUBELLA_SAID_LOG names before the box shows: tests that drive the real program in a
+// real window read what it said there, as the operator reads the screen.
+class SaidLog : public MessageBackend {
+public:
+    SaidLog(std::unique_ptr<MessageBackend> shown, QString path)
+        : m_shown(std::move(shown)), m_path(std::move(path)) {}
+    int box(const QString& text, int buttons, const QString& title) override {
+        note(QStringLiteral("box"), title, text);
+        return m_shown->box(text, buttons, title);
+    }
+    void notice(const QString& text, int millis, int color) override {
+        note(QStringLiteral("notice"), QString(), text);
+        m_shown->notice(text, millis, color);
+    }
+    void floatMsg(const QString& text, int millis, bool modal, int color) override {
+        note(QStringLiteral("float"), QString(), text);
+        m_shown->floatMsg(text, millis, modal, color);
+    }
+    void closeFloatMsg() override { m_shown->closeFloatMsg(); }
+    void progressShow(const QString& caption, int maximum) override {
+        m_shown->progressShow(caption, maximum);
+    }
+    void progressSet(int value) override { m_shown->progressSet(value); }
+    void progressClose() override { m_shown->progressClose(); }
+    QString input(const QString& prompt, const QString& title, const QString& defaultText) override {
+        note(QStringLiteral("input"), title, prompt);
+        return m_shown->input(prompt, title, defaultText);
+    }
+
+private:
+    void note(const QString& kind, const QString& title, QString text) const {
+        QFile file(m_path);
+        if (!file.open(QIODevice::Append | QIODevice::Text)) return;
+        text.replace(QStringLiteral("\r\n"), QStringLiteral("\\n")).replace(u'\n', QStringLiteral("\\n"));
+        QTextStream(&file) << kind << u'\t' << title << u'\t' << text << u'\n';
+    }
+    std::unique_ptr<MessageBackend> m_shown;
+    QString m_path;
+};
+
 } // namespace
 
 MessageBackend& messages() {
     auto& b = backendSlot();
-    if (!b) b = std::make_unique<DialogMessages>();
+    if (!b) {
+        const QString logPath = qEnvironmentVariable("NUBELLA_SAID_LOG");
+        if (logPath.isEmpty())
+            b = std::make_unique<DialogMessages>();
+        else
+            b = std::make_unique<SaidLog>(std::make_unique<DialogMessages>(), logPath);
+    }
     return *b;
 }
 
