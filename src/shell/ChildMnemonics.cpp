@@ -1,6 +1,7 @@
 #include "shell/ChildMnemonics.h"
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QGroupBox>
 #include <QKeyEvent>
@@ -8,7 +9,9 @@
 #include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QMenuBar>
 #include <QPointer>
+#include <utility>
 
 namespace nb {
 namespace {
@@ -40,6 +43,7 @@ public:
 
 protected:
     bool eventFilter(QObject*, QEvent* event) override {
+        watchAltAlone(event);
         if (event->type() != QEvent::ShortcutOverride && event->type() != QEvent::KeyPress) return false;
         auto* key = static_cast<QKeyEvent*>(event);
         QWidget* target = targetFor(key);
@@ -53,6 +57,39 @@ protected:
     }
 
 private:
+    // Alt pressed and let go with nothing between opens the menu bar, so that its entries stay
+    // reachable by keys when the screen in front holds their letters.
+    void watchAltAlone(QEvent* event) {
+        const auto type = event->type();
+        if (type == QEvent::MouseButtonPress) m_altAlone = false;
+        if (type != QEvent::KeyPress && type != QEvent::KeyRelease) return;
+        auto* key = static_cast<QKeyEvent*>(event);
+        if (key->isAutoRepeat()) return;
+        const bool alt = key->key() == Qt::Key_Alt &&
+                         !(key->modifiers() & (Qt::ControlModifier | Qt::ShiftModifier | Qt::MetaModifier));
+        if (type == QEvent::KeyPress) {
+            m_altAlone = alt && mainWindowInFront();
+            return;
+        }
+        if (alt && std::exchange(m_altAlone, false)) openMenuBar();
+    }
+
+    bool mainWindowInFront() const {
+        return m_area && !QApplication::activeModalWidget() && !QApplication::activePopupWidget() &&
+               QApplication::activeWindow() == m_area->window();
+    }
+
+    void openMenuBar() const {
+        if (!mainWindowInFront()) return;
+        auto* bar = m_area->window()->findChild<QMenuBar*>(QString(), Qt::FindDirectChildrenOnly);
+        if (!bar || bar->actions().isEmpty()) return;
+        for (QAction* action : bar->actions())
+            if (action->isEnabled() && action->isVisible()) {
+                bar->setActiveAction(action);
+                return;
+            }
+    }
+
     QWidget* targetFor(const QKeyEvent* key) const {
         const Qt::KeyboardModifiers mods = key->modifiers() & ~Qt::KeypadModifier;
         if (mods != Qt::AltModifier || !isLetterOrDigit(key->key()) || !m_area) return nullptr;
@@ -63,6 +100,7 @@ private:
     }
 
     QPointer<QMdiArea> m_area;
+    bool m_altAlone = false;
 };
 
 } // namespace

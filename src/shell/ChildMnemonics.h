@@ -2,7 +2,8 @@
 // Alt+letter in the main window. The active child screen's own "&" captions (its buttons, its
 // check and option boxes, the labels of its boxes) win over the main menu's, as they did on the
 // paper-form screens the operators know: Alt+X on a screen is its 닫기(&X), never the program's
-// 종료(&X). The main menu answers the letters no control of the active screen holds.
+// 종료(&X). The main menu answers the letters no control of the active screen holds, and Alt
+// pressed and let go alone opens the menu bar.
 
 #include <QWidget>
 

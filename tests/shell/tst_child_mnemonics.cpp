@@ -173,6 +173,28 @@ private Q_SLOTS:
         QCOMPARE(QApplication::activePopupWidget()->objectName(), QStringLiteral("mnu_insert"));
         QApplication::activePopupWidget()->close();
     }
+    void altAloneOpensTheMenuBarEvenWhenTheScreenHoldsItsLetters() {
+        Desk d;
+        d.open(QStringLiteral("mnu_InvoiceTotal"));
+        d.totals->other->setFocus();
+        QTest::keyPress(d.totals->other, Qt::Key_Alt, Qt::AltModifier);
+        QTest::keyRelease(d.totals->other, Qt::Key_Alt);
+        QTRY_VERIFY(QApplication::activePopupWidget() != nullptr);
+        QCOMPARE(QApplication::activePopupWidget()->objectName(), QStringLiteral("mnu_insert"));
+        QApplication::activePopupWidget()->close();
+        QCOMPARE(d.totals->printed + d.totals->searched, 0);
+    }
+    void altWithALetterBetweenOpensNoMenu() {
+        Desk d;
+        d.open(QStringLiteral("mnu_InvoiceTotal"));
+        d.totals->other->setFocus();
+        QTest::keyPress(d.totals->other, Qt::Key_Alt, Qt::AltModifier);
+        QTest::keyClick(d.totals->other, Qt::Key_P, Qt::AltModifier);
+        QTest::keyRelease(d.totals->other, Qt::Key_Alt);
+        QTest::qWait(50);
+        QCOMPARE(d.totals->printed, 1);
+        QVERIFY(!QApplication::activePopupWidget());
+    }
     void onlyTheActiveChildsLettersCount() {
         Desk d;
         d.open(QStringLiteral("mnu_InvoiceTotal"));
