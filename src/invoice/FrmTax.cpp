@@ -7,6 +7,7 @@
 #include "common/dates/DateText.h"
 #include "common/dates/FrmCalendar.h"
 #include "common/grid/Grid.h"
+#include "common/input/SelectText.h"
 #include "common/text/Identity.h"
 #include "common/text/NumberFormat.h"
 #include "core/AppFolder.h"
@@ -369,6 +370,7 @@ bool FrmTax::PickProduct(int i) {
     }
     CloseRs(rs);
     su_num(i)->setFocus();
+    SelectAllText(su_num(i)); // the "1" put there is replaced by the quantity typed, not added to
     return true;
 }
 

@@ -116,6 +116,17 @@ private Q_SLOTS:
         QCOMPARE(f.pummok(0)->text(), QStringLiteral("스패너"));
         QCOMPARE(f.su_num(0)->text().trimmed(), QStringLiteral("1")); // the line is filled, not left empty
     }
+    void aQuantityTypedAfterAPickedProductReplacesTheOne() {
+        Road r;
+        test::script();
+        FrmTax& f = *r.form;
+        typeAndEnter(f.CName_MAE, QStringLiteral("가나"));
+        typeAndEnter(f.pummok(0), QStringLiteral("볼트"));
+        test::typeText(f.su_num(0), QStringLiteral("3"));
+        test::pressKey(f.su_num(0), Qt::Key_Return);
+        QCOMPARE(f.su_num(0)->text().trimmed(), QStringLiteral("3"));
+        QCOMPARE(f.gonggum(0)->text().trimmed(), QStringLiteral("2,727"));
+    }
     void wholeRoadIssuesStoresAndReloads() {
         Road r;
         auto& msgs = test::script();
