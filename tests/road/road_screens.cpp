@@ -1,7 +1,7 @@
 // The screens in a real window: the real program on an X server with a window manager, driven
 // by keys only, another program beside it. What the offscreen tests cannot see: activation
 // from the desktop, Alt keys reaching a menu bar, a window left without the focus.
-#include "RoadDesk.h"
+#include "RoadSteps.h"
 
 #include <QTest>
 
@@ -11,29 +11,6 @@ namespace {
 
 const QString kSupplierFirst = QStringLiteral("사용자등록을 먼저하셔야 합니다");
 const QString kNothingSummed = QStringLiteral("집계내역이 존재하지 않습니다.");
-
-// What the desk shows, for a failure's message.
-QByteArray seen(const RoadDesk& desk) {
-    return ("active window: \"" + desk.activeWindowName() +
-            "\"; said: " + desk.said().join(QStringLiteral(" / ")))
-        .toUtf8();
-}
-
-// The program up on the desk, its main window active.
-bool programUp(RoadDesk& desk) {
-    return desk.ready() && desk.startProgram() && desk.waitActive(mainWindowName(), 30000);
-}
-
-// A supplier and a trader put straight into the basic store of a running program.
-bool seedParties(RoadDesk& desk) {
-    return desk.exec(
-        QStringLiteral("dbBasic.db"),
-        QStringLiteral("INSERT INTO User (Company, Delegate, Serial, Post, Addr) "
-                       "VALUES ('가나상사', '김가나', '1234567891', '', '');"
-                       "INSERT INTO Trader (Code, C_Name, U_Name, Serial, Phone, Fax, Addr1, Addr2, "
-                       "Status, Item, Section, VAT, TotNoPay, bDeled) VALUES ('00001', '다라상회', "
-                       "'이다라', '2223344444', '', '', '', '', '', '', 0, 0, 0, 0);"));
-}
 
 } // namespace
 
