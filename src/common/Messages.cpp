@@ -2,6 +2,7 @@
 
 #include "common/MessageDialogs.h"
 #include "core/AppState.h"
+#include "core/Settings.h"
 
 #include <QFile>
 #include <QTextStream>
@@ -63,6 +64,14 @@ private:
     std::unique_ptr<MessageBackend> m_shown;
     QString m_path;
 };
+
+// The settings store sits below the message service and shows no box itself: its trouble (a
+// failed save, a read-only folder) is told here, as every other trouble is, from the moment
+// the service is part of the program.
+[[maybe_unused]] const bool settingsTroubleIsShown = [] {
+    setSettingsTroubleReporter([](const QString& text) { ShowWarning(text); });
+    return true;
+}();
 
 } // namespace
 
