@@ -208,7 +208,8 @@ bool SettingsStore::save(const QString& app, const QString& section, const QStri
     }
     load();
     if (QFileInfo::exists(m_path) && !QFileInfo(m_path).isWritable())
-        return fail(Trouble::ReadOnly, QStringLiteral("설정 파일이 읽기 전용이라 설정을 저장할 수 없습니다."));
+        return fail(Trouble::ReadOnly,
+                    QStringLiteral("설정 파일이 읽기 전용이라 설정을 저장할 수 없습니다."));
     WriteFailure why;
     if (!writeWholeFile(m_path, contents(), &why)) {
         const Trouble trouble = why.cause == WriteFailure::Cause::ReadOnly   ? Trouble::ReadOnly

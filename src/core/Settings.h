@@ -51,8 +51,8 @@ private:
 
     QString m_path;
     std::vector<Entry> m_entries;
-    QHash<QString, int> m_index;   // the folded address of each entry
-    std::vector<Entry> m_unsaved;  // values whose save failed, kept for this run
+    QHash<QString, int> m_index;  // the folded address of each entry
+    std::vector<Entry> m_unsaved; // values whose save failed, kept for this run
     Stamp m_stamp;
     Trouble m_said = Trouble::None; // the trouble last told, not told again until a save succeeds
     int m_lockWaitMillis = 10000;

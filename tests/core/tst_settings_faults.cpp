@@ -121,7 +121,8 @@ private Q_SLOTS:
         const SettingsStore fresh(path);
         QCOMPARE(fresh.get(kAppSection, kEnvSection, QStringLiteral("TopMargin")), QStringLiteral("3"));
         QCOMPARE(fresh.get(kAppSection, kEnvSection, QStringLiteral("LeftMargin")), QStringLiteral("2"));
-        QCOMPARE(fresh.get(kAppSection, kEnvSection, QStringLiteral("기본공급자")), QStringLiteral("123-45-67890"));
+        QCOMPARE(fresh.get(kAppSection, kEnvSection, QStringLiteral("기본공급자")),
+                 QStringLiteral("123-45-67890"));
     }
     void aReadOnlyFolderIsSaidOnceInKorean() {
         test::TestHome home;
