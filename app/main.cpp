@@ -1,4 +1,3 @@
-#include "shell/Program.h"
 #include "invoice/InvoiceCommand.h"
 #include "invoice/InvoiceScreens.h"
 #include "links/LinkScreens.h"
@@ -8,16 +7,15 @@
 #include "printing/PrintingScreens.h"
 #include "quotation/QuotationCommand.h"
 #include "quotation/QuotationScreens.h"
+#include "shell/Program.h"
 #include "statement/StatementCommand.h"
 #include "statement/StatementScreens.h"
 
 int main(int argc, char** argv) {
-    if (nb::isPrintInvoiceCommand(argc, argv)) return nb::runHeadless(argc, argv, nb::PrintInvoiceCommand);
-    if (nb::isExportEtaxCommand(argc, argv)) return nb::runHeadless(argc, argv, nb::ExportEtaxCommand);
-    if (nb::isPrintQuotationCommand(argc, argv))
-        return nb::runHeadless(argc, argv, nb::PrintQuotationCommand);
-    if (nb::isPrintStatementCommand(argc, argv))
-        return nb::runHeadless(argc, argv, nb::PrintStatementCommand);
+    nb::registerInvoiceCommand();
+    nb::registerStatementCommand();
+    nb::registerQuotationCommand();
+    nb::registerEtaxCommand();
     nb::registerMasterScreens();
     nb::registerPrintingScreens();
     nb::registerInvoiceScreens();
@@ -25,5 +23,5 @@ int main(int argc, char** argv) {
     nb::registerQuotationScreens();
     nb::registerManagementScreens();
     nb::registerLinkScreens();
-    return nb::runProgram(argc, argv);
+    return nb::runNubella(argc, argv);
 }

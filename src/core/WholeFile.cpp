@@ -49,6 +49,16 @@ int makeTempBeside(const QString& target, QString* temp) {
     return fd;
 }
 
+// The new file takes the old one's permissions, or those a new file usually gets (the
+// temporary file is made private).
+bool giveUsualMode(int fd, const QString& target) {
+    struct stat old {};
+    if (::stat(local(target).constData(), &old) == 0) return ::fchmod(fd, old.st_mode & 07777) == 0;
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return ::fchmod(fd, 0666 & ~mask) == 0;
+}
+
 bool isDevice(const QString& path) {
     struct stat st {};
     return ::stat(local(path).constData(), &st) == 0 && !S_ISREG(st.st_mode) && !S_ISDIR(st.st_mode);
@@ -93,6 +103,10 @@ WriteFailure WriteFailure::fromErrno(int error) {
     case EISDIR:
         f.cause = Cause::NotAFile;
         break;
+    case ENOENT:
+    case ENOTDIR:
+        f.cause = Cause::NoFolder;
+        break;
     default:
         f.cause = Cause::Other;
     }
@@ -113,11 +127,14 @@ QString WriteFailure::sentence() const {
     case Cause::NotAFile:
         words = QStringLiteral("파일이 아니라 폴더입니다.");
         break;
+    case Cause::NoFolder:
+        words = QStringLiteral("그런 폴더가 없습니다.");
+        break;
     case Cause::Incomplete:
-        words = QStringLiteral("파일을 끝까지 쓰지 못했습니다.");
+        words = QStringLiteral("파일을 끝까지 쓰지 못했습니다(디스크가 가득 찼을 수 있습니다).");
         break;
     case Cause::Other:
-        words = QStringLiteral("파일을 쓸 수 없습니다.");
+        words = QStringLiteral("쓰기에 실패했습니다.");
         break;
     }
     return systemWords.isEmpty() ? words : words + QStringLiteral(" (") + systemWords + u')';
@@ -130,16 +147,9 @@ bool writeWholeFile(const QString& target, const QByteArray& bytes, WriteFailure
         if (failure) *failure = lastFailure();
         return false;
     }
-    struct stat old {};
-    const bool existed = ::stat(local(target).constData(), &old) == 0;
     bool ok = writeAll(fd, bytes.constData(), bytes.size());
     WriteFailure f = ok ? WriteFailure() : lastFailure();
-    if (ok && existed && ::fchmod(fd, old.st_mode & 07777) != 0) ok = false, f = lastFailure();
-    if (ok && !existed) {
-        const mode_t mask = ::umask(0);
-        ::umask(mask);
-        ::fchmod(fd, 0666 & ~mask);
-    }
+    if (ok && !giveUsualMode(fd, target)) ok = false, f = lastFailure();
     if (::close(fd) != 0 && ok) ok = false, f = lastFailure();
     if (ok && QFileInfo(temp).size() != bytes.size()) ok = false, f.cause = WriteFailure::Cause::Incomplete;
     if (!ok) {
@@ -175,6 +185,7 @@ bool WholeOutput::begin(WriteFailure* failure) {
         if (failure) *failure = lastFailure();
         return false;
     }
+    if (!m_toDevice) giveUsualMode(fd, m_target);
     ::close(fd);
     return true;
 }

@@ -11,7 +11,7 @@ namespace nb {
 
 // Why a write failed, in the words the operator is told.
 struct WriteFailure {
-    enum class Cause { None, ReadOnly, DiskFull, NotAFile, Incomplete, Other };
+    enum class Cause { None, ReadOnly, DiskFull, NotAFile, NoFolder, Incomplete, Other };
     Cause cause = Cause::None;
     QString systemWords; // the system's own words, shown under the Korean ones
 

@@ -4,13 +4,17 @@
 #include "printing/PrintCommand.h"
 
 namespace nb {
+namespace {
+const QString kUsage = QStringLiteral("사용법: nubella --print-invoice 계산서번호 --pdf 파일");
+}
 
-bool isPrintInvoiceCommand(int argc, char** argv) { return hasCommandOption(argc, argv, "--print-invoice"); }
+void registerInvoiceCommand() {
+    registerCommandJob(
+        {QStringLiteral("--print-invoice"), 1, {QStringLiteral("--pdf")}, {}, kUsage, PrintInvoiceCommand});
+}
 
 int PrintInvoiceCommand(const QStringList& arguments) {
-    return runPdfPrintCommand(arguments, QStringLiteral("--print-invoice"),
-                              QStringLiteral("사용법: nubella --print-invoice 계산서번호 --pdf 파일"),
-                              PrintStoredInvoiceToPdf);
+    return runPdfPrintCommand(arguments, QStringLiteral("--print-invoice"), kUsage, PrintStoredInvoiceToPdf);
 }
 
 } // namespace nb

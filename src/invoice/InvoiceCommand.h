@@ -6,7 +6,8 @@
 
 namespace nb {
 
-bool isPrintInvoiceCommand(int argc, char** argv);
+// Puts the command in the command line's table.
+void registerInvoiceCommand();
 // Runs the command on an open store; 0 on success, else a one-line reason on the standard
 // error stream and 1 (2 when the command itself is malformed).
 int PrintInvoiceCommand(const QStringList& arguments);

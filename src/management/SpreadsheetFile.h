@@ -1,7 +1,11 @@
 #pragma once
 // A spreadsheet file (.xlsx) written without a spreadsheet program: one workbook, sheets by
 // name, text and number cells (numbers with a display format, so the spreadsheet can sum them),
-// column widths and a frozen header. Rows and columns count from 0.
+// column widths and a frozen header. Rows and columns count from 0. The file is written beside
+// its target and takes the target's name only when whole; the program's own files are never
+// written over.
+
+#include "core/WholeFile.h"
 
 #include <QHash>
 #include <QString>
@@ -38,10 +42,16 @@ private:
     lxw_format* format(const QString& numberFormat, bool bold);
 
     QString m_path;
+    WholeOutput m_output;
+    QString m_refusal; // why the file was not begun
     lxw_workbook* m_book = nullptr;
     lxw_worksheet* m_sheet = nullptr;
     QHash<QString, lxw_format*> m_formats;
     bool m_closed = false;
 };
+
+// True when the file is a workbook written to its end (a zip archive with its closing
+// directory).
+bool isWholeXlsx(const QString& path);
 
 } // namespace nb

@@ -4,14 +4,21 @@
 #include "quotation/QuotationIssue.h"
 
 namespace nb {
+namespace {
+const QString kUsage = QStringLiteral("사용법: nubella --print-quotation 견적번호 --pdf 파일");
+}
 
-bool isPrintQuotationCommand(int argc, char** argv) {
-    return hasCommandOption(argc, argv, "--print-quotation");
+void registerQuotationCommand() {
+    registerCommandJob({QStringLiteral("--print-quotation"),
+                        1,
+                        {QStringLiteral("--pdf")},
+                        {},
+                        kUsage,
+                        PrintQuotationCommand});
 }
 
 int PrintQuotationCommand(const QStringList& arguments) {
-    return runPdfPrintCommand(arguments, QStringLiteral("--print-quotation"),
-                              QStringLiteral("사용법: nubella --print-quotation 견적번호 --pdf 파일"),
+    return runPdfPrintCommand(arguments, QStringLiteral("--print-quotation"), kUsage,
                               PrintStoredQuotationToPdf);
 }
 

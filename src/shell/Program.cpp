@@ -4,6 +4,7 @@
 #include "common/UiSetup.h"
 #include "common/text/frmsosu.h"
 #include "core/AppState.h"
+#include "core/CommandLine.h"
 #include "core/Lifecycle.h"
 #include "core/ScreenRegistry.h"
 #include "shell/Nubella.h"
@@ -78,6 +79,24 @@ int runHeadless(int argc, char** argv, const std::function<int(const QStringList
     const int code = job(QApplication::arguments());
     resetProgramState();
     return code;
+}
+
+int runNubella(int argc, char** argv) {
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    const CommandChoice choice = chooseCommand(arguments, commandJobs());
+    switch (choice.kind) {
+    case CommandChoice::Kind::Usage:
+        for (const QString& line : usageLines(choice, commandJobs()))
+            sayLine(line);
+        return 2;
+    case CommandChoice::Kind::Job:
+        return runHeadless(argc, argv, choice.job->run);
+    case CommandChoice::Kind::Window:
+        break;
+    }
+    return runProgram(argc, argv);
 }
 
 } // namespace nb

@@ -22,4 +22,9 @@ int runProgram(int argc, char** argv);
 // start, every message goes to the standard error stream, and the job's answer is the exit code.
 int runHeadless(int argc, char** argv, const std::function<int(const QStringList& arguments)>& job);
 
+// The program as started from the command line: the job its arguments name (see
+// core/CommandLine.h), the window when they name none, or the usage lines and 2 when they are
+// wrong. The screens and jobs are registered before.
+int runNubella(int argc, char** argv);
+
 } // namespace nb

@@ -5,6 +5,7 @@
 #include "TestSupport.h"
 
 #include <QDir>
+#include <QRandomGenerator>
 
 using nb::test::execOn;
 using nb::test::runProgram;
@@ -28,6 +29,25 @@ void fillStore(const QString& home) {
     execOn(home + "/Dbs/dbTax.db",
            {row.arg("100000", "000001", "NULL"), row.arg("100001", "000001", "'영수'"),
             row.arg("100002", "000002", "'청구'")});
+}
+
+// A hundred invoices whose item names are long runs of random syllables, which no compression
+// makes small: their workbook is far larger than the writes the program makes to start.
+void fillLargeInvoices(const QString& home) {
+    fillStore(home);
+    QStringList rows{"delete from NewAcount"};
+    for (int i = 0; i < 100; ++i) {
+        QString name;
+        for (int c = 0; c < 1500; ++c)
+            name += QChar(0xAC00 + QRandomGenerator::global()->bounded(11172));
+        rows << QStringLiteral(
+                    "insert into NewAcount (TaxCode, CCode, PName, Quantity, UnitCost, TradeKum, "
+                    "VatKum, DealDate, TradeDate, UserCode, Receipt) values ('%1', '000001', '%2', "
+                    "1, 1000, 1000, 100, '2024-05-10', '05-10', '123-45-67891', '영수')")
+                    .arg(100000 + i)
+                    .arg(name);
+    }
+    execOn(home + "/Dbs/dbTax.db", rows);
 }
 
 } // namespace
@@ -54,7 +74,7 @@ private Q_SLOTS:
         QTemporaryDir home;
         fillStore(home.path());
         const auto run = runProgram(home.path(), {"--export-etax", "2024-05-01", "2024-05-31", "--out",
-                                                 home.path() + "/etax", "--receipt", "01"});
+                                                  home.path() + "/etax", "--receipt", "01"});
         QCOMPARE(run.exitCode, 0);
         QCOMPARE(run.out.last(),
                  QStringLiteral("영수/청구가 기록되지 않은 계산서 1건은 영수(01)로 작성했습니다."));
@@ -79,6 +99,36 @@ private Q_SLOTS:
         QCOMPARE(run.out.size(), 1);
         QVERIFY(run.out.first().startsWith("제외: 100002"));
         QCOMPARE(run.errorText, QStringLiteral("파일로 보낼 수 있는 세금계산서가 없습니다."));
+    }
+    void theFolderIsNotMadeWhenNothingIsExported() {
+        QTemporaryDir home;
+        fillStore(home.path());
+        execOn(home.path() + "/Dbs/dbTax.db", {"delete from NewAcount where CCode = '000001'"});
+        const QString out = home.path() + "/etax/2024";
+        const auto run = runProgram(home.path(), {"--export-etax", "2024-05-01", "2024-05-31", "--out", out});
+        QCOMPARE(run.exitCode, 1);
+        QVERIFY(!QFileInfo::exists(out));
+        QVERIFY(!QFileInfo::exists(home.path() + "/etax"));
+    }
+    void aFullDiskExitsOneAndLeavesNoEmptyWorkbook() {
+        QTemporaryDir home;
+        QTemporaryDir temp; // the library's own scratch files
+        fillLargeInvoices(home.path());
+        const QString out = home.path() + "/etax";
+        QProcessEnvironment env;
+        env.insert("TMPDIR", temp.path());
+        const auto run = runProgram(home.path(), {"--export-etax", "2024-05-01", "2024-05-31", "--out", out},
+                                    env, nb::test::fullDiskAt(64 * 1024));
+        QCOMPARE(run.exitCode, 1);
+        QVERIFY2(run.errorText.contains("전자세금계산서_20240501-20240531_1.xlsx"),
+                 qPrintable(run.errorText));
+        QCOMPARE(QDir(out).entryList(QDir::Files | QDir::Hidden), QStringList());
+        // With room again the same command writes the workbook whole.
+        const auto again =
+            runProgram(home.path(), {"--export-etax", "2024-05-01", "2024-05-31", "--out", out});
+        QCOMPARE(again.exitCode, 0);
+        QCOMPARE(QDir(out).entryList(QDir::Files | QDir::Hidden),
+                 QStringList{"전자세금계산서_20240501-20240531_1.xlsx"});
     }
     void malformedCommandsAreTold_data() {
         QTest::addColumn<QStringList>("arguments");

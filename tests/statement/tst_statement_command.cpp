@@ -37,6 +37,21 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(home.path() + "/x.pdf"));
     }
 
+    void theStatementStoreAsTargetIsRefusedAndLeftAsItWas() {
+        QTemporaryDir home;
+        prepareStore(home.path());
+        const QString store = home.path() + "/Dbs/dbBill.db";
+        QFile file(store);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray before = file.readAll();
+        file.close();
+        const auto run = runProgram(home.path(), {"--print-statement", "000003", "--pdf", store, "--frame"});
+        QCOMPARE(run.exitCode, 1);
+        QVERIFY2(run.errorText.contains(QStringLiteral("자료 파일")), qPrintable(run.errorText));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), before);
+    }
+
     void aMalformedCommandSaysHowToUseIt() {
         QTemporaryDir home;
         const auto run = runProgram(home.path(), {"--print-statement", "000001"});

@@ -3,10 +3,14 @@
 // exit code and error text, and statements put straight into a store file beforehand.
 
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QTest>
+#include <csignal>
+#include <functional>
+#include <sys/resource.h>
 
 namespace nb::test {
 
@@ -17,9 +21,15 @@ struct ProgramRun {
 };
 
 // Runs build/nubella with the arguments, its application folder `home`, without a display.
-inline ProgramRun runProgram(const QString& home, const QStringList& arguments) {
+// `extraEnv` is added to its environment; `childSetup` runs in the child before the program
+// starts (a limit on the size of the files it may write).
+inline ProgramRun runProgram(const QString& home, const QStringList& arguments,
+                             const QProcessEnvironment& extraEnv = {},
+                             const std::function<void()>& childSetup = {}) {
     QProcess program;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(extraEnv);
+    if (childSetup) program.setChildProcessModifier(childSetup);
     env.insert("NUBELLA_HOME", home);
     env.remove("QT_QPA_PLATFORM"); // the command needs no display
     env.remove("DISPLAY");
@@ -31,6 +41,18 @@ inline ProgramRun runProgram(const QString& home, const QStringList& arguments) 
     const QString out = QString::fromUtf8(program.readAllStandardOutput()).trimmed();
     return {program.exitCode(), QString::fromUtf8(program.readAllStandardError()).trimmed(),
             out.isEmpty() ? QStringList() : out.split(u'\n')};
+}
+
+// For runProgram's childSetup: no file may grow past `bytes`, as on a full disk; a write past it
+// fails instead of ending the program.
+inline std::function<void()> fullDiskAt(rlim_t bytes) {
+    return [bytes] {
+        std::signal(SIGXFSZ, SIG_IGN);
+        rlimit limit{};
+        getrlimit(RLIMIT_FSIZE, &limit);
+        limit.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &limit);
+    };
 }
 
 // Runs each statement on the store file; the test fails on the first that fails.

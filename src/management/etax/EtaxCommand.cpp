@@ -6,6 +6,7 @@
 #include "storage/Stores.h"
 
 #include <QDir>
+#include <algorithm>
 
 namespace nb {
 namespace {
@@ -25,8 +26,13 @@ void reportLeftOut(const EtaxLeftOut& left) {
 
 } // namespace
 
-bool isExportEtaxCommand(int argc, char** argv) {
-    return hasCommandOption(argc, argv, "--export-etax");
+void registerEtaxCommand() {
+    registerCommandJob({QStringLiteral("--export-etax"),
+                        2,
+                        {QStringLiteral("--out"), QStringLiteral("--receipt")},
+                        {},
+                        kUsage,
+                        ExportEtaxCommand});
 }
 
 int ExportEtaxCommand(const QStringList& arguments) {
@@ -47,7 +53,11 @@ int ExportEtaxCommand(const QStringList& arguments) {
         sayLine(QStringLiteral("%1 ~ %2 기간에 발행한 세금계산서가 없습니다.").arg(from, to));
         return 1;
     }
-    if (!QDir().mkpath(folder)) {
+    // The folder is made only when a file is to go into it.
+    const bool anyGoes = std::any_of(invoices->cbegin(), invoices->cend(), [](const EtaxInvoice& invoice) {
+        return etaxProblems(invoice).isEmpty();
+    });
+    if (anyGoes && !QDir().mkpath(folder)) {
         sayLine(QStringLiteral("폴더를 만들 수 없습니다: ") + folder);
         return 1;
     }
@@ -65,11 +75,10 @@ int ExportEtaxCommand(const QStringList& arguments) {
                       .arg(result.assumedReceipts)
                       .arg(assumed == EtaxReceipt::Paid ? QStringLiteral("영수") : QStringLiteral("청구"),
                            receiptCode(assumed, assumed)));
-    if (result.files.isEmpty()) {
-        if (result.failures.isEmpty()) sayLine(QStringLiteral("파일로 보낼 수 있는 세금계산서가 없습니다."));
-        return 1;
-    }
-    return 0;
+    if (result.files.isEmpty() && result.failures.isEmpty())
+        sayLine(QStringLiteral("파일로 보낼 수 있는 세금계산서가 없습니다."));
+    // A file that could not be written fails the command, even when others were written.
+    return result.files.isEmpty() || !result.failures.isEmpty() ? 1 : 0;
 }
 
 } // namespace nb

@@ -1,6 +1,9 @@
 #include "management/etax/EtaxWorkbook.h"
 
 #include "core/Clock.h"
+#include "core/CommandLine.h"
+#include "core/WholeFile.h"
+#include "management/SpreadsheetFile.h"
 
 #include <QDir>
 #include <cmath>
@@ -114,14 +117,20 @@ QVariantList etaxRow(const EtaxInvoice& invoice, EtaxReceipt assumed) {
     return row;
 }
 
+// The workbook is written beside its target and takes its name only when whole.
 bool writeEtaxWorkbook(const QString& path, const QList<EtaxInvoice>& invoices, EtaxReceipt assumed,
                        const QStringList& guidance, QString* error) {
-    const QByteArray file = QDir::toNativeSeparators(path).toLocal8Bit();
-    lxw_workbook* book = workbook_new(file.constData());
-    if (!book) {
-        if (error) *error = QStringLiteral("파일을 만들 수 없습니다: ") + path;
+    auto fail = [error](const QString& why) {
+        if (error) *error = why;
         return false;
-    }
+    };
+    if (const QString refused = ownFileRefusal(path); !refused.isEmpty()) return fail(refused);
+    WholeOutput output(path);
+    WriteFailure why;
+    if (!output.begin(&why))
+        return fail(QStringLiteral("파일을 쓸 수 없습니다: %1 - %2").arg(path, why.sentence()));
+    lxw_workbook* book = workbook_new(QDir::toNativeSeparators(output.tempPath()).toLocal8Bit().constData());
+    if (!book) return fail(QStringLiteral("파일을 만들 수 없습니다: ") + path);
     lxw_worksheet* sheet = workbook_add_worksheet(book, kEtaxSheetName.toUtf8().constData());
     lxw_format* numberFormat = workbook_add_format(book);
     format_set_num_format(numberFormat, "#,##0");
@@ -136,12 +145,11 @@ bool writeEtaxWorkbook(const QString& path, const QList<EtaxInvoice>& invoices, 
             writeCell(sheet, kEtaxHeadingRow + r, c, row.at(c), numberFormat);
     }
     const lxw_error result = workbook_close(book);
-    if (result != LXW_NO_ERROR) {
-        if (error)
-            *error = QStringLiteral("파일을 쓸 수 없습니다: ") + path + QStringLiteral(" (") +
-                     QString::fromUtf8(lxw_strerror(result)) + QStringLiteral(")");
-        return false;
-    }
+    if (result != LXW_NO_ERROR)
+        return fail(QStringLiteral("파일을 쓸 수 없습니다: ") + path + QStringLiteral(" (") +
+                    QString::fromUtf8(lxw_strerror(result)) + QStringLiteral(")"));
+    if (!output.commit(isWholeXlsx, &why))
+        return fail(QStringLiteral("파일을 쓸 수 없습니다: %1 - %2").arg(path, why.sentence()));
     return true;
 }
 
