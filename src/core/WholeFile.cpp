@@ -162,7 +162,11 @@ bool writeWholeFile(const QString& target, const QByteArray& bytes, WriteFailure
 
 QString resolvedPath(const QString& path) {
     const QFileInfo info(path);
-    if (info.exists()) return info.canonicalFilePath();
+    // A pipe behind /dev/stdout has no name to resolve to; it is written by the name given.
+    if (info.exists()) {
+        const QString canonical = info.canonicalFilePath();
+        return canonical.isEmpty() ? QDir::cleanPath(info.absoluteFilePath()) : canonical;
+    }
     const QString folder = QFileInfo(info.absolutePath()).canonicalFilePath();
     return folder.isEmpty() ? QDir::cleanPath(info.absoluteFilePath()) : folder + u'/' + info.fileName();
 }
