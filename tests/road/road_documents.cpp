@@ -3,6 +3,7 @@
 // Checked in the stores and in the printed PDF.
 #include "RoadSteps.h"
 
+#include <QDate>
 #include <QDir>
 #include <QProcess>
 #include <QTest>
@@ -104,6 +105,49 @@ private Q_SLOTS:
         QVERIFY(printed.contains(QStringLiteral("볼트(M10)")));
         QVERIFY(printed.contains(QStringLiteral("4,091")));
         QVERIFY(printed.contains(QStringLiteral("₩4,500")));
+        QVERIFY2(desk.waitActive(mainWindowName(), 5000), seen(desk));
+    }
+    void theTotalsArePrintedAndTheTaxServiceSheetWritten() {
+        RoadDesk desk;
+        QVERIFY2(programUp(desk), seen(desk));
+        QVERIFY(seedParties(desk));
+        const QString day = QDate::currentDate().toString(u"yyyy-MM-dd");
+        QVERIFY(desk.exec(
+            QStringLiteral("dbTax.db"),
+            QStringLiteral("INSERT INTO NewAcount (TaxCode, CCode, PName, PNorm, Quantity, UnitCost, "
+                           "TradeKum, VatKum, DealDate, IssueDate, TradeDate, UserCode, Receipt) VALUES "
+                           "('100000', '000001', '볼트(M10)', '개', 3, 1500, 4091, 409, '%1', '', "
+                           "'%2', '1234567891', '영수')")
+                .arg(day, day.mid(5))));
+        desk.keys({QStringLiteral("alt+p"), QStringLiteral("s")}); // 출력 → 세금계산서 합계표
+        desk.settle(1500);
+        desk.key(QStringLiteral("alt+s")); // 검색(&S)
+        desk.settle(800);
+        desk.key(QStringLiteral("alt+p")); // 인쇄(&P)
+        QVERIFY2(desk.waitSaid(QStringLiteral("PDF 파일로 저장했습니다")), seen(desk));
+        desk.key(QStringLiteral("Return"));
+        const QString printed = newestPrint(desk);
+        QVERIFY(printed.contains(QStringLiteral("매출처별 세금계산서 합계표")));
+        QVERIFY(printed.contains(QStringLiteral("다라상회")));
+        QVERIFY(printed.contains(QStringLiteral("4,091")));
+
+        const QString sheetFolder = desk.home() + QStringLiteral("/hometax");
+        QVERIFY(QDir().mkpath(sheetFolder));
+        QVERIFY2(desk.waitActive(mainWindowName(), 5000), seen(desk));
+        desk.key(QStringLiteral("alt+h")); // 전자세금계산서 엑셀(&H)
+        QVERIFY2(desk.waitActive(QRegularExpression(QStringLiteral("저장 폴더"))), seen(desk));
+        desk.key(QStringLiteral("ctrl+a"));
+        typeAndEnter(desk, {sheetFolder});
+        QVERIFY2(desk.waitActive(QRegularExpression(QStringLiteral("작성 결과"))), seen(desk));
+        const QFileInfoList sheets = QDir(sheetFolder).entryInfoList({QStringLiteral("*.xlsx")}, QDir::Files);
+        QCOMPARE(sheets.size(), 1);
+        QProcess unzip;
+        unzip.start(QStringLiteral("unzip"), {QStringLiteral("-p"), sheets.first().filePath()});
+        QVERIFY(unzip.waitForFinished(10000));
+        const QString inside = QString::fromUtf8(unzip.readAllStandardOutput());
+        QVERIFY(inside.contains(QStringLiteral("다라상회")));
+        QVERIFY(inside.contains(QStringLiteral("2208134573")));
+        desk.key(QStringLiteral("alt+x")); // the result's 닫기(&X)
         QVERIFY2(desk.waitActive(mainWindowName(), 5000), seen(desk));
     }
 };
