@@ -133,9 +133,12 @@ void ReportQueryFailure(int errorNumber, const QString& description, const QStri
 }
 
 void ReportSaveFailure(const Database& db, const QString& headline) {
+    ReportSaveFailure(db.lastEngineCode(), db.lastErrorDescription(), headline);
+}
+
+void ReportSaveFailure(int engineCode, const QString& engineText, const QString& headline) {
     const QString first = headline.isEmpty() ? QStringLiteral("자료를 저장하지 못했습니다.") : headline;
-    ShowInfo(first + u'\r' + storeFaultText(db.lastEngineCode(), db.lastErrorDescription()) +
-                 QStringLiteral("\r\r") + db.lastErrorDescription(),
+    ShowInfo(first + u'\r' + storeFaultText(engineCode, engineText) + QStringLiteral("\r\r") + engineText,
              QStringLiteral("저장 오류"));
 }
 

@@ -237,6 +237,9 @@ bool isBusyCode(int engineCode);
 // The failure box of a save that did not happen: the headline, the cause in Korean, and the
 // engine's words under them.
 void ReportSaveFailure(const Database& db, const QString& headline = QString());
+// The same for a failure met outside the Database's own statements (a prepared statement run
+// for many rows): the engine's code and words as the statement gave them.
+void ReportSaveFailure(int engineCode, const QString& engineText, const QString& headline);
 // The statement as a failure box shows it: each ? outside quotes replaced by its value, text
 // between single quotes, numbers plain, a missing value as Null. For the eye only, never run.
 QString sqlForDisplay(const QString& sql, const QVariantList& values);

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <cstdio>
 #include <unistd.h>
 
 namespace nb {
@@ -301,8 +302,15 @@ bool createTable(Database& db, const TableDef& table) {
     return false;
 }
 
+bool isEmptyStoreFile(const QString& path) {
+    const QFileInfo file(path);
+    const QFileInfo journal(path + QStringLiteral("-wal"));
+    return file.isFile() && file.size() == 0 && (!journal.exists() || journal.size() == 0);
+}
+
 bool createStoreFile(const QString& path, const QList<TableDef>& tables) {
-    if (QFileInfo::exists(path)) return false;
+    const bool replacing = isEmptyStoreFile(path);
+    if (QFileInfo::exists(path) && !replacing) return false;
     QDir().mkpath(QFileInfo(path).absolutePath());
     // Built beside its place and moved in when complete, so that a half-made file never
     // passes for a store.
@@ -316,9 +324,19 @@ bool createStoreFile(const QString& path, const QList<TableDef>& tables) {
             ok = ok && createTable(db, table);
         ok = ok && db.commit();
     }
-    ok = ok && flushToDisk(building) && QFile::rename(building, path);
-    if (!ok) QFile::remove(building);
-    return ok;
+    // rename(2) puts the new file in place of an empty one in one step; the empty journal
+    // files an empty store may have beside it belong to nothing and go.
+    ok = ok && flushToDisk(building) &&
+         ::rename(QFile::encodeName(building).constData(), QFile::encodeName(path).constData()) == 0;
+    if (!ok) {
+        QFile::remove(building);
+        return false;
+    }
+    if (replacing)
+        for (const char* suffix : {"-wal", "-shm"})
+            if (QFileInfo(path + QLatin1String(suffix)).size() == 0)
+                QFile::remove(path + QLatin1String(suffix));
+    return true;
 }
 
 void CreateMissingStoreFiles() {
@@ -329,7 +347,8 @@ void CreateMissingStoreFiles() {
         {a.DbEstimateFile, estimateTables()}, {a.DbPostFile, postTables()},
     };
     for (const auto& [path, tables] : files)
-        if (!path.isEmpty() && !QFileInfo::exists(path)) createStoreFile(path, tables);
+        if (!path.isEmpty() && (!QFileInfo::exists(path) || isEmptyStoreFile(path)))
+            createStoreFile(path, tables);
 }
 
 } // namespace nb

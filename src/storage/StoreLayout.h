@@ -60,10 +60,14 @@ bool createTable(Database& db, const TableDef& table);
 QStringList wholeNumberTriggers(const QString& table);
 
 // Creates, for each store path of the application state that is set and names no existing
-// file, that file with its complete layout; InOutCash.db is created without tables. The file
-// appears whole or not at all. An existing file is never touched.
+// file or an empty one, that file with its complete layout; InOutCash.db is created without
+// tables. The file appears whole or not at all. A file with any content is never touched.
 void CreateMissingStoreFiles();
-// Creates one store file with the given tables; false when it exists or cannot be written.
+// Creates one store file with the given tables; false when a file with content is there or it
+// cannot be written. An empty file in its place is replaced.
 bool createStoreFile(const QString& path, const QList<TableDef>& tables);
+// A file of zero bytes with no journal content beside it: nothing was ever stored in it (a copy
+// or an installation cut short), so it is laid down like a missing one.
+bool isEmptyStoreFile(const QString& path);
 
 } // namespace nb

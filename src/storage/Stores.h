@@ -15,11 +15,12 @@ Stores& stores();
 // Closes everything (tests, and before the files are replaced).
 void closeStores();
 
-// Creates each store file named in the application state that does not exist yet, with its
-// complete layout (tables, columns in order, indexes). An existing file is not touched.
-// (Defined with the layout, storage/StoreLayout.cpp.)
+// Creates each store file named in the application state that does not exist yet or is empty
+// (zero bytes), with its complete layout (tables, columns in order, indexes). A file with
+// content is not touched. (Defined with the layout, storage/StoreLayout.cpp.)
 void CreateMissingStoreFiles();
-// Opens dbBasic, dbTax, dbBill in that order; the first failure ends with false.
+// Opens dbBasic, dbTax, dbBill in that order; the first failure ends with false. The start-up
+// road opens them through OpenWholeStores (storage/StoreCheck.h), each file on its own.
 bool OpenDatabases();
 // The upgrade steps, run at every start after OpenDatabases; an up-to-date store passes with
 // no statement run. UpgradeTables: BuyTax, BuyTotal, SaleTotal on dbTax when absent;
@@ -27,6 +28,9 @@ bool OpenDatabases();
 // and Product.Unit by DAO_AddField, each with its statement.
 void UpgradeTables();
 void UpgradeColumns();
+// Both upgrade steps as the start-up road runs them: each step on the stores that opened; a
+// store that did not open was named at its opening and is upgraded at the start that opens it.
+void UpgradeOpenStores();
 
 // The default supplier: fills rsUser() from User (the row of DefaultSerial, or all rows when
 // none is set or it is gone, after saying so and emptying "기본사업자"), sets DefaultCompany

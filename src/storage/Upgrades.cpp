@@ -71,31 +71,54 @@ void addWholeNumberTriggers(Database& db, const QString& table) {
 
 } // namespace
 
-void UpgradeTables() {
+namespace {
+
+// The table steps; with sayUnopened false a store that is not open is passed over silently.
+void upgradeTables(bool sayUnopened) {
     Stores& s = stores();
-    bool runUserStep = true;
-    if (storeIsOpen(s.dbTax, createStatements(tableDef(QStringLiteral("BuyTax"))).first())) {
+    bool runUserStep = sayUnopened || s.dbBasic.isOpen();
+    const bool taxOpen =
+        sayUnopened ? storeIsOpen(s.dbTax, createStatements(tableDef(QStringLiteral("BuyTax"))).first())
+                    : s.dbTax.isOpen();
+    if (taxOpen) {
         createTableWhenAbsent(s.dbTax, QStringLiteral("BuyTax"));
         createTableWhenAbsent(s.dbTax, QStringLiteral("BuyTotal"));
         createTableWhenAbsent(s.dbTax, QStringLiteral("SaleTotal"));
-        runUserStep = addInvoiceSupplierColumn(s.dbTax, s.dbBasic);
+        if (runUserStep) runUserStep = addInvoiceSupplierColumn(s.dbTax, s.dbBasic);
     }
     if (runUserStep) addSupplierPrimaryIndex(s.dbBasic);
     addWholeNumberTriggers(s.dbTax, QStringLiteral("SaleTotal"));
     addWholeNumberTriggers(s.dbTax, QStringLiteral("BuyTotal"));
 }
 
-void UpgradeColumns() {
+void upgradeColumns(bool sayUnopened) {
     Database& basic = stores().dbBasic;
-    DAO_AddField(basic, QStringLiteral("Trader"), QStringLiteral("HPhone"), dbText, 14, true,
-                 QStringLiteral("UPDATE Trader SET HPhone = ''"));
-    DAO_AddField(basic, QStringLiteral("Product"), QStringLiteral("Unit"), dbText, 10, true,
-                 QStringLiteral("UPDATE Product SET Unit = PNorm, PNorm = ''"));
+    if (sayUnopened || basic.isOpen()) {
+        DAO_AddField(basic, QStringLiteral("Trader"), QStringLiteral("HPhone"), dbText, 14, true,
+                     QStringLiteral("UPDATE Trader SET HPhone = ''"));
+        DAO_AddField(basic, QStringLiteral("Product"), QStringLiteral("Unit"), dbText, 10, true,
+                     QStringLiteral("UPDATE Product SET Unit = PNorm, PNorm = ''"));
+    }
     // 영수/청구 of each invoice, kept from this version on for the electronic invoice sheet;
     // the invoices issued before stay null (unknown), and whoever hands them on asks.
     Database& tax = stores().dbTax;
     if (tax.isOpen() && tax.hasTable(QStringLiteral("NewAcount")))
         DAO_AddField(tax, QStringLiteral("NewAcount"), QStringLiteral("Receipt"), dbText, 4, true, QString());
+}
+
+} // namespace
+
+void UpgradeTables() {
+    upgradeTables(true);
+}
+
+void UpgradeColumns() {
+    upgradeColumns(true);
+}
+
+void UpgradeOpenStores() {
+    upgradeTables(false);
+    upgradeColumns(false);
 }
 
 } // namespace nb
