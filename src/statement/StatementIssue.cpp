@@ -66,18 +66,29 @@ void PreviewStatement(QWidget* parent, const StatementPrintData& data, bool prin
     });
 }
 
-std::optional<StatementPrintData> storedStatementPrintData(const QString& billNo) {
+std::optional<StatementPrintData> storedStatementPrintData(const QString& billNo, QString* reason) {
+    auto fail = [&](const QString& why) {
+        if (reason) *reason = why;
+        return std::nullopt;
+    };
+    if (!stores().dbBill.isOpen())
+        return fail(QStringLiteral("거래명세표 자료 파일을 열지 못해 인쇄하지 않았습니다: ") +
+                    app().DbBillFile);
     Recordset rs;
     if (!OpenSnapshot(stores().dbBill, rs,
                       QStringLiteral("SELECT BillDate, CCode FROM Master WHERE BillNo = ?"), {billNo}) ||
         rs.EOF_())
-        return std::nullopt;
+        return fail(QStringLiteral("거래명세표 %1 이(가) 없습니다.").arg(billNo));
     StatementPrintData data;
     data.cCode = rs.text(QStringLiteral("CCode"));
     const QDate date = QDate::fromString(rs.text(QStringLiteral("BillDate")), Qt::ISODate);
     data.dateText = date.toString(QStringLiteral("yyyy년MM월dd일"));
     CloseRs(rs);
-    data.lines = ReadStatementLines(stores().dbBill, billNo).value_or(QList<StatementLine>());
+    // A statement whose lines cannot be read is not printed as an empty one.
+    std::optional<QList<StatementLine>> lines = ReadStatementLines(stores().dbBill, billNo);
+    if (!lines)
+        return fail(QStringLiteral("거래명세표 %1 의 품목을 읽지 못해 인쇄하지 않았습니다.").arg(billNo));
+    data.lines = std::move(*lines);
     double gong = 0, se = 0;
     for (const StatementLine& line : data.lines) {
         gong += line.amount;
@@ -105,8 +116,9 @@ int PrintStoredStatementToPdf(const QString& billNo, const QString& pdfPath, boo
         if (reason) *reason = why;
         return 1;
     };
-    const std::optional<StatementPrintData> data = storedStatementPrintData(billNo);
-    if (!data) return fail(QStringLiteral("거래명세표 %1 이(가) 없습니다.").arg(billNo));
+    QString unread;
+    const std::optional<StatementPrintData> data = storedStatementPrintData(billNo, &unread);
+    if (!data) return fail(unread);
     std::unique_ptr<PrintSurface> surface = makePdfSurface(pdfPath);
     if (!surface) return fail(QStringLiteral("PDF 파일을 만들 수 없습니다: ") + pdfPath);
     PrintJob job(std::move(surface), kPdfPrinterName, kStatementDocument);

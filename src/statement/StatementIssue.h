@@ -21,7 +21,8 @@ bool IssueStatement(const StatementPrintData& data, int dataRowCount, bool print
 void PreviewStatement(QWidget* parent, const StatementPrintData& data, bool printFrame);
 // The print data of a stored statement as the screen shows it after listing its lines: its own
 // date, no memo, no previous balance; the supplier and the two checks from the settings.
-std::optional<StatementPrintData> storedStatementPrintData(const QString& billNo);
+// Nothing when the statement or its lines cannot be read (reason, when given, says which).
+std::optional<StatementPrintData> storedStatementPrintData(const QString& billNo, QString* reason = nullptr);
 // `--print-statement`: 0, or 1 with a one-line reason.
 int PrintStoredStatementToPdf(const QString& billNo, const QString& pdfPath, bool printFrame,
                               QString* reason);
