@@ -7,6 +7,8 @@
 #include "core/AppState.h"
 #include "core/Clock.h"
 #include "core/Settings.h"
+#include "storage/StoreCheck.h"
+#include "storage/StoreLayout.h"
 #include "storage/Stores.h"
 #include "storage/UpdateBill.h"
 
@@ -106,15 +108,21 @@ bool LoadDecimalSettings() {
 
 void StartProgram() {
     ForceDateFormat(0);
-    // The old statement store conversion runs under the busy cursor, before the settings are read.
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    UpdateBill();
-    QApplication::restoreOverrideCursor();
     ReadSettings();
+    // The store files are laid down before anything reads them, so the old statement store's
+    // move always finds the store it moves into.
     CreateMissingStoreFiles();
-    OpenDatabases();  // a failure shows later, as "Data Base MDB가 선언되지 않았습니다."
-    UpgradeTables();
-    UpgradeColumns();
+    const QList<DamagedStore> damaged = CheckStoreFiles();
+    if (!isDamaged(damaged, app().DbBillFile)) {
+        // Under the busy cursor; a damaged statement store waits for its backup, and the old
+        // file stays until a start can move it.
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+        UpdateBill();
+        QApplication::restoreOverrideCursor();
+    }
+    OpenWholeStores(damaged);
+    ReportDamagedStores(damaged);
+    UpgradeOpenStores();
 }
 
 } // namespace nb

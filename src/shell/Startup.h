@@ -24,8 +24,9 @@ std::optional<int> toInteger16(const QString& text);
 // is not a number: the load stops there.
 bool LoadDecimalSettings();
 
-// The steps after the decimals: conversion hook, ReadSettings, the store files, the upgrades.
-// The splash is shown by the caller.
+// The steps after the decimals: ReadSettings; the store files laid down where missing or
+// empty and each checked on its own; the old statement store's move; the whole stores opened
+// and the damaged ones named in one box; the upgrades. The splash is shown by the caller.
 void StartProgram();
 
 } // namespace nb

@@ -194,7 +194,7 @@ private Q_SLOTS:
         StartProgram();
         QCOMPARE(seen->written, QStringList{"yyyy-MM-dd"});
     }
-    void anOldStatementFileIsMovedOnTheRoadBeforeTheSettingsAreRead() {
+    void anOldStatementFileIsMovedOnTheRoadBeforeTheStoresOpen() {
         test::TestHome home;
         test::script();
         installShortDate(QStringLiteral("yyyy-MM-dd"));
@@ -219,6 +219,41 @@ private Q_SLOTS:
         QSqlQuery q(stores().dbBill.connection());
         QVERIFY(q.exec(QStringLiteral("SELECT BillNo FROM Master")) && q.next());
         QCOMPARE(q.value(0).toString(), QStringLiteral("000001"));
+    }
+    void aFirstStartWithOnlyAnOldStatementFileMovesItWithoutAskingToReinstall() {
+        test::TestHome home;
+        installShortDate(QStringLiteral("yyyy-MM-dd"));
+        const QString folder = home.file(QStringLiteral("Dbs"));
+        QDir().mkpath(folder);
+        {
+            Database old;
+            QVERIFY(old.create(folder + QStringLiteral("/dbdetail.db")));
+            QVERIFY(
+                old.tryExecute(QStringLiteral("CREATE TABLE DealTitle (DealCode TEXT(6), DealDate TEXT(10), "
+                                              "TraderCode TEXT(6))")));
+            QVERIFY(old.tryExecute(
+                QStringLiteral("CREATE TABLE DealList (DealCode TEXT(6), PName TEXT(50), PNorm "
+                               "TEXT(50), Quant REAL, UnitCost REAL, SaleKum REAL, DC REAL)")));
+            QVERIFY(old.tryExecute(
+                QStringLiteral("INSERT INTO DealTitle VALUES ('000007', '2019-01-02', '000001')")));
+            QVERIFY(old.tryExecute(
+                QStringLiteral("INSERT INTO DealList VALUES ('000007', '볼트', 'EA', 2, 500, 1100, 0)")));
+        }
+        auto& msgs = test::script();
+        StartProgram();
+        for (const MessageRecord& box : msgs.boxes())
+            QVERIFY2(!box.text.contains(QStringLiteral("재설치")), qPrintable(box.text));
+        QCOMPARE(msgs.boxes().back().text, QStringLiteral("거래명세표 DB 업그레이드가 완료 되었습니다."));
+        QVERIFY(QFile::exists(folder + QStringLiteral("/dbDetail_bak.db")));
+        QSqlQuery q(stores().dbBill.connection());
+        QVERIFY(q.exec(QStringLiteral("SELECT m.BillNo, m.TotAmount, m.TotVat, d.PName FROM Master m "
+                                      "JOIN Detail d ON d.BillNo = m.BillNo")) &&
+                q.next());
+        QCOMPARE(q.value(0).toString(), QStringLiteral("000007"));
+        QCOMPARE(q.value(1).toDouble(), 1000.0);
+        QCOMPARE(q.value(2).toDouble(), 100.0);
+        QCOMPARE(q.value(3).toString(), QStringLiteral("볼트"));
+        QVERIFY(stores().dbBasic.isOpen() && stores().dbTax.isOpen());
     }
 };
 
