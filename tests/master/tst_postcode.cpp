@@ -66,9 +66,8 @@ private Q_SLOTS:
         const QString path = writeBook(home, "book.csv", "\xEF\xBB\xBF" + kSmallBook.toUtf8());
         QCOMPARE(ImportPostcodeFile(path), 4);
         QCOMPARE(msgs.last().title, kPostImportTitle);
-        QCOMPARE(msgs.last().text,
-                 QStringLiteral(
-                     "우편번호 4건을 가져왔습니다.\r\n우편번호가 여섯 자리가 아닌 1줄은 건너뛰었습니다."));
+        QCOMPARE(msgs.last().text, QStringLiteral("우편번호 4건을 가져왔습니다.\r\n우편번호가 여섯 자리가 "
+                                                  "아닌 1줄은 건너뛰었습니다 (6번째 줄)."));
         QVERIFY(!msgs.progressValues().isEmpty());
         const auto rows = SearchPostBook("");
         QCOMPARE(zips(rows), (QStringList{"100011", "135080", "135081", "612020"}));
