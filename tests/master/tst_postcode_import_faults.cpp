@@ -25,10 +25,16 @@ namespace {
 const QByteArray kHeader = "ZIPCODE,SIDO,GUGUN,DONG,BUNJI\n";
 
 // A book of `count` rows, postcodes from `first`, each town named with its number.
-QString book(int count, int first, const QString& town = QStringLiteral("역삼")) {
+QString book(int count, int first, const QString& town = QStringLiteral("역삼"),
+             const QString& more = QString()) {
     QString text = QString::fromUtf8(kHeader);
     for (int i = 0; i < count; ++i)
-        text += QStringLiteral("%1,서울,강남구,%2%3동,%4번지\n").arg(first + i).arg(town).arg(i).arg(i + 1);
+        text += QStringLiteral("%1,서울,강남구,%2%3동,%4번지%5\n")
+                    .arg(first + i)
+                    .arg(town)
+                    .arg(i)
+                    .arg(i + 1)
+                    .arg(more);
     return text;
 }
 
@@ -59,9 +65,11 @@ bool anyBoxSays(const ScriptedMessages& msgs, const QString& words) {
     return false;
 }
 
-// The copy on a full disk: files may not grow past 1 KiB, and a write past it fails instead of
-// ending the process. The postcode store is opened first, so its journal index is in place and
-// the import's own connection gets as far as its commit.
+// The copy on a full disk: files may not grow past 256 KiB, and a write past it fails instead of
+// ending the process. The postcode store is opened first, so its journal index is in place; the
+// new book's long house numbers make its commit larger than the work files the search index is
+// built in, so the disk runs out at the commit itself.
+constexpr rlim_t kFullDiskBytes = 256 * 1024;
 int importOnFullDisk(const QString& csv) {
     ScriptedMessages& msgs = scriptMessages();
     ReadSettings();
@@ -70,7 +78,7 @@ int importOnFullDisk(const QString& csv) {
     std::signal(SIGXFSZ, SIG_IGN);
     rlimit limit{};
     getrlimit(RLIMIT_FSIZE, &limit);
-    limit.rlim_cur = 1024;
+    limit.rlim_cur = kFullDiskBytes;
     setrlimit(RLIMIT_FSIZE, &limit);
     const int result = ImportPostcodeFile(csv);
     limit.rlim_cur = limit.rlim_max;
@@ -182,8 +190,10 @@ private Q_SLOTS:
         TestHome home;
         withBook(home, 300);
         closeStores();
+        // 100 rows of about 3 KB each: the save needs more than the disk has left.
         const QString csv =
-            writeFile(home, QStringLiteral("new.csv"), book(200, 500000, QStringLiteral("신림")).toUtf8());
+            writeFile(home, QStringLiteral("new.csv"),
+                      book(100, 500000, QStringLiteral("신림"), QString(1000, QChar(u'산'))).toUtf8());
         QProcess copy;
         copy.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--import-on-full-disk"), csv});
         QVERIFY(copy.waitForFinished(60000));

@@ -136,6 +136,12 @@ private Q_SLOTS:
         test::TestHome home;
         layDownStores();
         test::execOn(
+            app().DbBasicFile,
+            {QStringLiteral("INSERT INTO User (Company, Delegate, Serial) VALUES ('하르문상사', '홍길동', "
+                            "'123-45-67890')"),
+             QStringLiteral(
+                 "INSERT INTO Trader (Code, C_Name, Serial) VALUES ('000001', '가나철강', '234-56-78901')")});
+        test::execOn(
             app().DbBillFile,
             {QStringLiteral("INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, NumBill) "
                             "VALUES ('000001', '2024-05-10', '000001', 1000, 100, 1)"),
