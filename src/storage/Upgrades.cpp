@@ -69,10 +69,6 @@ void addWholeNumberTriggers(Database& db, const QString& table) {
         db.Execute(sql);
 }
 
-} // namespace
-
-namespace {
-
 // The table steps; with sayUnopened false a store that is not open is passed over silently.
 void upgradeTables(bool sayUnopened) {
     Stores& s = stores();
