@@ -197,9 +197,11 @@ void RoadDesk::keys(const QStringList& keyNames) const {
 }
 
 void RoadDesk::type(const QString& text) const {
+    // Hangul goes through a keycode xdotool maps for each character in turn: a slower pace lets
+    // the program read each one before the next remaps it.
     run(QStringLiteral("xdotool"),
         {QStringLiteral("type"), QStringLiteral("--clearmodifiers"), QStringLiteral("--delay"),
-         QStringLiteral("60"), text},
+         QStringLiteral("100"), text},
         30000);
     settle(150);
 }
