@@ -5,11 +5,11 @@
 #include "common/dates/DateBox.h"
 #include "core/Clock.h"
 #include "core/ScreenRegistry.h"
-#include "shell/Nubella.h"
 #include "invoice/FrmTax.h"
 #include "invoice/InvoiceScreens.h"
 #include "master/FrmUser.h"
 #include "master/MasterScreens.h"
+#include "shell/Nubella.h"
 
 #include <QCheckBox>
 #include <QLineEdit>
@@ -99,6 +99,18 @@ void registerSupplierInNextScreen(bool* seen) {
     });
 }
 
+// A supplier and the trader 00001 (다라상회); with a statement of today when asked.
+bool addTraderToHandOver(bool withStatement) {
+    test::addSupplier({QStringLiteral("123-45-67891"), QStringLiteral("가나상사"), QStringLiteral("김가나"),
+                       QString(), QString(), QString(), QString(), QString()});
+    return test::addTraderRow(QStringLiteral("00001"),
+                              {QStringLiteral("222-33-44444"), QStringLiteral("다라상회"), QString(),
+                               QString(), QString(), QString(), QString(), QString()}) &&
+           (!withStatement ||
+            test::addStatement(QStringLiteral("000001"), today().toString(u"yyyy-MM-dd"),
+                               QStringLiteral("00001"), {{QStringLiteral("볼트"), 5000, 500}}));
+}
+
 } // namespace
 
 class TestInvoiceActivation : public QObject {
@@ -148,14 +160,8 @@ private Q_SLOTS:
     void comingBackFromAnotherProgramKeepsTheLineTypedOverTheSummary() {
         MainWindow w;
         test::script();
-        test::addSupplier({QStringLiteral("123-45-67891"), QStringLiteral("가나상사"),
-                           QStringLiteral("김가나"), QString(), QString(), QString(), QString(), QString()});
-        QVERIFY(test::addTraderRow(QStringLiteral("00001"), {QStringLiteral("222-33-44444"),
-                                                              QStringLiteral("다라상회"), QString(), QString(),
-                                                              QString(), QString(), QString(), QString()}));
+        QVERIFY(addTraderToHandOver(true));
         const QString day = today().toString(u"yyyy-MM-dd");
-        QVERIFY(test::addStatement(QStringLiteral("000001"), day, QStringLiteral("00001"),
-                                   {{QStringLiteral("볼트"), 5000, 500}}));
         FrmTax* tax = w.handOver(QStringLiteral("00001"), day);
         QVERIFY(tax);
         QCOMPARE(tax->pummok(0)->text(), QStringLiteral("볼트"));
@@ -168,11 +174,7 @@ private Q_SLOTS:
     void comingBackFromAnotherProgramAsksNothingWhenNothingWasSummed() {
         MainWindow w;
         auto& msgs = test::script();
-        test::addSupplier({QStringLiteral("123-45-67891"), QStringLiteral("가나상사"),
-                           QStringLiteral("김가나"), QString(), QString(), QString(), QString(), QString()});
-        QVERIFY(test::addTraderRow(QStringLiteral("00001"), {QStringLiteral("222-33-44444"),
-                                                              QStringLiteral("다라상회"), QString(), QString(),
-                                                              QString(), QString(), QString(), QString()}));
+        QVERIFY(addTraderToHandOver(false));
         QVERIFY(w.handOver(QStringLiteral("00001"), today().toString(u"yyyy-MM-dd")));
         const auto nothingSummed = [&] {
             int n = 0;
@@ -188,14 +190,8 @@ private Q_SLOTS:
     void theMenuEntryChosenAgainAfterAHandOverKeepsTheTypedLine() {
         MainWindow w;
         test::script();
-        test::addSupplier({QStringLiteral("123-45-67891"), QStringLiteral("가나상사"),
-                           QStringLiteral("김가나"), QString(), QString(), QString(), QString(), QString()});
-        QVERIFY(test::addTraderRow(QStringLiteral("00001"), {QStringLiteral("222-33-44444"),
-                                                              QStringLiteral("다라상회"), QString(), QString(),
-                                                              QString(), QString(), QString(), QString()}));
+        QVERIFY(addTraderToHandOver(true));
         const QString day = today().toString(u"yyyy-MM-dd");
-        QVERIFY(test::addStatement(QStringLiteral("000001"), day, QStringLiteral("00001"),
-                                   {{QStringLiteral("볼트"), 5000, 500}}));
         FrmTax* tax = w.handOver(QStringLiteral("00001"), day);
         QVERIFY(tax);
         tax->pummok(0)->setText(QStringLiteral("손으로 쓴 품목"));

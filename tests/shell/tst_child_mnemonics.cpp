@@ -78,6 +78,11 @@ struct Desk {
         window.menuAction(control)->trigger();
         QTest::qWait(30);
     }
+    // The totals-like screen in front, the focus in a box that holds no letter.
+    void openTotals() {
+        open(QStringLiteral("mnu_InvoiceTotal"));
+        totals->other->setFocus();
+    }
     void alt(Qt::Key key) {
         QWidget* at = QApplication::focusWidget() ? QApplication::focusWidget() : &window;
         test::pressKey(at, key, Qt::AltModifier);
@@ -102,15 +107,34 @@ bool keptFromTheMenu(int key) {
     return override.isAccepted();
 }
 
-void registerEveryScreen() {
-    clearScreenRegistry();
-    registerMasterScreens();
-    registerInvoiceScreens();
-    registerStatementScreens();
-    registerQuotationScreens();
-    registerManagementScreens();
-    registerLinkScreens();
-}
+// The main window with every screen of the program registered and a supplier in place, so
+// that no screen asks for the registration on opening.
+struct ProgramDesk {
+    test::TestHome home;
+    Nubella window;
+    ProgramDesk() {
+        clearScreenRegistry();
+        registerMasterScreens();
+        registerInvoiceScreens();
+        registerStatementScreens();
+        registerQuotationScreens();
+        registerManagementScreens();
+        registerLinkScreens();
+        window.refreshMenuState();
+        if (!window.load(false) ||
+            !test::exec(stores().dbBasic,
+                        QStringLiteral("INSERT INTO User (Company, Delegate, Serial, Post, Addr) "
+                                       "VALUES ('가나상사', '김가나', '1234567891', '', '')")))
+            qFatal("the program's stores did not open");
+        test::showActive(&window);
+    }
+    ~ProgramDesk() { clearScreenRegistry(); }
+    QWidget* open(const QString& control) {
+        window.menuAction(control)->trigger();
+        QTest::qWait(50);
+        return window.childScreen(control);
+    }
+};
 
 } // namespace
 
@@ -131,16 +155,14 @@ private Q_SLOTS:
     void altSSearchesInsteadOfTheMenusHelp() {
         Desk d;
         QSignalSpy signInfo(d.window.menuAction(QStringLiteral("mnuSignInfo")), &QAction::triggered);
-        d.open(QStringLiteral("mnu_InvoiceTotal"));
-        d.totals->other->setFocus();
+        d.openTotals();
         d.alt(Qt::Key_S);
         QCOMPARE(d.totals->searched, 1);
         QCOMPARE(signInfo.count(), 0);
     }
     void altPPrintsInsteadOfDroppingTheOutputMenu() {
         Desk d;
-        d.open(QStringLiteral("mnu_InvoiceTotal"));
-        d.totals->other->setFocus();
+        d.openTotals();
         d.alt(Qt::Key_P);
         QCOMPARE(d.totals->printed, 1);
         QVERIFY(!QApplication::activePopupWidget());
@@ -148,16 +170,14 @@ private Q_SLOTS:
     void altHExportsInsteadOfAskingAboutTheHomePage() {
         Desk d;
         QSignalSpy home(d.window.menuAction(QStringLiteral("mnuHome")), &QAction::triggered);
-        d.open(QStringLiteral("mnu_InvoiceTotal"));
-        d.totals->other->setFocus();
+        d.openTotals();
         d.alt(Qt::Key_H);
         QCOMPARE(d.totals->exported, 1);
         QCOMPARE(home.count(), 0);
     }
     void aLabelsLetterMovesTheFocusToItsBoxAndACheckBoxsLetterTicksIt() {
         Desk d;
-        d.open(QStringLiteral("mnu_InvoiceTotal"));
-        d.totals->other->setFocus();
+        d.openTotals();
         d.alt(Qt::Key_N);
         QCOMPARE(QApplication::focusWidget(), d.totals->name);
         d.alt(Qt::Key_A);
@@ -165,8 +185,7 @@ private Q_SLOTS:
     }
     void aLetterNoChildControlHoldsOpensTheMainMenu() {
         Desk d;
-        d.open(QStringLiteral("mnu_InvoiceTotal"));
-        d.totals->other->setFocus();
+        d.openTotals();
         QVERIFY(!childMnemonicTarget(d.totals, Qt::Key_F));
         d.alt(Qt::Key_F);
         QTRY_VERIFY(QApplication::activePopupWidget() != nullptr);
@@ -175,8 +194,7 @@ private Q_SLOTS:
     }
     void altAloneOpensTheMenuBarEvenWhenTheScreenHoldsItsLetters() {
         Desk d;
-        d.open(QStringLiteral("mnu_InvoiceTotal"));
-        d.totals->other->setFocus();
+        d.openTotals();
         QTest::keyPress(d.totals->other, Qt::Key_Alt, Qt::AltModifier);
         QTest::keyRelease(d.totals->other, Qt::Key_Alt);
         QTRY_VERIFY(QApplication::activePopupWidget() != nullptr);
@@ -186,8 +204,7 @@ private Q_SLOTS:
     }
     void altWithALetterBetweenOpensNoMenu() {
         Desk d;
-        d.open(QStringLiteral("mnu_InvoiceTotal"));
-        d.totals->other->setFocus();
+        d.openTotals();
         QTest::keyPress(d.totals->other, Qt::Key_Alt, Qt::AltModifier);
         QTest::keyClick(d.totals->other, Qt::Key_P, Qt::AltModifier);
         QTest::keyRelease(d.totals->other, Qt::Key_Alt);
@@ -216,52 +233,32 @@ private Q_SLOTS:
         QVERIFY(!childMnemonicTarget(&screen, Qt::Key_Q));
     }
     void everyChildScreensLettersAreItsOwn() {
-        test::TestHome home;
         test::script();
-        registerEveryScreen();
-        Nubella window;
-        window.refreshMenuState();
-        QVERIFY(window.load(false));
-        // A registered supplier: no screen asks for the registration on opening.
-        QVERIFY(test::exec(stores().dbBasic,
-                           QStringLiteral("INSERT INTO User (Company, Delegate, Serial, Post, Addr) "
-                                          "VALUES ('가나상사', '김가나', '1234567891', '', '')")));
-        test::showActive(&window);
+        ProgramDesk d;
         const QStringList screens{QStringLiteral("mnu_거래명세표"), QStringLiteral("mnu_InvoiceForm"),
                                   QStringLiteral("mnu_InvoiceTotal"), QStringLiteral("mnu_Estimate"),
                                   QStringLiteral("mnu_SMS")};
         for (const QString& control : screens) {
-            window.menuAction(control)->trigger();
-            QTest::qWait(50);
-            QWidget* screen = window.childScreen(control);
+            QWidget* screen = d.open(control);
             QVERIFY2(screen, qPrintable(control));
-            QCOMPARE(window.mdiArea()->activeSubWindow()->widget(), screen);
+            QCOMPARE(d.window.mdiArea()->activeSubWindow()->widget(), screen);
             const std::set<int> letters = underlinedLetters(screen);
             QVERIFY2(!letters.empty(), qPrintable(control));
             for (int key : letters)
                 QVERIFY2(keptFromTheMenu(key), qPrintable(control + u' ' + QChar(key)));
         }
-        clearScreenRegistry();
     }
     void altXOnTheTotalsScreenClosesItAndTheProgramStays() {
-        test::TestHome home;
         test::script();
-        registerEveryScreen();
-        Nubella window;
-        window.refreshMenuState();
-        QVERIFY(window.load(false));
-        test::showActive(&window);
-        QSignalSpy exits(window.menuAction(QStringLiteral("mnuExit")), &QAction::triggered);
-        window.menuAction(QStringLiteral("mnu_InvoiceTotal"))->trigger();
-        QTest::qWait(50);
-        QPointer<QWidget> totals = window.childScreen(QStringLiteral("mnu_InvoiceTotal"));
+        ProgramDesk d;
+        QSignalSpy exits(d.window.menuAction(QStringLiteral("mnuExit")), &QAction::triggered);
+        QPointer<QWidget> totals = d.open(QStringLiteral("mnu_InvoiceTotal"));
         QVERIFY(totals);
         test::pressKey(QApplication::focusWidget() ? QApplication::focusWidget() : totals.data(), Qt::Key_X,
                        Qt::AltModifier);
         QTRY_VERIFY(!totals || !totals->isVisible());
         QCOMPARE(exits.count(), 0);
-        QVERIFY(window.isVisible());
-        clearScreenRegistry();
+        QVERIFY(d.window.isVisible());
     }
 };
 
