@@ -56,10 +56,10 @@ QString inputHint(int index) {
     }
 }
 
-// A focus change that only comes from another window (a box or a list closing) is no move of
-// the operator inside this screen.
-bool movedWithin(const QWidget* from, const QWidget* form) {
-    return from && from->window() == form->window();
+// A focus change to another window (a box, a list, another program) is no move of the operator
+// inside this screen.
+bool movedWithin(const QWidget* to, const QWidget* form) {
+    return to && to->window() == form->window();
 }
 
 } // namespace
@@ -248,14 +248,22 @@ void FrmEstimate::SaveHead(bool IsNew) {
 
 // ---- the grid takes and loses the focus ------------------------------------------------------
 
-void FrmEstimate::onFocusChanged(QWidget* old, QWidget* now) {
+// The grid takes the focus when it gets it from anywhere while it did not hold the screen's
+// focus: from a box of this screen, from the delivery date box whose failure message had the
+// focus, or from another window. It gives it up only to another control of this window; a box
+// or another program borrowing the focus does not, so coming back is no new entry.
+void FrmEstimate::onFocusChanged(QWidget*, QWidget* now) {
     const auto inGrid = [this](const QWidget* w) {
         return w && (w == grdEstimate || grdEstimate->isAncestorOf(w));
     };
-    if (inGrid(now) && !inGrid(old) && movedWithin(old, this))
+    if (inGrid(now)) {
+        if (m_gridHasFocus) return;
+        m_gridHasFocus = true;
         gridFocusIn();
-    else if (inGrid(old) && !inGrid(now) && movedWithin(now, this))
+    } else if (m_gridHasFocus && movedWithin(now, this)) {
+        m_gridHasFocus = false;
         gridFocusOut();
+    }
 }
 
 void FrmEstimate::gridFocusIn() {

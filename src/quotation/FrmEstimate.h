@@ -131,6 +131,7 @@ private:
     bool m_isDeleting = false;
     bool m_skipEdit = false;
     bool m_storeOpen = false;
+    bool m_gridHasFocus = false; // the grid holds the screen's focus (a box may borrow it)
     bool m_unloaded = false; // btnExit let the screen go: the next showing loads it afresh
 };
 

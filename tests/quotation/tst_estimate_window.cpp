@@ -1,0 +1,120 @@
+// The quotation screen as it lives in a real window: boxes that take the focus and give it back
+// later, the screen closed by its title bar and opened again from the menu, its preview and its
+// width.
+#include "EstimateScreenKit.h"
+#include "FocusTakingBoxes.h"
+#include "common/dates/DateBox.h"
+
+#include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QRadioButton>
+
+using namespace nb;
+using test::enterHere;
+
+namespace {
+
+int lines() {
+    return test::estimateRows(QStringLiteral("Estimate"));
+}
+int heads() {
+    return test::estimateRows(QStringLiteral("EstiBase"));
+}
+
+// The head typed by keys up to the delivery date box, as an operator writes a new quotation.
+void typeHeadUpToDeliveryDate(FrmEstimate& f) {
+    test::chooseTrader(f, QStringLiteral("가나"));
+    test::typeText(f.txtinput[1], QStringLiteral("사무용품"));
+    enterHere();
+    enterHere(); // 참조인
+    enterHere(); // 견적금액
+    test::typeText(f.txtinput[4], QStringLiteral("4개월"));
+    enterHere();
+    test::typeText(f.txtinput[5], QStringLiteral("현금"));
+    enterHere();
+    enterHere(); // 견적일자
+    QCOMPARE(test::focused(), f.txtDate[1]);
+}
+
+// The screen in a work area as the main window holds its child screens: closing the frame
+// only hides it, and the menu shows the same screen again.
+struct ScreenInWorkArea {
+    test::TestHome home;
+    QMdiArea area;
+    FrmEstimate* form = nullptr;
+    QMdiSubWindow* frame = nullptr;
+    ScreenInWorkArea() {
+        test::fixClock();
+        test::openStores();
+        test::addScreenData();
+        test::installStoreLookups();
+        app().DecimalQty = 0;
+        area.resize(1024, 700);
+        test::showActive(&area);
+        form = new FrmEstimate;
+        frame = area.addSubWindow(form);
+        frame->setAttribute(Qt::WA_DeleteOnClose, false);
+        reopen();
+    }
+    void reopen() {
+        frame->show();
+        form->show();
+        area.setActiveSubWindow(frame);
+        QTest::qWait(10);
+    }
+    ~ScreenInWorkArea() { setClock({}); }
+};
+
+} // namespace
+
+class TestEstimateWindow : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void headIsSavedWhenTheGridGetsTheFocusBackFromTheDeliveryDateBox() {
+        test::EstimateScreen screen;
+        FrmEstimate& f = screen.open();
+        auto& s = test::scriptFocusTakingBoxes();
+        typeHeadUpToDeliveryDate(f);
+        s.answer(AnsOk);  // 견적서의 납품예정일을 변경하는 중 오류가 발생했습니다.
+        s.answer(AnsYes); // 입력하신 내용을 저장하시겠습니까?
+        enterHere();
+        test::settleFocus();
+        QVERIFY(s.focusTaken() >= 1);
+        QCOMPARE(s.boxes().at(0).text, QStringLiteral("견적서의 납품예정일을 변경하는 중 오류가 발생했습니다."));
+        QCOMPARE(int(s.boxes().size()), 2);
+        QCOMPARE(s.boxes().at(1).text, QStringLiteral("입력하신 내용을 저장하시겠습니까?"));
+        QCOMPARE(heads(), 1);
+        QCOMPARE(test::scalar(stores().dbEstimate, QStringLiteral("SELECT Validate FROM EstiBase")).toString(),
+                 QStringLiteral("4개월"));
+        QVERIFY(test::focused() == f.grdEstimate || f.grdEstimate->isAncestorOf(test::focused()));
+        // The first line is stored under a head that exists.
+        test::lookupLog().chooseOnShow = QStringLiteral("000001");
+        enterHere();
+        test::settleFocus();
+        QCOMPARE(lines(), 1);
+        QCOMPARE(heads(), 1);
+    }
+
+    void aBoxBorrowingTheFocusFromTheGridIsNoNewEntry() {
+        test::EstimateScreen screen;
+        FrmEstimate& f = screen.open();
+        auto& s = test::script();
+        test::chooseTrader(f, QStringLiteral("가나"));
+        s.answer(AnsYes);
+        f.grdEstimate->setFocus();
+        QCOMPARE(heads(), 1);
+        f.grdEstimate->SetActiveCell(ColUnit, 3);
+        // Another window takes the focus and gives it back: the cursor stays where it was and
+        // nothing is asked or written again.
+        test::takeFocusAway();
+        test::settleFocus();
+        QVERIFY(f.grdEstimate->isAncestorOf(test::focused()) || test::focused() == f.grdEstimate);
+        QCOMPARE(int(s.boxes().size()), 1);
+        QCOMPARE(f.grdEstimate->ActiveRow(), 3); // not sent back to the row after the last line
+        QCOMPARE(f.grdEstimate->ActiveCol(), int(ColPName));
+    }
+};
+
+NB_TEST_MAIN(TestEstimateWindow)
+#include "tst_estimate_window.moc"
