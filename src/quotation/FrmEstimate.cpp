@@ -97,10 +97,27 @@ void FrmEstimate::loadForm() {
     SetFloatCell(*grdEstimate, ColPrice, app().DecimalQty, true);
 }
 
+// However the screen is closed (종료, Esc, the title bar), it is unloaded: the next showing
+// loads it afresh, with its store opened again.
 void FrmEstimate::closeEvent(QCloseEvent* event) {
+    unload();
+    QWidget::closeEvent(event);
+}
+
+// The store closes and the screen lets go of all it held, the terms of the last quotation too.
+void FrmEstimate::unload() {
     if (m_storeOpen) stores().dbEstimate.close();
     m_storeOpen = false;
-    QWidget::closeEvent(event);
+    ClearForm();
+    for (QLineEdit* box : txtinput)
+        box->clear();
+    txtFind->clear();
+    txtPCode->clear();
+    pnlFunction->clear();
+    clearGrid();
+    m_lineCount = 0;
+    m_gridHasFocus = false;
+    m_unloaded = true;
 }
 
 void FrmEstimate::showNextCode() {
@@ -114,13 +131,6 @@ void FrmEstimate::showNextCode() {
 
 void FrmEstimate::btnExit_Click() {
     openScreen(QStringLiteral("mnu_거래명세표"));
-    // The screen is let go of: its store closes, and the next opening loads it afresh.
-    if (m_storeOpen) stores().dbEstimate.close();
-    m_storeOpen = false;
-    ClearForm();
-    clearGrid();
-    m_lineCount = 0;
-    m_unloaded = true;
     auto* frame = qobject_cast<QMdiSubWindow*>(parentWidget());
     if (frame)
         frame->close();
@@ -425,6 +435,7 @@ bool FrmEstimate::dateEvent(int index, QEvent* event) {
     if (event->type() == QEvent::FocusOut) {
         const auto reason = static_cast<QFocusEvent*>(event)->reason();
         if (reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason) return false;
+        if (m_unloaded) return false; // the screen is closing: nothing is checked or written
         pnlFunction->clear();
         if (index == 0) {
             if (!IsDate(box->dateText())) {

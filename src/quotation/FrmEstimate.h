@@ -99,6 +99,7 @@ private:
     void connectControls();
     // FrmEstimate.cpp
     void loadForm();
+    void unload();
     void showNextCode();
     bool formKey(int key);
     bool inputKey(int index, int key);
@@ -132,7 +133,7 @@ private:
     bool m_skipEdit = false;
     bool m_storeOpen = false;
     bool m_gridHasFocus = false; // the grid holds the screen's focus (a box may borrow it)
-    bool m_unloaded = false; // btnExit let the screen go: the next showing loads it afresh
+    bool m_unloaded = false; // the screen was closed: the next showing loads it afresh
 };
 
 } // namespace nb

@@ -114,6 +114,46 @@ private Q_SLOTS:
         QCOMPARE(f.grdEstimate->ActiveRow(), 3); // not sent back to the row after the last line
         QCOMPARE(f.grdEstimate->ActiveCol(), int(ColPName));
     }
+
+    void closedByTheTitleBarTheScreenOpensAgainWithItsStore() {
+        ScreenInWorkArea w;
+        auto& s = test::script();
+        QVERIFY(stores().dbEstimate.isOpen());
+        w.frame->close(); // the title bar's X
+        QVERIFY(!w.frame->isVisible());
+        w.reopen();
+        QVERIFY(stores().dbEstimate.isOpen());
+        QCOMPARE(w.form->pnlCode->text(), QStringLiteral("202405001"));
+        // Searches and saves work again.
+        test::chooseTrader(*w.form, QStringLiteral("가나"));
+        s.answer(AnsYes);
+        w.form->grdEstimate->setFocus();
+        QCOMPARE(heads(), 1);
+        for (const MessageRecord& box : s.boxes())
+            QVERIFY2(!box.text.contains(QStringLiteral("MDB")), qPrintable(box.text));
+    }
+
+    void afterExitAndReopeningTheTermsDoNotCarryOver() {
+        ScreenInWorkArea w;
+        auto& s = test::script();
+        FrmEstimate& f = *w.form;
+        test::chooseTrader(f, QStringLiteral("가나"));
+        f.txtinput[4]->setText(QStringLiteral("4개월"));
+        f.txtinput[5]->setText(QStringLiteral("현금"));
+        f.txtFind->setText(QStringLiteral("가나"));
+        s.answer(AnsYes);
+        f.grdEstimate->setFocus();
+        f.txtinput[1]->setFocus();
+        test::pressKey(f.txtinput[1], Qt::Key_Escape); // 종료
+        QVERIFY(!w.frame->isVisible());
+        w.reopen();
+        for (int i = 0; i < 6; ++i)
+            QCOMPARE(f.txtinput[size_t(i)]->text(), QString());
+        QCOMPARE(f.txtFind->text(), QString());
+        QCOMPARE(f.txtCCode->text(), QString());
+        QCOMPARE(f.pnlCode->text(), QStringLiteral("202405002"));
+        QVERIFY(f.OptVat[1]->isChecked());
+    }
 };
 
 NB_TEST_MAIN(TestEstimateWindow)
