@@ -3,9 +3,9 @@
 #include "common/text/MoneyWords.h"
 #include "common/text/NumberFormat.h"
 #include "common/text/Rounding.h"
+#include "common/text/StoredNumber.h"
 
 #include <cmath>
-#include <limits>
 
 namespace nb {
 
@@ -21,22 +21,29 @@ double plainNumber(const QString& text) {
 
 LineAmount lineAmount(const QString& quantityText, const QString& priceText) {
     LineAmount line;
-    line.price = qint32(CLng(float(plainNumber(priceText))));
+    const double price = RoundHalfEven(double(float(plainNumber(priceText))));
     line.quantity = float(plainNumber(quantityText));
-    line.amount = double(line.quantity) * double(line.price);
-    line.storedAmount = qint32(CLng(line.amount));
+    line.amount = double(line.quantity) * price;
+    const double stored = RoundHalfEven(line.amount);
+    line.fits = fitsColumn(price, NumberColumn::Long) && fitsColumn(stored, NumberColumn::Long);
+    if (!line.fits) return line;
+    line.price = qint32(price);
+    line.storedAmount = qint32(stored);
     return line;
 }
 
 std::optional<qint32> linesTotal(const QList<TotalRow>& rows) {
-    qint64 total = 0;
+    const auto long32 = [](double value) { return fitsColumn(value, NumberColumn::Long); };
+    double total = 0; // every step is a whole number well inside a double's exact range
     for (const TotalRow& row : rows) {
         if (row.name.isEmpty()) break;
-        const qint64 price = CLng(plainNumber(row.price));
-        const qint64 quantity = CLng(plainNumber(row.quantity));
-        total += price * quantity;
-        if (total > std::numeric_limits<qint32>::max() || total < std::numeric_limits<qint32>::min())
-            return std::nullopt;
+        const double price = RoundHalfEven(plainNumber(row.price));
+        const double quantity = RoundHalfEven(plainNumber(row.quantity));
+        if (!long32(price) || !long32(quantity)) return std::nullopt;
+        const double product = price * quantity;
+        if (!long32(product)) return std::nullopt;
+        total += product;
+        if (!long32(total)) return std::nullopt;
     }
     return qint32(total);
 }

@@ -16,12 +16,15 @@ QString showNumber(double value);
 
 // A line rewritten from its quantity and price texts (commas allowed): the price is read as a
 // 32-bit float and rounded half to even to a whole number; the amount is quantity times that
-// price in 64-bit floats, and is stored rounded half to even to a 32-bit integer.
+// price in 64-bit floats, and is stored rounded half to even to a 32-bit integer. A price or an
+// amount that a 32-bit integer cannot hold is the overflow: `fits` is false and the line is
+// not to be stored.
 struct LineAmount {
     float quantity = 0;
     qint32 price = 0;
     double amount = 0;
     qint32 storedAmount = 0;
+    bool fits = true;
 };
 LineAmount lineAmount(const QString& quantityText, const QString& priceText);
 
@@ -33,8 +36,9 @@ struct TotalRow {
 };
 // The total of the lines: rows from the first while the name is not empty, each adding the
 // price rounded to a whole number times the quantity rounded to a whole number, in 32-bit
-// integers (so 1.5 at 1,000 adds 2,000, not the line's 1,500). Nothing when it passes the 32-bit
-// range (the overflow of the original arithmetic).
+// integers (so 1.5 at 1,000 adds 2,000, not the line's 1,500). Nothing when a rounded value, a
+// product or the running sum passes the 32-bit range: each step is 32 bits wide, so a product
+// past it is the overflow even when later lines would bring the sum back.
 std::optional<qint32> linesTotal(const QList<TotalRow>& rows);
 
 // txtinput(3) after a recalculation or a deleted line: "#,###,###" or "0", and one blank.

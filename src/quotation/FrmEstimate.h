@@ -75,7 +75,8 @@ public:
     void SearchProduct(int Row, bool& Found);
     void SaveHead(bool IsNew);
     void SaveLine(int Row);
-    void RecalcLine(const QString& SeqText, int Row);
+    // False when the overflow refused the line: nothing was stored.
+    bool RecalcLine(const QString& SeqText, int Row);
     // F5: the whole quotation with its lines, in one transaction.
     void DeleteWhole();
     // Enter in txtinput(0): the trader list, or a new trader.

@@ -4,6 +4,7 @@
 #include "common/grid/MduSpread.h"
 #include "common/text/NumberFormat.h"
 #include "common/text/Rounding.h"
+#include "common/text/StoredNumber.h"
 #include "invoice/InvoiceAmounts.h"
 #include "invoice/InvoiceLookups.h"
 #include "master/EntryForm.h"
@@ -164,17 +165,23 @@ void FrmEstimate::onEditMode(int col, int row, int mode, bool) {
         m_estimate->lSeq = qint32(cell(ColSeq, row).toInt());
         m_estimate->sUnit = cell(ColUnit, row);
         m_estimate->UpdateUnit();
-    } else if (col == ColAmount) {
-        RecalcLine(cell(ColSeq, row), row);
-    } else if (col == ColPrice) {
-        if (!cell(ColPrice, row).isEmpty())
+    } else if (col == ColAmount || col == ColPrice) {
+        if (col == ColPrice && !cell(ColPrice, row).isEmpty())
             setCell(ColPrice, row, showNumber(plainNumber(cell(ColPrice, row))));
-        RecalcLine(cell(ColSeq, row), row);
+        if (!RecalcLine(cell(ColSeq, row), row)) setCell(col, row, m_oldCell); // refused: as it was
     }
 }
 
-void FrmEstimate::RecalcLine(const QString& SeqText, int Row) {
+// The line and the total are worked out before anything is written: an amount or a total that
+// 32 bits cannot hold is the overflow, and then nothing is stored and the screen keeps its
+// figures, so the line, its amount and the total never disagree.
+bool FrmEstimate::RecalcLine(const QString& SeqText, int Row) {
     const LineAmount line = lineAmount(cell(ColAmount, Row), cell(ColPrice, Row));
+    const std::optional<qint32> total = line.fits ? linesTotal(totalRows()) : std::nullopt;
+    if (!total) {
+        ShowOverflow(QStringLiteral("RecalcLine"), QStringLiteral("FrmEstimate"), ReportOwner::Form);
+        return false;
+    }
     setCell(ColKum, Row, plainNumberText(line.amount));
     clsEstimate& e = *m_estimate;
     e.lSeq = qint32(SeqText.toInt());
@@ -182,16 +189,11 @@ void FrmEstimate::RecalcLine(const QString& SeqText, int Row) {
     e.siEAmount = line.quantity;
     e.lEstiKum = line.storedAmount;
     e.UpdateEstimate();
-    const std::optional<qint32> total = linesTotal(totalRows());
-    if (!total) {
-        ShowFailureReport(6, QStringLiteral("Overflow"), QStringLiteral("RecalcLine"),
-                          QStringLiteral("FrmEstimate"));
-        return;
-    }
     txtinput[3]->setText(totalBoxText(*total));
     pnlHanKum->setText(hanKumPanelText(txtinput[3]->text()));
     e.dETotKum = plainNumber(txtinput[3]->text());
     e.sETotHanKum = pnlHanKum->text().trimmed();
+    return true;
 }
 
 void FrmEstimate::onLeaveCell(int, int row, int newCol, int newRow, bool& cancel) {

@@ -45,6 +45,28 @@ private Q_SLOTS:
         QCOMPARE(*linesTotal({{QStringLiteral("a"), QStringLiteral("2"), QStringLiteral("1,000,000,000")}}),
                  2000000000);
     }
+    void aLineAmountOrPricePastThirtyTwoBitsDoesNotFit() {
+        LineAmount a = lineAmount(QStringLiteral("3"), QStringLiteral("1,034,379,072"));
+        QVERIFY(!a.fits); // 3,103,137,216: never wrapped into a negative amount
+        QCOMPARE(a.storedAmount, 0);
+        a = lineAmount(QStringLiteral("2"), QStringLiteral("1,034,379,072"));
+        QVERIFY(a.fits);
+        QCOMPARE(a.storedAmount, 2068758144);
+        QVERIFY(!lineAmount(QStringLiteral("1"), QStringLiteral("3,000,000,000")).fits);
+        QVERIFY(!lineAmount(QStringLiteral("-3"), QStringLiteral("1,000,000,000")).fits);
+    }
+    void aProductPastThirtyTwoBitsIsAnOverflowEvenWhenLaterLinesBringTheSumBack() {
+        // -2,000,000,000 then 3,000,000,000: the sum would be 1,000,000,000, but the second
+        // product alone does not fit in 32 bits.
+        QVERIFY(!linesTotal({{QStringLiteral("a"), QStringLiteral("-2"), QStringLiteral("1,000,000,000")},
+                             {QStringLiteral("b"), QStringLiteral("3"), QStringLiteral("1,000,000,000")}}));
+        QVERIFY(!linesTotal({{QStringLiteral("a"), QStringLiteral("3"), QStringLiteral("1,000,000,000")},
+                             {QStringLiteral("b"), QStringLiteral("-2"), QStringLiteral("1,000,000,000")}}));
+        QCOMPARE(*linesTotal({{QStringLiteral("a"), QStringLiteral("-2"), QStringLiteral("1,000,000,000")},
+                              {QStringLiteral("b"), QStringLiteral("2"), QStringLiteral("1,000,000,000")}}),
+                 0);
+        QVERIFY(!linesTotal({{QStringLiteral("a"), QStringLiteral("1"), QStringLiteral("3,000,000,000")}}));
+    }
     void totalBoxAndWordsTexts() {
         QCOMPARE(totalBoxText(0), QStringLiteral("0 "));
         QCOMPARE(totalBoxText(1000000), QStringLiteral("1,000,000 "));

@@ -25,6 +25,10 @@ int lines(const QString& where = QString(), const QVariantList& values = {}) {
 int heads(const QString& where = QString(), const QVariantList& values = {}) {
     return test::estimateRows(QStringLiteral("EstiBase"), where, values);
 }
+QVariant lineValue(const QString& column, int seq = 1) {
+    return test::scalar(stores().dbEstimate,
+                        QStringLiteral("SELECT ") + column + QStringLiteral(" FROM Estimate WHERE Seq = ?"), {seq});
+}
 QVariant headValue(const QString& column, const QString& code = QStringLiteral("202405001")) {
     return test::scalar(
         stores().dbEstimate,
@@ -517,9 +521,31 @@ private Q_SLOTS:
         auto& s = q.s;
         enterHere();
         test::typeCell(f.grdEstimate, QStringLiteral("9999999"));
-        QCOMPARE(s.last().text,
-                 QStringLiteral("Error 6 (Overflow) in procedure RecalcLine of Module FrmEstimate"));
+        QCOMPARE(s.last().text, QStringLiteral("Error 6 (Overflow) in procedure RecalcLine of Form FrmEstimate"));
         QVERIFY(f.txtinput[3]->text().remove(u',').trimmed().size() < 14);
+    }
+
+    void aLineAmountPastThirtyTwoBitsIsTheOverflowAndNothingIsStored() {
+        // 3 x 1,034,379,072 would wrap to -1,191,830,080 in a 32-bit column.
+        StartedQuotation q(true);
+        FrmEstimate& f = q.f;
+        auto& s = q.s;
+        enterHere(); // unit -> quantity
+        enterHere(); // quantity -> price
+        test::typeCell(f.grdEstimate, QStringLiteral("1034379072"));
+        QCOMPARE(lineValue(QStringLiteral("EstiKum")).toLongLong(), 1034379072LL);
+        QCOMPARE(f.txtinput[3]->text(), QStringLiteral("1,034,379,072 "));
+        f.grdEstimate->SetActiveCell(ColAmount, 1);
+        const int before = int(s.boxes().size());
+        test::typeCell(f.grdEstimate, QStringLiteral("3"));
+        QCOMPARE(int(s.boxes().size()), before + 1);
+        QCOMPARE(s.last().text, QStringLiteral("Error 6 (Overflow) in procedure RecalcLine of Form FrmEstimate"));
+        // Nothing stored: the line keeps its quantity and amount, the screen its figures.
+        QCOMPARE(lineValue(QStringLiteral("EAmount")).toDouble(), 1.0);
+        QCOMPARE(lineValue(QStringLiteral("EstiKum")).toLongLong(), 1034379072LL);
+        QCOMPARE(plainNumber(f.grdEstimate->Text(ColAmount, 1)), 1.0);
+        QCOMPARE(f.grdEstimate->Text(ColKum, 1), QStringLiteral("1,034,379,072"));
+        QCOMPARE(f.txtinput[3]->text(), QStringLiteral("1,034,379,072 "));
     }
 
     void escGoesBackToTheStatementScreen() {
