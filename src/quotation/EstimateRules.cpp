@@ -32,13 +32,13 @@ LineAmount lineAmount(const QString& quantityText, const QString& priceText) {
     return line;
 }
 
-std::optional<qint32> linesTotal(const QList<TotalRow>& rows) {
+std::optional<qint32> linesTotal(const QList<TotalLine>& lines) {
     const auto long32 = [](double value) { return fitsColumn(value, NumberColumn::Long); };
     double total = 0; // every step is a whole number well inside a double's exact range
-    for (const TotalRow& row : rows) {
-        if (row.name.isEmpty()) break;
-        const double price = RoundHalfEven(plainNumber(row.price));
-        const double quantity = RoundHalfEven(plainNumber(row.quantity));
+    for (const TotalLine& line : lines) {
+        if (line.name.isEmpty()) break;
+        const double price = RoundHalfEven(line.price);
+        const double quantity = RoundHalfEven(line.quantity);
         if (!long32(price) || !long32(quantity)) return std::nullopt;
         const double product = price * quantity;
         if (!long32(product)) return std::nullopt;
@@ -46,6 +46,13 @@ std::optional<qint32> linesTotal(const QList<TotalRow>& rows) {
         if (!long32(total)) return std::nullopt;
     }
     return qint32(total);
+}
+
+std::optional<qint32> linesTotal(const QList<TotalRow>& rows) {
+    QList<TotalLine> lines;
+    for (const TotalRow& row : rows)
+        lines.append({row.name, plainNumber(row.quantity), plainNumber(row.price)});
+    return linesTotal(lines);
 }
 
 QString totalBoxText(double total) {

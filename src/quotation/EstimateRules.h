@@ -40,6 +40,13 @@ struct TotalRow {
 // product or the running sum passes the 32-bit range: each step is 32 bits wide, so a product
 // past it is the overflow even when later lines would bring the sum back.
 std::optional<qint32> linesTotal(const QList<TotalRow>& rows);
+// The same for lines held as numbers (a stored quotation's lines).
+struct TotalLine {
+    QString name;
+    double quantity = 0;
+    double price = 0;
+};
+std::optional<qint32> linesTotal(const QList<TotalLine>& lines);
 
 // txtinput(3) after a recalculation or a deleted line: "#,###,###" or "0", and one blank.
 QString totalBoxText(double total);

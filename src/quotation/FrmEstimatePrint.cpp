@@ -1,5 +1,6 @@
-// FrmEstimate: btnPrint, the quotation on show printed with the screen's total line.
+// FrmEstimate: btnPrint, the quotation on show printed with the total of its lines.
 #include "common/Messages.h"
+#include "common/text/StoredNumber.h"
 #include "common/dates/DateBox.h"
 #include "common/grid/Grid.h"
 #include "core/AppState.h"
@@ -36,7 +37,13 @@ void FrmEstimate::btnPrint_Click() {
         data->supplier = ReadPrintParties(stores().dbBasic, txtCCode->text(), app().DefaultSerial).user;
         ReadQuotationLines(data->code, data->lines);
     }
-    data->TotEstiKum = totEstiKumText(txtinput[3]->text(), pnlHanKum->text(), OptVat[0]->isChecked());
+    // The total is worked out from the lines, as the screen works it out, whatever the total box
+    // was typed over with.
+    setLinesTotal(*data, OptVat[0]->isChecked());
+    if (data->totalOverflow) {
+        ShowOverflow(QStringLiteral("btnPrint_Click"), QStringLiteral("FrmEstimate"), ReportOwner::Form);
+        return;
+    }
     data->Phone = numbers->phone;
     data->ClientFax = numbers->fax;
     data->decimals = app().DecimalQty;

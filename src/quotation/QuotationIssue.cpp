@@ -35,6 +35,12 @@ void prepareJob(PrintJob& job) {
 
 } // namespace
 
+void setLinesTotal(QuotationPrintData& data, bool vatIncluded) {
+    const std::optional<QString> total = linesTotEstiKum(data.lines, vatIncluded);
+    data.totalOverflow = !total;
+    data.TotEstiKum = total.value_or(QString());
+}
+
 std::optional<TraderNumbers> ReadTraderNumbers(const QString& code) {
     Recordset rs;
     if (!OpenSnapshot(stores().dbBasic, rs, QStringLiteral("select phone,fax from trader where code = ?"),
@@ -61,9 +67,7 @@ std::optional<QuotationPrintData> ReadQuotationPrintData(const QString& code) {
     d.refer = rs.text(QStringLiteral("Refer"));
     d.validate = rs.text(QStringLiteral("Validate"));
     d.section = rs.text(QStringLiteral("Section"));
-    const double total = rs.number(QStringLiteral("EstiKum"));
-    d.TotEstiKum = totEstiKumText(totalBoxText(total).trimmed(), rs.text(QStringLiteral("EstiHanKum")),
-                                  rs.flag(QStringLiteral("Vat")));
+    const bool vat = rs.flag(QStringLiteral("Vat"));
     const QString traderCode = rs.text(QStringLiteral("CCode"));
     CloseRs(rs);
     if (const auto numbers = ReadTraderNumbers(traderCode)) {
@@ -72,6 +76,7 @@ std::optional<QuotationPrintData> ReadQuotationPrintData(const QString& code) {
     }
     d.supplier = ReadPrintParties(stores().dbBasic, traderCode, app().DefaultSerial).user;
     ReadQuotationLines(code, d.lines);
+    setLinesTotal(d, vat);
     d.decimals = app().DecimalQty;
     return d;
 }
@@ -100,6 +105,9 @@ int PrintStoredQuotationToPdf(const QString& code, const QString& pdfPath, QStri
     ApplyDecimalSettings(ReadDecimalSettings());
     const std::optional<QuotationPrintData> data = ReadQuotationPrintData(code);
     if (!data) return fail(QStringLiteral("견적서 %1 이(가) 없습니다.").arg(code));
+    if (data->totalOverflow)
+        return fail(QStringLiteral("견적서 %1 의 합계가 너무 커서(32비트 정수 범위 초과) 인쇄할 수 없습니다.")
+                        .arg(code));
     std::unique_ptr<PrintSurface> surface = makePdfSurface(pdfPath);
     if (!surface) return fail(QStringLiteral("PDF 파일을 만들 수 없습니다: ") + pdfPath);
     PrintJob job(std::move(surface), kPdfPrinterName, kQuotationDocument);

@@ -20,9 +20,12 @@ struct TraderNumbers {
 // the statement failed (its box has been shown).
 std::optional<TraderNumbers> ReadTraderNumbers(const QString& code);
 
-// The stored quotation: head, lines in Seq order, the default supplier; TotEstiKum made from the
-// stored total, words and VAT flag; the decimal setting in force. Nothing when there is no head.
+// The stored quotation: head, lines in Seq order, the default supplier; TotEstiKum worked out from
+// the lines and the stored VAT flag; the decimal setting in force. Nothing when there is no head.
 std::optional<QuotationPrintData> ReadQuotationPrintData(const QString& code);
+
+// TotEstiKum (and totalOverflow) from the data's lines and the VAT choice.
+void setLinesTotal(QuotationPrintData& data, bool vatIncluded);
 
 // The stored lines of a quotation in Seq order (nothing added when the read fails).
 void ReadQuotationLines(const QString& code, QList<QuotationLine>& lines);

@@ -4,6 +4,7 @@
 #include "common/text/NumberFormat.h"
 #include "printing/PrintGrid.h"
 #include "printing/PrintJob.h"
+#include "quotation/EstimateRules.h"
 
 #include <algorithm>
 
@@ -133,13 +134,6 @@ void addPageNumber(QuotationPage& page, int number, int count) {
              kRightTab - kLeftTab, FieldAlign::Center);
 }
 
-double lineSum(const QList<QuotationLine>& lines) {
-    double sum = 0;
-    for (const QuotationLine& line : lines)
-        sum += line.amount;
-    return sum;
-}
-
 double fieldX(const PrintJob& job, const QuotationField& f, const PrintFont& font) {
     const double left = printTabX(job.leftMargin(), f.tab, kBasePrintSize);
     if (f.align == FieldAlign::Left) return left;
@@ -153,6 +147,16 @@ double fieldX(const PrintJob& job, const QuotationField& f, const PrintFont& fon
 QString totEstiKumText(const QString& totalBox, const QString& hanKumPanel, bool vatIncluded) {
     return u'\\' + totalBox + u'(' + hanKumPanel.trimmed() + QStringLiteral(") ") +
            (vatIncluded ? QStringLiteral("부가세포함") : QStringLiteral("부가세별도"));
+}
+
+std::optional<QString> linesTotEstiKum(const QList<QuotationLine>& lines, bool vatIncluded) {
+    QList<TotalLine> totalLines;
+    for (const QuotationLine& line : lines)
+        totalLines.append({line.name, line.quantity, line.price});
+    const std::optional<qint32> total = linesTotal(totalLines);
+    if (!total) return std::nullopt;
+    const QString box = totalBoxText(*total); // as txtinput(3) shows it, its blank included
+    return totEstiKumText(box, hanKumPanelText(box), vatIncluded);
 }
 
 int quotationLayout(int decimalSetting) {
@@ -201,12 +205,9 @@ std::vector<QuotationPage> quotationPages(const QuotationPrintData& data) {
         for (; next < last; ++next, ++row)
             addLine(page, row, data.lines.at(next), layout);
         if (p == count - 1) {
-            addField(page, row, kNameTab, QStringLiteral("합    계"), kNameWidth, FieldAlign::Center,
-                     kBasePrintSize, true);
-            addField(page, row, kAmountTab, FormatNumber(lineSum(data.lines), kMaskSum), kAmountWidth - 1,
-                     FieldAlign::Right, kBasePrintSize, true);
-            addRule(page, row - 0.1, kNameTab, row - 0.1, kRightTab);
-            addColumnRules(page, head + 1.5, row + 1);
+            // No sum row under the lines: the total line above is the page's one total, and a
+            // sum of the line amounts would differ from it for fractional quantities.
+            addColumnRules(page, head + 1.5, std::max(row, head + 3));
             addFooter(page, data);
         } else {
             addColumnRules(page, head + 1.5, row);

@@ -1,7 +1,7 @@
 #pragma once
 // The quotation on A4, drawn by the program: title, number and date, the receiver, the supplier
-// with its seal, the sentence, the total line (TotEstiKum), the lines over as many pages as they
-// need with the page numbers, their sum, and the footer with delivery date, validity and terms
+// with its seal, the sentence, the total line (TotEstiKum, the one total the page states), the
+// lines over as many pages as they need with the page numbers, and the footer with delivery date, validity and terms
 // of payment. One layout per decimal setting: quantities and prices with 0, 1 or 2 places.
 // Each page is a table of fields (row, tab, text, width, alignment, font) drawn on the job.
 
@@ -9,6 +9,7 @@
 
 #include <QList>
 #include <QString>
+#include <optional>
 #include <vector>
 
 namespace nb {
@@ -34,6 +35,7 @@ struct QuotationPrintData {
     QString validate;
     QString section;    // terms of payment
     QString TotEstiKum; // "\1,000,000 (일금 일백만 원정) 부가세별도"
+    bool totalOverflow = false; // the lines' total passes 32 bits: the page is not to be printed
     QString Phone;      // the trader's telephone
     QString ClientFax;  // the trader's fax
     PrintParty supplier;
@@ -44,6 +46,10 @@ struct QuotationPrintData {
 // The total line: a backslash (the won sign of the Korean code page), the total box as it
 // stands, "(", the words trimmed, ") " and the VAT remark.
 QString totEstiKumText(const QString& totalBox, const QString& hanKumPanel, bool vatIncluded);
+// The total line of the lines, worked out as the screen works out its total (the 32-bit sum of
+// rounded quantity times rounded price), never the stored total, which may be stale. Nothing when
+// that total passes 32 bits.
+std::optional<QString> linesTotEstiKum(const QList<QuotationLine>& lines, bool vatIncluded);
 // The layout of a decimal setting: 0, 1, or 2 for any other value.
 int quotationLayout(int decimalSetting);
 

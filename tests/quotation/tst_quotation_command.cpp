@@ -53,6 +53,28 @@ private Q_SLOTS:
              {"볼펜", "한빛상회", "누벨라상사", "11,000", "부가세포함", "02-111-2222", "02-111-3333"})
             QVERIFY2(out.contains(QString::fromUtf8(word)), word);
     }
+    void theTotalIsWorkedOutFromTheLinesNotTakenFromAStaleHead() {
+        QTemporaryDir home;
+        runProgram(home.path(), {"--print-quotation", "1", "--pdf", home.path() + "/none.pdf"});
+        execOn(home.path() + "/Dbs/dbBasic.db",
+               {"INSERT INTO User (Company, Delegate, Serial, Addr) VALUES ('누벨라상사', '김대표', "
+                "'123-45-67890', '서울 중구')",
+                "INSERT INTO Trader (Code, C_Name, U_Name, Serial, Phone, Fax, VAT, Section, bDeled) "
+                "VALUES ('000001', '한빛상회', '이사장', '211-22-33333', '', '', 1, 0, 0)"});
+        // The head was saved with 0 before the lines were typed.
+        execOn(home.path() + "/Dbs/dbEstimate.db",
+               {"INSERT INTO EstiBase VALUES ('202611001', '000001', '한빛상회', '2026-11-20', '', "
+                "'문구류', 0, '', 0, '', '', '')",
+                "INSERT INTO Estimate VALUES (1, '202611001', '', '볼펜', '', 10, 1100, 11000, 'EA')",
+                "INSERT INTO Estimate VALUES (2, '202611001', '', '공책', '', 1.5, 1000, 1500, 'EA')"});
+        const QString pdf = home.path() + "/q.pdf";
+        const Run run = runProgram(home.path(), {"--print-quotation", "202611001", "--pdf", pdf});
+        QCOMPARE(run.exitCode, 0);
+        const QString out = pdfText(pdf);
+        QVERIFY2(out.contains(QStringLiteral("₩13,000 (일금 일만삼천 원정)")), qPrintable(out));
+        QVERIFY2(!out.contains(QStringLiteral("₩0")), qPrintable(out));
+        QVERIFY2(!out.contains(QStringLiteral("12,500")), qPrintable(out)); // one total on the page
+    }
 };
 
 NB_TEST_MAIN(TestQuotationCommand)

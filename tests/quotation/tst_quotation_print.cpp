@@ -84,10 +84,30 @@ private Q_SLOTS:
         };
         QVERIFY(hasText(pages[0], QStringLiteral("- 1 / 2 -")));
         QVERIFY(hasText(pages[1], QStringLiteral("- 2 / 2 -")));
-        QVERIFY(hasText(pages[1], QStringLiteral("6,000"))); // the sum stands on the last page only
-        QVERIFY(!hasText(pages[0], QStringLiteral("6,000")));
+        QVERIFY(!hasText(pages[1], QStringLiteral("6,000"))); // no sum row under the lines
         QVERIFY(hasText(pages[0], QStringLiteral("견 적 서")));
         QVERIFY(!hasText(pages[1], QStringLiteral("견 적 서")));
+    }
+    void thePageStatesOneTotalWorkedOutFromTheLines() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        addStoredQuotation(2); // 1 x 1,000 and 1.5 x 1,000: the lines hold 2,500, the total is 3,000
+        // A head saved with 0 before its lines were typed.
+        QVERIFY(test::exec(stores().dbEstimate,
+                           QStringLiteral("UPDATE EstiBase SET EstiKum = 0, EstiHanKum = '', Vat = -1")));
+        app().DecimalQty = 1;
+        const auto data = ReadQuotationPrintData(QStringLiteral("202405001"));
+        QVERIFY(data);
+        QCOMPARE(data->TotEstiKum, QStringLiteral("\\3,000 (일금 삼천 원정) 부가세포함"));
+        PrintCapture capture;
+        QVERIFY(PrintQuotationJob(*data));
+        const PrintRecord& r = capture.last();
+        QVERIFY(r.find(data->TotEstiKum));
+        QVERIFY(r.find(QStringLiteral("1,500"))); // the line's own amount
+        QVERIFY(!r.find(QStringLiteral("2,500"))); // no sum of the line amounts beside the total
+        QVERIFY(!r.find(QStringLiteral("합    계")));
+        for (const PrintedText& t : r.texts)
+            QVERIFY2(!t.text.startsWith(QStringLiteral("\\0")), qPrintable(t.text));
     }
     void recorderHasEveryFieldAtItsRowTabAndFontUnderTheDocumentsMargins() {
         test::TestHome home;
@@ -98,7 +118,9 @@ private Q_SLOTS:
         SaveSetting(kAppSection, kQuotationDocument, QStringLiteral("TopMargin"), QStringLiteral("1.5"));
         const auto data = ReadQuotationPrintData(QStringLiteral("202405001"));
         QVERIFY(data);
-        QCOMPARE(data->TotEstiKum, QStringLiteral("\\1,000,000(일금 일백만 원정) 부가세별도"));
+        // Worked out from the lines (1,000 + 1.5 rounded to 2 at 1,000 + 3,000), not the stored
+        // 1,000,000 of the head.
+        QCOMPARE(data->TotEstiKum, QStringLiteral("\\6,000 (일금 육천 원정) 부가세별도"));
         QCOMPARE(data->Phone, QStringLiteral("051-234-5678"));
         QCOMPARE(data->ClientFax, QStringLiteral("051-234-5679"));
         QCOMPARE(data->supplier.company, QStringLiteral("하르문상사"));
