@@ -71,7 +71,7 @@ FrmEstimate::FrmEstimate(QWidget* parent) : QWidget(parent) {
     buildControls();
     connectControls();
     loadForm();
-    resize(900, 640);
+    resize(sizeHint());
 }
 
 FrmEstimate::~FrmEstimate() {

@@ -6,11 +6,13 @@
 // EstimateRules, the writes in clsEstimate.
 
 #include "quotation/EstimateRules.h"
+#include "quotation/QuotationPrint.h"
 #include "quotation/clsEstimate.h"
 
 #include <QWidget>
 #include <array>
 #include <memory>
+#include <optional>
 
 class QComboBox;
 class QLabel;
@@ -56,7 +58,7 @@ public:
     std::array<QRadioButton*, 2> OptVat{};
     QComboBox* CmbFind;
     QLineEdit* txtFind;
-    QPushButton *btnFind, *btnNew, *btnPrint, *btnExit;
+    QPushButton *btnFind, *btnNew, *btnPreview, *btnPrint, *btnExit;
     QLabel* pnlFunction;
     QLineEdit *txtCCode, *txtPCode;
     Grid* grdEstimate;
@@ -86,7 +88,12 @@ public Q_SLOTS:
     void btnNew_Click();
     void btnFind_Click();
     void btnPrint_Click();
+    void btnPreview_Click();
     void btnExit_Click();
+
+    // Wide enough for every shown column of the lines, the amount included: a work area opens
+    // its child screens at this size.
+    QSize sizeHint() const override;
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -111,6 +118,8 @@ private:
     void onFocusChanged(QWidget* old, QWidget* now);
     void onVatClicked();
     void fillHead(const Recordset& rs);
+    // FrmEstimatePrint.cpp
+    std::optional<QuotationPrintData> printData();
     // FrmEstimateGrid.cpp
     void gridKey(int& key);
     void gridEnter();

@@ -16,6 +16,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QHeaderView>
+#include <QStyle>
 #include <QVBoxLayout>
 
 namespace nb {
@@ -61,6 +63,8 @@ void FrmEstimate::buildControls() {
     txtFind = namedBox(this, QStringLiteral("txtFind"));
     btnFind = formButton(this, QStringLiteral("조회(&F)"), QStringLiteral("btnFind"));
     btnNew = formButton(this, QStringLiteral("신규(&N)"), QStringLiteral("btnNew"));
+    btnPreview = formButton(this, QStringLiteral("미리보기(&V)"), QStringLiteral("btnPreview"));
+    btnPreview->setToolTip(QStringLiteral("인쇄될 견적서를 화면으로 봅니다. 인쇄하거나 저장하지 않습니다."));
     btnPrint = formButton(this, QStringLiteral("인쇄(&P)"), QStringLiteral("btnPrint"));
     btnExit = formButton(this, QStringLiteral("종료(&X)"), QStringLiteral("btnExit"));
     pnlFunction = sunkenPanel(this, QStringLiteral("pnlFunction"));
@@ -108,6 +112,7 @@ void FrmEstimate::buildControls() {
     auto* bottom = new QHBoxLayout;
     bottom->addWidget(pnlFunction, 1);
     bottom->addWidget(btnNew);
+    bottom->addWidget(btnPreview);
     bottom->addWidget(btnPrint);
     bottom->addWidget(btnExit);
 
@@ -160,10 +165,22 @@ void FrmEstimate::buildGrid() {
     grdEstimate->SetLock(ColKum, kAllCells, true);
 }
 
+QSize FrmEstimate::sizeHint() const {
+    int columns = grdEstimate->verticalHeader()->width();
+    for (int c = 1; c <= kEstimateCols; ++c)
+        if (!grdEstimate->ColHidden(c)) columns += grdEstimate->charsToPixels(grdEstimate->ColWidth(c));
+    const int scrollBar = grdEstimate->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    const QMargins margins = layout() ? layout()->contentsMargins() : QMargins();
+    const int gridWidth = columns + 2 * grdEstimate->frameWidth() + scrollBar + 4;
+    const QSize hint = QWidget::sizeHint();
+    return {std::max(hint.width(), gridWidth + margins.left() + margins.right()), std::max(hint.height(), 600)};
+}
+
 void FrmEstimate::connectControls() {
     connect(btnNew, &QPushButton::clicked, this, &FrmEstimate::btnNew_Click);
     connect(btnFind, &QPushButton::clicked, this, &FrmEstimate::btnFind_Click);
     connect(btnPrint, &QPushButton::clicked, this, &FrmEstimate::btnPrint_Click);
+    connect(btnPreview, &QPushButton::clicked, this, &FrmEstimate::btnPreview_Click);
     connect(btnExit, &QPushButton::clicked, this, &FrmEstimate::btnExit_Click);
     for (QRadioButton* option : OptVat)
         connect(option, &QRadioButton::clicked, this, [this] { onVatClicked(); });
@@ -179,7 +196,7 @@ void FrmEstimate::connectControls() {
     }
     m_hangul->watch(txtFind);
     for (QWidget* w :
-         std::initializer_list<QWidget*>{txtDate[0], txtDate[1], txtFind, CmbFind, btnFind, btnNew, btnPrint,
+         std::initializer_list<QWidget*>{txtDate[0], txtDate[1], txtFind, CmbFind, btnFind, btnNew, btnPreview, btnPrint,
                                          btnExit, OptVat[0], OptVat[1], grdEstimate})
         w->installEventFilter(this);
 }

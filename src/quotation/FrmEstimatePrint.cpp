@@ -1,4 +1,4 @@
-// FrmEstimate: btnPrint, the quotation on show printed with the total of its lines.
+// FrmEstimate: btnPrint and btnPreview, the quotation on show with the total of its lines.
 #include "common/Messages.h"
 #include "common/text/StoredNumber.h"
 #include "common/dates/DateBox.h"
@@ -14,14 +14,15 @@
 
 namespace nb {
 
-void FrmEstimate::btnPrint_Click() {
-    if (txtCCode->text().isEmpty()) return;
+// What 인쇄 prints now; nothing when there is nothing to print (its message shown).
+std::optional<QuotationPrintData> FrmEstimate::printData() {
+    if (txtCCode->text().isEmpty()) return std::nullopt;
     // A failed read of the trader has shown the query's box; the print stops there.
     const std::optional<TraderNumbers> numbers = ReadTraderNumbers(txtCCode->text());
-    if (!numbers) return;
+    if (!numbers) return std::nullopt;
     if (m_lineCount == 0) {
         MsgBox(QStringLiteral("등록된 견적 내역이 없습니다. 견적 내역을 등록하신 후 인쇄를 하십시요."));
-        return;
+        return std::nullopt;
     }
     std::optional<QuotationPrintData> data = ReadQuotationPrintData(pnlCode->text().trimmed());
     if (!data) { // lines whose head was never stored: the head as the screen shows it
@@ -42,14 +43,25 @@ void FrmEstimate::btnPrint_Click() {
     setLinesTotal(*data, OptVat[0]->isChecked());
     if (data->totalOverflow) {
         ShowOverflow(QStringLiteral("btnPrint_Click"), QStringLiteral("FrmEstimate"), ReportOwner::Form);
-        return;
+        return std::nullopt;
     }
     data->Phone = numbers->phone;
     data->ClientFax = numbers->fax;
     data->decimals = app().DecimalQty;
+    return data;
+}
+
+void FrmEstimate::btnPrint_Click() {
+    const std::optional<QuotationPrintData> data = printData();
+    if (!data) return;
     PrintQuotationJob(*data);
     grdEstimate->SetActiveCell(1, 1);
     grdEstimate->setEditModePermanent(true);
+}
+
+// 미리보기: exactly what 인쇄 would print now, on the screen; nothing is printed or stored.
+void FrmEstimate::btnPreview_Click() {
+    if (const std::optional<QuotationPrintData> data = printData()) PreviewQuotation(this, *data);
 }
 
 } // namespace nb

@@ -5,6 +5,7 @@
 #include "core/AppState.h"
 #include "invoice/InvoiceSeal.h"
 #include "printing/PrintGrid.h"
+#include "printing/PrintPreview.h"
 #include "printing/PrinterSetup.h"
 #include "quotation/EstimateRules.h"
 #include "storage/Stores.h"
@@ -93,6 +94,13 @@ bool PrintQuotationJob(const QuotationPrintData& data) {
     job->endDoc();
     RestorePrinter();
     return true;
+}
+
+void PreviewQuotation(QWidget* parent, const QuotationPrintData& data) {
+    showPrintPreview(parent, kQuotationDocument, [data](PrintJob& job) {
+        prepareJob(job);
+        PrintQuotation(job, data, loadSealImage());
+    });
 }
 
 int PrintStoredQuotationToPdf(const QString& code, const QString& pdfPath, QString* reason) {

@@ -7,6 +7,8 @@
 
 #include <optional>
 
+class QWidget;
+
 namespace nb {
 
 // The document name the printer and margins of quotations are kept under.
@@ -33,6 +35,9 @@ void ReadQuotationLines(const QString& code, QList<QuotationLine>& lines);
 // On the quotation's printer (SelectDocPrinter / RestorePrinter around it) with its margins;
 // false when no job could be started.
 bool PrintQuotationJob(const QuotationPrintData& data);
+
+// The print preview of the quotation, as PrintQuotationJob would print it.
+void PreviewQuotation(QWidget* parent, const QuotationPrintData& data);
 
 // `nubella --print-quotation`: 0 on success, otherwise non-zero and a one-line reason.
 int PrintStoredQuotationToPdf(const QString& code, const QString& pdfPath, QString* reason);

@@ -4,10 +4,12 @@
 #include "EstimateScreenKit.h"
 #include "FocusTakingBoxes.h"
 #include "common/dates/DateBox.h"
+#include "printing/PrinterSetup.h"
 
 #include <QLineEdit>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QPushButton>
 #include <QRadioButton>
 
 using namespace nb;
@@ -153,6 +155,45 @@ private Q_SLOTS:
         QCOMPARE(f.txtCCode->text(), QString());
         QCOMPARE(f.pnlCode->text(), QStringLiteral("202405002"));
         QVERIFY(f.OptVat[1]->isChecked());
+    }
+    void thePreviewShowsWhatThePrintWouldPrintAndStoresNothing() {
+        test::EstimateScreen screen;
+        FrmEstimate& f = screen.open();
+        auto& s = test::script();
+        setSystemPrintersForTesting({}, QString());
+        test::chooseTrader(f, QStringLiteral("가나"));
+        s.answer(AnsYes);
+        f.grdEstimate->setFocus();
+        test::lookupLog().chooseOnShow = QStringLiteral("000001");
+        enterHere();
+        QCOMPARE(f.btnPreview->text(), QStringLiteral("미리보기(&V)"));
+        const int storedLines = lines();
+        PrintCapture capture;
+        s.clear();
+        f.btnPreview->click();
+        QCOMPARE(int(s.records().size()), 0);
+        QCOMPARE(capture.jobs().size(), size_t(1));
+        QCOMPARE(capture.last().documentName, QStringLiteral("견적서 미리보기"));
+        const QStringList preview = capture.last().allTexts();
+        QVERIFY(preview.contains(QStringLiteral("볼트")));
+        QCOMPARE(lines(), storedLines);
+        f.btnPrint->click();
+        QCOMPARE(capture.jobs().size(), size_t(2));
+        QCOMPARE(capture.last().documentName, QStringLiteral("견적서"));
+        QCOMPARE(capture.last().allTexts(), preview);
+    }
+
+    void theWindowOpensWideEnoughToShowTheAmountColumn() {
+        ScreenInWorkArea w;
+        Grid* grid = w.form->grdEstimate;
+        QTest::qWait(20);
+        const int right = grid->columnViewportPosition(ColKum - 1) + grid->columnWidth(ColKum - 1);
+        QVERIFY(grid->columnViewportPosition(ColKum - 1) >= 0);
+        QVERIFY2(right <= grid->viewport()->width(),
+                 qPrintable(QStringLiteral("%1 > %2").arg(right).arg(grid->viewport()->width())));
+        // The whole frame fits in the work area of the main window.
+        QVERIFY(w.frame->geometry().right() <= w.area.viewport()->width());
+        test::saveScreenshot(w.frame, QStringLiteral("estimate_window_in_work_area"));
     }
 };
 
