@@ -110,7 +110,7 @@ void printLine(PrintJob& job, const InvoicePrintData& data, const InvoiceLine& l
     const QString priceMask = decimalPrintMask(data.decimalPrice);
     if (qtyMask.isEmpty() || priceMask.isEmpty()) return; // no such pair of masks: no line
     job.printAtTab(row, kLineDate.tab, data.printDate ? line.ddyy : QString());
-    job.printAtTab(row, kLineItem.tab, line.pummok);
+    job.printAtTab(row, kLineItem.tab, CutBytes(line.pummok, kLineItem.width));
     job.printAtTab(row, kLineUnit.tab, PadBytes(line.dan_num, kLineUnit.width));
     job.printAtTab(row, kLineQty.tab, PadBytes(decimalCell(line.su_num, qtyMask), kLineQty.width));
     job.printAtTab(row, kLinePrice.tab, PadBytes(decimalCell(line.gibon_num, priceMask), kLinePrice.width));

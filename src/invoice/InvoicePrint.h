@@ -114,13 +114,15 @@ inline constexpr int kBlankRuleTab = 22;
 inline constexpr int kTotalTab = 12; // plus 공란수
 inline constexpr int kYoungsuTab = 100;
 
-// A column of an item line: its tab and the columns its text is padded to (0: not padded).
+// A column of an item line: its tab and the columns its text is padded (numbers) or cut (texts)
+// to. The item is cut one column short of the next column, so that a long name never runs into
+// the 규격 printed there.
 struct LineColumn {
     int tab;
     int width;
 };
 inline constexpr LineColumn kLineDate{12, 5};
-inline constexpr LineColumn kLineItem{20, 0};
+inline constexpr LineColumn kLineItem{20, 26};
 inline constexpr LineColumn kLineUnit{47, 4};
 inline constexpr LineColumn kLineQty{52, 9};
 inline constexpr LineColumn kLinePrice{61, 13};

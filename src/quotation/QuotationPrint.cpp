@@ -1,6 +1,7 @@
 #include "quotation/QuotationPrint.h"
 
 #include "common/dates/DateText.h"
+#include "common/text/ByteText.h"
 #include "common/text/NumberFormat.h"
 #include "printing/PrintGrid.h"
 #include "printing/PrintJob.h"
@@ -113,10 +114,12 @@ void addColumnRules(QuotationPage& page, double top, double bottom) {
         addRule(page, top, kColumns[i].tab, bottom, kColumns[i].tab);
 }
 
+// A text that is longer than its column is cut to it by printed width, keeping clear of the
+// column's rules: it never runs into the next column.
 void addLine(QuotationPage& page, double row, const QuotationLine& line, int layout) {
-    addField(page, row, kNameTab + 1, line.name);
-    addField(page, row, kNormTab + 1, line.norm);
-    addField(page, row, kUnitTab, line.unit, kUnitWidth, FieldAlign::Center);
+    addField(page, row, kNameTab + 1, CutBytes(line.name, kNameWidth - 2));
+    addField(page, row, kNormTab + 1, CutBytes(line.norm, kNormWidth - 2));
+    addField(page, row, kUnitTab, CutBytes(line.unit, kUnitWidth - 1), kUnitWidth, FieldAlign::Center);
     addField(page, row, kQtyTab, quotationNumber(line.quantity, layout), kQtyWidth - 1, FieldAlign::Right);
     addField(page, row, kPriceTab, quotationNumber(line.price, layout), kPriceWidth - 1, FieldAlign::Right);
     addField(page, row, kAmountTab, FormatNumber(line.amount, kMaskSum), kAmountWidth - 1, FieldAlign::Right);

@@ -128,7 +128,7 @@ QList<StatementField> headFields(const StatementPrintData& data, const Statement
 
 QList<StatementField> lineFields(const StatementPrintData& data, const StatementLine& line, double row) {
     return {
-        {row, kPName.tab, line.pName, kHeadSize, false},
+        {row, kPName.tab, CutBytes(line.pName, kPName.width), kHeadSize, false},
         {row, kUnit.tab, CutBytes(line.unit, kUnit.width), kHeadSize, false},
         {row, kQuant.tab, PadBytes(quantityText(line.quant, data.decimalQty), kQuant.width), kHeadSize,
          false},

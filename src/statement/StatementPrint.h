@@ -58,12 +58,13 @@ inline constexpr double kTotalSize = 11;
 inline constexpr double kSealSize = 0.7; // inches, square
 inline constexpr double kSealX = 3.5;    // inches right of the left margin's edge
 inline constexpr double kSealRows[2] = {5.5, 40.6};
-// The columns of one line: tab, and the columns its text is cut or padded to (0: as it is).
+// The columns of one line: tab, and the columns its text is cut or padded to. The product name
+// (with its 규격) is cut one column short of the unit's column, so a long one never overprints it.
 struct LineColumn {
     int tab;
     int width;
 };
-inline constexpr LineColumn kPName{9, 0};
+inline constexpr LineColumn kPName{9, 44};
 inline constexpr LineColumn kUnit{54, 6};
 inline constexpr LineColumn kQuant{60, 10};
 inline constexpr LineColumn kPrice{71, 11};

@@ -2,6 +2,7 @@
 // digit cells, remark, lines, the blank rule, total, the seal, both copies; through the print
 // layer's recorder.
 #include "TestSupport.h"
+#include "common/text/ByteText.h"
 #include "invoice/InvoicePrint.h"
 #include "printing/PrintSurfaces.h"
 
@@ -70,6 +71,19 @@ bool placed(const PrintedText& t, double row, double tab, double size, bool bold
 class TestInvoicePrint : public QObject {
     Q_OBJECT
 private Q_SLOTS:
+    void anItemLongerThanItsColumnIsCutToItByPrintedWidth() {
+        InvoicePrintData data = sampleData();
+        data.sheet.line(0).pummok = QStringLiteral("아주아주긴품목이름입니다정말로길어요(규격포함)");
+        const Printed p = printCopies(data);
+        const QString cut = CutBytes(data.sheet.line(0).pummok, 26);
+        QCOMPARE(ByteLen(cut), 26);
+        const auto found = all(*p.record, cut);
+        QCOMPARE(int(found.size()), 2);
+        for (const PrintedText& t : found)
+            QVERIFY(t.x + printTextWidth(t.text, t.font) < tabX(0, invoicelayout::kLineUnit.tab, t.font.size));
+        QVERIFY(all(*p.record, data.sheet.line(0).pummok).empty());
+    }
+
     void headOfBothCopiesStandsOnItsRowsAndTabs_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<int>("row");

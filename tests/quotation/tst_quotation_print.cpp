@@ -5,7 +5,9 @@
 #include "PdfRead.h"
 #include "core/Settings.h"
 #include "invoice/InvoiceSeal.h"
+#include "common/text/ByteText.h"
 #include "printing/PrintGrid.h"
+#include "printing/PrintSurfaces.h"
 #include "printing/PrinterSetup.h"
 #include "quotation/QuotationIssue.h"
 
@@ -87,6 +89,28 @@ private Q_SLOTS:
         QVERIFY(!hasText(pages[1], QStringLiteral("6,000"))); // no sum row under the lines
         QVERIFY(hasText(pages[0], QStringLiteral("견 적 서")));
         QVERIFY(!hasText(pages[1], QStringLiteral("견 적 서")));
+    }
+    void aNameOrNormLongerThanItsColumnIsCutToItByPrintedWidth() {
+        QuotationPrintData data;
+        data.lines.append({QStringLiteral("아주아주긴상품명입니다정말로길고긴이름이에요"),
+                           QStringLiteral("규격이무척길어요123456"), QStringLiteral("BOX"), 1, 100, 100});
+        auto record = std::make_shared<PrintRecord>();
+        {
+            PrintJob job(std::make_unique<RecordingSurface>(record));
+            PrintQuotation(job, data, QImage());
+            job.endDoc();
+        }
+        using namespace quotationlayout;
+        const QString name = CutBytes(data.lines[0].name, kNameWidth - 2);
+        const QString norm = CutBytes(data.lines[0].norm, kNormWidth - 2);
+        QVERIFY(name.size() < data.lines[0].name.size());
+        QVERIFY(norm.size() < data.lines[0].norm.size());
+        const PrintedText* n = record->find(name);
+        const PrintedText* m = record->find(norm);
+        QVERIFY(n && m);
+        QVERIFY(n->x + printTextWidth(n->text, n->font) < printTabX(0, kNormTab, kBasePrintSize));
+        QVERIFY(m->x + printTextWidth(m->text, m->font) < printTabX(0, kUnitTab, kBasePrintSize));
+        QVERIFY(!record->find(data.lines[0].name));
     }
     void thePageStatesOneTotalWorkedOutFromTheLines() {
         test::TestHome home;

@@ -92,6 +92,25 @@ const PrintedText* textOn(const PrintRecord& record, const QString& text, int pa
 class TestStatementPrint : public QObject {
     Q_OBJECT
 private Q_SLOTS:
+    void aProductNameLongerThanItsColumnIsCutToItByPrintedWidth() {
+        Store store;
+        StatementPrintData data = statementOf(2);
+        // 1 + 2 x 30 columns with its 규격: far wider than the 45 columns before the unit.
+        data.lines[0].pName = u'A' + QString(30, QChar(0xAC00)) + QStringLiteral("(규격이아주긴상품)");
+        data.lines[1].pName = QStringLiteral("짧은이름");
+        const auto r = printed(data);
+        const double unitX = printTabX(0, deallayout::kUnit.tab, deallayout::kHeadSize);
+        const QString cut = u'A' + QString(21, QChar(0xAC00)) + u' '; // the straddling Hangul a blank
+        QCOMPARE(ByteLen(cut), 44);
+        QCOMPARE(countText(*r, cut), 2); // both copies
+        for (const PrintedText& t : r->texts) {
+            if (!t.text.startsWith(u'A')) continue;
+            QVERIFY2(t.x + printTextWidth(t.text, t.font) < unitX, qPrintable(t.text));
+        }
+        QCOMPARE(countText(*r, QStringLiteral("짧은이름")), 2); // a short name stays whole
+        QCOMPARE(countText(*r, CutBytes(QStringLiteral("EA"), 6)), 4);
+    }
+
     void eachFieldOfTheHeadAndALineLandsOnItsRowAndTab() {
         Store s;
         test::script();
