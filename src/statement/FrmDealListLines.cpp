@@ -148,6 +148,9 @@ bool FrmDealList::productSearch(int row, QString& text) {
             else if (invoiceLookups().newProduct)
                 invoiceLookups().newProduct(this, txtPCode, text, txtDate->text(), spDetail);
         } else {
+            // Only a choice in the list counts: the one product it found on its own is taken
+            // back, so closing the list with 닫기 or Esc chooses nothing.
+            txtPCode->clear();
             list->showBelow(spDetail);
         }
     }

@@ -98,6 +98,14 @@ inline void typeIntoCell(const QString& text) {
     pressKey(focused(), Qt::Key_Return);
 }
 
+// The product's name typed into the active cell and Enter: the list shows and the operator
+// chooses the product with the code given in it.
+inline void typeProductAndChoose(const QString& text, const QString& code) {
+    lookupLog().chooseOnShow = code;
+    typeIntoCell(text);
+    lookupLog().chooseOnShow.clear();
+}
+
 // The product list registers a product on the spot: the entry form stores it and hands its
 // code back, as FrmNewProduct does.
 inline void registerProductsOnTheSpot(const QString& code, double price) {

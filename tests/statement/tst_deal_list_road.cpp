@@ -115,7 +115,7 @@ private Q_SLOTS:
                                QStringLiteral("000002"), {{QStringLiteral("앵글"), 1, 11000, 10000, 1000}});
         auto* f = w.open<FrmDealList>(kStatements);
         test::chooseTrader(*f, QStringLiteral("가나"));
-        test::typeIntoCell(QStringLiteral("볼트"));
+        test::typeProductAndChoose(QStringLiteral("볼트"), QStringLiteral("000001"));
         QCOMPARE(f->LastSavedCCode(), QStringLiteral("000001"));
         f->btnNewMaster->click(); // no trader: the list shows every trader's statements
         f->cmdMaster->click();

@@ -165,7 +165,7 @@ private Q_SLOTS:
         FrmDealList& f = s.open();
         test::chooseTrader(f, QStringLiteral("가나"));
         // A product from the list: quantity 1, its unit and price, amount and VAT carved out.
-        typeIntoCell(QStringLiteral("볼트"));
+        test::typeProductAndChoose(QStringLiteral("볼트"), QStringLiteral("000001"));
         QCOMPARE(test::masterRows(), 1);
         const QString no = QStringLiteral("000001");
         QCOMPARE(f.spDetail->Text(ColPName, 1), QStringLiteral("볼트(M8)"));
@@ -272,7 +272,7 @@ private Q_SLOTS:
                             QStringLiteral("SET"));
         FrmDealList& f = s.open();
         test::chooseTrader(f, QStringLiteral("가나"));
-        typeIntoCell(QStringLiteral("공구"));
+        test::typeProductAndChoose(QStringLiteral("공구"), QStringLiteral("000010"));
         QCOMPARE(test::lineValue(QStringLiteral("000001"), 1, QStringLiteral("Amount")).toDouble(), 10000.0);
         QCOMPARE(test::lineValue(QStringLiteral("000001"), 1, QStringLiteral("VAT")).toDouble(), 1000.0);
     }
@@ -355,7 +355,7 @@ private Q_SLOTS:
         QVERIFY(test::exec(stores().dbBill,
                            QStringLiteral("CREATE TEMP TRIGGER fail_line BEFORE INSERT ON Detail "
                                           "BEGIN SELECT RAISE(ABORT, 'disk full'); END")));
-        typeIntoCell(QStringLiteral("볼트"));
+        test::typeProductAndChoose(QStringLiteral("볼트"), QStringLiteral("000001"));
         QVERIFY(
             msgs.boxes().back().text.startsWith(QStringLiteral("자료를 저장하는 중 오류가 발생했습니다.")));
         QCOMPARE(test::masterRows(), 0);

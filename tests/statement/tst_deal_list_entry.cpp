@@ -1,0 +1,82 @@
+// FrmDealList where an operator's work could be lost or turned: a list or entry form closed
+// without a choice, the VAT question answered 아니오 on a row without a line, the first start
+// without a supplier under boxes that take the focus, typing over a number, the seal's dialog.
+#include "DealListKit.h"
+#include "FocusTakingBoxes.h"
+#include "common/FileChooser.h"
+#include "common/dates/DateBox.h"
+#include "core/AppFolder.h"
+#include "statement/LineAmounts.h"
+
+#include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QPointer>
+#include <QPushButton>
+#include <QRadioButton>
+
+using namespace nb;
+
+namespace {
+
+using Screen = test::DealScreen;
+using test::focused;
+using test::goToCell;
+using test::pressKey;
+
+void keepOnlyTheFirstProduct() {
+    QVERIFY(test::exec(stores().dbBasic, QStringLiteral("DELETE FROM Product WHERE Code <> '000001'")));
+}
+
+int detailRows() {
+    return test::scalar(stores().dbBill, QStringLiteral("SELECT count(*) FROM Detail")).toInt();
+}
+
+} // namespace
+
+class TestDealListEntry : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void closingTheListOfTheOneProductWithoutAChoicePutsTheOldTextBackAndStoresNothing() {
+        Screen s;
+        test::script();
+        keepOnlyTheFirstProduct();
+        FrmDealList& f = s.open();
+        test::chooseTrader(f, QStringLiteral("가나"));
+        // Enter in the empty product cell: the list of all products shows; 닫기 chooses nothing.
+        test::lookupLog().chooseOnShow.clear();
+        pressKey(focused(), Qt::Key_Return);
+        QCOMPARE(test::lookupLog().shownBelow.size(), 1);
+        QCOMPARE(test::masterRows(), 0);
+        QCOMPARE(detailRows(), 0);
+        QCOMPARE(f.spDetail->Text(ColPName, 1), QString());
+        QCOMPARE(f.spDetail->Text(ColBillSeq, 1), QStringLiteral("0")); // still the pending row
+        // The same with the product's name typed: the old text comes back.
+        goToCell(f, ColPName, 1);
+        test::typeIntoCell(QStringLiteral("볼"));
+        QCOMPARE(test::lookupLog().shownBelow.size(), 2);
+        QCOMPARE(test::masterRows(), 0);
+        QCOMPARE(f.spDetail->Text(ColPName, 1), QString());
+        // Chosen in the list, it is stored.
+        goToCell(f, ColPName, 1);
+        test::typeProductAndChoose(QStringLiteral("볼"), QStringLiteral("000001"));
+        QCOMPARE(detailRows(), 1);
+        QCOMPARE(f.spDetail->Text(ColPName, 1), QStringLiteral("볼트(M8)"));
+    }
+
+    void closingTheNewProductFormWithoutSavingStoresNothing() {
+        Screen s;
+        auto& msgs = test::script();
+        FrmDealList& f = s.open();
+        test::chooseTrader(f, QStringLiteral("가나"));
+        test::lookupLog().newCode.clear(); // the form closed without a product
+        msgs.answer(AnsOk);                // 상품을 등록하시겠습니까?
+        test::typeIntoCell(QStringLiteral("없는상품"));
+        QVERIFY(test::lookupLog().calls.contains(QStringLiteral("newProduct:없는상품:2024년05월10일")));
+        QCOMPARE(test::masterRows(), 0);
+        QCOMPARE(f.spDetail->Text(ColPName, 1), QString());
+    }
+};
+
+NB_TEST_MAIN(TestDealListEntry)
+#include "tst_deal_list_entry.moc"
