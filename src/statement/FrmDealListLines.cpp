@@ -265,7 +265,9 @@ void FrmDealList::onVatClicked(int index) {
     } else {
         const int row = spDetail->ActiveRow();
         if (SelectedBillSeq(row) == 0) {
-            spDetail->setOperationMode(OperationMode::Row); // stays so, as the screen always did
+            // The row stays highlighted, but the grid stays editable: row highlighting as an
+            // operation mode would refuse every key until the next search.
+            spDetail->markRow(row);
             ShowInfo(noLineToRecalculateText());
             return;
         }

@@ -76,6 +76,31 @@ private Q_SLOTS:
         QCOMPARE(test::masterRows(), 0);
         QCOMPARE(f.spDetail->Text(ColPName, 1), QString());
     }
+
+    void answeringNoOnARowWithoutALineKeepsTheHighlightAndTheGridEditable() {
+        Screen s;
+        auto& msgs = test::script();
+        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-05-02"), QStringLiteral("000001"),
+                               {{QStringLiteral("볼트"), 3, 1100, 3000, 300}});
+        FrmDealList& f = s.open();
+        f.spMaster->setFocus();
+        f.spMaster->SetActiveCell(ColBillDate, 1);
+        goToCell(f, ColPName, 2); // the pending row
+        msgs.answer(AnsNo);
+        msgs.answer(AnsOk);
+        f.gubun[2]->click();
+        QCOMPARE(msgs.last().text, noLineToRecalculateText());
+        QVERIFY(f.spDetail->isHighlighted(ColUnit, 2));
+        QCOMPARE(f.spDetail->operationMode(), OperationMode::Normal);
+        // The operator goes on typing: a new line on the pending row.
+        goToCell(f, ColPName, 2);
+        QVERIFY(f.spDetail->EditMode());
+        test::typeProductAndChoose(QStringLiteral("너트"), QStringLiteral("000002"));
+        QCOMPARE(test::detailRows(QStringLiteral("000001")), 2);
+        QCOMPARE(test::lineValue(QStringLiteral("000001"), 2, QStringLiteral("PName")).toString(),
+                 QStringLiteral("너트"));
+        QVERIFY(!f.spDetail->isHighlighted(ColUnit, 3)); // the highlight went with the move
+    }
 };
 
 NB_TEST_MAIN(TestDealListEntry)

@@ -327,8 +327,14 @@ void Grid::setUserColAction(int action) {
     horizontalHeader()->setSectionResizeMode(action == 1 ? QHeaderView::Interactive : QHeaderView::Fixed);
 }
 
+void Grid::markRow(int row) {
+    m_markedRow = row;
+    viewport()->update();
+}
+
 bool Grid::isHighlighted(int col, int row) const {
     if (m_operationMode == OperationMode::Row && row == m_activeRow) return true;
+    if (m_markedRow > 0 && row == m_markedRow) return true;
     return m_block.isValid() && m_block.contains(col, row);
 }
 

@@ -133,6 +133,10 @@ public:
     int rowHeightPixels() const;
     // Whether the cell is painted in the selection colour.
     bool isHighlighted(int col, int row) const;
+    // Paints a row in the selection colour as row highlighting does, while the grid stays in its
+    // operation mode and editable; 0 takes it off, and so does a move of the cursor to another row.
+    void markRow(int row);
+    int markedRow() const { return m_markedRow; }
 
 Q_SIGNALS:
     // mode 1 when editing of a cell begins, 0 when it ends; changeMade when the text changed.
@@ -227,6 +231,7 @@ private:
     bool m_dAutoCellTypes = false;
     int m_backColorStyle = 0;
     int m_refStyle = 2;
+    int m_markedRow = 0;
 };
 
 } // namespace nb

@@ -69,6 +69,7 @@ bool Grid::moveActiveCell(int col, int row) {
             return false;
         }
     }
+    if (row != m_activeRow) m_markedRow = 0;
     m_activeCol = col;
     m_activeRow = row;
     if (!noCell) {

@@ -72,6 +72,22 @@ struct GridWindow {
 class TestGridEditing : public QObject {
     Q_OBJECT
 private Q_SLOTS:
+    void aMarkedRowIsHighlightedWhileTheGridStaysEditableUntilTheCursorLeavesIt() {
+        test::TestHome home;
+        GridWindow w;
+        w.grid->SetActiveCell(1, 2);
+        w.grid->markRow(2);
+        QVERIFY(w.grid->isHighlighted(3, 2));
+        QVERIFY(!w.grid->isHighlighted(3, 1));
+        QVERIFY(w.grid->EditMode());
+        w.type(QStringLiteral("ab"));
+        w.press(Qt::Key_Return); // on to the next cell of the same row: still marked
+        QCOMPARE(w.grid->Text(1, 2), QStringLiteral("ab"));
+        QVERIFY(w.grid->isHighlighted(3, 2));
+        w.grid->SetActiveCell(1, 3);
+        QVERIFY(!w.grid->isHighlighted(3, 2));
+        QCOMPARE(w.grid->markedRow(), 0);
+    }
     void typingHangulReplacesTheCellAndEnterMovesRight() {
         test::TestHome home;
         GridWindow w;
