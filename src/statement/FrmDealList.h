@@ -145,6 +145,7 @@ private:
     // FrmDealListKeys.cpp
     void connectControls();
     bool boxKey(QObject* watched, int key);
+    bool leftWithinScreen(QEvent* focusOut) const;
     bool sealKey(int key);
     void deleteSeal();
     void detailKey(int& key);

@@ -25,6 +25,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFocusEvent>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -125,7 +126,8 @@ bool FrmDealList::eventFilter(QObject* watched, QEvent* event) {
             showMisu();
         } else if (watched == Misu) {
             Misu->setText(FormatText(Misu->text(), kMaskSum));
-        } else if (watched == txtDate && !m_checkingDate && !IsDate(txtDate->dateText())) {
+        } else if (watched == txtDate && !m_checkingDate && leftWithinScreen(event) &&
+                   !IsDate(txtDate->dateText())) {
             m_checkingDate = true;
             CheckDateOnLeave(txtDate->dateText(), kBadStatementDateMessage);
             txtDate->setFocus();
@@ -133,6 +135,14 @@ bool FrmDealList::eventFilter(QObject* watched, QEvent* event) {
         }
     }
     return false;
+}
+
+// A box is left by the operator only when the focus goes to another control of this screen: a
+// box or another program taking the focus, or the screen going away, is no leaving.
+bool FrmDealList::leftWithinScreen(QEvent* focusOut) const {
+    const auto reason = static_cast<QFocusEvent*>(focusOut)->reason();
+    return reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason && m_serialFound &&
+           isVisible();
 }
 
 bool FrmDealList::boxKey(QObject* watched, int key) {

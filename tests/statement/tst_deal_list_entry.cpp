@@ -101,6 +101,44 @@ private Q_SLOTS:
                  QStringLiteral("너트"));
         QVERIFY(!f.spDetail->isHighlighted(ColUnit, 3)); // the highlight went with the move
     }
+
+    void withNoSupplierOnlyTheRegistrationBoxShows() {
+        test::TestHome home;
+        test::fixClock();
+        test::openStores();
+        test::installStoreLookups();
+        auto& msgs = test::scriptFocusTakingBoxes();
+        // In the main window's work area, which has the focus when the screen opens.
+        QMdiArea area;
+        area.resize(1200, 800);
+        test::showActive(&area);
+        QPointer<FrmDealList> f = new FrmDealList();
+        QMdiSubWindow* frame = area.addSubWindow(f.data());
+        frame->show();
+        area.setActiveSubWindow(frame);
+        test::settleFocus();
+        QTRY_VERIFY(f.isNull());
+        test::settleFocus();
+        QVERIFY(msgs.focusTaken() >= 1);
+        QCOMPARE(int(msgs.boxes().size()), 1);
+        QCOMPARE(msgs.boxes().at(0).text, QStringLiteral("사용자등록을 먼저하셔야 합니다"));
+        QVERIFY(test::lookupLog().calls.contains(QStringLiteral("userEntry")));
+        setClock({});
+    }
+
+    void aBadDateIsStillRefusedWhenLeftForAnotherBox() {
+        Screen s;
+        auto& msgs = test::scriptFocusTakingBoxes();
+        FrmDealList& f = s.open();
+        f.txtDate->setFocus();
+        f.txtDate->setText(QStringLiteral("2024년13월40일"));
+        test::takeFocusAway(); // another program: no check yet
+        test::settleFocus();
+        QCOMPARE(int(msgs.boxes().size()), 0);
+        f.CName1->setFocus();
+        test::settleFocus();
+        QCOMPARE(msgs.boxes().at(0).text, QStringLiteral("올바른 날짜형식이 아닙니다"));
+    }
 };
 
 NB_TEST_MAIN(TestDealListEntry)
