@@ -124,6 +124,8 @@ void FrmDealList::setupDetailGrid() {
     spDetail->SetOddEvenRowColor(0xFFFFFF, 0, 0xE0E0FF, 0);
     spDetail->setSelBackColor(12254974);
     spDetail->setEditModePermanent(true);
+    // A cell entered by keys has its text selected, so what is typed replaces it.
+    spDetail->setEditModeReplace(true);
     spDetail->setEnterAction(EnterAction::Next);
     spDetail->setProcessTab(true);
     SetFloatCell(*spDetail, ColQuant, app().DecimalQty, false);

@@ -139,6 +139,24 @@ private Q_SLOTS:
         test::settleFocus();
         QCOMPARE(msgs.boxes().at(0).text, QStringLiteral("올바른 날짜형식이 아닙니다"));
     }
+
+    void typingIntoTheQuantityAfterAProductReplacesItsOne() {
+        Screen s;
+        test::script();
+        FrmDealList& f = s.open();
+        test::chooseTrader(f, QStringLiteral("가나"));
+        test::typeProductAndChoose(QStringLiteral("볼트"), QStringLiteral("000001"));
+        QCOMPARE(f.spDetail->ActiveCol(), int(ColQuant));
+        QCOMPARE(f.spDetail->Text(ColQuant, 1), QStringLiteral("1"));
+        // No selecting by the test: the cell entered by keys has its text selected already.
+        auto* editor = qobject_cast<QLineEdit*>(focused());
+        QVERIFY(editor);
+        QCOMPARE(editor->selectedText(), QStringLiteral("1"));
+        test::typeText(editor, QStringLiteral("3"));
+        pressKey(focused(), Qt::Key_Return);
+        QCOMPARE(test::lineValue(QStringLiteral("000001"), 1, QStringLiteral("Quant")).toDouble(), 3.0);
+        QCOMPARE(test::lineValue(QStringLiteral("000001"), 1, QStringLiteral("Amount")).toDouble(), 2727.0);
+    }
 };
 
 NB_TEST_MAIN(TestDealListEntry)
