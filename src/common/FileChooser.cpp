@@ -10,8 +10,9 @@ namespace {
 
 class DialogFileChooser : public FileChooser {
 public:
-    QString openFile(QWidget* parent, const QString& title, const QString& filter) override {
-        return QFileDialog::getOpenFileName(parent, title, QString(), qtFileFilter(filter));
+    QString openFile(QWidget* parent, const QString& title, const QString& filter,
+                     const QString& start) override {
+        return QFileDialog::getOpenFileName(parent, title, start, qtFileFilter(filter));
     }
     QString saveFile(QWidget* parent, const QString& title, const QString& suggested,
                      const QString& filter) override {
@@ -50,8 +51,10 @@ QString ScriptedFileChooser::next(const QString& kind, const QString& title) {
     return answers.isEmpty() ? QString() : answers.takeFirst();
 }
 
-QString ScriptedFileChooser::openFile(QWidget*, const QString& title, const QString& filter) {
+QString ScriptedFileChooser::openFile(QWidget*, const QString& title, const QString& filter,
+                                      const QString& start) {
     filters << filter;
+    starts << start;
     return next(QStringLiteral("open"), title);
 }
 

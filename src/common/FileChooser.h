@@ -13,8 +13,10 @@ namespace nb {
 class FileChooser {
 public:
     virtual ~FileChooser() = default;
-    // The filter is given as "Description|patterns" with patterns separated by ";".
-    virtual QString openFile(QWidget* parent, const QString& title, const QString& filter) = 0;
+    // The filter is given as "Description|patterns" with patterns separated by ";"; the dialog
+    // opens in `start` (the working folder when empty).
+    virtual QString openFile(QWidget* parent, const QString& title, const QString& filter,
+                             const QString& start = QString()) = 0;
     // A file to write, offered first as `suggested` (a full path).
     virtual QString saveFile(QWidget* parent, const QString& title, const QString& suggested,
                              const QString& filter) = 0;
@@ -27,7 +29,8 @@ void setFileChooser(std::unique_ptr<FileChooser> chooser);
 // dialog's title, filter (the suggested path for a save, the start for a folder) and kind.
 class ScriptedFileChooser : public FileChooser {
 public:
-    QString openFile(QWidget* parent, const QString& title, const QString& filter) override;
+    QString openFile(QWidget* parent, const QString& title, const QString& filter,
+                     const QString& start = QString()) override;
     QString saveFile(QWidget* parent, const QString& title, const QString& suggested,
                      const QString& filter) override;
     QString chooseFolder(QWidget* parent, const QString& title, const QString& start) override;
@@ -35,6 +38,7 @@ public:
     QStringList titles;
     QStringList filters;
     QStringList suggested; // of saveFile and chooseFolder
+    QStringList starts;    // the folder each openFile opened in
     QStringList kinds;     // "open", "save", "folder"
 
 private:

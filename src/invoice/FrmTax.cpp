@@ -463,7 +463,7 @@ void FrmTax::LoadSeal() {
 }
 
 void FrmTax::ChooseSealFile() {
-    const QString path = fileChooser().openFile(this, kSealDialogTitle, kSealDialogFilter);
+    const QString path = fileChooser().openFile(this, kSealDialogTitle, kSealDialogFilter, appFolder());
     if (path.isEmpty()) return;
     saveSealSetting(path);
     LoadSeal();

@@ -27,7 +27,7 @@ void saveStatementSealSetting(const QString& path) {
 }
 
 QString chooseStatementSeal(QWidget* parent) {
-    return fileChooser().openFile(parent, kSealDialogTitle, kSealDialogFilter);
+    return fileChooser().openFile(parent, kSealDialogTitle, kSealDialogFilter, appFolder());
 }
 
 } // namespace nb

@@ -4,6 +4,7 @@
 #include "common/dates/DateBox.h"
 #include "common/dates/FrmCalendar.h"
 #include "common/grid/Grid.h"
+#include "core/AppFolder.h"
 #include "core/ScreenRegistry.h"
 #include "core/Settings.h"
 #include "invoice/FrmPic.h"
@@ -571,6 +572,7 @@ private Q_SLOTS:
         QCOMPARE(chooser.titles.last(), QStringLiteral("공급자도장 이미지(그림) 선택"));
         QCOMPARE(chooser.filters.last(), QStringLiteral("Pictures (*.bmp;*.jpg;*.gif)|*.bmp;*.jpg;*.gif"));
         QCOMPARE(qtFileFilter(chooser.filters.last()), QStringLiteral("Pictures (*.bmp *.jpg *.gif)"));
+        QCOMPARE(chooser.starts.last(), appFolder()); // the dialog opens in the application folder
         QCOMPARE(sealSetting(), path);
         QVERIFY(!f.imgPic->pixmap().isNull());
         QTest::mouseClick(f.imgPic, Qt::LeftButton);

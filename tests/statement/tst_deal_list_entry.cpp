@@ -157,6 +157,17 @@ private Q_SLOTS:
         QCOMPARE(test::lineValue(QStringLiteral("000001"), 1, QStringLiteral("Quant")).toDouble(), 3.0);
         QCOMPARE(test::lineValue(QStringLiteral("000001"), 1, QStringLiteral("Amount")).toDouble(), 2727.0);
     }
+
+    void theSealDialogOpensInTheApplicationFolder() {
+        Screen s;
+        test::script();
+        auto& chooser = scriptFileChooser();
+        FrmDealList& f = s.open();
+        f.cmdSeal->click();
+        QCOMPARE(chooser.kinds, QStringList{QStringLiteral("open")});
+        QCOMPARE(chooser.starts, QStringList{appFolder()});
+        QCOMPARE(chooser.titles.first(), QStringLiteral("공급자도장 이미지(그림) 선택"));
+    }
 };
 
 NB_TEST_MAIN(TestDealListEntry)
