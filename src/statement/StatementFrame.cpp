@@ -4,6 +4,7 @@
 #include "printing/PrintJob.h"
 
 #include <QStringList>
+#include <algorithm>
 
 namespace nb {
 
@@ -51,6 +52,26 @@ struct Word {
     double dx, dy; // in grid steps
 };
 
+// A word of the total row, which is too low for two lines at the size of the heading words: it
+// is fitted into its cell between two grid points, centred, at the largest size up to its own
+// at which every line stays clear of the cell's rules.
+struct CellWord {
+    QStringList lines;
+    double size;
+    int x1, x2; // the cell's rules, X indexes; the row is Y 22 to Y 23
+};
+
+const CellWord kTotalRowWords[] = {
+    {{QStringLiteral("공급"), QStringLiteral("가액")}, 10, 1, 3},
+    {{QStringLiteral("세"), QStringLiteral("액")}, 10, 5, 6},
+    {{QStringLiteral("합"), QStringLiteral("계")}, 10, 9, 11},
+    {{QStringLiteral("전미수")}, 8, 16, 17},
+    {{QStringLiteral("미수금")}, 9, 21, 22},
+};
+constexpr double kTotalRuleWeight = 3;
+constexpr double kCellPadding = 0.01; // inches between a word and the inner edge of a rule
+constexpr double kSmallestSize = 5;
+
 QList<Word> words(bool supplier) {
     return {
         {{QStringLiteral("거 래 명 세 표")}, 20, 8, 1, 4, -0.8},
@@ -90,12 +111,33 @@ QList<Word> words(bool supplier) {
         {{QStringLiteral("단 가")}, 10, 16, 6, 0.5, 1.5},
         {{QStringLiteral("금 액")}, 10, 19, 6, 3, 1.5},
         {{QStringLiteral("세 액")}, 10, 23, 6, 3, 1.5},
-        {{QStringLiteral("공급"), QStringLiteral("가액")}, 10, 1, 22, 0.5, 0.3},
-        {{QStringLiteral("세"), QStringLiteral("액")}, 10, 5, 22, 0.2, 0.3},
-        {{QStringLiteral("합"), QStringLiteral("계")}, 10, 9, 22, 0.2, 0.3},
-        {{QStringLiteral("전미수")}, 8, 9, 22, 1.5, 1.5},
-        {{QStringLiteral("미수금")}, 9, 16, 22, 1.5, 1.5},
     };
+}
+
+double widestLine(const PrintJob& job, const QStringList& lines) {
+    double widest = 0;
+    for (const QString& line : lines)
+        widest = std::max(widest, job.textWidth(line));
+    return widest;
+}
+
+// Prints the word centred in its cell of the total row (the job's font is left at its size).
+void printInCell(PrintJob& job, const CellWord& w, double left, double right, double top, double bottom) {
+    const double inset = kTotalRuleWeight / 96 / 2 + kCellPadding;
+    const double room = right - left - 2 * inset;
+    const double height = bottom - top - 2 * inset;
+    double size = w.size;
+    for (;; size -= 0.5) {
+        job.setFontSize(size);
+        if (size <= kSmallestSize ||
+            (widestLine(job, w.lines) <= room && job.lineHeight() * w.lines.size() <= height))
+            break;
+    }
+    double y = top + (bottom - top - job.lineHeight() * w.lines.size()) / 2;
+    for (const QString& line : w.lines) {
+        job.printAt(left + (right - left - job.textWidth(line)) / 2, y, line);
+        y += job.lineHeight();
+    }
 }
 
 } // namespace
@@ -153,6 +195,8 @@ void Print_Form_DealList_A4Half_Sub(PrintJob& job, double X0, double Y0, const Q
             top += job.lineHeight();
         }
     }
+    for (const CellWord& w : kTotalRowWords)
+        printInCell(job, w, x[size_t(w.x1)], x[size_t(w.x2)], y[22], y[23]);
     job.setFontBold(false);
 }
 

@@ -346,6 +346,65 @@ private Q_SLOTS:
         QVERIFY(QFile::exists(test::screenshotDir() + QStringLiteral("/statement_print.png")));
     }
 
+    void everyWordOfTheFormsTotalRowSitsInsideItsCell() {
+        // The labels of the total row, each with the cell (X from, X to) it belongs in: 공급가액,
+        // 세액 and 합계 before their values, 전미수 and 미수금 before the balance values.
+        struct Label {
+            QString text;
+            int x1, x2;
+        };
+        const QList<Label> labels = {{QStringLiteral("공급"), 1, 3}, {QStringLiteral("가액"), 1, 3},
+                                     {QStringLiteral("세"), 5, 6},   {QStringLiteral("액"), 5, 6},
+                                     {QStringLiteral("합"), 9, 11},  {QStringLiteral("계"), 9, 11},
+                                     {QStringLiteral("전미수"), 16, 17}, {QStringLiteral("미수금"), 21, 22}};
+        for (const auto& [left, top] : {std::pair{0, 0.0}, std::pair{3, 1.5}}) {
+            auto record = std::make_shared<PrintRecord>();
+            {
+                PrintJob job(std::make_unique<RecordingSurface>(record));
+                Print_Form_DealList_A4Half(job, left, top);
+                job.endDoc();
+            }
+            for (int half = 0; half < 2; ++half) {
+                const double Y0 = top / 6 + dealframe::kTopOffset + half * dealframe::kHalfDistance;
+                const auto y = frameYs(Y0);
+                const auto x = frameXs(left / 12.0 + dealframe::kLeftOffset);
+                const double rule = 3 / 96.0 / 2; // half a rule of weight 3
+                for (const Label& label : labels) {
+                    const PrintedText* found = nullptr;
+                    for (const PrintedText& t : record->texts)
+                        if (t.text == label.text && t.y > y[22] - 0.01 && t.y < y[23])
+                            if (!found || (half == 1) == (t.y > found->y)) found = &t;
+                    QVERIFY2(found, qPrintable(label.text));
+                    const double height = found->font.size * 1.2 / 72;
+                    const double width = printTextWidth(found->text, found->font);
+                    QVERIFY2(found->x >= x[size_t(label.x1)] + rule, qPrintable(label.text));
+                    QVERIFY2(found->x + width <= x[size_t(label.x2)] - rule, qPrintable(label.text));
+                    QVERIFY2(found->y >= y[22] + rule, qPrintable(label.text));
+                    QVERIFY2(found->y + height <= y[23] - rule, qPrintable(label.text));
+                }
+                // No rule of the row crosses a word: the row's vertical rules stand between the cells.
+                for (const PrintedText& t : record->texts) {
+                    if (t.y < y[22] - 0.01 || t.y > y[23]) continue;
+                    const double width = printTextWidth(t.text, t.font);
+                    for (const PrintedLine& l : record->lines)
+                        if (l.x1 == l.x2 && l.y1 <= t.y && l.y2 >= t.y)
+                            QVERIFY2(l.x1 <= t.x || l.x1 >= t.x + width, qPrintable(t.text));
+                }
+            }
+        }
+        if (!test::havePdfTools()) return;
+        Store s;
+        const QString pdf = s.home.path() + QStringLiteral("/total-row.pdf");
+        {
+            PrintJob job(makePdfSurface(pdf), QStringLiteral("PDF"), kStatementDocument);
+            PrinterPrepare(job);
+            QVERIFY(Print_Data_Ink1B(job, statementOf(2), true));
+            job.endDoc();
+        }
+        // The row with its values, as the operator sees it on plain paper.
+        test::regionPng(pdf, 1, QStringLiteral("statement_frame_total_row"), 0.45, 4.9, 7.4, 0.45);
+    }
+
     void onPlainPaperTheValuesStandInsideTheDrawnForm() {
         if (!test::havePdfTools()) QSKIP("pdftotext or pdftoppm missing");
         Store s;

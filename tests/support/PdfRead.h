@@ -64,4 +64,20 @@ inline void pagePng(const QString& pdf, int page, const QString& name) {
     png.waitForFinished(20000);
 }
 
+// A region of a page, in inches from the page's top left, as build/screenshots/<name>.png at
+// the resolution given: a close look at a part of a print.
+inline void regionPng(const QString& pdf, int page, const QString& name, double x, double y, double width,
+                      double height, int dpi = 300) {
+    QDir().mkpath(screenshotDir());
+    QProcess png;
+    png.start(QStringLiteral("pdftoppm"),
+              {QStringLiteral("-png"), QStringLiteral("-r"), QString::number(dpi), QStringLiteral("-f"),
+               QString::number(page), QStringLiteral("-l"), QString::number(page), QStringLiteral("-x"),
+               QString::number(qRound(x * dpi)), QStringLiteral("-y"), QString::number(qRound(y * dpi)),
+               QStringLiteral("-W"), QString::number(qRound(width * dpi)), QStringLiteral("-H"),
+               QString::number(qRound(height * dpi)), QStringLiteral("-singlefile"), pdf,
+               screenshotDir() + u'/' + name});
+    png.waitForFinished(20000);
+}
+
 } // namespace nb::test
