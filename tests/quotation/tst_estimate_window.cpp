@@ -4,8 +4,14 @@
 #include "EstimateScreenKit.h"
 #include "FocusTakingBoxes.h"
 #include "common/dates/DateBox.h"
+#include "core/ScreenRegistry.h"
+#include "invoice/InvoiceScreens.h"
+#include "quotation/QuotationScreens.h"
+#include "shell/Nubella.h"
+#include "statement/StatementScreens.h"
 #include "printing/PrinterSetup.h"
 
+#include <QAction>
 #include <QLineEdit>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -66,6 +72,39 @@ struct ScreenInWorkArea {
         QTest::qWait(10);
     }
     ~ScreenInWorkArea() { setClock({}); }
+};
+
+// The real main window with the statement and quotation screens under their menu entries.
+struct MainWindow {
+    test::TestHome home;
+    Nubella window;
+    MainWindow() {
+        test::fixClock();
+        clearScreenRegistry();
+        registerInvoiceScreens();
+        registerStatementScreens();
+        registerQuotationScreens();
+        window.refreshMenuState();
+        QVERIFY(window.load(false));
+        test::addScreenData();
+        test::installStoreLookups();
+        app().DecimalQty = 0;
+        setSystemPrintersForTesting({}, QString()); // the PDF printer only: its box says where
+        test::showActive(&window);
+    }
+    ~MainWindow() {
+        clearScreenRegistry();
+        setClock({});
+    }
+    QWidget* open(const QString& control) {
+        window.menuAction(control)->trigger();
+        QTest::qWait(30);
+        return window.childScreen(control);
+    }
+    QWidget* inFront() const {
+        QMdiSubWindow* active = window.findChild<QMdiArea*>()->activeSubWindow();
+        return active ? active->widget() : nullptr;
+    }
 };
 
 } // namespace
@@ -181,6 +220,36 @@ private Q_SLOTS:
         QCOMPARE(capture.jobs().size(), size_t(2));
         QCOMPARE(capture.last().documentName, QStringLiteral("견적서"));
         QCOMPARE(capture.last().allTexts(), preview);
+    }
+
+    void afterF10PrintsTheQuotationStaysInFront() {
+        MainWindow w;
+        QWidget* deals = w.open(QStringLiteral("mnu_거래명세표"));
+        QVERIFY(deals);
+        auto* toQuotations = deals->findChild<QPushButton*>(QStringLiteral("vaBtnEstimate"));
+        QVERIFY(toQuotations);
+        toQuotations->click(); // the quotations, from the statement screen
+        QTest::qWait(30);
+        auto* f = qobject_cast<FrmEstimate*>(w.window.childScreen(QStringLiteral("mnu_Estimate")));
+        QVERIFY(f);
+        QCOMPARE(w.inFront(), f);
+        auto& s = test::scriptFocusTakingBoxes();
+        test::chooseTrader(*f, QStringLiteral("가나"));
+        s.answer(AnsYes); // 입력하신 내용을 저장하시겠습니까?
+        f->grdEstimate->setFocus();
+        test::settleFocus();
+        test::lookupLog().chooseOnShow = QStringLiteral("000001");
+        enterHere();
+        test::settleFocus();
+        QCOMPARE(lines(), 1);
+        QCOMPARE(w.inFront(), f);
+        s.clear();
+        test::keyHere(Qt::Key_F10);
+        test::settleFocus();
+        QVERIFY(!s.boxes().empty());
+        QCOMPARE(s.boxes().back().title, QStringLiteral("PDF 인쇄"));
+        QCOMPARE(w.inFront(), f);
+        QVERIFY(f->isAncestorOf(test::focused()));
     }
 
     void theWindowOpensWideEnoughToShowTheAmountColumn() {

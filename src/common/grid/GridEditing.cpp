@@ -136,7 +136,10 @@ void Grid::finishEdit() {
     const QString typed = m_editor->text();
     bool changeMade = typed != m_editStartText;
     if (changeMade) changeMade = m_model->setText(col, row, typed);
-    const bool editorHadFocus = m_editor->hasFocus();
+    // The editor may hold the focus of a window that is not active (a box is open over it): the
+    // grid takes that over too, or the window would give its focus, when it is active again,
+    // to whatever follows the hidden editor, another child window perhaps.
+    const bool editorHadFocus = m_editor->hasFocus() || (window() && window()->focusWidget() == m_editor);
     setFocusProxy(nullptr);
     if (editorHadFocus) focusGridQuietly();
     m_editor->hide();

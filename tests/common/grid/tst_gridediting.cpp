@@ -88,6 +88,17 @@ private Q_SLOTS:
         QVERIFY(!w.grid->isHighlighted(3, 2));
         QCOMPARE(w.grid->markedRow(), 0);
     }
+    void aCellLeftWhileABoxHasTheFocusLeavesTheWindowsFocusWithTheGrid() {
+        test::TestHome home;
+        GridWindow w;
+        QVERIFY(w.grid->EditMode());
+        QCOMPARE(w.window.focusWidget(), w.typingTarget()); // the editor
+        QApplication::setActiveWindow(nullptr);            // a box is active over the window
+        w.grid->SetActiveCell(2, 3);                        // the program moves the cursor meanwhile
+        QApplication::setActiveWindow(&w.window);           // the box has gone
+        QVERIFY(w.grid->isAncestorOf(QApplication::focusWidget()) || QApplication::focusWidget() == w.grid);
+        QVERIFY(QApplication::focusWidget() != &w.other);
+    }
     void typingHangulReplacesTheCellAndEnterMovesRight() {
         test::TestHome home;
         GridWindow w;
