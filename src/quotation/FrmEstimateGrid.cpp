@@ -112,7 +112,12 @@ void FrmEstimate::SearchProduct(int Row, bool& Found) {
     if (invoiceLookups().productList) {
         std::unique_ptr<SearchList> list = invoiceLookups().productList(this);
         const int result = list->InitForm(txtPCode, text, txtPCode->text(), 3);
-        if (result == 2 || (result == 1 && text.isEmpty())) list->showBelow(SSPanel7);
+        if (result == 2 || (result == 1 && text.isEmpty())) {
+            // Only a choice in the list counts: closing it with 닫기 or Esc chooses nothing, also
+            // when the one product registered was handed over already.
+            txtPCode->clear();
+            list->showBelow(SSPanel7);
+        }
     }
     Recordset rs;
     if (!txtPCode->text().isEmpty() && FindProduct(rs, txtPCode->text(), QString(), false)) {

@@ -348,6 +348,18 @@ private Q_SLOTS:
         QCOMPARE(test::lookupLog().shownBelow.last(), QStringLiteral("SSPanel7"));
     }
 
+    void closingTheListOfTheOneProductWithoutAChoiceStoresNoLine() {
+        StartedQuotation q;
+        FrmEstimate& f = q.f;
+        QVERIFY(test::exec(stores().dbBasic, QStringLiteral("DELETE FROM Product WHERE Code <> '000001'")));
+        test::lookupLog().chooseOnShow.clear(); // the list closed with 닫기
+        enterHere();
+        QCOMPARE(test::lookupLog().shownBelow.size(), 1);
+        QCOMPARE(lines(), 0);
+        QCOMPARE(f.grdEstimate->Text(ColPName, 1), QString());
+        QCOMPARE(f.LineCount(), 0);
+    }
+
     void deletingTheLastLineLeavesTotalZeroAndWordsUnchanged() {
         StartedQuotation q(true);
         FrmEstimate& f = q.f;
