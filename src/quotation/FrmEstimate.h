@@ -143,7 +143,7 @@ private:
     bool m_skipEdit = false;
     bool m_storeOpen = false;
     bool m_gridHasFocus = false; // the grid holds the screen's focus (a box may borrow it)
-    bool m_unloaded = false; // the screen was closed: the next showing loads it afresh
+    bool m_unloaded = false;     // the screen was closed: the next showing loads it afresh
 };
 
 } // namespace nb

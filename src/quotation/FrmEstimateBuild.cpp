@@ -12,11 +12,11 @@
 #include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QHeaderView>
 #include <QStyle>
 #include <QVBoxLayout>
 
@@ -173,7 +173,8 @@ QSize FrmEstimate::sizeHint() const {
     const QMargins margins = layout() ? layout()->contentsMargins() : QMargins();
     const int gridWidth = columns + 2 * grdEstimate->frameWidth() + scrollBar + 4;
     const QSize hint = QWidget::sizeHint();
-    return {std::max(hint.width(), gridWidth + margins.left() + margins.right()), std::max(hint.height(), 600)};
+    return {std::max(hint.width(), gridWidth + margins.left() + margins.right()),
+            std::max(hint.height(), 600)};
 }
 
 void FrmEstimate::connectControls() {
@@ -196,8 +197,8 @@ void FrmEstimate::connectControls() {
     }
     m_hangul->watch(txtFind);
     for (QWidget* w :
-         std::initializer_list<QWidget*>{txtDate[0], txtDate[1], txtFind, CmbFind, btnFind, btnNew, btnPreview, btnPrint,
-                                         btnExit, OptVat[0], OptVat[1], grdEstimate})
+         std::initializer_list<QWidget*>{txtDate[0], txtDate[1], txtFind, CmbFind, btnFind, btnNew,
+                                         btnPreview, btnPrint, btnExit, OptVat[0], OptVat[1], grdEstimate})
         w->installEventFilter(this);
 }
 

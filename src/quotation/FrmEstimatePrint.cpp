@@ -1,8 +1,8 @@
 // FrmEstimate: btnPrint and btnPreview, the quotation on show with the total of its lines.
 #include "common/Messages.h"
-#include "common/text/StoredNumber.h"
 #include "common/dates/DateBox.h"
 #include "common/grid/Grid.h"
+#include "common/text/StoredNumber.h"
 #include "core/AppState.h"
 #include "quotation/FrmEstimate.h"
 #include "quotation/QuotationIssue.h"

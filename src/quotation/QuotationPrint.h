@@ -1,9 +1,10 @@
 #pragma once
 // The quotation on A4, drawn by the program: title, number and date, the receiver, the supplier
 // with its seal, the sentence, the total line (TotEstiKum, the one total the page states), the
-// lines over as many pages as they need with the page numbers, and the footer with delivery date, validity and terms
-// of payment. One layout per decimal setting: quantities and prices with 0, 1 or 2 places.
-// Each page is a table of fields (row, tab, text, width, alignment, font) drawn on the job.
+// lines over as many pages as they need with the page numbers, and the footer with delivery
+// date, validity and terms of payment. One layout per decimal setting: quantities and prices with
+// 0, 1 or 2 places. Each page is a table of fields (row, tab, text, width, alignment, font) drawn
+// on the job.
 
 #include "invoice/InvoicePrint.h"
 
@@ -35,12 +36,13 @@ struct QuotationPrintData {
     QString validate;
     QString section;    // terms of payment
     QString TotEstiKum; // "\1,000,000 (일금 일백만 원정) 부가세별도"
-    bool totalOverflow = false; // the lines' total passes 32 bits: the page is not to be printed
     QString Phone;      // the trader's telephone
     QString ClientFax;  // the trader's fax
     PrintParty supplier;
     QList<QuotationLine> lines;
     int decimals = 0; // the layout: 0, 1 (one place) or any other value (two places)
+    // The lines' total passes 32 bits: the page is not to be printed.
+    bool totalOverflow = false;
 };
 
 // The total line: a backslash (the won sign of the Korean code page), the total box as it

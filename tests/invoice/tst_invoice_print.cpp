@@ -80,7 +80,8 @@ private Q_SLOTS:
         const auto found = all(*p.record, cut);
         QCOMPARE(int(found.size()), 2);
         for (const PrintedText& t : found)
-            QVERIFY(t.x + printTextWidth(t.text, t.font) < tabX(0, invoicelayout::kLineUnit.tab, t.font.size));
+            QVERIFY(t.x + printTextWidth(t.text, t.font) <
+                    tabX(0, invoicelayout::kLineUnit.tab, t.font.size));
         QVERIFY(all(*p.record, data.sheet.line(0).pummok).empty());
     }
 

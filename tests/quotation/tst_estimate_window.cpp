@@ -6,10 +6,10 @@
 #include "common/dates/DateBox.h"
 #include "core/ScreenRegistry.h"
 #include "invoice/InvoiceScreens.h"
+#include "printing/PrinterSetup.h"
 #include "quotation/QuotationScreens.h"
 #include "shell/Nubella.h"
 #include "statement/StatementScreens.h"
-#include "printing/PrinterSetup.h"
 
 #include <QAction>
 #include <QLineEdit>
@@ -122,12 +122,14 @@ private Q_SLOTS:
         enterHere();
         test::settleFocus();
         QVERIFY(s.focusTaken() >= 1);
-        QCOMPARE(s.boxes().at(0).text, QStringLiteral("견적서의 납품예정일을 변경하는 중 오류가 발생했습니다."));
+        QCOMPARE(s.boxes().at(0).text,
+                 QStringLiteral("견적서의 납품예정일을 변경하는 중 오류가 발생했습니다."));
         QCOMPARE(int(s.boxes().size()), 2);
         QCOMPARE(s.boxes().at(1).text, QStringLiteral("입력하신 내용을 저장하시겠습니까?"));
         QCOMPARE(heads(), 1);
-        QCOMPARE(test::scalar(stores().dbEstimate, QStringLiteral("SELECT Validate FROM EstiBase")).toString(),
-                 QStringLiteral("4개월"));
+        QCOMPARE(
+            test::scalar(stores().dbEstimate, QStringLiteral("SELECT Validate FROM EstiBase")).toString(),
+            QStringLiteral("4개월"));
         QVERIFY(test::focused() == f.grdEstimate || f.grdEstimate->isAncestorOf(test::focused()));
         // The first line is stored under a head that exists.
         test::lookupLog().chooseOnShow = QStringLiteral("000001");

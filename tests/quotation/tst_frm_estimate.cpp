@@ -27,7 +27,8 @@ int heads(const QString& where = QString(), const QVariantList& values = {}) {
 }
 QVariant lineValue(const QString& column, int seq = 1) {
     return test::scalar(stores().dbEstimate,
-                        QStringLiteral("SELECT ") + column + QStringLiteral(" FROM Estimate WHERE Seq = ?"), {seq});
+                        QStringLiteral("SELECT ") + column + QStringLiteral(" FROM Estimate WHERE Seq = ?"),
+                        {seq});
 }
 QVariant headValue(const QString& column, const QString& code = QStringLiteral("202405001")) {
     return test::scalar(
@@ -533,7 +534,8 @@ private Q_SLOTS:
         auto& s = q.s;
         enterHere();
         test::typeCell(f.grdEstimate, QStringLiteral("9999999"));
-        QCOMPARE(s.last().text, QStringLiteral("Error 6 (Overflow) in procedure RecalcLine of Form FrmEstimate"));
+        QCOMPARE(s.last().text,
+                 QStringLiteral("Error 6 (Overflow) in procedure RecalcLine of Form FrmEstimate"));
         QVERIFY(f.txtinput[3]->text().remove(u',').trimmed().size() < 14);
     }
 
@@ -551,7 +553,8 @@ private Q_SLOTS:
         const int before = int(s.boxes().size());
         test::typeCell(f.grdEstimate, QStringLiteral("3"));
         QCOMPARE(int(s.boxes().size()), before + 1);
-        QCOMPARE(s.last().text, QStringLiteral("Error 6 (Overflow) in procedure RecalcLine of Form FrmEstimate"));
+        QCOMPARE(s.last().text,
+                 QStringLiteral("Error 6 (Overflow) in procedure RecalcLine of Form FrmEstimate"));
         // Nothing stored: the line keeps its quantity and amount, the screen its figures.
         QCOMPARE(lineValue(QStringLiteral("EAmount")).toDouble(), 1.0);
         QCOMPARE(lineValue(QStringLiteral("EstiKum")).toLongLong(), 1034379072LL);

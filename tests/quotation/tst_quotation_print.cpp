@@ -3,9 +3,9 @@
 // the PDF read back with pdftotext -bbox, and the print from the screen with its edge cases.
 #include "EstimateScreenKit.h"
 #include "PdfRead.h"
+#include "common/text/ByteText.h"
 #include "core/Settings.h"
 #include "invoice/InvoiceSeal.h"
-#include "common/text/ByteText.h"
 #include "printing/PrintGrid.h"
 #include "printing/PrintSurfaces.h"
 #include "printing/PrinterSetup.h"
@@ -127,7 +127,7 @@ private Q_SLOTS:
         QVERIFY(PrintQuotationJob(*data));
         const PrintRecord& r = capture.last();
         QVERIFY(r.find(data->TotEstiKum));
-        QVERIFY(r.find(QStringLiteral("1,500"))); // the line's own amount
+        QVERIFY(r.find(QStringLiteral("1,500")));  // the line's own amount
         QVERIFY(!r.find(QStringLiteral("2,500"))); // no sum of the line amounts beside the total
         QVERIFY(!r.find(QStringLiteral("합    계")));
         for (const PrintedText& t : r.texts)

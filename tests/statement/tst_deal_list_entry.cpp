@@ -80,8 +80,8 @@ private Q_SLOTS:
     void answeringNoOnARowWithoutALineKeepsTheHighlightAndTheGridEditable() {
         Screen s;
         auto& msgs = test::script();
-        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-05-02"), QStringLiteral("000001"),
-                               {{QStringLiteral("볼트"), 3, 1100, 3000, 300}});
+        test::addDealStatement(QStringLiteral("000001"), QStringLiteral("2024-05-02"),
+                               QStringLiteral("000001"), {{QStringLiteral("볼트"), 3, 1100, 3000, 300}});
         FrmDealList& f = s.open();
         f.spMaster->setFocus();
         f.spMaster->SetActiveCell(ColBillDate, 1);

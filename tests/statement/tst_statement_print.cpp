@@ -353,9 +353,9 @@ private Q_SLOTS:
             QString text;
             int x1, x2;
         };
-        const QList<Label> labels = {{QStringLiteral("공급"), 1, 3}, {QStringLiteral("가액"), 1, 3},
-                                     {QStringLiteral("세"), 5, 6},   {QStringLiteral("액"), 5, 6},
-                                     {QStringLiteral("합"), 9, 11},  {QStringLiteral("계"), 9, 11},
+        const QList<Label> labels = {{QStringLiteral("공급"), 1, 3},     {QStringLiteral("가액"), 1, 3},
+                                     {QStringLiteral("세"), 5, 6},       {QStringLiteral("액"), 5, 6},
+                                     {QStringLiteral("합"), 9, 11},      {QStringLiteral("계"), 9, 11},
                                      {QStringLiteral("전미수"), 16, 17}, {QStringLiteral("미수금"), 21, 22}};
         for (const auto& [left, top] : {std::pair{0, 0.0}, std::pair{3, 1.5}}) {
             auto record = std::make_shared<PrintRecord>();

@@ -93,7 +93,7 @@ private Q_SLOTS:
         GridWindow w;
         QVERIFY(w.grid->EditMode());
         QCOMPARE(w.window.focusWidget(), w.typingTarget()); // the editor
-        QApplication::setActiveWindow(nullptr);            // a box is active over the window
+        QApplication::setActiveWindow(nullptr);             // a box is active over the window
         w.grid->SetActiveCell(2, 3);                        // the program moves the cursor meanwhile
         QApplication::setActiveWindow(&w.window);           // the box has gone
         QVERIFY(w.grid->isAncestorOf(QApplication::focusWidget()) || QApplication::focusWidget() == w.grid);
