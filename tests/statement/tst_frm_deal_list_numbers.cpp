@@ -23,7 +23,7 @@ bool headEqualsLines(const QString& billNo) {
 // cursor waits on its quantity.
 void oneLineOfBolts(FrmDealList& f) {
     test::chooseTrader(f, QStringLiteral("가나"));
-    typeIntoCell(QStringLiteral("볼트"));
+    test::typeProductAndChoose(QStringLiteral("볼트"), QStringLiteral("000001"));
 }
 
 } // namespace
