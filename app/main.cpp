@@ -10,8 +10,13 @@
 #include "shell/Program.h"
 #include "statement/StatementCommand.h"
 #include "statement/StatementScreens.h"
+#include "storage/jet/JetCommand.h"
+#include "storage/jet/JetReader.h"
 
 int main(int argc, char** argv) {
+    // The import's reader child: no window, no store, nothing but the one Jet file.
+    if (const int code = nb::runJetReaderIfAsked(argc, argv); code >= 0) return code;
+    nb::registerJetImportCommand();
     nb::registerInvoiceCommand();
     nb::registerStatementCommand();
     nb::registerQuotationCommand();

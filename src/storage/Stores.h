@@ -31,6 +31,9 @@ void UpgradeColumns();
 // Both upgrade steps as the start-up road runs them: each step on the stores that opened; a
 // store that did not open was named at its opening and is upgraded at the start that opens it.
 void UpgradeOpenStores();
+// The same steps on two store files opened by the caller (an import builds its stores aside and
+// brings them up to date by the steps the program runs on its own).
+void UpgradeStoreFiles(Database& basic, Database& tax);
 
 // The default supplier: fills rsUser() from User (the row of DefaultSerial, or all rows when
 // none is set or it is gone, after saying so and emptying "기본사업자"), sets DefaultCompany

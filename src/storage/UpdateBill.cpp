@@ -180,6 +180,10 @@ OldLineSplit splitOldLine(double quant, double unitCost, double saleKum, VatChoi
     return {plain, 0, true};
 }
 
+bool ConvertOldStatements(Database& oldDb, Database& newDb) {
+    return Conversion(oldDb, newDb).run();
+}
+
 QString updateBillFolder() {
     const QString stored = GetEnv(QStringLiteral("db경로"));
     return stored.isEmpty() ? appFolderFile(QStringLiteral("Dbs")) : stored;
@@ -238,7 +242,7 @@ void UpdateBill() {
                           QStringLiteral("ModModule"));
         return;
     }
-    if (!Conversion(oldDb, newDb).run() || !writeMark(newDb, oldPath)) {
+    if (!ConvertOldStatements(oldDb, newDb) || !writeMark(newDb, oldPath)) {
         newDb.rollback();
         return;
     }

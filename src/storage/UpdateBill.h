@@ -9,6 +9,8 @@
 
 namespace nb {
 
+class Database;
+
 // How a line whose old amount cannot tell VAT-inclusive from tax free is treated.
 enum class VatChoice : int { NotAsked = 0, Included = 1, TaxFree = 2 };
 
@@ -26,6 +28,11 @@ OldLineSplit splitOldLine(double quant, double unitCost, double saleKum, VatChoi
 
 // The folder of the store files as this step sees it: "db경로", or <app folder>/Dbs.
 QString updateBillFolder();
+
+// The three passes of the conversion (heads, lines, the heads' totals from their lines) from an
+// open old store into an open statement store, inside the caller's transaction; false when a
+// pass could not read. Row-level failures are reported and passed over.
+bool ConvertOldStatements(Database& oldDb, Database& newDb);
 
 // The conversion. Nothing happens (and nothing is shown) without the old file.
 void UpdateBill();

@@ -70,25 +70,23 @@ void addWholeNumberTriggers(Database& db, const QString& table) {
 }
 
 // The table steps; with sayUnopened false a store that is not open is passed over silently.
-void upgradeTables(bool sayUnopened) {
-    Stores& s = stores();
-    bool runUserStep = sayUnopened || s.dbBasic.isOpen();
+void upgradeTables(Database& basic, Database& tax, bool sayUnopened) {
+    bool runUserStep = sayUnopened || basic.isOpen();
     const bool taxOpen =
-        sayUnopened ? storeIsOpen(s.dbTax, createStatements(tableDef(QStringLiteral("BuyTax"))).first())
-                    : s.dbTax.isOpen();
+        sayUnopened ? storeIsOpen(tax, createStatements(tableDef(QStringLiteral("BuyTax"))).first())
+                    : tax.isOpen();
     if (taxOpen) {
-        createTableWhenAbsent(s.dbTax, QStringLiteral("BuyTax"));
-        createTableWhenAbsent(s.dbTax, QStringLiteral("BuyTotal"));
-        createTableWhenAbsent(s.dbTax, QStringLiteral("SaleTotal"));
-        if (runUserStep) runUserStep = addInvoiceSupplierColumn(s.dbTax, s.dbBasic);
+        createTableWhenAbsent(tax, QStringLiteral("BuyTax"));
+        createTableWhenAbsent(tax, QStringLiteral("BuyTotal"));
+        createTableWhenAbsent(tax, QStringLiteral("SaleTotal"));
+        if (runUserStep) runUserStep = addInvoiceSupplierColumn(tax, basic);
     }
-    if (runUserStep) addSupplierPrimaryIndex(s.dbBasic);
-    addWholeNumberTriggers(s.dbTax, QStringLiteral("SaleTotal"));
-    addWholeNumberTriggers(s.dbTax, QStringLiteral("BuyTotal"));
+    if (runUserStep) addSupplierPrimaryIndex(basic);
+    addWholeNumberTriggers(tax, QStringLiteral("SaleTotal"));
+    addWholeNumberTriggers(tax, QStringLiteral("BuyTotal"));
 }
 
-void upgradeColumns(bool sayUnopened) {
-    Database& basic = stores().dbBasic;
+void upgradeColumns(Database& basic, Database& tax, bool sayUnopened) {
     if (sayUnopened || basic.isOpen()) {
         DAO_AddField(basic, QStringLiteral("Trader"), QStringLiteral("HPhone"), dbText, 14, true,
                      QStringLiteral("UPDATE Trader SET HPhone = ''"));
@@ -97,7 +95,6 @@ void upgradeColumns(bool sayUnopened) {
     }
     // 영수/청구 of each invoice, kept from this version on for the electronic invoice sheet;
     // the invoices issued before stay null (unknown), and whoever hands them on asks.
-    Database& tax = stores().dbTax;
     if (tax.isOpen() && tax.hasTable(QStringLiteral("NewAcount")))
         DAO_AddField(tax, QStringLiteral("NewAcount"), QStringLiteral("Receipt"), dbText, 4, true, QString());
 }
@@ -105,16 +102,21 @@ void upgradeColumns(bool sayUnopened) {
 } // namespace
 
 void UpgradeTables() {
-    upgradeTables(true);
+    upgradeTables(stores().dbBasic, stores().dbTax, true);
 }
 
 void UpgradeColumns() {
-    upgradeColumns(true);
+    upgradeColumns(stores().dbBasic, stores().dbTax, true);
 }
 
 void UpgradeOpenStores() {
-    upgradeTables(false);
-    upgradeColumns(false);
+    upgradeTables(stores().dbBasic, stores().dbTax, false);
+    upgradeColumns(stores().dbBasic, stores().dbTax, false);
+}
+
+void UpgradeStoreFiles(Database& basic, Database& tax) {
+    upgradeTables(basic, tax, false);
+    upgradeColumns(basic, tax, false);
 }
 
 } // namespace nb

@@ -1,0 +1,267 @@
+#include "storage/jet/JetReader.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QStringList>
+#include <QVariant>
+#include <QtEndian>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <mdbtools.h>
+#include <memory>
+#include <vector>
+
+namespace nb {
+namespace {
+
+const QString kRawConnection = QStringLiteral("nb-jet-raw");
+
+void complain(const QString& line) {
+    std::fprintf(stderr, "%s\n", line.toUtf8().constData());
+}
+
+QString quoted(const QString& name) {
+    return u'"' + QString(name).replace(u'"', QStringLiteral("\"\"")) + u'"';
+}
+
+// Fixed-width values are taken from the row's own bytes (little-endian), not from the
+// library's text of them, so that doubles and money come across to the last bit.
+template <typename T> T rawAt(const MdbHandle* mdb, int start) {
+    T value;
+    std::memcpy(&value, mdb->pg_buf + start, sizeof value);
+    return value;
+}
+
+bool isNumeric(int type) {
+    switch (type) {
+    case MDB_BYTE:
+    case MDB_INT:
+    case MDB_LONGINT:
+    case MDB_MONEY:
+    case MDB_FLOAT:
+    case MDB_DOUBLE:
+    case MDB_NUMERIC:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool isCarried(int type) {
+    return isNumeric(type) || type == MDB_BOOL || type == MDB_TEXT || type == MDB_MEMO ||
+           type == MDB_DATETIME;
+}
+
+// One bound column: the library's text of the value and its length.
+struct Bound {
+    MdbColumn* column = nullptr;
+    std::vector<char> text;
+    int length = 0;
+};
+
+QVariant numericValue(const MdbHandle* mdb, const Bound& b) {
+    const MdbColumn* c = b.column;
+    if (c->cur_value_len == 0) return QVariant();
+    const int at = c->cur_value_start;
+    switch (c->col_type) {
+    case MDB_BYTE:
+        return int(rawAt<quint8>(mdb, at));
+    case MDB_INT:
+        return int(qFromLittleEndian(rawAt<qint16>(mdb, at)));
+    case MDB_LONGINT:
+        return qFromLittleEndian(rawAt<qint32>(mdb, at));
+    case MDB_MONEY: // an integer scaled by 10^4
+        return double(qFromLittleEndian(rawAt<qint64>(mdb, at))) / 10000.0;
+    case MDB_FLOAT:
+        return double(rawAt<float>(mdb, at));
+    case MDB_DOUBLE:
+        return rawAt<double>(mdb, at);
+    default: // decimal: the library's text of it
+        return QString::fromUtf8(b.text.data(), b.length).toDouble();
+    }
+}
+
+class RawWriter {
+public:
+    explicit RawWriter(const QString& path) : m_path(path) {}
+    ~RawWriter() {
+        { QSqlDatabase::database(kRawConnection, false).close(); }
+        QSqlDatabase::removeDatabase(kRawConnection);
+    }
+
+    bool open() {
+        QFile::remove(m_path);
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), kRawConnection);
+        db.setDatabaseName(m_path);
+        return db.open() && run(QStringLiteral("PRAGMA synchronous=OFF")) &&
+               run(QStringLiteral("PRAGMA journal_mode=OFF")) && run(QStringLiteral("BEGIN")) &&
+               run(QStringLiteral("CREATE TABLE _columns (tbl TEXT, ord INTEGER, col TEXT, jettype INTEGER, "
+                                  "size INTEGER)")) &&
+               run(QStringLiteral("CREATE TABLE _figures (tbl TEXT, col TEXT, rows INTEGER, total REAL)"));
+    }
+    bool run(const QString& sql, const QVariantList& values = {}) {
+        QSqlQuery q(QSqlDatabase::database(kRawConnection, false));
+        q.prepare(sql);
+        for (const QVariant& v : values)
+            q.addBindValue(v);
+        if (q.exec()) return true;
+        complain(QStringLiteral("임시 자료 파일에 쓰지 못했습니다: ") + q.lastError().text());
+        return false;
+    }
+    QSqlQuery prepared(const QString& sql) {
+        QSqlQuery q(QSqlDatabase::database(kRawConnection, false));
+        q.prepare(sql);
+        return q;
+    }
+    bool commit() { return run(QStringLiteral("COMMIT")); }
+
+private:
+    QString m_path;
+};
+
+class TableReader {
+public:
+    TableReader(MdbHandle* mdb, MdbTableDef* table, RawWriter& raw)
+        : m_mdb(mdb), m_table(table), m_raw(raw), m_name(QString::fromUtf8(table->name)) {}
+
+    bool read() {
+        // The column list is read once: reading it again after a fetch spoils it.
+        mdb_read_columns(m_table);
+        mdb_rewind_table(m_table);
+        return declare() && copyRows();
+    }
+
+private:
+    bool declare() {
+        QStringList names;
+        m_bound.resize(m_table->num_cols);
+        for (unsigned i = 0; i < m_table->num_cols; ++i) {
+            auto* c = static_cast<MdbColumn*>(g_ptr_array_index(m_table->columns, i));
+            Bound& b = m_bound[i];
+            b.column = c;
+            b.text.assign(kJetBindSize, 0);
+            mdb_bind_column(m_table, int(i) + 1, b.text.data(), &b.length);
+            const QString name = QString::fromUtf8(c->name);
+            if (!m_raw.run(QStringLiteral("INSERT INTO _columns VALUES (?, ?, ?, ?, ?)"),
+                           {m_name, int(i), name, c->col_type, c->col_size}))
+                return false;
+            if (isCarried(c->col_type)) names << quoted(name);
+        }
+        m_sums.assign(m_bound.size(), 0.0);
+        QStringList marks;
+        for (qsizetype i = 0; i < names.size(); ++i)
+            marks << QStringLiteral("?");
+        const QString columns = names.isEmpty() ? QStringLiteral("\"_none\"") : names.join(u',');
+        if (!m_raw.run(QStringLiteral("CREATE TABLE %1 (%2)").arg(quoted(m_name), columns))) return false;
+        m_insert = m_raw.prepared(QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
+                                      .arg(quoted(m_name), columns,
+                                           marks.isEmpty() ? QStringLiteral("NULL") : marks.join(u',')));
+        return true;
+    }
+
+    bool copyRows() {
+        qint64 rows = 0;
+        while (mdb_fetch_row(m_table)) {
+            if (!copyRow()) return false;
+            ++rows;
+        }
+        bool ok = m_raw.run(QStringLiteral("INSERT INTO _figures VALUES (?, '', ?, NULL)"), {m_name, rows});
+        for (size_t i = 0; ok && i < m_bound.size(); ++i)
+            if (isNumeric(m_bound[i].column->col_type))
+                ok = m_raw.run(QStringLiteral("INSERT INTO _figures VALUES (?, ?, ?, ?)"),
+                               {m_name, QString::fromUtf8(m_bound[i].column->name), rows, m_sums[i]});
+        return ok;
+    }
+
+    bool copyRow() {
+        int slot = 0;
+        for (size_t i = 0; i < m_bound.size(); ++i) {
+            const Bound& b = m_bound[i];
+            const int type = b.column->col_type;
+            if (!isCarried(type)) continue;
+            QVariant value;
+            if (isNumeric(type)) {
+                value = numericValue(m_mdb, b);
+                if (!value.isNull()) m_sums[i] += value.toDouble();
+            } else if (type == MDB_BOOL) {
+                value = (b.length > 0 && b.text[0] == '1') ? 1 : 0;
+            } else {
+                if (b.length >= kJetBindSize - 1) return tooLong(b);
+                value = QString::fromUtf8(b.text.data(), b.length);
+            }
+            m_insert.bindValue(slot++, value);
+        }
+        if (m_insert.exec()) return true;
+        complain(QStringLiteral("임시 자료 파일에 쓰지 못했습니다: ") + m_insert.lastError().text());
+        return false;
+    }
+
+    bool tooLong(const Bound& b) {
+        complain(QStringLiteral("%1 표의 %2 열에 너무 긴 글이 있어 읽지 않았습니다.")
+                     .arg(m_name, QString::fromUtf8(b.column->name)));
+        return false;
+    }
+
+    MdbHandle* m_mdb;
+    MdbTableDef* m_table;
+    RawWriter& m_raw;
+    QString m_name;
+    std::vector<Bound> m_bound;
+    std::vector<double> m_sums;
+    QSqlQuery m_insert;
+};
+
+bool readTables(MdbHandle* mdb, RawWriter& raw) {
+    if (!mdb_read_catalog(mdb, MDB_TABLE)) return false;
+    for (unsigned i = 0; i < mdb->num_catalog; ++i) {
+        auto* entry = static_cast<MdbCatalogEntry*>(g_ptr_array_index(mdb->catalog, i));
+        if (entry->object_type != MDB_TABLE || mdb_is_system_table(entry)) continue;
+        MdbTableDef* table = mdb_read_table(entry);
+        if (!table) return false;
+        const bool ok = TableReader(mdb, table, raw).read();
+        mdb_free_tabledef(table);
+        if (!ok) return false;
+    }
+    return true;
+}
+
+} // namespace
+
+int readJetFile(const QString& mdbPath, const QString& rawPath) {
+    // Jet 3 files keep Korean in the Windows code page; Jet 4 files keep UCS-2.
+    qputenv("MDB_JET3_CHARSET", "CP949");
+    MdbHandle* mdb = mdb_open(QFile::encodeName(mdbPath).constData(), MDB_NOFLAGS);
+    if (!mdb) {
+        complain(QStringLiteral("%1 파일을 Jet 자료 파일로 열 수 없습니다.").arg(mdbPath));
+        return 1;
+    }
+    mdb_set_bind_size(mdb, kJetBindSize);
+    mdb_set_date_fmt(mdb, "%Y-%m-%d");
+    mdb_set_shortdate_fmt(mdb, "%Y-%m-%d");
+    const QString building = rawPath + QStringLiteral(".part");
+    bool ok = false;
+    {
+        RawWriter raw(building);
+        ok = raw.open() && readTables(mdb, raw) && raw.commit();
+    }
+    mdb_close(mdb);
+    if (ok && QFile::exists(rawPath)) QFile::remove(rawPath);
+    if (ok && QFile::rename(building, rawPath)) return 0;
+    QFile::remove(building);
+    complain(QStringLiteral("%1 파일을 읽지 못했습니다.").arg(mdbPath));
+    return 1;
+}
+
+int runJetReaderIfAsked(int argc, char** argv) {
+    if (argc != 5 || QString::fromLocal8Bit(argv[1]) != kReadMdbOption ||
+        QString::fromLocal8Bit(argv[3]) != kReadMdbIntoOption)
+        return -1;
+    QCoreApplication application(argc, argv);
+    return readJetFile(QString::fromLocal8Bit(argv[2]), QString::fromLocal8Bit(argv[4]));
+}
+
+} // namespace nb
