@@ -72,9 +72,9 @@ void addWholeNumberTriggers(Database& db, const QString& table) {
 // The table steps; with sayUnopened false a store that is not open is passed over silently.
 void upgradeTables(Database& basic, Database& tax, bool sayUnopened) {
     bool runUserStep = sayUnopened || basic.isOpen();
-    const bool taxOpen =
-        sayUnopened ? storeIsOpen(tax, createStatements(tableDef(QStringLiteral("BuyTax"))).first())
-                    : tax.isOpen();
+    const bool taxOpen = sayUnopened
+                             ? storeIsOpen(tax, createStatements(tableDef(QStringLiteral("BuyTax"))).first())
+                             : tax.isOpen();
     if (taxOpen) {
         createTableWhenAbsent(tax, QStringLiteral("BuyTax"));
         createTableWhenAbsent(tax, QStringLiteral("BuyTotal"));

@@ -19,8 +19,8 @@ const QString kRawAlias = QStringLiteral("src");
 struct TableCopy {
     TableDef def;
     QString sourceTable;
-    QStringList columns;      // the layout's spelling
-    QStringList sourceNames;  // the source's spelling, same order
+    QStringList columns;     // the layout's spelling
+    QStringList sourceNames; // the source's spelling, same order
     QList<int> sourceTypes;
 };
 
@@ -62,7 +62,8 @@ TableCopy planCopy(const TableDef& def, const QString& sourceTable, const QList<
         if (at < 0 && isUpgradeColumn(def.name, column.name)) continue;
         copy.def.columns << column;
         if (at < 0) {
-            notes << QStringLiteral("%1: %2 표에 %3 열이 없어 빈 값으로 두었습니다.").arg(file, def.name, column.name);
+            notes << QStringLiteral("%1: %2 표에 %3 열이 없어 빈 값으로 두었습니다.")
+                         .arg(file, def.name, column.name);
             continue;
         }
         copy.columns << column.name;
@@ -82,10 +83,14 @@ TableCopy planCopy(const TableDef& def, const QString& sourceTable, const QList<
 
 // Yes/no values come from the reader as 1 / 0 and are kept as the store keeps them (-1 / 0).
 QString selectExpression(const TableCopy& copy, int i, const TableDef& def) {
-    const QString name = kRawAlias + u'.' + quoteName(copy.sourceTable) + u'.' + quoteName(copy.sourceNames[i]);
+    const QString name =
+        kRawAlias + u'.' + quoteName(copy.sourceTable) + u'.' + quoteName(copy.sourceNames[i]);
     for (const ColumnDef& c : def.columns)
         if (c.name == copy.columns[i] && c.type == dbBoolean)
-            return QStringLiteral("CASE WHEN %1 THEN %2 ELSE %3 END").arg(name).arg(kStoredTrue).arg(kStoredFalse);
+            return QStringLiteral("CASE WHEN %1 THEN %2 ELSE %3 END")
+                .arg(name)
+                .arg(kStoredTrue)
+                .arg(kStoredFalse);
     return name;
 }
 
@@ -112,7 +117,8 @@ bool copyRows(const QString& newPath, const QString& rawPath, const QList<TableC
         ok = ok && (copy.columns.isEmpty() || db.tryExecute(copyStatement(copy)));
     ok = ok && db.commit();
     if (!ok) {
-        why = storeFaultText(db.lastEngineCode(), db.lastErrorDescription()) + u' ' + db.lastErrorDescription();
+        why =
+            storeFaultText(db.lastEngineCode(), db.lastErrorDescription()) + u' ' + db.lastErrorDescription();
         db.rollback();
     }
     db.detach(kRawAlias);
@@ -248,7 +254,8 @@ BuildOutcome buildStoreFromRaw(const QString& source, const QString& rawPath, co
     }
     for (const auto& [table, columns] : tables)
         if (!matched.contains(table))
-            out.notes << QStringLiteral("%1: %2 표는 자료 형식에 없는 표라 가져오지 않았습니다.").arg(source, table);
+            out.notes << QStringLiteral("%1: %2 표는 자료 형식에 없는 표라 가져오지 않았습니다.")
+                             .arg(source, table);
     out.tables = carriedFigures(readFigures(raw, source), copies);
     raw.close();
     if (!createStoreFile(newPath, defs)) {
@@ -257,7 +264,8 @@ BuildOutcome buildStoreFromRaw(const QString& source, const QString& rawPath, co
     }
     QString why;
     if (!copyRows(newPath, rawPath, copies, why)) {
-        out.failure = QStringLiteral("%1 파일의 자료를 새 자료 파일에 옮기지 못했습니다. %2").arg(source, why);
+        out.failure =
+            QStringLiteral("%1 파일의 자료를 새 자료 파일에 옮기지 못했습니다. %2").arg(source, why);
         return out;
     }
     out.ok = true;

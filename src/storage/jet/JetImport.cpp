@@ -39,25 +39,38 @@ QList<SourceFile> knownFiles() {
 QString storePathOf(Kind kind) {
     const AppState& a = app();
     switch (kind) {
-    case Kind::Basic: return a.DbBasicFile;
-    case Kind::Bill: return a.DbBillFile;
-    case Kind::Tax: return a.DbTaxFile;
-    case Kind::Estimate: return a.DbEstimateFile;
-    case Kind::Post: return a.DbPostFile;
-    case Kind::InOut: return a.DbInOutFile;
-    case Kind::OldBill: return {};
+    case Kind::Basic:
+        return a.DbBasicFile;
+    case Kind::Bill:
+        return a.DbBillFile;
+    case Kind::Tax:
+        return a.DbTaxFile;
+    case Kind::Estimate:
+        return a.DbEstimateFile;
+    case Kind::Post:
+        return a.DbPostFile;
+    case Kind::InOut:
+        return a.DbInOutFile;
+    case Kind::OldBill:
+        return {};
     }
     return {};
 }
 
 QList<TableDef> layoutOf(Kind kind) {
     switch (kind) {
-    case Kind::Basic: return basicTables();
-    case Kind::Bill: return billTables();
-    case Kind::Tax: return taxTables();
-    case Kind::Estimate: return estimateTables();
-    case Kind::Post: return postTables();
-    default: return {};
+    case Kind::Basic:
+        return basicTables();
+    case Kind::Bill:
+        return billTables();
+    case Kind::Tax:
+        return taxTables();
+    case Kind::Estimate:
+        return estimateTables();
+    case Kind::Post:
+        return postTables();
+    default:
+        return {};
     }
 }
 
@@ -66,8 +79,9 @@ public:
     Import(const QString& folder, const JetImportOptions& options) : m_folder(folder), m_options(options) {}
 
     JetImportReport run() {
-        if (findSources() && checkStoreFolder() && prepareWork() && readAll() && buildAll() && carryOthers() &&
-            upgrade() && takeBuiltFigures() && convertOldStatements() && check() && swapIn()) {
+        if (findSources() && checkStoreFolder() && prepareWork() && readAll() && buildAll() &&
+            carryOthers() && upgrade() && takeBuiltFigures() && convertOldStatements() && check() &&
+            swapIn()) {
             m_report.ok = true;
             return m_report;
         }
@@ -94,7 +108,9 @@ private:
             bool known = false;
             for (const SourceFile& f : knownFiles())
                 known = known || f.name.compare(name, Qt::CaseInsensitive) == 0;
-            if (!known) m_report.notes << QStringLiteral("%1 파일은 알 수 없는 파일이라 가져오지 않았습니다.").arg(name);
+            if (!known)
+                m_report.notes
+                    << QStringLiteral("%1 파일은 알 수 없는 파일이라 가져오지 않았습니다.").arg(name);
         }
         for (SourceFile f : knownFiles()) {
             for (const QString& name : present)
@@ -105,9 +121,10 @@ private:
         for (const SourceFile& f : m_sources)
             basic = basic || f.kind == Kind::Basic;
         if (!basic)
-            return fail(QStringLiteral("%1 폴더에 dbBasic.mdb 파일이 없습니다. 옛 자료 파일(.mdb)이 있는 폴더를 "
-                                       "고르십시오.")
-                            .arg(QDir::toNativeSeparators(m_folder)));
+            return fail(
+                QStringLiteral("%1 폴더에 dbBasic.mdb 파일이 없습니다. 옛 자료 파일(.mdb)이 있는 폴더를 "
+                               "고르십시오.")
+                    .arg(QDir::toNativeSeparators(m_folder)));
         return true;
     }
 
@@ -151,7 +168,8 @@ private:
         QProcess reader;
         reader.setProcessChannelMode(QProcess::SeparateChannels);
         reader.start(readerProgram(), {kReadMdbOption, f.path, kReadMdbIntoOption, f.raw});
-        const bool finished = reader.waitForStarted(30000) && reader.waitForFinished(m_options.readerTimeoutMillis);
+        const bool finished =
+            reader.waitForStarted(30000) && reader.waitForFinished(m_options.readerTimeoutMillis);
         if (!finished) reader.kill();
         const QString said = QString::fromUtf8(reader.readAllStandardError()).trimmed();
         if (finished && reader.exitStatus() == QProcess::NormalExit && reader.exitCode() == 0 &&
@@ -188,9 +206,7 @@ private:
         return true;
     }
 
-    QString newStore(Kind kind) const {
-        return m_newFolder + u'/' + QFileInfo(storePathOf(kind)).fileName();
-    }
+    QString newStore(Kind kind) const { return m_newFolder + u'/' + QFileInfo(storePathOf(kind)).fileName(); }
 
     bool upgrade() {
         Database basic;
@@ -201,7 +217,8 @@ private:
         const bool whole = basic.hasColumn(QStringLiteral("Trader"), QStringLiteral("HPhone")) &&
                            basic.hasColumn(QStringLiteral("Product"), QStringLiteral("Unit")) &&
                            tax.hasColumn(QStringLiteral("NewAcount"), QStringLiteral("UserCode")) &&
-                           tax.hasTable(QStringLiteral("BuyTax")) && tax.hasTable(QStringLiteral("SaleTotal")) &&
+                           tax.hasTable(QStringLiteral("BuyTax")) &&
+                           tax.hasTable(QStringLiteral("SaleTotal")) &&
                            tax.hasTable(QStringLiteral("BuyTotal"));
         if (!whole)
             return fail(QStringLiteral("옛 형식의 자료를 새 형식으로 바꾸지 못했습니다. 지금의 자료는 바뀌지 "
@@ -229,9 +246,10 @@ private:
     bool check() {
         for (const JetTableFigures& t : std::as_const(m_report.tables))
             if (!t.matches())
-                return fail(QStringLiteral("%1 파일의 %2 표를 옮긴 결과가 원본과 다릅니다 (행 수 또는 금액 합계). "
-                                           "지금의 자료는 바뀌지 않았습니다.")
-                                .arg(t.source, t.table));
+                return fail(
+                    QStringLiteral("%1 파일의 %2 표를 옮긴 결과가 원본과 다릅니다 (행 수 또는 금액 합계). "
+                                   "지금의 자료는 바뀌지 않았습니다.")
+                        .arg(t.source, t.table));
         return true;
     }
 
@@ -240,7 +258,8 @@ private:
         closeStores();
         QString why;
         m_report.keptFolder = exchangeStoreFolder(m_work, m_storeFolder, why);
-        if (m_report.keptFolder.isEmpty()) return fail(why + QStringLiteral(" 지금의 자료는 바뀌지 않았습니다."));
+        if (m_report.keptFolder.isEmpty())
+            return fail(why + QStringLiteral(" 지금의 자료는 바뀌지 않았습니다."));
         m_work.clear();
         return true;
     }
@@ -275,9 +294,10 @@ bool Import::convertOldStatements() {
         if (!old.open(f.raw) || !converted.open(scratch) || !converted.beginTransaction())
             return fail(QStringLiteral("%1 파일의 자료를 옮기지 못했습니다.").arg(f.name));
         if (!ConvertOldStatements(old, converted) || !converted.commit())
-            return fail(QStringLiteral("%1 파일의 거래명세표를 새 형식으로 옮기지 못했습니다. 지금의 자료는 바뀌지 "
-                                       "않았습니다.")
-                            .arg(f.name));
+            return fail(
+                QStringLiteral("%1 파일의 거래명세표를 새 형식으로 옮기지 못했습니다. 지금의 자료는 바뀌지 "
+                               "않았습니다.")
+                    .arg(f.name));
         converted.close();
         if (!appendConverted(scratch, f)) return false;
     }
@@ -296,7 +316,8 @@ bool Import::appendConverted(const QString& scratch, const SourceFile& f) {
     };
     const Move moves[] = {
         {QStringLiteral("DealTitle"), QStringLiteral("Master"), {}, {}},
-        {QStringLiteral("DealList"), QStringLiteral("Detail"),
+        {QStringLiteral("DealList"),
+         QStringLiteral("Detail"),
          {QStringLiteral("Quant"), QStringLiteral("UnitCost"), QStringLiteral("DC")},
          {QStringLiteral("Quant"), QStringLiteral("Price"), QStringLiteral("DC")}},
     };
@@ -310,8 +331,9 @@ bool Import::appendConverted(const QString& scratch, const SourceFile& f) {
         QStringList quotedColumns;
         for (const QString& c : columns)
             quotedColumns << quoteName(c);
-        ok = ok && bill.tryExecute(QStringLiteral("INSERT INTO main.%1 (%2) SELECT %2 FROM conv.%1 ORDER BY rowid")
-                                       .arg(quoteName(m.to), quotedColumns.join(u',')));
+        ok = ok &&
+             bill.tryExecute(QStringLiteral("INSERT INTO main.%1 (%2) SELECT %2 FROM conv.%1 ORDER BY rowid")
+                                 .arg(quoteName(m.to), quotedColumns.join(u',')));
         JetTableFigures figures{f.name, m.from + QStringLiteral(" → ") + m.to, 0, 0, {}};
         for (const JetTableFigures& r : read)
             if (r.table.compare(m.from, Qt::CaseInsensitive) == 0) {
@@ -362,7 +384,8 @@ QStringList jetReportLines(const JetImportReport& report) {
                            .arg(t.rowsRead)
                            .arg(t.rowsWritten);
         for (const JetColumnSum& s : t.sums)
-            line += QStringLiteral("; %1 합계 %2 / %3").arg(s.column, jetFigure(s.read), jetFigure(s.written));
+            line +=
+                QStringLiteral("; %1 합계 %2 / %3").arg(s.column, jetFigure(s.read), jetFigure(s.written));
         lines << line;
     }
     lines << report.notes;

@@ -39,8 +39,8 @@ struct JetTableFigures {
 
 struct JetImportReport {
     bool ok = false;
-    QString failure;    // why nothing changed, in Korean, naming the file when one is to blame
-    QStringList notes;  // what was not carried (unknown tables or columns) or kept as it was
+    QString failure;   // why nothing changed, in Korean, naming the file when one is to blame
+    QStringList notes; // what was not carried (unknown tables or columns) or kept as it was
     QList<JetTableFigures> tables;
     QString keptFolder; // where the stores from before the import now lie
 };

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QFileInfo>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -157,9 +158,9 @@ private:
             marks << QStringLiteral("?");
         const QString columns = names.isEmpty() ? QStringLiteral("\"_none\"") : names.join(u',');
         if (!m_raw.run(QStringLiteral("CREATE TABLE %1 (%2)").arg(quoted(m_name), columns))) return false;
-        m_insert = m_raw.prepared(QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
-                                      .arg(quoted(m_name), columns,
-                                           marks.isEmpty() ? QStringLiteral("NULL") : marks.join(u',')));
+        m_insert = m_raw.prepared(
+            QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
+                .arg(quoted(m_name), columns, marks.isEmpty() ? QStringLiteral("NULL") : marks.join(u',')));
         return true;
     }
 
@@ -168,6 +169,15 @@ private:
         while (mdb_fetch_row(m_table)) {
             if (!copyRow()) return false;
             ++rows;
+        }
+        // The library passes over pages it cannot read; the table's own count of its rows
+        // tells a table read short.
+        if (rows != qint64(m_table->num_rows)) {
+            complain(QStringLiteral("%1 표의 행 %2개 가운데 %3개만 읽혔습니다. 파일이 손상되었습니다.")
+                         .arg(m_name)
+                         .arg(m_table->num_rows)
+                         .arg(rows));
+            return false;
         }
         bool ok = m_raw.run(QStringLiteral("INSERT INTO _figures VALUES (?, '', ?, NULL)"), {m_name, rows});
         for (size_t i = 0; ok && i < m_bound.size(); ++i)
@@ -232,11 +242,25 @@ bool readTables(MdbHandle* mdb, RawWriter& raw) {
 } // namespace
 
 int readJetFile(const QString& mdbPath, const QString& rawPath) {
+    // Every Jet file is made of whole pages (2 KB for Jet 3, 4 KB after); one that is not was
+    // cut short.
+    const qint64 size = QFileInfo(mdbPath).size();
+    if (size <= 0 || size % 2048 != 0) {
+        complain(
+            QStringLiteral("%1 파일의 크기가 맞지 않습니다. 파일이 잘렸거나 손상되었습니다.").arg(mdbPath));
+        return 1;
+    }
     // Jet 3 files keep Korean in the Windows code page; Jet 4 files keep UCS-2.
     qputenv("MDB_JET3_CHARSET", "CP949");
     MdbHandle* mdb = mdb_open(QFile::encodeName(mdbPath).constData(), MDB_NOFLAGS);
     if (!mdb) {
         complain(QStringLiteral("%1 파일을 Jet 자료 파일로 열 수 없습니다.").arg(mdbPath));
+        return 1;
+    }
+    if (mdb->f->jet_version != MDB_VER_JET3 && size % 4096 != 0) {
+        mdb_close(mdb);
+        complain(
+            QStringLiteral("%1 파일의 크기가 맞지 않습니다. 파일이 잘렸거나 손상되었습니다.").arg(mdbPath));
         return 1;
     }
     mdb_set_bind_size(mdb, kJetBindSize);

@@ -113,13 +113,15 @@ QString newStoreFolder(const QString& work, const QString& storeFolder) {
     return work + u'/' + baseOf(storeFolder);
 }
 
-bool carryCurrentFiles(const QString& storeFolder, const QString& newFolder, QStringList& notes, QString& why) {
+bool carryCurrentFiles(const QString& storeFolder, const QString& newFolder, QStringList& notes,
+                       QString& why) {
     const QDir current(storeFolder);
     for (const QFileInfo& file : current.entryInfoList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot)) {
         const QString target = newFolder + u'/' + file.fileName();
         if (QFileInfo::exists(target) || isJournal(file.fileName())) continue;
         if (file.isDir()) {
-            notes << QStringLiteral("자료 폴더 안의 %1 폴더는 옮기지 않았습니다 (이전 자료 폴더에 남아 있습니다).")
+            notes << QStringLiteral(
+                         "자료 폴더 안의 %1 폴더는 옮기지 않았습니다 (이전 자료 폴더에 남아 있습니다).")
                          .arg(file.fileName());
             continue;
         }
@@ -143,7 +145,8 @@ QString exchangeStoreFolder(const QString& work, const QString& storeFolder, QSt
     }
     if (::renameat2(AT_FDCWD, native(inner).constData(), AT_FDCWD, native(storeFolder).constData(),
                     RENAME_EXCHANGE) != 0) {
-        why = QStringLiteral("자료 폴더를 새 자료로 바꾸지 못했습니다 (%1).").arg(QString::fromLocal8Bit(std::strerror(errno)));
+        why = QStringLiteral("자료 폴더를 새 자료로 바꾸지 못했습니다 (%1).")
+                  .arg(QString::fromLocal8Bit(std::strerror(errno)));
         return {};
     }
     flushPath(work);

@@ -22,7 +22,8 @@ QString beginImportFolder(const QString& storeFolder);
 QString newStoreFolder(const QString& work, const QString& storeFolder);
 // Copies into the new folder every file of the store folder it does not hold yet: the stores
 // consistently through the engine (VACUUM INTO), other files as they are. Journals stay behind.
-bool carryCurrentFiles(const QString& storeFolder, const QString& newFolder, QStringList& notes, QString& why);
+bool carryCurrentFiles(const QString& storeFolder, const QString& newFolder, QStringList& notes,
+                       QString& why);
 // Flushes the new folder, exchanges it with the store folder and keeps the old one beside;
 // answers the kept folder, or empty (with why) when nothing changed.
 QString exchangeStoreFolder(const QString& work, const QString& storeFolder, QString& why);
