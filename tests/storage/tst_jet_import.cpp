@@ -3,6 +3,7 @@
 // the old statement file's conversion beside the shop's own statements, a damaged or cut file
 // refused with the stores untouched, and a reader or a whole import killed at random moments
 // leaving the old stores (or, once exchanged, the new ones) whole.
+#include "ProgramRun.h"
 #include "StoreTestKit.h"
 #include "storage/Stores.h"
 #include "storage/jet/JetImport.h"
@@ -399,6 +400,30 @@ private slots:
             QVERIFY(QDir().rename(home.file(kept.last()), app().DbPath));
             QCOMPARE(storesFingerprint(), before);
         }
+    }
+
+    void theCommandLinePrintsEveryTableOrItsReason() {
+        TestHome home;
+        seedStores(home);
+        const QString source = copySet(home, QStringLiteral("older"));
+        const ProgramRun done = nb::test::runProgram(home.path(), {QStringLiteral("--import-mdb"), source});
+        QCOMPARE(done.exitCode, 0);
+        QVERIFY(done.out.contains(QStringLiteral("dbBasic.mdb Trader: 읽은 행 120, 쓴 행 120; VAT 합계 122 / "
+                                                 "122; Section 합계 0 / 0; TotNoPay 합계 "
+                                                 "265652060 / 265652060")));
+        QCOMPARE(done.out.last(), QStringLiteral("옛 자료를 가져왔습니다."));
+        QCOMPARE(count(app().DbBasicFile, "SELECT count(*) FROM Trader"), 120);
+
+        const QByteArray before = storesFingerprint();
+        QVERIFY(QFile::resize(source + QStringLiteral("/dbEstimate.mdb"), 5000));
+        const ProgramRun refused =
+            nb::test::runProgram(home.path(), {QStringLiteral("--import-mdb"), source});
+        QCOMPARE(refused.exitCode, 1);
+        QVERIFY2(refused.errorText.contains(QStringLiteral("dbEstimate.mdb 파일을 읽지 못했습니다")),
+                 qPrintable(refused.errorText));
+        QCOMPARE(storesFingerprint(), before);
+
+        QCOMPARE(nb::test::runProgram(home.path(), {QStringLiteral("--import-mdb")}).exitCode, 2);
     }
 
     void theReportShowsRowsAndSumsReadAndWritten() {
