@@ -1,7 +1,7 @@
 // The screens in a real window: the real program on an X server with a window manager, driven
 // by keys only, another program beside it. What the offscreen tests cannot see: activation
 // from the desktop, Alt keys reaching a menu bar, a window left without the focus.
-#include "RoadSteps.h"
+#include "RoadDocumentSteps.h"
 
 #include <QTest>
 
@@ -65,6 +65,18 @@ private Q_SLOTS:
         QCOMPARE(desk.rows(QStringLiteral("dbBasic.db"),
                            QStringLiteral("SELECT PName FROM Product ORDER BY Code")),
                  names);
+    }
+    void aQuotationsHeadIsSavedThoughTheDeliveryDateBoxBorrowedTheFocus() {
+        RoadDesk desk;
+        QVERIFY2(programUp(desk), seen(desk));
+        QVERIFY(seedParties(desk));
+        typeAQuotation(desk);
+    }
+    void aQuantityTypedOverTheOneAfterAProductReplacesIt() {
+        RoadDesk desk;
+        QVERIFY2(programUp(desk), seen(desk));
+        QVERIFY(seedParties(desk));
+        typeAStatement(desk);
     }
     void comingBackFromAnotherProgramAsksNothingAgain() {
         RoadDesk desk;
