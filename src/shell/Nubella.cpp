@@ -88,6 +88,8 @@ void Nubella::buildMenus() {
     addItem(insert, QStringLiteral("mnu_상품등록"), QStringLiteral("상품   등록(&M)"));
     // The postcode book is not shipped with the program: the operator loads one here.
     addItem(insert, QStringLiteral("mnu_postImport"), QStringLiteral("우편번호 가져오기(&Z)..."));
+    // A shop's books from the old Jet files, in one step.
+    addItem(insert, QStringLiteral("mnu_jetImport"), QStringLiteral("옛 자료 가져오기(&I)..."));
     insert->addSeparator()->setObjectName(QStringLiteral("mnuslip1"));
     addItem(insert, QStringLiteral("mnu_sosu"), QStringLiteral("소수점설정(&U)"));
     addItem(insert, QStringLiteral("mnu_printer"), QStringLiteral("프린터설정(&P)"));

@@ -7,6 +7,7 @@
 #include "core/CommandLine.h"
 #include "core/Lifecycle.h"
 #include "core/ScreenRegistry.h"
+#include "shell/JetImportMenu.h"
 #include "shell/Nubella.h"
 #include "shell/Startup.h"
 
@@ -16,6 +17,7 @@
 namespace nb {
 
 void registerShellScreens() {
+    registerJetImportMenu();
     // One decimal settings form: chosen again, the open one comes forward.
     registerMenuAction(QStringLiteral("mnu_sosu"), [](QWidget* mainWindow) {
         frmsosu* form = mainWindow->findChild<frmsosu*>(QString(), Qt::FindDirectChildrenOnly);

@@ -17,6 +17,11 @@
 namespace nb {
 namespace {
 
+QString& defaultReader() {
+    static QString program;
+    return program;
+}
+
 enum class Kind { Basic, Bill, Tax, Estimate, Post, InOut, OldBill };
 
 struct SourceFile {
@@ -151,8 +156,8 @@ private:
     }
 
     QString readerProgram() const {
-        return m_options.readerProgram.isEmpty() ? QCoreApplication::applicationFilePath()
-                                                 : m_options.readerProgram;
+        if (!m_options.readerProgram.isEmpty()) return m_options.readerProgram;
+        return defaultReader().isEmpty() ? QCoreApplication::applicationFilePath() : defaultReader();
     }
 
     bool readAll() {
@@ -192,6 +197,8 @@ private:
             BuildOutcome built = buildStoreFromRaw(f.name, f.raw, target, layoutOf(f.kind));
             m_report.notes << built.notes;
             if (!built.ok) return fail(built.failure + QStringLiteral(" 지금의 자료는 바뀌지 않았습니다."));
+            for (const JetTableFigures& t : std::as_const(built.tables))
+                tell(f.name + u' ' + t.table, t.rowsRead);
             m_built << Built{target, m_report.tables.size(), built.tables.size()};
             m_report.tables << built.tables;
         }
@@ -362,6 +369,10 @@ bool JetTableFigures::matches() const {
     for (const JetColumnSum& s : sums)
         if (s.read != s.written) return false;
     return true;
+}
+
+void setJetReaderProgram(const QString& program) {
+    defaultReader() = program;
 }
 
 JetImportReport importJetFolder(const QString& folder, const JetImportOptions& options) {

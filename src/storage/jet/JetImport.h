@@ -53,6 +53,10 @@ struct JetImportOptions {
     std::function<void(const QString& table, qint64 rows)> progress;
 };
 
+// The reader program used when the options name none (tests name the built program); empty
+// for this program itself.
+void setJetReaderProgram(const QString& program);
+
 // The import into the stores of the application state. The caller closes nothing: the live
 // stores are closed right before the exchange, and the caller opens them again afterwards.
 JetImportReport importJetFolder(const QString& folder, const JetImportOptions& options = {});
