@@ -10,6 +10,7 @@
 #include "shell/Program.h"
 #include "statement/StatementCommand.h"
 #include "statement/StatementScreens.h"
+#include "storage/Backup.h"
 #include "storage/jet/JetCommand.h"
 #include "storage/jet/JetReader.h"
 
@@ -21,6 +22,7 @@ int main(int argc, char** argv) {
     nb::registerStatementCommand();
     nb::registerQuotationCommand();
     nb::registerEtaxCommand();
+    nb::registerBackupCommand();
     nb::registerMasterScreens();
     nb::registerPrintingScreens();
     nb::registerInvoiceScreens();

@@ -7,6 +7,7 @@
 #include "core/CommandLine.h"
 #include "core/Lifecycle.h"
 #include "core/ScreenRegistry.h"
+#include "shell/BackupMenu.h"
 #include "shell/JetImportMenu.h"
 #include "shell/Nubella.h"
 #include "shell/Startup.h"
@@ -26,6 +27,7 @@ void registerShellScreens() {
         form->raise();
         form->activateWindow();
     });
+    registerBackupMenu();
 }
 
 bool loadAndShow(Nubella& window, bool showSplash) {

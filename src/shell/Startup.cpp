@@ -7,6 +7,7 @@
 #include "core/AppState.h"
 #include "core/Clock.h"
 #include "core/Settings.h"
+#include "storage/Backup.h"
 #include "storage/StoreCheck.h"
 #include "storage/StoreLayout.h"
 #include "storage/Stores.h"
@@ -109,6 +110,9 @@ bool LoadDecimalSettings() {
 void StartProgram() {
     ForceDateFormat(0);
     ReadSettings();
+    // Backups: a restore cut short is finished, and the day's first backup taken, before any
+    // store is laid down or opened.
+    RunStartupSafeguards();
     // The store files are laid down before anything reads them, so the old statement store's
     // move always finds the store it moves into.
     CreateMissingStoreFiles();

@@ -62,7 +62,8 @@ private Q_SLOTS:
         QCOMPARE(
             captionsOf(barMenu(w, "mnu_insert")->actions()),
             (QStringList{"사용자등록(&S)", "거래처등록(&T)", "상품   등록(&M)", "우편번호 가져오기(&Z)...",
-                         "옛 자료 가져오기(&I)...", "-", "소수점설정(&U)", "프린터설정(&P)", "-", "종료(&X)"}));
+                         "옛 자료 가져오기(&I)...", "-", "소수점설정(&U)", "프린터설정(&P)", "백업(&B)...",
+                         "복원(&R)...", "-", "종료(&X)"}));
     }
     void outputMenuItems() {
         Nubella w;

@@ -1,0 +1,130 @@
+// The automatic backups: the day's first at start, one before each change of the books, and
+// the keeping of the last days and weeks in the backup folder.
+#include "common/Messages.h"
+#include "core/AppFolder.h"
+#include "core/Clock.h"
+#include "core/Settings.h"
+#include "storage/Backup.h"
+#include "storage/backup/BackupParts.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSet>
+#include <algorithm>
+
+namespace nb {
+namespace {
+
+const QString kPrefix = QStringLiteral("누벨라백업-");
+const QString kAutoTitle = QStringLiteral("자동 백업");
+
+bool anyStoreHasContent() {
+    for (const StoreRole& store : storeRoles())
+        if (QFileInfo(store.path).size() > 0) return true;
+    return false;
+}
+
+void removeUnkept(const QString& folder) {
+    const QList<AutomaticBackup> backups = automaticBackups(folder);
+    const QStringList keep = backupsToKeep(backups);
+    for (const AutomaticBackup& backup : backups)
+        if (!keep.contains(backup.name)) QFile::remove(folder + u'/' + backup.name);
+}
+
+bool takeAutomaticBackup(const QString& reason, QString* why) {
+    const QString folder = backupFolder();
+    if (!QDir().mkpath(folder)) {
+        *why = QStringLiteral("백업 폴더를 만들 수 없습니다: %1").arg(folder);
+        return false;
+    }
+    if (!WriteBackup(folder + u'/' + automaticBackupName(now(), reason), why)) return false;
+    removeUnkept(folder);
+    return true;
+}
+
+void sayAutomaticFailure(const QString& why) {
+    ShowWarning(QStringLiteral("자동 백업을 하지 못했습니다.\r\n%1\r\n\r\n백업 폴더(%2)와 디스크의 빈 공간을 "
+                               "확인하십시오. 프로그램은 평소대로 쓸 수 있습니다.")
+                    .arg(why, backupFolder()),
+                kAutoTitle);
+}
+
+} // namespace
+
+QString backupFolder() {
+    const QString chosen = GetEnv(kBackupFolderKey);
+    return chosen.isEmpty() ? appFolderFile(QStringLiteral("Backup")) : QDir::cleanPath(chosen);
+}
+
+QString automaticBackupName(const QDateTime& taken, const QString& reason) {
+    const QString stamp = taken.toString(QStringLiteral("yyyyMMdd-HHmmss"));
+    return kPrefix + stamp + (reason.isEmpty() ? QString() : u'-' + reason) + QStringLiteral(".zip");
+}
+
+QList<AutomaticBackup> automaticBackups(const QString& folder) {
+    static const QRegularExpression pattern(QStringLiteral("^누벨라백업-(\\d{8}-\\d{6})(-[^/]+)?\\.zip$"));
+    QList<AutomaticBackup> found;
+    for (const QString& name : QDir(folder).entryList(QDir::Files)) {
+        const QRegularExpressionMatch m = pattern.match(name);
+        if (!m.hasMatch()) continue;
+        const QDateTime taken = QDateTime::fromString(m.captured(1), QStringLiteral("yyyyMMdd-HHmmss"));
+        if (taken.isValid()) found.append({name, taken, m.captured(2).isEmpty()});
+    }
+    std::sort(found.begin(), found.end(), [](const AutomaticBackup& a, const AutomaticBackup& b) {
+        return a.taken != b.taken ? a.taken > b.taken : a.name > b.name;
+    });
+    return found;
+}
+
+QStringList backupsToKeep(const QList<AutomaticBackup>& backups) {
+    auto weekOf = [](const QDate& d) {
+        int year = 0;
+        const int week = d.weekNumber(&year);
+        return year * 100 + week;
+    };
+    QStringList keep;
+    QSet<QDate> days;
+    QSet<int> weeks; // the weeks already kept, by a day's backup or a week's
+    int weekly = 0;
+    int beforeChange = 0;
+    for (const AutomaticBackup& b : backups) { // newest first
+        const QDate day = b.taken.date();
+        if (!b.daily) {
+            if (beforeChange++ < kBeforeChangeKept) keep << b.name;
+        } else if (days.size() < kDailyKept) {
+            if (days.contains(day)) continue;
+            days.insert(day);
+            weeks.insert(weekOf(day));
+            keep << b.name;
+        } else if (weekly < kWeeklyKept && !weeks.contains(weekOf(day))) {
+            weeks.insert(weekOf(day));
+            ++weekly;
+            keep << b.name;
+        }
+    }
+    return keep;
+}
+
+bool dailyBackupDue(const QString& folder, const QDate& day) {
+    for (const AutomaticBackup& backup : automaticBackups(folder))
+        if (backup.daily && backup.taken.date() == day) return false;
+    return true;
+}
+
+bool backupBeforeChange(const QString& reason) {
+    QString why;
+    if (!anyStoreHasContent()) return true; // no books yet: nothing to keep
+    if (takeAutomaticBackup(reason, &why)) return true;
+    sayAutomaticFailure(why);
+    return false;
+}
+
+void RunStartupSafeguards() {
+    finishPendingRestore();
+    if (!anyStoreHasContent() || !dailyBackupDue(backupFolder(), today())) return;
+    QString why;
+    if (!takeAutomaticBackup(QString(), &why)) sayAutomaticFailure(why);
+}
+
+} // namespace nb

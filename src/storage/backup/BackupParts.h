@@ -1,0 +1,56 @@
+#pragma once
+// The pieces of the backups that their tests reach: the stores by role, the names and the
+// keeping of the automatic backups, and the restore's swap plan.
+
+#include <QDateTime>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+namespace nb {
+
+// One store of the application state: its settings key, its name in a backup and its path now.
+struct StoreRole {
+    QString role;
+    QString entry;
+    QString path;
+};
+QList<StoreRole> storeRoles();
+
+// Automatic backups are named "누벨라백업-YYYYMMDD-HHMMSS.zip" (the day's) and
+// "누벨라백업-YYYYMMDD-HHMMSS-REASON.zip" (before a change).
+QString automaticBackupName(const QDateTime& taken, const QString& reason);
+struct AutomaticBackup {
+    QString name;
+    QDateTime taken;
+    bool daily = false;
+};
+// The automatic backups in a folder, newest first; other files are not looked at.
+QList<AutomaticBackup> automaticBackups(const QString& folder);
+
+// Which of the backups stay: of the day's backups the newest of each of the 7 latest days and
+// the newest of each of the 4 latest weeks before those days; of those before a change, the
+// latest kBeforeChangeKept. Names, in no particular order.
+inline constexpr int kDailyKept = 7;
+inline constexpr int kWeeklyKept = 4;
+inline constexpr int kBeforeChangeKept = 10;
+QStringList backupsToKeep(const QList<AutomaticBackup>& backups);
+
+// True when the folder holds no backup of the day `day`.
+bool dailyBackupDue(const QString& folder, const QDate& day);
+
+// The restore's swap: each store staged beside its target, then the plan written, then each
+// staged file renamed onto its target. A start that finds the plan finishes the swap.
+struct SwapStep {
+    QString staged;
+    QString target;
+};
+QString swapPlanPath();
+QString stagedPathFor(const QString& target);
+// Carries the steps out (again, where a kill cut them short) and removes the plan.
+void applySwap(const QList<SwapStep>& steps);
+// At start: a plan found is finished; staged files without a plan (a restore cut short before
+// its plan) are removed. True when a restore was finished.
+bool finishPendingRestore();
+
+} // namespace nb

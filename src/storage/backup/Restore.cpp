@@ -1,0 +1,158 @@
+// The restore: a backup checked whole before anything changes, the current books backed up,
+// then every store swapped in by a plan that a start after a kill finishes, so the books are
+// always the old ones or the restored ones, never some of each.
+#include "core/AppFolder.h"
+#include "core/WholeFile.h"
+#include "storage/Backup.h"
+#include "storage/StoreCheck.h"
+#include "storage/Stores.h"
+#include "storage/backup/BackupArchive.h"
+#include "storage/backup/BackupParts.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <cstdio>
+
+namespace nb {
+namespace {
+
+const QString kBeforeRestore = QStringLiteral("복원전");
+
+QString targetOf(const QString& role) {
+    for (const StoreRole& store : storeRoles())
+        if (store.role == role) return store.path;
+    return QString();
+}
+
+// The staged copy must be the store the manifest describes, whole, with the same rows.
+QString stagedProblem(const ManifestStore& store, const QString& staged) {
+    if (fileChecksum(staged) != store.sha256)
+        return QStringLiteral("%1 의 검사합이 목록과 다릅니다 (백업 파일이 손상되었습니다).").arg(store.entry);
+    if (const QString damaged = integrityProblem(staged); !damaged.isEmpty())
+        return store.entry + QStringLiteral(": ") + damaged;
+    TableRows rows;
+    QString why;
+    if (!countTableRows(staged, &rows, &why)) return why;
+    if (rows != store.rows) return QStringLiteral("%1 의 줄 수가 목록과 다릅니다.").arg(store.entry);
+    return QString();
+}
+
+bool stageStore(ArchiveReader& reader, const ManifestStore& store, QList<SwapStep>* steps, QString* why) {
+    const QString target = targetOf(store.role);
+    if (target.isEmpty()) {
+        *why = QStringLiteral("백업 파일에 알 수 없는 자료 파일이 있습니다: %1").arg(store.entry);
+        return false;
+    }
+    QDir().mkpath(QFileInfo(target).absolutePath());
+    const QString staged = stagedPathFor(target);
+    QFile::remove(staged);
+    steps->append({staged, target});
+    if (!reader.extract(store.entry, store.bytes, staged, why)) return false;
+    *why = stagedProblem(store, staged);
+    return why->isEmpty();
+}
+
+void removeStaged(const QList<SwapStep>& steps) {
+    for (const SwapStep& step : steps)
+        QFile::remove(step.staged);
+}
+
+QByteArray planJson(const QList<SwapStep>& steps) {
+    QJsonArray list;
+    for (const SwapStep& step : steps)
+        list.append(QJsonObject{{QStringLiteral("staged"), step.staged}, {QStringLiteral("target"), step.target}});
+    return QJsonDocument(list).toJson();
+}
+
+QList<SwapStep> readPlan(const QByteArray& json) {
+    QList<SwapStep> steps;
+    for (const QJsonValue& value : QJsonDocument::fromJson(json).array()) {
+        const QJsonObject o = value.toObject();
+        steps.append({o.value(QStringLiteral("staged")).toString(), o.value(QStringLiteral("target")).toString()});
+    }
+    return steps;
+}
+
+bool rename(const QString& from, const QString& to) {
+    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+}
+
+void reopenStores() {
+    const QList<DamagedStore> damaged = CheckStoreFiles();
+    OpenWholeStores(damaged);
+    ReportDamagedStores(damaged);
+    UpgradeOpenStores();
+    LoadDefaultUser();
+}
+
+} // namespace
+
+QString swapPlanPath() {
+    return appFolderFile(QStringLiteral("restore-plan.json"));
+}
+
+QString stagedPathFor(const QString& target) {
+    const QFileInfo info(target);
+    return info.absolutePath() + QStringLiteral("/.") + info.fileName() + QStringLiteral(".restore-new");
+}
+
+void applySwap(const QList<SwapStep>& steps) {
+    for (const SwapStep& step : steps) {
+        if (!QFileInfo::exists(step.staged)) continue; // moved before the kill
+        // The old journals belong to the old file: left beside the new one they would be
+        // read into it.
+        for (const char* side : {"-wal", "-shm", "-journal"})
+            QFile::remove(step.target + QLatin1String(side));
+        rename(step.staged, step.target);
+        syncPath(QFileInfo(step.target).absolutePath());
+    }
+    QFile::remove(swapPlanPath());
+    syncPath(appFolder());
+}
+
+bool finishPendingRestore() {
+    QFile plan(swapPlanPath());
+    if (plan.open(QIODevice::ReadOnly)) {
+        applySwap(readPlan(plan.readAll()));
+        return true;
+    }
+    for (const StoreRole& store : storeRoles())
+        if (!store.path.isEmpty()) QFile::remove(stagedPathFor(store.path));
+    return false;
+}
+
+bool RestoreBackup(const QString& zipPath, QString* why) {
+    ArchiveReader reader(zipPath);
+    if (!reader.problem().isEmpty()) {
+        *why = reader.problem();
+        return false;
+    }
+    QList<SwapStep> steps;
+    for (const ManifestStore& store : reader.manifest().stores) {
+        if (!stageStore(reader, store, &steps, why)) {
+            removeStaged(steps);
+            return false;
+        }
+    }
+    if (!backupBeforeChange(kBeforeRestore)) {
+        removeStaged(steps);
+        *why = QStringLiteral("지금의 자료를 먼저 백업하지 못해 복원하지 않았습니다.");
+        return false;
+    }
+    closeStores();
+    WriteFailure failure;
+    if (!writeWholeFile(swapPlanPath(), planJson(steps), &failure)) {
+        removeStaged(steps);
+        reopenStores();
+        *why = QStringLiteral("복원 계획을 쓰지 못해 복원하지 않았습니다: %1").arg(failure.sentence());
+        return false;
+    }
+    applySwap(steps);
+    reopenStores();
+    return true;
+}
+
+} // namespace nb

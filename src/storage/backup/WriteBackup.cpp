@@ -1,0 +1,93 @@
+// A backup of the running books: each store copied through the engine, settings.ini, and the
+// manifest, zipped beside the target and renamed onto it when whole.
+#include "core/AppFolder.h"
+#include "core/AppState.h"
+#include "core/Clock.h"
+#include "core/WholeFile.h"
+#include "storage/Backup.h"
+#include "storage/backup/BackupArchive.h"
+#include "storage/backup/BackupParts.h"
+
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+namespace nb {
+namespace {
+
+QString versionText() {
+    return QStringLiteral("%1.%2.%3").arg(versionMajor()).arg(versionMinor()).arg(versionRevision());
+}
+
+// One store copied into `folder` and described for the manifest.
+bool takeStore(const StoreRole& store, const QString& folder, QList<ArchiveFile>* files, Manifest* manifest,
+               QString* why) {
+    const QString copy = folder + u'/' + store.entry;
+    ManifestStore entry{store.role, store.entry, 0, QString(), {}};
+    if (!copyStoreFile(store.path, copy, why) || !countTableRows(copy, &entry.rows, why)) return false;
+    entry.bytes = QFileInfo(copy).size();
+    entry.sha256 = fileChecksum(copy);
+    if (entry.sha256.isEmpty()) {
+        *why = QStringLiteral("복사한 자료 파일을 읽을 수 없습니다: %1").arg(copy);
+        return false;
+    }
+    files->append({store.entry, copy});
+    manifest->stores.append(entry);
+    return true;
+}
+
+// settings.ini as it stands (it is only ever replaced whole, so a read sees one version).
+bool takeSettings(const QString& folder, QList<ArchiveFile>* files, Manifest* manifest, QString* why) {
+    const QString settings = appFolderFile(kSettingsEntry);
+    if (!QFileInfo(settings).isFile()) return true;
+    const QString copy = folder + u'/' + kSettingsEntry;
+    if (!QFile::copy(settings, copy)) {
+        *why = QStringLiteral("설정 파일을 복사하지 못했습니다: %1").arg(settings);
+        return false;
+    }
+    manifest->settingsSha256 = fileChecksum(copy);
+    files->append({kSettingsEntry, copy});
+    return true;
+}
+
+} // namespace
+
+QList<StoreRole> storeRoles() {
+    const AppState& a = app();
+    return {{QStringLiteral("db기초"), QStringLiteral("dbBasic.db"), a.DbBasicFile},
+            {QStringLiteral("db명세서"), QStringLiteral("dbBill.db"), a.DbBillFile},
+            {QStringLiteral("db계산서"), QStringLiteral("dbTax.db"), a.DbTaxFile},
+            {QStringLiteral("dbInOut"), QStringLiteral("InOutCash.db"), a.DbInOutFile},
+            {QStringLiteral("dbEstimate"), QStringLiteral("dbEstimate.db"), a.DbEstimateFile},
+            {QStringLiteral("dbPost"), QStringLiteral("dbPost.db"), a.DbPostFile}};
+}
+
+bool WriteBackup(const QString& zipPath, QString* why) {
+    WholeOutput output(zipPath);
+    WriteFailure failure;
+    if (!output.begin(&failure)) {
+        *why = QStringLiteral("백업 파일을 만들 수 없습니다: %1 - %2").arg(zipPath, failure.sentence());
+        return false;
+    }
+    QTemporaryDir work(QDir::tempPath() + QStringLiteral("/nubella-backup-XXXXXX"));
+    if (!work.isValid()) {
+        *why = QStringLiteral("임시 폴더를 만들 수 없습니다: %1").arg(QDir::tempPath());
+        return false;
+    }
+    Manifest manifest{kBackupProgram, versionText(), now(), {}, QString()};
+    QList<ArchiveFile> files;
+    for (const StoreRole& store : storeRoles())
+        if (QFileInfo(store.path).size() > 0 && !takeStore(store, work.path(), &files, &manifest, why)) return false;
+    if (manifest.stores.isEmpty()) {
+        *why = QStringLiteral("백업할 자료 파일이 없습니다.");
+        return false;
+    }
+    if (!takeSettings(work.path(), &files, &manifest, why)) return false;
+    if (!writeArchive(output.tempPath(), files, manifestJson(manifest), why)) return false;
+    if (!output.commit(isWholeArchive, &failure)) {
+        *why = QStringLiteral("백업 파일을 쓰지 못했습니다: %1 - %2").arg(zipPath, failure.sentence());
+        return false;
+    }
+    return true;
+}
+
+} // namespace nb
