@@ -19,8 +19,8 @@ const QString kRestoreTitle = QStringLiteral("복원");
 
 // A name the automatic backups' keeping never takes for one of its own.
 QString suggestedBackup() {
-    return backupFolder() + QStringLiteral("/누벨라수동백업-") + now().toString(QStringLiteral("yyyyMMdd-HHmmss")) +
-           QStringLiteral(".zip");
+    return backupFolder() + QStringLiteral("/누벨라수동백업-") +
+           now().toString(QStringLiteral("yyyyMMdd-HHmmss")) + QStringLiteral(".zip");
 }
 
 } // namespace
@@ -32,10 +32,12 @@ void registerBackupMenu() {
 
 void RunBackupMenu(QWidget* mainWindow) {
     QDir().mkpath(backupFolder());
-    QString path = fileChooser().saveFile(mainWindow, QStringLiteral("백업 파일 저장"), suggestedBackup(), kFilter);
+    QString path =
+        fileChooser().saveFile(mainWindow, QStringLiteral("백업 파일 저장"), suggestedBackup(), kFilter);
     if (path.isEmpty()) return;
     if (!path.endsWith(QStringLiteral(".zip"), Qt::CaseInsensitive)) path += QStringLiteral(".zip");
-    if (const QString refused = ownFileRefusal(path); !refused.isEmpty()) return ShowWarning(refused, kBackupTitle);
+    if (const QString refused = ownFileRefusal(path); !refused.isEmpty())
+        return ShowWarning(refused, kBackupTitle);
     QString why;
     QApplication::setOverrideCursor(Qt::WaitCursor);
     const bool written = WriteBackup(path, &why);
@@ -50,9 +52,10 @@ void RunRestoreMenu(QWidget* mainWindow) {
     const QString path = fileChooser().openFile(mainWindow, QStringLiteral("복원할 백업 파일"), kFilter);
     if (path.isEmpty()) return;
     const QString question =
-        QStringLiteral("지금의 자료를 모두 이 백업 파일의 자료로 바꿉니다.\r\n%1\r\n\r\n지금의 자료는 먼저 백업 "
-                       "폴더(%2)에 백업해 둡니다. 복원한 뒤에는 프로그램을 끝내므로 다시 시작하십시오.\r\n\r\n"
-                       "복원하시겠습니까?")
+        QStringLiteral(
+            "지금의 자료를 모두 이 백업 파일의 자료로 바꿉니다.\r\n%1\r\n\r\n지금의 자료는 먼저 백업 "
+            "폴더(%2)에 백업해 둡니다. 복원한 뒤에는 프로그램을 끝내므로 다시 시작하십시오.\r\n\r\n"
+            "복원하시겠습니까?")
             .arg(path, backupFolder());
     if (AskYesNo(question, kRestoreTitle, false) != AnsYes) return;
     QString why;
@@ -60,7 +63,8 @@ void RunRestoreMenu(QWidget* mainWindow) {
     const bool restored = RestoreBackup(path, &why);
     QApplication::restoreOverrideCursor();
     if (!restored)
-        return ShowWarning(QStringLiteral("복원하지 않았습니다. 지금의 자료는 그대로입니다.\r\n") + why, kRestoreTitle);
+        return ShowWarning(QStringLiteral("복원하지 않았습니다. 지금의 자료는 그대로입니다.\r\n") + why,
+                           kRestoreTitle);
     ShowInfo(QStringLiteral("복원했습니다. 프로그램을 끝냅니다. 다시 시작하십시오."), kRestoreTitle);
     QCoreApplication::quit();
 }

@@ -49,7 +49,8 @@ bool zipTool(const QString& folder, const QStringList& arguments) {
 
 bool unzipTool(const QString& zip, const QString& folder) {
     QProcess p;
-    p.start(QStringLiteral("unzip"), {QStringLiteral("-q"), QStringLiteral("-o"), zip, QStringLiteral("-d"), folder});
+    p.start(QStringLiteral("unzip"),
+            {QStringLiteral("-q"), QStringLiteral("-o"), zip, QStringLiteral("-d"), folder});
     return p.waitForFinished(30000) && p.exitCode() == 0;
 }
 
@@ -85,7 +86,8 @@ private Q_SLOTS:
         QVERIFY2(reader.problem().isEmpty(), qPrintable(reader.problem()));
         const Manifest& m = reader.manifest();
         QCOMPARE(m.program, QStringLiteral("누벨라"));
-        QCOMPARE(m.version, QStringLiteral("%1.%2.%3").arg(versionMajor()).arg(versionMinor()).arg(versionRevision()));
+        QCOMPARE(m.version,
+                 QStringLiteral("%1.%2.%3").arg(versionMajor()).arg(versionMinor()).arg(versionRevision()));
         QVERIFY(m.taken.isValid());
         QCOMPARE(m.stores.size(), storeRoles().size());
         QVERIFY(!m.settingsSha256.isEmpty());
@@ -138,7 +140,8 @@ private Q_SLOTS:
         QVERIFY(QFileInfo(app().DbBillFile + QStringLiteral("-wal")).size() > 0);
         QString why;
         QVERIFY2(RestoreBackup(zip, &why), qPrintable(why));
-        QCOMPARE(test::scalar(stores().dbBill, QStringLiteral("SELECT count(*) FROM Master WHERE BillNo = 'J00001'"))
+        QCOMPARE(test::scalar(stores().dbBill,
+                              QStringLiteral("SELECT count(*) FROM Master WHERE BillNo = 'J00001'"))
                      .toInt(),
                  0);
     }
@@ -174,8 +177,8 @@ private Q_SLOTS:
         const QString parts = home.file(QStringLiteral("parts"));
         QVERIFY(unzipTool(zip, parts));
         QVERIFY(test::runOn(parts + QStringLiteral("/dbTax.db"), {QStringLiteral("DELETE FROM NewAcount")}));
-        QVERIFY(zipTool(parts, {QStringLiteral("-q"), QStringLiteral("-r"), home.file(QStringLiteral("changed.zip")),
-                                QStringLiteral(".")}));
+        QVERIFY(zipTool(parts, {QStringLiteral("-q"), QStringLiteral("-r"),
+                                home.file(QStringLiteral("changed.zip")), QStringLiteral(".")}));
         refusedAndUntouched(home.file(QStringLiteral("changed.zip")), QStringLiteral("검사합"));
 
         // A store whose pages are damaged, with a manifest that agrees with it.
@@ -195,8 +198,8 @@ private Q_SLOTS:
         QVERIFY(manifestFile.open(QIODevice::WriteOnly | QIODevice::Truncate));
         manifestFile.write(manifestJson(*manifest));
         manifestFile.close();
-        QVERIFY(zipTool(parts, {QStringLiteral("-q"), QStringLiteral("-r"), home.file(QStringLiteral("pages.zip")),
-                                QStringLiteral(".")}));
+        QVERIFY(zipTool(parts, {QStringLiteral("-q"), QStringLiteral("-r"),
+                                home.file(QStringLiteral("pages.zip")), QStringLiteral(".")}));
         refusedAndUntouched(home.file(QStringLiteral("pages.zip")), QStringLiteral("dbTax.db"));
     }
 
@@ -209,8 +212,10 @@ private Q_SLOTS:
         QVERIFY(text.open(QIODevice::WriteOnly));
         text.write("거래처 메모\n");
         text.close();
-        QVERIFY(zipTool(other, {QStringLiteral("-q"), home.file(QStringLiteral("foreign.zip")), QStringLiteral("memo.txt")}));
-        refusedAndUntouched(home.file(QStringLiteral("foreign.zip")), QStringLiteral("누벨라의 백업 파일이 아닙니다"));
+        QVERIFY(zipTool(other, {QStringLiteral("-q"), home.file(QStringLiteral("foreign.zip")),
+                                QStringLiteral("memo.txt")}));
+        refusedAndUntouched(home.file(QStringLiteral("foreign.zip")),
+                            QStringLiteral("누벨라의 백업 파일이 아닙니다"));
 
         QFile manifest(other + QStringLiteral("/manifest.json"));
         QVERIFY(manifest.open(QIODevice::WriteOnly));
@@ -218,7 +223,8 @@ private Q_SLOTS:
         manifest.close();
         QVERIFY(zipTool(other, {QStringLiteral("-q"), home.file(QStringLiteral("another.zip")),
                                 QStringLiteral("manifest.json")}));
-        refusedAndUntouched(home.file(QStringLiteral("another.zip")), QStringLiteral("누벨라의 백업 파일이 아닙니다"));
+        refusedAndUntouched(home.file(QStringLiteral("another.zip")),
+                            QStringLiteral("누벨라의 백업 파일이 아닙니다"));
 
         refusedAndUntouched(text.fileName(), QStringLiteral("zip"));
         refusedAndUntouched(home.file(QStringLiteral("missing.zip")), QStringLiteral("zip"));
@@ -237,7 +243,25 @@ private Q_SLOTS:
         QVERIFY2(why.contains(QStringLiteral("폴더")), qPrintable(why));
         QVERIFY(WriteBackup(zip, &why));
         QVERIFY(isWholeArchive(zip));
-        QCOMPARE(QDir(home.path()).entryList({QStringLiteral(".books.zip*")}, QDir::Hidden | QDir::Files).size(), 0);
+        QCOMPARE(
+            QDir(home.path()).entryList({QStringLiteral(".books.zip*")}, QDir::Hidden | QDir::Files).size(),
+            0);
+    }
+
+    void aDamagedStoreIsNotBackedUp() {
+        test::TestHome home;
+        openSeededStores();
+        closeStores();
+        QFile tax(app().DbTaxFile);
+        QVERIFY(tax.open(QIODevice::ReadWrite));
+        QVERIFY(tax.size() > 3 * 4096);
+        tax.seek(2 * 4096);
+        tax.write(QByteArray(4096, '\xff'));
+        tax.close();
+        QString why;
+        QVERIFY(!WriteBackup(home.file(QStringLiteral("books.zip")), &why));
+        QVERIFY2(why.contains(QStringLiteral("손상")) && why.contains(app().DbTaxFile), qPrintable(why));
+        QVERIFY(!QFileInfo::exists(home.file(QStringLiteral("books.zip"))));
     }
 
     void theAutomaticBackupIsTakenOnceADay() {
@@ -303,10 +327,12 @@ private Q_SLOTS:
         for (int back = 0; back < 7; ++back) // the day's latest, 03-25 to 03-31
             expected << automaticBackupName(QDateTime(last.addDays(-back), QTime(18, 0)), QString());
         // The weeks before them: each Sunday's (the week's latest), 03-22, 03-15, 03-08, 03-01.
-        for (const QDate& sunday : {QDate(2026, 3, 22), QDate(2026, 3, 15), QDate(2026, 3, 8), QDate(2026, 3, 1)})
+        for (const QDate& sunday :
+             {QDate(2026, 3, 22), QDate(2026, 3, 15), QDate(2026, 3, 8), QDate(2026, 3, 1)})
             expected << automaticBackupName(QDateTime(sunday, QTime(18, 0)), QString());
         for (int i = 0; i < kBeforeChangeKept; ++i)
-            expected << automaticBackupName(QDateTime(last.addDays(-i), QTime(12, 0)), QStringLiteral("복원전"));
+            expected << automaticBackupName(QDateTime(last.addDays(-i), QTime(12, 0)),
+                                            QStringLiteral("복원전"));
         QStringList sortedKeep = keep;
         sortedKeep.sort();
         expected.sort();
@@ -366,7 +392,8 @@ private Q_SLOTS:
         ScriptedMessages& said = test::script();
         said.answer(AnsYes);
         RunRestoreMenu(nullptr);
-        QVERIFY(said.last().text.startsWith(QStringLiteral("복원하지 않았습니다. 지금의 자료는 그대로입니다.")));
+        QVERIFY(
+            said.last().text.startsWith(QStringLiteral("복원하지 않았습니다. 지금의 자료는 그대로입니다.")));
         QCOMPARE(test::booksDump(), before);
     }
 };

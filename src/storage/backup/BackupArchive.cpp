@@ -21,13 +21,16 @@ QJsonObject storeJson(const ManifestStore& store) {
     QJsonObject rows;
     for (auto it = store.rows.cbegin(); it != store.rows.cend(); ++it)
         rows.insert(it.key(), double(it.value()));
-    return {{QStringLiteral("role"), store.role},     {QStringLiteral("entry"), store.entry},
-            {QStringLiteral("bytes"), double(store.bytes)}, {QStringLiteral("sha256"), store.sha256},
+    return {{QStringLiteral("role"), store.role},
+            {QStringLiteral("entry"), store.entry},
+            {QStringLiteral("bytes"), double(store.bytes)},
+            {QStringLiteral("sha256"), store.sha256},
             {QStringLiteral("rows"), rows}};
 }
 
 std::optional<ManifestStore> storeFrom(const QJsonObject& o) {
-    ManifestStore store{o.value(QStringLiteral("role")).toString(), o.value(QStringLiteral("entry")).toString(),
+    ManifestStore store{o.value(QStringLiteral("role")).toString(),
+                        o.value(QStringLiteral("entry")).toString(),
                         qint64(o.value(QStringLiteral("bytes")).toDouble(-1)),
                         o.value(QStringLiteral("sha256")).toString(),
                         {}};
@@ -37,7 +40,8 @@ std::optional<ManifestStore> storeFrom(const QJsonObject& o) {
     // An entry name is a plain file name: nothing in the archive may point outside its folder.
     const bool plainName = !store.entry.isEmpty() && !store.entry.contains(u'/') &&
                            !store.entry.contains(u'\\') && !store.entry.startsWith(u'.');
-    if (store.role.isEmpty() || !plainName || store.bytes < 0 || store.sha256.size() != 64) return std::nullopt;
+    if (store.role.isEmpty() || !plainName || store.bytes < 0 || store.sha256.size() != 64)
+        return std::nullopt;
     return store;
 }
 
@@ -47,7 +51,8 @@ bool addFile(zip_t* archive, const ArchiveFile& file, QString* why) {
         source ? zip_file_add(archive, file.entry.toUtf8().constData(), source, ZIP_FL_ENC_UTF_8) : -1;
     if (index < 0) {
         if (source) zip_source_free(source);
-        *why = QStringLiteral("백업 파일에 %1 을(를) 넣지 못했습니다 (%2).").arg(file.entry, zipError(archive));
+        *why =
+            QStringLiteral("백업 파일에 %1 을(를) 넣지 못했습니다 (%2).").arg(file.entry, zipError(archive));
         return false;
     }
     zip_set_file_compression(archive, zip_uint64_t(index), ZIP_CM_DEFLATE, kCompressionLevel);
@@ -74,7 +79,8 @@ QByteArray manifestJson(const Manifest& manifest) {
                      {QStringLiteral("version"), manifest.version},
                      {QStringLiteral("taken"), manifest.taken.toString(Qt::ISODate)},
                      {QStringLiteral("stores"), stores}};
-    if (!manifest.settingsSha256.isEmpty()) root.insert(QStringLiteral("settingsSha256"), manifest.settingsSha256);
+    if (!manifest.settingsSha256.isEmpty())
+        root.insert(QStringLiteral("settingsSha256"), manifest.settingsSha256);
     return QJsonDocument(root).toJson(QJsonDocument::Indented);
 }
 
@@ -84,7 +90,8 @@ std::optional<Manifest> parseManifest(const QByteArray& json, QString* why) {
         *why = QStringLiteral("누벨라의 백업 파일이 아닙니다.");
         return std::nullopt;
     }
-    Manifest manifest{kBackupProgram, root.value(QStringLiteral("version")).toString(),
+    Manifest manifest{kBackupProgram,
+                      root.value(QStringLiteral("version")).toString(),
                       QDateTime::fromString(root.value(QStringLiteral("taken")).toString(), Qt::ISODate),
                       {},
                       root.value(QStringLiteral("settingsSha256")).toString()};
@@ -196,7 +203,8 @@ bool ArchiveReader::extract(const QString& entry, qint64 expectedBytes, const QS
     zip_fclose(file);
     out.close();
     if (n < 0 || !written || total != expectedBytes || out.error() != QFileDevice::NoError) {
-        *why = QStringLiteral("%1 을(를) 끝까지 꺼내지 못했습니다 (백업 파일이 손상되었거나 디스크가 가득 찼습니다).")
+        *why = QStringLiteral(
+                   "%1 을(를) 끝까지 꺼내지 못했습니다 (백업 파일이 손상되었거나 디스크가 가득 찼습니다).")
                    .arg(entry);
         return false;
     }

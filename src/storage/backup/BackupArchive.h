@@ -15,17 +15,17 @@ struct zip;
 namespace nb {
 
 struct ManifestStore {
-    QString role;     // the store's settings key ("db기초", "db명세서", ...)
-    QString entry;    // its name in the zip ("dbBasic.db")
+    QString role;  // the store's settings key ("db기초", "db명세서", ...)
+    QString entry; // its name in the zip ("dbBasic.db")
     qint64 bytes = 0;
     QString sha256;
     TableRows rows;
 };
 
 struct Manifest {
-    QString program;  // kBackupProgram
-    QString version;  // "1.0.0"
-    QDateTime taken;  // local time
+    QString program; // kBackupProgram
+    QString version; // "1.0.0"
+    QDateTime taken; // local time
     QList<ManifestStore> stores;
     QString settingsSha256; // empty when the backup holds no settings.ini
 };

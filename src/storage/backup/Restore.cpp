@@ -30,7 +30,8 @@ QString targetOf(const QString& role) {
 // The staged copy must be the store the manifest describes, whole, with the same rows.
 QString stagedProblem(const ManifestStore& store, const QString& staged) {
     if (fileChecksum(staged) != store.sha256)
-        return QStringLiteral("%1 의 검사합이 목록과 다릅니다 (백업 파일이 손상되었습니다).").arg(store.entry);
+        return QStringLiteral("%1 의 검사합이 목록과 다릅니다 (백업 파일이 손상되었습니다).")
+            .arg(store.entry);
     if (const QString damaged = integrityProblem(staged); !damaged.isEmpty())
         return store.entry + QStringLiteral(": ") + damaged;
     TableRows rows;
@@ -63,7 +64,8 @@ void removeStaged(const QList<SwapStep>& steps) {
 QByteArray planJson(const QList<SwapStep>& steps) {
     QJsonArray list;
     for (const SwapStep& step : steps)
-        list.append(QJsonObject{{QStringLiteral("staged"), step.staged}, {QStringLiteral("target"), step.target}});
+        list.append(
+            QJsonObject{{QStringLiteral("staged"), step.staged}, {QStringLiteral("target"), step.target}});
     return QJsonDocument(list).toJson();
 }
 
@@ -71,13 +73,21 @@ QList<SwapStep> readPlan(const QByteArray& json) {
     QList<SwapStep> steps;
     for (const QJsonValue& value : QJsonDocument::fromJson(json).array()) {
         const QJsonObject o = value.toObject();
-        steps.append({o.value(QStringLiteral("staged")).toString(), o.value(QStringLiteral("target")).toString()});
+        steps.append(
+            {o.value(QStringLiteral("staged")).toString(), o.value(QStringLiteral("target")).toString()});
     }
     return steps;
 }
 
 bool rename(const QString& from, const QString& to) {
     return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+}
+
+// The first store another running copy has open, or empty text.
+QString storeInUse() {
+    for (const StoreRole& store : storeRoles())
+        if (QFileInfo(store.path).isFile() && storeOpenElsewhere(store.path)) return store.path;
+    return QString();
 }
 
 void reopenStores() {
@@ -143,6 +153,14 @@ bool RestoreBackup(const QString& zipPath, QString* why) {
         return false;
     }
     closeStores();
+    if (const QString inUse = storeInUse(); !inUse.isEmpty()) {
+        removeStaged(steps);
+        reopenStores();
+        *why = QStringLiteral("다른 곳에서 실행 중인 누벨라가 자료 파일을 쓰고 있습니다: %1\r\n"
+                              "다른 누벨라를 모두 끝낸 뒤 다시 복원하십시오.")
+                   .arg(inUse);
+        return false;
+    }
     WriteFailure failure;
     if (!writeWholeFile(swapPlanPath(), planJson(steps), &failure)) {
         removeStaged(steps);

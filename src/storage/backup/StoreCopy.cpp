@@ -25,7 +25,9 @@ public:
 
     bool opened() const { return m_rc == SQLITE_OK; }
     sqlite3* handle() const { return m_db; }
-    QString error() const { return m_db ? QString::fromUtf8(sqlite3_errmsg(m_db)) : QStringLiteral("out of memory"); }
+    QString error() const {
+        return m_db ? QString::fromUtf8(sqlite3_errmsg(m_db)) : QStringLiteral("out of memory");
+    }
 
     // The first column of each row of one statement; false when it failed.
     bool column(const QString& sql, QStringList* out) {
@@ -100,7 +102,8 @@ bool countTableRows(const QString& path, TableRows* rows, QString* why) {
     }
     for (const QString& table : tables) {
         QStringList count;
-        if (!store.column(QStringLiteral("SELECT COUNT(*) FROM ") + quoted(table), &count) || count.isEmpty()) {
+        if (!store.column(QStringLiteral("SELECT COUNT(*) FROM ") + quoted(table), &count) ||
+            count.isEmpty()) {
             *why = QStringLiteral("표 %1 의 줄 수를 셀 수 없습니다: %2 (%3)").arg(table, path, store.error());
             return false;
         }
@@ -109,14 +112,31 @@ bool countTableRows(const QString& path, TableRows* rows, QString* why) {
     return true;
 }
 
-QString integrityProblem(const QString& path) {
+QString integrityProblem(const QString& path, bool quick) {
     RawStore store(path, SQLITE_OPEN_READONLY);
     QStringList found;
-    if (!store.opened() || !store.column(QStringLiteral("PRAGMA integrity_check(5)"), &found))
+    const QString check =
+        quick ? QStringLiteral("PRAGMA quick_check(5)") : QStringLiteral("PRAGMA integrity_check(5)");
+    if (!store.opened() || !store.column(check, &found))
         return QStringLiteral("자료 파일로 읽을 수 없습니다 (%1).").arg(store.error());
     if (found != QStringList{QStringLiteral("ok")})
-        return QStringLiteral("자료 파일의 내용이 손상되었습니다 (%1).").arg(found.join(QStringLiteral("; ")));
+        return QStringLiteral("자료 파일의 내용이 손상되었습니다 (%1).")
+            .arg(found.join(QStringLiteral("; ")));
     return QString();
+}
+
+bool storeOpenElsewhere(const QString& path) {
+    RawStore store(path, SQLITE_OPEN_READWRITE);
+    if (!store.opened()) return false;
+    sqlite3_busy_timeout(store.handle(), 500);
+    QStringList out;
+    // A connection in the exclusive locking mode takes the file's own lock, which every other
+    // connection to a store in WAL mode holds shared while it is open.
+    const bool alone = store.column(QStringLiteral("PRAGMA locking_mode=EXCLUSIVE"), &out) &&
+                       store.column(QStringLiteral("BEGIN EXCLUSIVE"), &out) &&
+                       store.column(QStringLiteral("SELECT count(*) FROM sqlite_master"), &out) &&
+                       store.column(QStringLiteral("COMMIT"), &out);
+    return !alone;
 }
 
 QString fileChecksum(const QString& path) {

@@ -19,8 +19,13 @@ bool copyStoreFile(const QString& source, const QString& target, QString* why);
 // The rows of every table of a store file; false with the reason.
 bool countTableRows(const QString& path, TableRows* rows, QString* why);
 
-// Empty when the engine finds the file whole; else what it found, in Korean.
-QString integrityProblem(const QString& path);
+// Empty when the engine finds the file whole; else what it found, in Korean. `quick` checks the
+// pages and their links but not that each index agrees with its table.
+QString integrityProblem(const QString& path, bool quick = false);
+
+// True when another connection (a second running copy) has the store open: the engine then
+// refuses this one the file to itself.
+bool storeOpenElsewhere(const QString& path);
 
 // The SHA-256 of a file's bytes in hex, empty when it cannot be read.
 QString fileChecksum(const QString& path);

@@ -23,7 +23,13 @@ bool takeStore(const StoreRole& store, const QString& folder, QList<ArchiveFile>
                QString* why) {
     const QString copy = folder + u'/' + store.entry;
     ManifestStore entry{store.role, store.entry, 0, QString(), {}};
-    if (!copyStoreFile(store.path, copy, why) || !countTableRows(copy, &entry.rows, why)) return false;
+    if (!copyStoreFile(store.path, copy, why)) return false;
+    // A damaged store is not backed up: kept for days, its copy would push the whole ones out.
+    if (const QString damaged = integrityProblem(copy, true); !damaged.isEmpty()) {
+        *why = store.path + QStringLiteral(": ") + damaged;
+        return false;
+    }
+    if (!countTableRows(copy, &entry.rows, why)) return false;
     entry.bytes = QFileInfo(copy).size();
     entry.sha256 = fileChecksum(copy);
     if (entry.sha256.isEmpty()) {
@@ -76,7 +82,8 @@ bool WriteBackup(const QString& zipPath, QString* why) {
     Manifest manifest{kBackupProgram, versionText(), now(), {}, QString()};
     QList<ArchiveFile> files;
     for (const StoreRole& store : storeRoles())
-        if (QFileInfo(store.path).size() > 0 && !takeStore(store, work.path(), &files, &manifest, why)) return false;
+        if (QFileInfo(store.path).size() > 0 && !takeStore(store, work.path(), &files, &manifest, why))
+            return false;
     if (manifest.stores.isEmpty()) {
         *why = QStringLiteral("백업할 자료 파일이 없습니다.");
         return false;

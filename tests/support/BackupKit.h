@@ -55,18 +55,23 @@ inline bool runOn(const QString& file, const QStringList& statements) {
 // quotation, a postcode; `tag` makes each change its own.
 inline bool changeEveryStore(const QString& tag) {
     const AppState& a = app();
-    return runOn(a.DbBasicFile, {QStringLiteral("INSERT INTO Trader (Code, C_Name) VALUES ('%1', '거래처 %1')").arg(tag),
-                                 QStringLiteral("UPDATE Product SET PName = PName || '%1'").arg(tag)}) &&
+    return runOn(a.DbBasicFile,
+                 {QStringLiteral("INSERT INTO Trader (Code, C_Name) VALUES ('%1', '거래처 %1')").arg(tag),
+                  QStringLiteral("UPDATE Product SET PName = PName || '%1'").arg(tag)}) &&
            runOn(a.DbBillFile,
-                 {QStringLiteral("INSERT INTO Master VALUES ('%1', '2024-05-10', '000001', 10000, 1000, 1)").arg(tag),
-                  QStringLiteral("INSERT INTO Detail VALUES ('%1', 1, '품목 %1', 'EA', 2, 5000, 0, 10000, 1000)")
+                 {QStringLiteral("INSERT INTO Master VALUES ('%1', '2024-05-10', '000001', 10000, 1000, 1)")
+                      .arg(tag),
+                  QStringLiteral(
+                      "INSERT INTO Detail VALUES ('%1', 1, '품목 %1', 'EA', 2, 5000, 0, 10000, 1000)")
                       .arg(tag)}) &&
            runOn(a.DbTaxFile, {QStringLiteral("INSERT INTO NewAcount (TaxCode, CCode, PName) VALUES ('%1', "
                                               "'000001', '품목 %1')")
                                    .arg(tag)}) &&
            runOn(a.DbEstimateFile,
-                 {QStringLiteral("INSERT INTO EstiBase (EstiCode, CName) VALUES ('%1', '견적 %1')").arg(tag)}) &&
-           runOn(a.DbPostFile, {QStringLiteral("INSERT INTO Post VALUES ('%1', '서울', '중구', '%1동', '1')").arg(tag)});
+                 {QStringLiteral("INSERT INTO EstiBase (EstiCode, CName) VALUES ('%1', '견적 %1')")
+                      .arg(tag)}) &&
+           runOn(a.DbPostFile,
+                 {QStringLiteral("INSERT INTO Post VALUES ('%1', '서울', '중구', '%1동', '1')").arg(tag)});
 }
 
 } // namespace nb::test
