@@ -264,6 +264,38 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo::exists(home.file(QStringLiteral("books.zip"))));
     }
 
+    void aDamagedStoreIsRepairedByARestoreAndKeptAsItWasBeforeIt() {
+        test::TestHome home;
+        openSeededStores();
+        const QStringList backedUp = test::booksDump();
+        const QString zip = writeBackup(home, QStringLiteral("books.zip"));
+        closeStores();
+        QFile tax(app().DbTaxFile);
+        QVERIFY(tax.open(QIODevice::ReadWrite));
+        tax.write(QByteArray(int(tax.size()), '\x07'));
+        tax.close();
+        const QByteArray damagedBytes = [&] {
+            QFile f(app().DbTaxFile);
+            f.open(QIODevice::ReadOnly);
+            return f.readAll();
+        }();
+        ScriptedMessages& said = test::script();
+        RunStartupSafeguards(); // the start names the damaged store itself; no second box
+        QCOMPARE(int(said.boxes().size()), 0);
+        QString why;
+        QVERIFY2(RestoreBackup(zip, &why), qPrintable(why));
+        QCOMPARE(test::booksDump(), backedUp);
+        QStringList before;
+        for (const AutomaticBackup& b : automaticBackups(backupFolder()))
+            if (b.name.endsWith(QStringLiteral("-복원전.zip"))) before << backupFolder() + u'/' + b.name;
+        QCOMPARE(before.size(), 1);
+        QProcess unzip;
+        unzip.start(QStringLiteral("unzip"),
+                    {QStringLiteral("-p"), before.first(), QStringLiteral("dbTax.db")});
+        QVERIFY(unzip.waitForFinished(30000));
+        QCOMPARE(unzip.readAllStandardOutput(), damagedBytes);
+    }
+
     void theAutomaticBackupIsTakenOnceADay() {
         test::TestHome home;
         setClock([] { return QDateTime(QDate(2026, 3, 2), QTime(9, 0)); });

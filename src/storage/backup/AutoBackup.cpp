@@ -32,13 +32,13 @@ void removeUnkept(const QString& folder) {
         if (!keep.contains(backup.name)) QFile::remove(folder + u'/' + backup.name);
 }
 
-bool takeAutomaticBackup(const QString& reason, QString* why) {
+bool takeAutomaticBackup(const QString& reason, const BackupRun& run, QString* why) {
     const QString folder = backupFolder();
     if (!QDir().mkpath(folder)) {
         *why = QStringLiteral("백업 폴더를 만들 수 없습니다: %1").arg(folder);
         return false;
     }
-    if (!WriteBackup(folder + u'/' + automaticBackupName(now(), reason), why)) return false;
+    if (!writeBackupFile(folder + u'/' + automaticBackupName(now(), reason), run, why)) return false;
     removeUnkept(folder);
     return true;
 }
@@ -115,7 +115,9 @@ bool dailyBackupDue(const QString& folder, const QDate& day) {
 bool backupBeforeChange(const QString& reason) {
     QString why;
     if (!anyStoreHasContent()) return true; // no books yet: nothing to keep
-    if (takeAutomaticBackup(reason, &why)) return true;
+    // Before a change every store is kept, a damaged one as its bytes lie: a restore is what
+    // repairs a damaged store, and must not be barred by it.
+    if (takeAutomaticBackup(reason, {true, nullptr}, &why)) return true;
     sayAutomaticFailure(why);
     return false;
 }
@@ -124,7 +126,10 @@ void RunStartupSafeguards() {
     finishPendingRestore();
     if (!anyStoreHasContent() || !dailyBackupDue(backupFolder(), today())) return;
     QString why;
-    if (!takeAutomaticBackup(QString(), &why)) sayAutomaticFailure(why);
+    bool sawDamage = false;
+    // A damaged store is named by the start's own box, with what to do; the day's backup waits
+    // for the whole books.
+    if (!takeAutomaticBackup(QString(), {false, &sawDamage}, &why) && !sawDamage) sayAutomaticFailure(why);
 }
 
 } // namespace nb

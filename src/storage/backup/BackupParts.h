@@ -17,6 +17,14 @@ struct StoreRole {
 };
 QList<StoreRole> storeRoles();
 
+// How one backup meets a damaged store: refused (the backup fails, `sawDamage` is set), or, for
+// a backup before a change, kept as its bytes lie.
+struct BackupRun {
+    bool keepDamaged = false;
+    bool* sawDamage = nullptr;
+};
+bool writeBackupFile(const QString& zipPath, const BackupRun& run, QString* why);
+
 // Automatic backups are named "누벨라백업-YYYYMMDD-HHMMSS.zip" (the day's) and
 // "누벨라백업-YYYYMMDD-HHMMSS-REASON.zip" (before a change).
 QString automaticBackupName(const QDateTime& taken, const QString& reason);

@@ -66,7 +66,8 @@ int backupAll(sqlite3* to, sqlite3* from) {
 
 } // namespace
 
-bool copyStoreFile(const QString& source, const QString& target, QString* why) {
+bool copyStoreFile(const QString& source, const QString& target, QString* why, bool* damaged) {
+    *damaged = false;
     RawStore from(source, SQLITE_OPEN_READWRITE);
     if (!from.opened()) {
         *why = QStringLiteral("자료 파일을 열 수 없습니다: %1 (%2)").arg(source, from.error());
@@ -78,6 +79,7 @@ bool copyStoreFile(const QString& source, const QString& target, QString* why) {
         QStringList mode;
         // The copy stands alone: no write-ahead journal beside it.
         if (rc != SQLITE_OK || !to.column(QStringLiteral("PRAGMA journal_mode=DELETE"), &mode)) {
+            *damaged = (rc & 0xff) == SQLITE_CORRUPT || (rc & 0xff) == SQLITE_NOTADB;
             *why = QStringLiteral("자료 파일을 복사하지 못했습니다: %1 (%2)")
                        .arg(source, QString::fromUtf8(sqlite3_errstr(rc == SQLITE_OK ? SQLITE_ERROR : rc)));
             return false;
@@ -136,7 +138,9 @@ bool storeOpenElsewhere(const QString& path) {
                        store.column(QStringLiteral("BEGIN EXCLUSIVE"), &out) &&
                        store.column(QStringLiteral("SELECT count(*) FROM sqlite_master"), &out) &&
                        store.column(QStringLiteral("COMMIT"), &out);
-    return !alone;
+    // A file the engine cannot read at all (a damaged store) is in nobody's use.
+    const int code = sqlite3_errcode(store.handle()) & 0xff;
+    return !alone && (code == SQLITE_BUSY || code == SQLITE_LOCKED);
 }
 
 QString fileChecksum(const QString& path) {

@@ -13,8 +13,9 @@ using TableRows = QMap<QString, qint64>;
 
 // Copies the store `source` into the new file `target` through the engine's online backup:
 // one read of the store as one moment left it, whatever is written meanwhile. The copy keeps
-// no journal beside it and is flushed to the disk. False with the reason in Korean.
-bool copyStoreFile(const QString& source, const QString& target, QString* why);
+// no journal beside it and is flushed to the disk. False with the reason in Korean; `damaged`
+// tells whether the engine found the store damaged (not a store, or pages it cannot read).
+bool copyStoreFile(const QString& source, const QString& target, QString* why, bool* damaged);
 
 // The rows of every table of a store file; false with the reason.
 bool countTableRows(const QString& path, TableRows* rows, QString* why);

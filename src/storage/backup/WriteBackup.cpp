@@ -18,18 +18,33 @@ QString versionText() {
     return QStringLiteral("%1.%2.%3").arg(versionMajor()).arg(versionMinor()).arg(versionRevision());
 }
 
-// One store copied into `folder` and described for the manifest.
-bool takeStore(const StoreRole& store, const QString& folder, QList<ArchiveFile>* files, Manifest* manifest,
-               QString* why) {
+// A store the engine cannot copy whole: its bytes as they lie, for a backup before a change
+// (it is what there is to keep; a restore refuses it, a person may still take it out by hand).
+bool copyDamaged(const StoreRole& store, const QString& copy, QString* why) {
+    QFile::remove(copy);
+    if (QFile::copy(store.path, copy) && syncPath(copy)) return true;
+    *why = QStringLiteral("자료 파일을 복사하지 못했습니다: %1").arg(store.path);
+    return false;
+}
+
+// One store copied into `folder` and described for the manifest. A damaged store is refused
+// (and `sawDamage` set) unless `keepDamaged`.
+bool takeStore(const StoreRole& store, const QString& folder, const BackupRun& run, QList<ArchiveFile>* files,
+               Manifest* manifest, QString* why) {
     const QString copy = folder + u'/' + store.entry;
     ManifestStore entry{store.role, store.entry, 0, QString(), {}};
-    if (!copyStoreFile(store.path, copy, why)) return false;
-    // A damaged store is not backed up: kept for days, its copy would push the whole ones out.
-    if (const QString damaged = integrityProblem(copy, true); !damaged.isEmpty()) {
-        *why = store.path + QStringLiteral(": ") + damaged;
-        return false;
+    bool damaged = false;
+    if (!copyStoreFile(store.path, copy, why, &damaged) && !damaged) return false;
+    // A damaged store is not backed up as a whole one: kept for days, its copy would push the
+    // whole ones out.
+    if (!damaged) {
+        const QString problem = integrityProblem(copy, true);
+        damaged = !problem.isEmpty();
+        if (damaged) *why = store.path + QStringLiteral(": ") + problem;
     }
-    if (!countTableRows(copy, &entry.rows, why)) return false;
+    if (damaged && run.sawDamage) *run.sawDamage = true;
+    if (damaged && (!run.keepDamaged || !copyDamaged(store, copy, why))) return false;
+    if (!damaged && !countTableRows(copy, &entry.rows, why)) return false;
     entry.bytes = QFileInfo(copy).size();
     entry.sha256 = fileChecksum(copy);
     if (entry.sha256.isEmpty()) {
@@ -68,6 +83,10 @@ QList<StoreRole> storeRoles() {
 }
 
 bool WriteBackup(const QString& zipPath, QString* why) {
+    return writeBackupFile(zipPath, {}, why);
+}
+
+bool writeBackupFile(const QString& zipPath, const BackupRun& run, QString* why) {
     WholeOutput output(zipPath);
     WriteFailure failure;
     if (!output.begin(&failure)) {
@@ -82,7 +101,7 @@ bool WriteBackup(const QString& zipPath, QString* why) {
     Manifest manifest{kBackupProgram, versionText(), now(), {}, QString()};
     QList<ArchiveFile> files;
     for (const StoreRole& store : storeRoles())
-        if (QFileInfo(store.path).size() > 0 && !takeStore(store, work.path(), &files, &manifest, why))
+        if (QFileInfo(store.path).size() > 0 && !takeStore(store, work.path(), run, &files, &manifest, why))
             return false;
     if (manifest.stores.isEmpty()) {
         *why = QStringLiteral("백업할 자료 파일이 없습니다.");
