@@ -10,6 +10,7 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMessageBox>
+#include <QSignalSpy>
 #include <QTimer>
 
 using namespace nb;
@@ -52,6 +53,13 @@ void runModalThatCloses(QWidget* parent) {
     QTest::qWait(30);
 }
 
+// How often the work area named its active child while the operator went to another program
+// and came back.
+int roundTripThroughAnotherProgram(WorkArea& w) {
+    QSignalSpy named(w.area, &QMdiArea::subWindowActivated);
+    return test::roundTripThroughAnotherProgram(&w.main) ? int(named.count()) : -1;
+}
+
 } // namespace
 
 class TestScreenActivation : public QObject {
@@ -67,6 +75,21 @@ private Q_SLOTS:
         w.open();
         runModalThatCloses(w.screen);
         QCOMPARE(w.activations, 1);
+    }
+    void comingBackFromAnotherProgramIsNoActivation() {
+        WorkArea w;
+        w.open();
+        QVERIFY(roundTripThroughAnotherProgram(w) > 0); // the work area named its child again
+        QVERIFY(roundTripThroughAnotherProgram(w) > 0);
+        QCOMPARE(w.activations, 1);
+    }
+    void afterARoundTripAnotherChildWindowAndBackStillActivates() {
+        WorkArea w;
+        w.open();
+        roundTripThroughAnotherProgram(w);
+        w.openOther();
+        w.area->setActiveSubWindow(w.sub);
+        QCOMPARE(w.activations, 2);
     }
     void backFromAnotherChildWindowActivatesAgain() {
         WorkArea w;

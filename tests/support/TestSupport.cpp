@@ -16,9 +16,13 @@ TestHome::TestHome() {
     qputenv("NUBELLA_HOME", m_dir.path().toUtf8());
 }
 
-TestHome::~TestHome() { resetProgramState(); }
+TestHome::~TestHome() {
+    resetProgramState();
+}
 
-nb::ScriptedMessages& script() { return nb::scriptMessages(); }
+nb::ScriptedMessages& script() {
+    return nb::scriptMessages();
+}
 
 void typeText(QWidget* widget, const QString& text) {
     for (QChar ch : text) {
@@ -42,7 +46,26 @@ void showActive(QWidget* window) {
     QTest::qWait(20);
 }
 
-QWidget* focused() { return QApplication::focusWidget(); }
+bool roundTripThroughAnotherProgram(QWidget* window) {
+    QWidget calculator;
+    calculator.setWindowTitle(QStringLiteral("계산기"));
+    calculator.resize(200, 120);
+    calculator.show();
+    calculator.activateWindow();
+    if (!QTest::qWaitFor([&] { return QApplication::activeWindow() == &calculator; }, 2000)) return false;
+    QEvent leaving(QEvent::ApplicationDeactivate);
+    QCoreApplication::sendEvent(qApp, &leaving);
+    window->activateWindow();
+    if (!QTest::qWaitFor([&] { return QApplication::activeWindow() == window; }, 2000)) return false;
+    QEvent coming(QEvent::ApplicationActivate);
+    QCoreApplication::sendEvent(qApp, &coming);
+    QTest::qWait(30);
+    return true;
+}
+
+QWidget* focused() {
+    return QApplication::focusWidget();
+}
 
 QString screenshotDir() {
     const QString dir = QStringLiteral(NB_SCREENSHOT_DIR);
@@ -56,7 +79,9 @@ QString saveScreenshot(QWidget* widget, const QString& name) {
     return path;
 }
 
-QString sharedDataDir() { return QStringLiteral(NB_SHARED_DATA_DIR); }
+QString sharedDataDir() {
+    return QStringLiteral(NB_SHARED_DATA_DIR);
+}
 
 void prepareEnvironment() {
     qputenv("QT_QPA_PLATFORM", "offscreen");

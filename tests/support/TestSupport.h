@@ -35,6 +35,10 @@ void typeText(QWidget* widget, const QString& text);
 void pressKey(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
 // Shows a screen as the operator has it: visible and active, so that focus moves work.
 void showActive(QWidget* window);
+// The operator switches to another program (a calculator) and back: another window takes the
+// activation and the application is told it lost the desktop's focus and got it back; then
+// `window` is the active one again. False when a window never became active.
+bool roundTripThroughAnotherProgram(QWidget* window);
 // The widget that has the keyboard focus.
 QWidget* focused();
 
@@ -51,12 +55,12 @@ void prepareEnvironment();
 } // namespace nb::test
 
 // Runs the test object with a QApplication on the offscreen platform.
-#define NB_TEST_MAIN(TestObject)                                                                   \
-    int main(int argc, char** argv) {                                                              \
-        nb::test::prepareEnvironment();                                                            \
-        QApplication app(argc, argv);                                                              \
-        nb::test::prepareApplication(app);                                                         \
-        TestObject tc;                                                                             \
-        QTEST_SET_MAIN_SOURCE_PATH                                                                 \
-        return QTest::qExec(&tc, argc, argv);                                                      \
+#define NB_TEST_MAIN(TestObject)                                                                             \
+    int main(int argc, char** argv) {                                                                        \
+        nb::test::prepareEnvironment();                                                                      \
+        QApplication app(argc, argv);                                                                        \
+        nb::test::prepareApplication(app);                                                                   \
+        TestObject tc;                                                                                       \
+        QTEST_SET_MAIN_SOURCE_PATH                                                                           \
+        return QTest::qExec(&tc, argc, argv);                                                                \
     }
