@@ -13,6 +13,9 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QSqlQuery>
+#include <QThread>
+#include <memory>
+#include <vector>
 
 namespace nb {
 namespace {
@@ -160,19 +163,33 @@ private:
         return defaultReader().isEmpty() ? QCoreApplication::applicationFilePath() : defaultReader();
     }
 
+    // The files are read side by side, as many at once as there are processors.
     bool readAll() {
-        for (SourceFile& f : m_sources)
-            if (!readOne(f)) return false;
+        const qsizetype batch = qMax(1, QThread::idealThreadCount());
+        for (qsizetype first = 0; first < m_sources.size(); first += batch) {
+            std::vector<std::unique_ptr<QProcess>> readers;
+            const qsizetype end = qMin(m_sources.size(), first + batch);
+            for (qsizetype i = first; i < end; ++i)
+                readers.push_back(startReader(m_sources[i]));
+            bool ok = true;
+            for (qsizetype i = first; i < end; ++i)
+                ok = ok && judgeReader(*readers[size_t(i - first)], m_sources[i]);
+            if (!ok) return false; // the readers still running are ended with their QProcess
+        }
         return true;
     }
 
     // One child per file: a file that brings the Jet library down ends only its reader.
-    bool readOne(SourceFile& f) {
+    std::unique_ptr<QProcess> startReader(SourceFile& f) {
         tell(f.name, 0);
         f.raw = m_work + QStringLiteral("/raw/") + f.name + QStringLiteral(".raw");
-        QProcess reader;
-        reader.setProcessChannelMode(QProcess::SeparateChannels);
-        reader.start(readerProgram(), {kReadMdbOption, f.path, kReadMdbIntoOption, f.raw});
+        auto reader = std::make_unique<QProcess>();
+        reader->setProcessChannelMode(QProcess::SeparateChannels);
+        reader->start(readerProgram(), {kReadMdbOption, f.path, kReadMdbIntoOption, f.raw});
+        return reader;
+    }
+
+    bool judgeReader(QProcess& reader, const SourceFile& f) {
         const bool finished =
             reader.waitForStarted(30000) && reader.waitForFinished(m_options.readerTimeoutMillis);
         if (!finished) reader.kill();

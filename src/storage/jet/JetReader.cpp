@@ -3,9 +3,6 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
-#include <QSqlDatabase>
-#include <QSqlError>
-#include <QSqlQuery>
 #include <QStringList>
 #include <QVariant>
 #include <QtEndian>
@@ -14,12 +11,11 @@
 #include <cstring>
 #include <mdbtools.h>
 #include <memory>
+#include <sqlite3.h>
 #include <vector>
 
 namespace nb {
 namespace {
-
-const QString kRawConnection = QStringLiteral("nb-jet-raw");
 
 void complain(const QString& line) {
     std::fprintf(stderr, "%s\n", line.toUtf8().constData());
@@ -64,70 +60,109 @@ struct Bound {
     int length = 0;
 };
 
-QVariant numericValue(const MdbHandle* mdb, const Bound& b) {
+// A number as read: null, an integer or a double.
+struct Number {
+    enum Kind { Null, Integer, Real } kind = Null;
+    qint64 integer = 0;
+    double real = 0;
+    double asDouble() const { return kind == Integer ? double(integer) : real; }
+};
+
+Number integerNumber(qint64 v) {
+    return {Number::Integer, v, 0};
+}
+Number realNumber(double v) {
+    return {Number::Real, 0, v};
+}
+
+Number numericValue(const MdbHandle* mdb, const Bound& b) {
     const MdbColumn* c = b.column;
-    if (c->cur_value_len == 0) return QVariant();
+    if (c->cur_value_len == 0) return {};
     const int at = c->cur_value_start;
     switch (c->col_type) {
     case MDB_BYTE:
-        return int(rawAt<quint8>(mdb, at));
+        return integerNumber(rawAt<quint8>(mdb, at));
     case MDB_INT:
-        return int(qFromLittleEndian(rawAt<qint16>(mdb, at)));
+        return integerNumber(qFromLittleEndian(rawAt<qint16>(mdb, at)));
     case MDB_LONGINT:
-        return qFromLittleEndian(rawAt<qint32>(mdb, at));
+        return integerNumber(qFromLittleEndian(rawAt<qint32>(mdb, at)));
     case MDB_MONEY: // an integer scaled by 10^4
-        return double(qFromLittleEndian(rawAt<qint64>(mdb, at))) / 10000.0;
+        return realNumber(double(qFromLittleEndian(rawAt<qint64>(mdb, at))) / 10000.0);
     case MDB_FLOAT:
-        return double(rawAt<float>(mdb, at));
+        return realNumber(double(rawAt<float>(mdb, at)));
     case MDB_DOUBLE:
-        return rawAt<double>(mdb, at);
+        return realNumber(rawAt<double>(mdb, at));
     default: // decimal: the library's text of it
-        return QString::fromUtf8(b.text.data(), b.length).toDouble();
+        return realNumber(QByteArray(b.text.data(), b.length).toDouble());
     }
 }
 
+// The raw file through the engine's own interface: one prepared insert per table, the texts
+// bound as the library gave their bytes.
 class RawWriter {
 public:
     explicit RawWriter(const QString& path) : m_path(path) {}
     ~RawWriter() {
-        { QSqlDatabase::database(kRawConnection, false).close(); }
-        QSqlDatabase::removeDatabase(kRawConnection);
+        if (m_db) sqlite3_close(m_db);
     }
 
     bool open() {
         QFile::remove(m_path);
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), kRawConnection);
-        db.setDatabaseName(m_path);
-        return db.open() && run(QStringLiteral("PRAGMA synchronous=OFF")) &&
+        if (sqlite3_open(QFile::encodeName(m_path).constData(), &m_db) != SQLITE_OK) return failed();
+        return run(QStringLiteral("PRAGMA synchronous=OFF")) &&
                run(QStringLiteral("PRAGMA journal_mode=OFF")) && run(QStringLiteral("BEGIN")) &&
                run(QStringLiteral("CREATE TABLE _columns (tbl TEXT, ord INTEGER, col TEXT, jettype INTEGER, "
                                   "size INTEGER)")) &&
                run(QStringLiteral("CREATE TABLE _figures (tbl TEXT, col TEXT, rows INTEGER, total REAL)"));
     }
-    bool run(const QString& sql, const QVariantList& values = {}) {
-        QSqlQuery q(QSqlDatabase::database(kRawConnection, false));
-        q.prepare(sql);
-        for (const QVariant& v : values)
-            q.addBindValue(v);
-        if (q.exec()) return true;
-        complain(QStringLiteral("임시 자료 파일에 쓰지 못했습니다: ") + q.lastError().text());
-        return false;
+    bool run(const QString& sql) {
+        return sqlite3_exec(m_db, sql.toUtf8().constData(), nullptr, nullptr, nullptr) == SQLITE_OK ||
+               failed();
     }
-    QSqlQuery prepared(const QString& sql) {
-        QSqlQuery q(QSqlDatabase::database(kRawConnection, false));
-        q.prepare(sql);
-        return q;
+    // A statement with its values bound in order (texts, integers, doubles).
+    bool run(const QString& sql, const QVariantList& values) {
+        sqlite3_stmt* statement = prepare(sql);
+        if (!statement) return false;
+        for (int i = 0; i < values.size(); ++i) {
+            const QVariant& v = values[i];
+            if (v.typeId() == QMetaType::Double)
+                sqlite3_bind_double(statement, i + 1, v.toDouble());
+            else if (v.typeId() == QMetaType::QString)
+                sqlite3_bind_text(statement, i + 1, v.toString().toUtf8().constData(), -1, SQLITE_TRANSIENT);
+            else
+                sqlite3_bind_int64(statement, i + 1, v.toLongLong());
+        }
+        const bool ok = sqlite3_step(statement) == SQLITE_DONE;
+        sqlite3_finalize(statement);
+        return ok || failed();
+    }
+    sqlite3_stmt* prepare(const QString& sql) {
+        sqlite3_stmt* statement = nullptr;
+        if (sqlite3_prepare_v2(m_db, sql.toUtf8().constData(), -1, &statement, nullptr) != SQLITE_OK) {
+            failed();
+            return nullptr;
+        }
+        return statement;
+    }
+    bool failed() {
+        complain(QStringLiteral("임시 자료 파일에 쓰지 못했습니다: ") +
+                 QString::fromUtf8(m_db ? sqlite3_errmsg(m_db) : "out of memory"));
+        return false;
     }
     bool commit() { return run(QStringLiteral("COMMIT")); }
 
 private:
     QString m_path;
+    sqlite3* m_db = nullptr;
 };
 
 class TableReader {
 public:
     TableReader(MdbHandle* mdb, MdbTableDef* table, RawWriter& raw)
         : m_mdb(mdb), m_table(table), m_raw(raw), m_name(QString::fromUtf8(table->name)) {}
+    ~TableReader() { sqlite3_finalize(m_insert); }
+    TableReader(const TableReader&) = delete;
+    TableReader& operator=(const TableReader&) = delete;
 
     bool read() {
         // The column list is read once: reading it again after a fetch spoils it.
@@ -158,10 +193,10 @@ private:
             marks << QStringLiteral("?");
         const QString columns = names.isEmpty() ? QStringLiteral("\"_none\"") : names.join(u',');
         if (!m_raw.run(QStringLiteral("CREATE TABLE %1 (%2)").arg(quoted(m_name), columns))) return false;
-        m_insert = m_raw.prepared(
+        m_insert = m_raw.prepare(
             QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
                 .arg(quoted(m_name), columns, marks.isEmpty() ? QStringLiteral("NULL") : marks.join(u',')));
-        return true;
+        return m_insert != nullptr;
     }
 
     bool copyRows() {
@@ -188,26 +223,30 @@ private:
     }
 
     bool copyRow() {
+        sqlite3_reset(m_insert);
         int slot = 0;
         for (size_t i = 0; i < m_bound.size(); ++i) {
             const Bound& b = m_bound[i];
             const int type = b.column->col_type;
             if (!isCarried(type)) continue;
-            QVariant value;
+            ++slot;
             if (isNumeric(type)) {
-                value = numericValue(m_mdb, b);
-                if (!value.isNull()) m_sums[i] += value.toDouble();
+                const Number n = numericValue(m_mdb, b);
+                m_sums[i] += n.kind == Number::Null ? 0.0 : n.asDouble();
+                if (n.kind == Number::Null)
+                    sqlite3_bind_null(m_insert, slot);
+                else if (n.kind == Number::Integer)
+                    sqlite3_bind_int64(m_insert, slot, n.integer);
+                else
+                    sqlite3_bind_double(m_insert, slot, n.real);
             } else if (type == MDB_BOOL) {
-                value = (b.length > 0 && b.text[0] == '1') ? 1 : 0;
+                sqlite3_bind_int(m_insert, slot, b.length > 0 && b.text[0] == '1' ? 1 : 0);
             } else {
                 if (b.length >= kJetBindSize - 1) return tooLong(b);
-                value = QString::fromUtf8(b.text.data(), b.length);
+                sqlite3_bind_text(m_insert, slot, b.text.data(), b.length, SQLITE_TRANSIENT);
             }
-            m_insert.bindValue(slot++, value);
         }
-        if (m_insert.exec()) return true;
-        complain(QStringLiteral("임시 자료 파일에 쓰지 못했습니다: ") + m_insert.lastError().text());
-        return false;
+        return sqlite3_step(m_insert) == SQLITE_DONE || m_raw.failed();
     }
 
     bool tooLong(const Bound& b) {
@@ -222,7 +261,7 @@ private:
     QString m_name;
     std::vector<Bound> m_bound;
     std::vector<double> m_sums;
-    QSqlQuery m_insert;
+    sqlite3_stmt* m_insert = nullptr;
 };
 
 bool readTables(MdbHandle* mdb, RawWriter& raw) {
