@@ -277,6 +277,8 @@ private:
         return true;
     }
 
+    // The stores from before are not copied but kept whole, as they were, in a dated folder
+    // beside the new ones: that folder is the import's backup.
     bool swapIn() {
         tell(QStringLiteral("교체"), 0);
         closeStores();
