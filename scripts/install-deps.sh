@@ -9,7 +9,7 @@ packages=(
   fonts-nanum fonts-nanum-coding
   libxlsxwriter-dev poppler-utils sqlite3 xvfb libqt6svg6 desktop-file-utils unzip zip libzip-dev libsqlite3-dev
   openbox xdotool x11-utils x11-apps
-  mdbtools mdbtools-dev libsqlite3-dev
+  mdbtools mdbtools-dev
 )
 
 missing=()

@@ -206,7 +206,11 @@ private slots:
         QVERIFY(report.notes.isEmpty());
         QVERIFY(QFileInfo(report.keptFolder).isDir());
         QVERIFY(leftoverWorkFolders().isEmpty());
-        // The stores from before lie whole in the kept folder.
+        // The books were backed up before the change, and lie whole in the kept folder.
+        QCOMPARE(QDir(home.file(QStringLiteral("Backup")))
+                     .entryList({QStringLiteral("*-가져오기전.zip")}, QDir::Files)
+                     .size(),
+                 1);
         QCOMPARE(rawValue(report.keptFolder + QStringLiteral("/dbBasic.db"), "SELECT C_Name FROM Trader")
                      .toString(),
                  QStringLiteral("가져오기 전"));

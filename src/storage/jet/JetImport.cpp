@@ -1,6 +1,7 @@
 #include "storage/jet/JetImport.h"
 
 #include "core/AppState.h"
+#include "storage/Backup.h"
 #include "storage/Stores.h"
 #include "storage/UpdateBill.h"
 #include "storage/jet/JetBuild.h"
@@ -277,9 +278,12 @@ private:
         return true;
     }
 
-    // The stores from before are not copied but kept whole, as they were, in a dated folder
-    // beside the new ones: that folder is the import's backup.
+    // The books are backed up as before every change; besides, the stores from before are kept
+    // whole, as they were, in a dated folder beside the new ones, so a failed backup (said once
+    // by the backup itself) does not stop the import.
     bool swapIn() {
+        tell(QStringLiteral("백업"), 0);
+        backupBeforeChange(QStringLiteral("가져오기전"));
         tell(QStringLiteral("교체"), 0);
         closeStores();
         QString why;
