@@ -203,6 +203,49 @@ private Q_SLOTS:
         refusedAndUntouched(home.file(QStringLiteral("pages.zip")), QStringLiteral("dbTax.db"));
     }
 
+    void aBackupOfALaterVersionIsRefused() {
+        test::TestHome home;
+        openSeededStores();
+        const QString zip = writeBackup(home, QStringLiteral("books.zip"));
+        const QString parts = home.file(QStringLiteral("parts"));
+        QVERIFY(unzipTool(zip, parts));
+        QFile manifestFile(parts + QStringLiteral("/manifest.json"));
+        QVERIFY(manifestFile.open(QIODevice::ReadOnly));
+        QString why;
+        auto manifest = parseManifest(manifestFile.readAll(), &why);
+        manifestFile.close();
+        QVERIFY(manifest);
+        manifest->version = QStringLiteral("%1.0.0").arg(versionMajor() + 1);
+        QVERIFY(manifestFile.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        manifestFile.write(manifestJson(*manifest));
+        manifestFile.close();
+        QVERIFY(zipTool(parts, {QStringLiteral("-q"), QStringLiteral("-r"),
+                                home.file(QStringLiteral("later.zip")), QStringLiteral(".")}));
+        QVERIFY(test::changeEveryStore(QStringLiteral("S00002")));
+        refusedAndUntouched(home.file(QStringLiteral("later.zip")), QStringLiteral("새 판"));
+    }
+
+    void aBackupCutShortByAKillIsClearedADayLater() {
+        test::TestHome home;
+        openSeededStores();
+        QDir().mkpath(backupFolder());
+        const QString old = backupFolder() + QStringLiteral("/.누벨라백업-20260101-090000.zip.Ab12Cd");
+        const QString fresh = backupFolder() + QStringLiteral("/.누벨라백업-20260102-090000.zip.Ef34Gh");
+        for (const QString& path : {old, fresh}) {
+            QFile f(path);
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            f.write("PK");
+        }
+        QFile oldFile(old);
+        QVERIFY(oldFile.open(QIODevice::ReadWrite));
+        QVERIFY(
+            oldFile.setFileTime(QDateTime::currentDateTime().addDays(-2), QFileDevice::FileModificationTime));
+        oldFile.close();
+        RunStartupSafeguards();
+        QVERIFY(!QFileInfo::exists(old));
+        QVERIFY(QFileInfo::exists(fresh)); // a copy may still be writing it
+    }
+
     void aForeignFileIsRefusedAndTheBooksStay() {
         test::TestHome home;
         openSeededStores();

@@ -43,6 +43,16 @@ bool takeAutomaticBackup(const QString& reason, const BackupRun& run, QString* w
     return true;
 }
 
+// What a backup cut short by a kill leaves beside its target; a day old, no copy is still
+// writing it.
+void removeLeftOvers(const QString& folder) {
+    const QDateTime dayAgo = QDateTime::currentDateTime().addDays(-1);
+    const QFileInfoList hidden =
+        QDir(folder).entryInfoList({u'.' + kPrefix + u'*'}, QDir::Files | QDir::Hidden);
+    for (const QFileInfo& file : hidden)
+        if (file.lastModified() < dayAgo) QFile::remove(file.absoluteFilePath());
+}
+
 void sayAutomaticFailure(const QString& why) {
     ShowWarning(QStringLiteral("자동 백업을 하지 못했습니다.\r\n%1\r\n\r\n백업 폴더(%2)와 디스크의 빈 공간을 "
                                "확인하십시오. 프로그램은 평소대로 쓸 수 있습니다.")
@@ -124,6 +134,7 @@ bool backupBeforeChange(const QString& reason) {
 
 void RunStartupSafeguards() {
     finishPendingRestore();
+    removeLeftOvers(backupFolder());
     if (!anyStoreHasContent() || !dailyBackupDue(backupFolder(), today())) return;
     QString why;
     bool sawDamage = false;

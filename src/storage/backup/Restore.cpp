@@ -2,6 +2,7 @@
 // then every store swapped in by a plan that a start after a kill finishes, so the books are
 // always the old ones or the restored ones, never some of each.
 #include "core/AppFolder.h"
+#include "core/AppState.h"
 #include "core/WholeFile.h"
 #include "storage/Backup.h"
 #include "storage/StoreCheck.h"
@@ -14,6 +15,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QVersionNumber>
 #include <cstdio>
 
 namespace nb {
@@ -90,6 +92,19 @@ QString storeInUse() {
     return QString();
 }
 
+// A backup of a later version may hold a layout this program does not know.
+QString versionProblem(const Manifest& manifest) {
+    const QVersionNumber made = QVersionNumber::fromString(manifest.version);
+    const QVersionNumber mine(versionMajor(), versionMinor(), versionRevision());
+    if (made.isNull()) return QStringLiteral("백업 파일의 목록(manifest.json)에 프로그램의 판이 없습니다.");
+    if (made > mine)
+        return QStringLiteral(
+                   "이 백업은 이 프로그램(%1)보다 새 판(%2)의 누벨라가 만든 것입니다. 그 판 이상의 "
+                   "누벨라로 복원하십시오.")
+            .arg(mine.toString(), made.toString());
+    return QString();
+}
+
 void reopenStores() {
     const QList<DamagedStore> damaged = CheckStoreFiles();
     OpenWholeStores(damaged);
@@ -140,6 +155,7 @@ bool RestoreBackup(const QString& zipPath, QString* why) {
         *why = reader.problem();
         return false;
     }
+    if (*why = versionProblem(reader.manifest()); !why->isEmpty()) return false;
     QList<SwapStep> steps;
     for (const ManifestStore& store : reader.manifest().stores) {
         if (!stageStore(reader, store, &steps, why)) {
