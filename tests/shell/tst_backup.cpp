@@ -363,7 +363,8 @@ private Q_SLOTS:
         openSeededStores();
         SaveEnv(kBackupFolderKey, home.file(QStringLiteral("elsewhere/backups")));
         RunStartupSafeguards();
-        QCOMPARE(automaticBackups(home.file(QStringLiteral("elsewhere/backups"))).size(), 1);
+        QCOMPARE(automaticBackups(home.file(QStringLiteral("elsewhere/backups"))).size(),
+                 2); // new version, the day's
     }
 
     void aFailedAutomaticBackupSaysSoOnceAndTheProgramGoesOn() {
@@ -380,6 +381,25 @@ private Q_SLOTS:
         QVERIFY(stores().dbBasic.isOpen());
         QVERIFY(!backupBeforeChange(QStringLiteral("가져오기전")));
         QCOMPARE(int(said.boxes().size()), 2);
+    }
+
+    void theFirstStartOfANewVersionBacksUpBeforeItsUpgrade() {
+        test::TestHome home;
+        RunStartupSafeguards(); // no books: nothing to keep, the version remembered
+        QCOMPARE(GetEnv(kStartedVersionKey), programVersion());
+        openSeededStores();
+        SaveEnv(kStartedVersionKey, QStringLiteral("0.9.0"));
+        auto beforeUpgrade = [] {
+            int n = 0;
+            for (const AutomaticBackup& b : automaticBackups(backupFolder()))
+                n += b.name.endsWith(QStringLiteral("-판올림전.zip")) ? 1 : 0;
+            return n;
+        };
+        RunStartupSafeguards();
+        QCOMPARE(beforeUpgrade(), 1);
+        QCOMPARE(GetEnv(kStartedVersionKey), programVersion());
+        RunStartupSafeguards();
+        QCOMPARE(beforeUpgrade(), 1);
     }
 
     void theLastSevenDaysAndFourWeeksAreKept() {

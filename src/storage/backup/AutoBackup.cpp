@@ -132,12 +132,28 @@ bool backupBeforeChange(const QString& reason) {
     return false;
 }
 
+// The first start of a new version of the program, whose upgrade steps may change the stores'
+// layout, backs the books up first. The version is remembered once the backup is taken.
+bool backupBeforeUpgrade(QString* why) {
+    const QString mine = programVersion();
+    if (GetEnv(kStartedVersionKey) == mine) return true;
+    if (!takeAutomaticBackup(QStringLiteral("판올림전"), {true, nullptr}, why)) return false;
+    SaveEnv(kStartedVersionKey, mine);
+    return true;
+}
+
 void RunStartupSafeguards() {
     finishPendingRestore();
     removeLeftOvers(backupFolder());
-    if (!anyStoreHasContent() || !dailyBackupDue(backupFolder(), today())) return;
+    if (!anyStoreHasContent()) {
+        if (GetEnv(kStartedVersionKey) != programVersion()) SaveEnv(kStartedVersionKey, programVersion());
+        return;
+    }
     QString why;
     bool sawDamage = false;
+    // At most one box: the first failure is the one said.
+    if (!backupBeforeUpgrade(&why)) return sayAutomaticFailure(why);
+    if (!dailyBackupDue(backupFolder(), today())) return;
     // A damaged store is named by the start's own box, with what to do; the day's backup waits
     // for the whole books.
     if (!takeAutomaticBackup(QString(), {false, &sawDamage}, &why) && !sawDamage) sayAutomaticFailure(why);

@@ -17,6 +17,11 @@ struct StoreRole {
 };
 QList<StoreRole> storeRoles();
 
+// The program's version as "1.0.0"; the setting that holds the version last started, so that
+// the first start of a new one backs the books up before its upgrade steps.
+QString programVersion();
+inline const QString kStartedVersionKey = QStringLiteral("최근실행판");
+
 // How one backup meets a damaged store: refused (the backup fails, `sawDamage` is set), or, for
 // a backup before a change, kept as its bytes lie.
 struct BackupRun {

@@ -14,10 +14,6 @@
 namespace nb {
 namespace {
 
-QString versionText() {
-    return QStringLiteral("%1.%2.%3").arg(versionMajor()).arg(versionMinor()).arg(versionRevision());
-}
-
 // A store the engine cannot copy whole: its bytes as they lie, for a backup before a change
 // (it is what there is to keep; a restore refuses it, a person may still take it out by hand).
 bool copyDamaged(const StoreRole& store, const QString& copy, QString* why) {
@@ -72,6 +68,10 @@ bool takeSettings(const QString& folder, QList<ArchiveFile>* files, Manifest* ma
 
 } // namespace
 
+QString programVersion() {
+    return QStringLiteral("%1.%2.%3").arg(versionMajor()).arg(versionMinor()).arg(versionRevision());
+}
+
 QList<StoreRole> storeRoles() {
     const AppState& a = app();
     return {{QStringLiteral("db기초"), QStringLiteral("dbBasic.db"), a.DbBasicFile},
@@ -98,7 +98,7 @@ bool writeBackupFile(const QString& zipPath, const BackupRun& run, QString* why)
         *why = QStringLiteral("임시 폴더를 만들 수 없습니다: %1").arg(QDir::tempPath());
         return false;
     }
-    Manifest manifest{kBackupProgram, versionText(), now(), {}, QString()};
+    Manifest manifest{kBackupProgram, programVersion(), now(), {}, QString()};
     QList<ArchiveFile> files;
     for (const StoreRole& store : storeRoles())
         if (QFileInfo(store.path).size() > 0 && !takeStore(store, work.path(), run, &files, &manifest, why))
