@@ -1,7 +1,6 @@
 // Times of the SMS screen's search in the date mode over 50,000 traders and a decade of
 // statements (200,000 statements, 1,000,000 lines), against the same query through the sqlite3
-// command line on the same files; and of the one-time move of an old statement file of
-// 100,000 statements and 1,000,000 lines (the whole step, as at start-up).
+// command line on the same files.
 #include "BenchSupport.h"
 #include "TestSupport.h"
 #include "common/dates/DateBox.h"
@@ -11,7 +10,6 @@
 #include "links/FrmSMS.h"
 #include "storage/CrossFileQueries.h"
 #include "storage/Stores.h"
-#include "storage/UpdateBill.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -126,80 +124,14 @@ void benchSearch() {
                 screenMs, cliMs, screenMs / cliMs);
 }
 
-void layDownOldStore(const QString& path, int statements, int lines) {
-    Database old;
-    old.create(path);
-    old.tryExecute("CREATE TABLE DealTitle (DealCode TEXT(6), DealDate TEXT(10), TraderCode TEXT(6))");
-    old.tryExecute("CREATE TABLE DealList (DealCode TEXT(6), PName TEXT(50), PNorm TEXT(50), Quant REAL, "
-                   "UnitCost REAL, SaleKum REAL, DC REAL)");
-    old.beginTransaction();
-    QSqlQuery h(old.connection());
-    h.prepare("INSERT INTO DealTitle VALUES (?, ?, ?)");
-    QSqlQuery l(old.connection());
-    l.prepare("INSERT INTO DealList VALUES (?, '품목', 'EA', ?, 1000, ?, 0)");
-    const int perStatement = lines / statements;
-    for (int s = 1; s <= statements; ++s) {
-        h.addBindValue(code(s));
-        h.addBindValue(dateFor(s));
-        h.addBindValue(code(1 + s % kTraders));
-        h.exec();
-        for (int k = 0; k < perStatement; ++k) {
-            l.addBindValue(code(s));
-            l.addBindValue(1 + k);
-            l.addBindValue((1 + k) * 1000 * (k % 2 ? 1.1 : 1.0)); // half VAT on top, half unclear
-            l.exec();
-        }
-    }
-    old.commit();
-}
-
-void benchConversion() {
-    test::TestHome home;
-    ReadSettings();
-    QDir().mkpath(nb::app().DbPath);
-    CreateMissingStoreFiles();
-    const QString oldPath = nb::app().DbPath + QStringLiteral("/dbdetail.db");
-    layDownOldStore(oldPath, 100000, 1000000);
-    QFile::copy(oldPath, oldPath + QStringLiteral(".copy"));
-    QFile::copy(nb::app().DbBillFile, nb::app().DbBillFile + QStringLiteral(".copy"));
-    auto& msgs = test::script();
-    msgs.answer(AnsOk);
-    msgs.answer(AnsYes);
-    QElapsedTimer t;
-    t.start();
-    UpdateBill();
-    const double ms = double(t.nsecsElapsed()) / 1e6;
-    std::printf("old statement file: 100000 statements, 1000000 lines\n  UpdateBill (whole step)  %8.1f ms\n",
-                ms);
-    // The bare copy of the same rows by the command line, without line numbers or VAT split.
-    const QString script =
-        QStringLiteral("ATTACH '%1' AS old; BEGIN; "
-                       "INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, NumBill) "
-                       "SELECT DealCode, DealDate, TraderCode, 0, 0, 0 FROM old.DealTitle ORDER BY DealCode; "
-                       "INSERT INTO Detail (BillNo, BillSEQ, PName, Unit, Quant, Price, DC, Amount, VAT) "
-                       "SELECT DealCode, 1, PName, PNorm, Quant, UnitCost, DC, SaleKum, 0 FROM old.DealList "
-                       "ORDER BY DealCode; COMMIT;")
-            .arg(oldPath + QStringLiteral(".copy"));
-    QElapsedTimer c;
-    c.start();
-    QProcess p;
-    p.start(QStringLiteral("sqlite3"), {nb::app().DbBillFile + QStringLiteral(".copy"), script});
-    p.waitForFinished(-1);
-    const double cli = double(c.nsecsElapsed()) / 1e6;
-    std::printf("  sqlite3 bare bulk copy  %8.1f ms\n  ratio %.2f\n", cli, ms / cli);
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
     test::prepareEnvironment();
     QApplication app(argc, argv);
     test::prepareApplication(app);
-    {
-        test::TestHome home;
-        bench::openFreshStore();
-        benchSearch();
-    }
-    if (!qEnvironmentVariableIsSet("NB_BENCH_SEARCH_ONLY")) benchConversion();
+    test::TestHome home;
+    bench::openFreshStore();
+    benchSearch();
     return 0;
 }
