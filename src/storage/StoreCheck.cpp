@@ -16,7 +16,8 @@ namespace {
 
 // Tables an older file may lack: the start-up upgrade makes them.
 const QStringList kAddedByUpgrade = {QStringLiteral("BuyTax"), QStringLiteral("BuyTotal"),
-                                     QStringLiteral("SaleTotal")};
+                                     QStringLiteral("SaleTotal"), QStringLiteral("EtaxFile"),
+                                     QStringLiteral("EtaxHandOver")};
 
 // A connection of its own for the check, gone when the check is done. It only reads: it sets
 // no journal mode and writes nothing (read-write all the same, so that closing it tidies the

@@ -152,6 +152,29 @@ TableDef totalTable(const QString& name) {
             primaryAndPlain({QStringLiteral("Serial"), QStringLiteral("CCode")})};
 }
 
+// The record of hand-overs to the tax service: each bulk-issue file written, whether the operator
+// uploaded or withdrew it, and the invoices that went into it as they were at the time.
+TableDef etaxFileTable() {
+    return {QStringLiteral("EtaxFile"),
+            {longInt(QStringLiteral("FileNo")), text(QStringLiteral("FilePath"), 255),
+             text(QStringLiteral("FromDate"), 10), text(QStringLiteral("ToDate"), 10),
+             text(QStringLiteral("WrittenAt"), 19), longInt(QStringLiteral("Invoices")),
+             text(QStringLiteral("UploadedDate"), 10), text(QStringLiteral("WithdrawnDate"), 10),
+             text(QStringLiteral("Note"), 100)},
+            {{QStringLiteral("PrimaryKey"), {QStringLiteral("FileNo")}, true},
+             speed({QStringLiteral("FilePath")})}};
+}
+
+TableDef etaxHandOverTable() {
+    return {QStringLiteral("EtaxHandOver"),
+            {longInt(QStringLiteral("FileNo")), text(QStringLiteral("TaxCode"), 10),
+             text(QStringLiteral("DealDate"), 10), text(QStringLiteral("CCode"), 6),
+             text(QStringLiteral("CName"), 50), real(QStringLiteral("TradeKum")),
+             real(QStringLiteral("VatKum"))},
+            {speed({QStringLiteral("FileNo"), QStringLiteral("TaxCode")}), speed({QStringLiteral("TaxCode")}),
+             speed({QStringLiteral("DealDate")})}};
+}
+
 TableDef estiBaseTable() {
     return {QStringLiteral("EstiBase"),
             {text(QStringLiteral("EstiCode"), 20), text(QStringLiteral("CCode"), 6),
@@ -213,8 +236,12 @@ QList<TableDef> billTables() {
     return {masterTable(), detailTable()};
 }
 QList<TableDef> taxTables() {
-    return {newAcountTable(), buyTaxTable(), totalTable(QStringLiteral("BuyTotal")),
-            totalTable(QStringLiteral("SaleTotal"))};
+    return {newAcountTable(),
+            buyTaxTable(),
+            totalTable(QStringLiteral("BuyTotal")),
+            totalTable(QStringLiteral("SaleTotal")),
+            etaxFileTable(),
+            etaxHandOverTable()};
 }
 QList<TableDef> estimateTables() {
     return {estiBaseTable(), estimateTable()};

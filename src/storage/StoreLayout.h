@@ -43,7 +43,7 @@ struct TableDef {
 // The tables of each file, in the order they are created.
 QList<TableDef> basicTables();    // User, Environment, Trader, Product
 QList<TableDef> billTables();     // Master, Detail
-QList<TableDef> taxTables();      // NewAcount, BuyTax, BuyTotal, SaleTotal
+QList<TableDef> taxTables();      // NewAcount, BuyTax, BuyTotal, SaleTotal, EtaxFile, EtaxHandOver
 QList<TableDef> estimateTables(); // EstiBase, Estimate
 QList<TableDef> postTables();     // Post
 // One table by name (exact), from any file; an empty definition when unknown.

@@ -52,6 +52,25 @@ bool addInvoiceSupplierColumn(Database& tax, Database& basic) {
     return true;
 }
 
+// The record of hand-overs to the tax service comes as two tables that only mean something
+// together: both are made in one transaction, or neither.
+void addHandOverRecord(Database& tax) {
+    const QString files = QStringLiteral("EtaxFile");
+    const QString invoices = QStringLiteral("EtaxHandOver");
+    if (tax.hasTable(files) && tax.hasTable(invoices)) return;
+    const QString headline = QStringLiteral("전자세금계산서 전송 기록을 만들지 못했습니다.");
+    if (!tax.beginTransaction()) {
+        ReportSaveFailure(tax, headline);
+        return;
+    }
+    for (const QString& name : {files, invoices})
+        if (!tax.hasTable(name) && !createTable(tax, tableDef(name))) {
+            tax.rollback();
+            return;
+        }
+    if (!tax.commit()) ReportSaveFailure(tax, headline);
+}
+
 // Older files gain a guarantee that the business number is unique; with duplicates on file
 // the index cannot be made, which the query box reports.
 void addSupplierPrimaryIndex(Database& basic) {
@@ -79,6 +98,7 @@ void upgradeTables(Database& basic, Database& tax, bool sayUnopened) {
         createTableWhenAbsent(tax, QStringLiteral("BuyTax"));
         createTableWhenAbsent(tax, QStringLiteral("BuyTotal"));
         createTableWhenAbsent(tax, QStringLiteral("SaleTotal"));
+        addHandOverRecord(tax);
         if (runUserStep) runUserStep = addInvoiceSupplierColumn(tax, basic);
     }
     if (runUserStep) addSupplierPrimaryIndex(basic);

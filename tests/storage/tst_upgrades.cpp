@@ -63,6 +63,31 @@ bool hasIndexNamed(Database& db, const QString& table, const QString& name) {
 class TestUpgrades : public QObject {
     Q_OBJECT
 private Q_SLOTS:
+    void olderTaxStoreGainsTheHandOverRecordAtStart() {
+        test::TestHome home;
+        layDownOldFiles(home);
+        QVERIFY(OpenDatabases());
+        UpgradeTables();
+        QVERIFY(stores().dbTax.hasTable("EtaxFile"));
+        QVERIFY(stores().dbTax.hasTable("EtaxHandOver"));
+        QCOMPARE(stores().dbTax.columns("EtaxHandOver"),
+                 (QStringList{"FileNo", "TaxCode", "DealDate", "CCode", "CName", "TradeKum", "VatKum"}));
+        // A second start runs nothing more.
+        const int before = stores().dbTax.statementsRun();
+        UpgradeTables();
+        QCOMPARE(stores().dbTax.statementsRun(), before);
+    }
+    void aHandOverTableThatCannotBeMadeLeavesNeither() {
+        test::TestHome home;
+        // A view of the second table's name: its index cannot be made, so the step fails half way.
+        layDownOldFiles(home, {}, {QStringLiteral("CREATE VIEW EtaxHandOver AS SELECT 1 AS FileNo")});
+        auto& msgs = test::script();
+        QVERIFY(OpenDatabases());
+        UpgradeTables();
+        QVERIFY(!stores().dbTax.hasTable("EtaxFile"));
+        QVERIFY(!stores().dbTax.inTransaction());
+        QVERIFY(!msgs.records().empty());
+    }
     void currentStorePassesWithNoStatementRunAndNoChange() {
         test::TestHome home;
         test::useStoreFolder(home);

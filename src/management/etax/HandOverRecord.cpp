@@ -1,0 +1,274 @@
+#include "management/etax/HandOverRecord.h"
+
+#include "common/dates/DateText.h"
+#include "core/Clock.h"
+#include "storage/Database.h"
+#include "storage/Stores.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace nb {
+namespace {
+
+const QString kDay = QStringLiteral("yyyy-MM-dd");
+
+// The recorded invoices of a period joined to the invoices on file, kept only where both are
+// the same invoice (see the header); files withdrawn are passed over. An uploaded file comes
+// before one that is not, then the older before the newer.
+const QString kStandingSql = QStringLiteral(
+    "SELECT h.TaxCode, f.FileNo, f.FilePath, f.FromDate, f.ToDate, f.WrittenAt, f.Invoices, "
+    "f.UploadedDate, f.WithdrawnDate, f.Note "
+    "FROM EtaxHandOver h JOIN EtaxFile f ON f.FileNo = h.FileNo "
+    "JOIN (SELECT TaxCode, MIN(DealDate) AS DealDate, MIN(COALESCE(CCode, '')) AS CCode, "
+    "TOTAL(TradeKum) AS Supply, TOTAL(VatKum) AS Tax FROM NewAcount WHERE DealDate BETWEEN ? AND ? "
+    "GROUP BY TaxCode) n ON n.TaxCode = h.TaxCode AND n.DealDate = h.DealDate "
+    "AND n.CCode = COALESCE(h.CCode, '') AND abs(n.Supply - h.TradeKum) < 0.005 AND abs(n.Tax - h.VatKum) < "
+    "0.005 "
+    "WHERE h.DealDate BETWEEN ? AND ? AND COALESCE(f.WithdrawnDate, '') = '' "
+    "ORDER BY h.TaxCode, COALESCE(f.UploadedDate, '') = '', f.UploadedDate, f.FileNo");
+
+const QString kFileColumns = QStringLiteral(
+    "FileNo, FilePath, FromDate, ToDate, WrittenAt, Invoices, UploadedDate, WithdrawnDate, Note");
+
+HandOverFile fileFromRow(const Recordset& rs) {
+    HandOverFile file;
+    file.fileNo = int(rs.number(QStringLiteral("FileNo")));
+    file.path = rs.text(QStringLiteral("FilePath"));
+    file.fromDate = rs.text(QStringLiteral("FromDate"));
+    file.toDate = rs.text(QStringLiteral("ToDate"));
+    file.writtenAt = rs.text(QStringLiteral("WrittenAt"));
+    file.invoices = int(rs.number(QStringLiteral("Invoices")));
+    file.uploadedDate = rs.text(QStringLiteral("UploadedDate")).trimmed();
+    file.withdrawnDate = rs.text(QStringLiteral("WithdrawnDate")).trimmed();
+    file.note = rs.text(QStringLiteral("Note"));
+    return file;
+}
+
+QString faultOf(const Database& db) {
+    return storeFaultText(db.lastEngineCode(), db.lastErrorDescription());
+}
+
+bool fail(QString* why, const QString& text) {
+    if (why) *why = text;
+    return false;
+}
+
+// Ends a write that went wrong: rolls it back and words why.
+bool abandon(Database& db, QString* why, const QString& headline) {
+    const QString cause = faultOf(db);
+    db.rollback();
+    return fail(why, headline + u' ' + cause);
+}
+
+// The file row read inside a write, so that the change depends on what is on file now.
+std::optional<HandOverFile> readFileRow(Database& db, int fileNo) {
+    Recordset rs;
+    if (!OpenSnapshot(db, rs, QStringLiteral("SELECT %1 FROM EtaxFile WHERE FileNo = ?").arg(kFileColumns),
+                      {fileNo}))
+        return std::nullopt;
+    std::optional<HandOverFile> file;
+    if (!rs.EOF_()) file = fileFromRow(rs);
+    CloseRs(rs);
+    return file;
+}
+
+QString cleanPath(const QString& path) {
+    return QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+}
+
+} // namespace
+
+QString HandOverFile::stateText() const {
+    if (withdrawn())
+        return QStringLiteral("철회 ") + withdrawnDate +
+               (note.isEmpty() ? QString() : QStringLiteral(" (") + note + u')');
+    if (uploaded()) return QStringLiteral("업로드 ") + uploadedDate;
+    return QStringLiteral("업로드 전");
+}
+
+QHash<QString, QDate> UploadedInvoiceDates(const QString& fromDate, const QString& toDate) {
+    return UploadedInvoiceDates(stores().dbTax, fromDate, toDate).value_or(QHash<QString, QDate>{});
+}
+
+std::optional<QHash<QString, QDate>> UploadedInvoiceDates(Database& dbTax, const QString& fromDate,
+                                                          const QString& toDate) {
+    Recordset rs;
+    if (!OpenSnapshot(dbTax, rs, kStandingSql, {fromDate, toDate, fromDate, toDate})) return std::nullopt;
+    QHash<QString, QDate> dates;
+    for (; !rs.EOF_(); rs.MoveNext()) {
+        const QString uploaded = rs.text(QStringLiteral("UploadedDate")).trimmed();
+        const QString taxCode = rs.text(QStringLiteral("TaxCode"));
+        // Rows come uploaded first, the earliest upload first: the first row of a code is its day.
+        if (uploaded.isEmpty() || dates.contains(taxCode)) continue;
+        const QDate day = QDate::fromString(uploaded, kDay);
+        if (day.isValid()) dates.insert(taxCode, day);
+    }
+    CloseRs(rs);
+    return dates;
+}
+
+std::optional<QHash<QString, HandOverMark>> HandedOverInvoices(Database& dbTax, const QString& fromDate,
+                                                               const QString& toDate) {
+    Recordset rs;
+    if (!OpenSnapshot(dbTax, rs, kStandingSql, {fromDate, toDate, fromDate, toDate})) return std::nullopt;
+    QHash<QString, HandOverMark> marks;
+    for (; !rs.EOF_(); rs.MoveNext()) {
+        const QString taxCode = rs.text(QStringLiteral("TaxCode"));
+        if (!marks.contains(taxCode)) marks.insert(taxCode, {taxCode, fileFromRow(rs)});
+    }
+    CloseRs(rs);
+    return marks;
+}
+
+std::optional<int> RecordHandOverFile(Database& dbTax, const QString& path, const QString& fromDate,
+                                      const QString& toDate, const QList<HandOverEntry>& entries,
+                                      QString* why) {
+    const QString headline = QStringLiteral("전자세금계산서 전송 기록을 남기지 못했습니다.");
+    if (!dbTax.beginTransaction()) {
+        fail(why, headline + u' ' + faultOf(dbTax));
+        return std::nullopt;
+    }
+    // The next number is read inside the write, so two running copies never share one.
+    Recordset last;
+    if (!OpenSnapshot(dbTax, last, QStringLiteral("SELECT MAX(FileNo) AS Last FROM EtaxFile"))) {
+        abandon(dbTax, why, headline);
+        return std::nullopt;
+    }
+    const int fileNo = int(last.number(QStringLiteral("Last"))) + 1;
+    CloseRs(last);
+    const QString target = cleanPath(path);
+    const QString today = nb::today().toString(kDay);
+    // A file not uploaded whose name this one takes is gone with it.
+    bool ok = dbTax.tryExecute(
+        QStringLiteral("UPDATE EtaxFile SET WithdrawnDate = ?, Note = ? WHERE FilePath = ? "
+                       "AND COALESCE(UploadedDate, '') = '' AND COALESCE(WithdrawnDate, '') = ''"),
+        {today, QStringLiteral("다시 작성하여 바뀜"), target});
+    ok = ok &&
+         dbTax.tryExecute(QStringLiteral("INSERT INTO EtaxFile (%1) VALUES (?, ?, ?, ?, ?, ?, '', '', '')")
+                              .arg(kFileColumns),
+                          {fileNo, target, fromDate, toDate,
+                           now().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")), int(entries.size())});
+    for (const HandOverEntry& e : entries) {
+        if (!ok) break;
+        ok = dbTax.tryExecute(
+            QStringLiteral("INSERT INTO EtaxHandOver (FileNo, TaxCode, DealDate, CCode, CName, "
+                           "TradeKum, VatKum) VALUES (?, ?, ?, ?, ?, ?, ?)"),
+            {fileNo, e.taxCode, e.dealDate, e.traderCode, e.receiver, e.supply, e.tax});
+    }
+    if (!ok) {
+        abandon(dbTax, why, headline);
+        return std::nullopt;
+    }
+    if (!dbTax.commit()) {
+        fail(why, headline + u' ' + faultOf(dbTax));
+        return std::nullopt;
+    }
+    return fileNo;
+}
+
+bool ForgetHandOverFile(Database& dbTax, int fileNo) {
+    if (!dbTax.beginTransaction()) return false;
+    if (!dbTax.tryExecute(QStringLiteral("DELETE FROM EtaxHandOver WHERE FileNo = ?"), {fileNo}) ||
+        !dbTax.tryExecute(QStringLiteral("DELETE FROM EtaxFile WHERE FileNo = ?"), {fileNo})) {
+        dbTax.rollback();
+        return false;
+    }
+    return dbTax.commit();
+}
+
+bool RetireHandOverPath(Database& dbTax, const QString& path, const QString& note, QString* why) {
+    const QString headline = QStringLiteral("전자세금계산서 전송 기록을 고치지 못했습니다.");
+    if (!dbTax.beginTransaction()) return fail(why, headline + u' ' + faultOf(dbTax));
+    if (!dbTax.tryExecute(
+            QStringLiteral("UPDATE EtaxFile SET WithdrawnDate = ?, Note = ? WHERE FilePath = ? "
+                           "AND COALESCE(UploadedDate, '') = '' AND COALESCE(WithdrawnDate, '') = ''"),
+            {today().toString(kDay), note, cleanPath(path)}))
+        return abandon(dbTax, why, headline);
+    if (!dbTax.commit()) return fail(why, headline + u' ' + faultOf(dbTax));
+    return true;
+}
+
+std::optional<QList<HandOverFile>> ReadHandOverFiles(Database& dbTax) {
+    Recordset rs;
+    if (!OpenSnapshot(dbTax, rs,
+                      QStringLiteral("SELECT %1 FROM EtaxFile ORDER BY FileNo DESC").arg(kFileColumns)))
+        return std::nullopt;
+    QList<HandOverFile> files;
+    for (; !rs.EOF_(); rs.MoveNext())
+        files << fileFromRow(rs);
+    CloseRs(rs);
+    return files;
+}
+
+std::optional<HandOverFile> ReadHandOverFile(Database& dbTax, int fileNo) {
+    return readFileRow(dbTax, fileNo);
+}
+
+std::optional<QList<HandOverEntry>> ReadHandOverEntries(Database& dbTax, int fileNo) {
+    Recordset rs;
+    if (!OpenSnapshot(
+            dbTax, rs,
+            QStringLiteral("SELECT TaxCode, DealDate, CCode, CName, TradeKum, VatKum FROM EtaxHandOver "
+                           "WHERE FileNo = ? ORDER BY TaxCode"),
+            {fileNo}))
+        return std::nullopt;
+    QList<HandOverEntry> entries;
+    for (; !rs.EOF_(); rs.MoveNext())
+        entries << HandOverEntry{rs.text(QStringLiteral("TaxCode")),    rs.text(QStringLiteral("DealDate")),
+                                 rs.text(QStringLiteral("CCode")),      rs.text(QStringLiteral("CName")),
+                                 rs.number(QStringLiteral("TradeKum")), rs.number(QStringLiteral("VatKum"))};
+    CloseRs(rs);
+    return entries;
+}
+
+QString uploadRefusal(const HandOverFile& file, const QString& day, const QDate& today) {
+    if (file.withdrawn()) return QStringLiteral("철회한 파일은 업로드로 표시할 수 없습니다.");
+    if (file.uploaded())
+        return QStringLiteral("이미 %1에 업로드한 파일로 표시되어 있습니다.").arg(file.uploadedDate);
+    const QDate date = QDate::fromString(day, kDay);
+    if (day.size() != 10 || !date.isValid() || !IsDate(day))
+        return QStringLiteral("업로드한 날짜가 올바르지 않습니다: %1 (YYYY-MM-DD)").arg(day);
+    if (date > today) return QStringLiteral("업로드한 날짜 %1이(가) 오늘보다 뒤입니다.").arg(day);
+    if (day < file.writtenAt.left(10))
+        return QStringLiteral("업로드한 날짜 %1이(가) 파일을 작성한 날(%2)보다 앞입니다.")
+            .arg(day, file.writtenAt.left(10));
+    return QString();
+}
+
+bool MarkFileUploaded(Database& dbTax, int fileNo, const QString& day, QString* why) {
+    const QString headline = QStringLiteral("업로드 표시를 저장하지 못했습니다.");
+    if (!dbTax.beginTransaction()) return fail(why, headline + u' ' + faultOf(dbTax));
+    const auto file = readFileRow(dbTax, fileNo);
+    if (!file) {
+        dbTax.rollback();
+        return fail(why, QStringLiteral("전송 기록에 %1번 파일이 없습니다.").arg(fileNo));
+    }
+    if (const QString refused = uploadRefusal(*file, day, today()); !refused.isEmpty()) {
+        dbTax.rollback();
+        return fail(why, refused);
+    }
+    if (!dbTax.tryExecute(QStringLiteral("UPDATE EtaxFile SET UploadedDate = ? WHERE FileNo = ?"),
+                          {day, fileNo}))
+        return abandon(dbTax, why, headline);
+    if (!dbTax.commit()) return fail(why, headline + u' ' + faultOf(dbTax));
+    return true;
+}
+
+bool WithdrawFile(Database& dbTax, int fileNo, const QString& note, QString* why) {
+    const QString headline = QStringLiteral("철회를 저장하지 못했습니다.");
+    if (!dbTax.beginTransaction()) return fail(why, headline + u' ' + faultOf(dbTax));
+    const auto file = readFileRow(dbTax, fileNo);
+    if (!file || file->withdrawn()) {
+        dbTax.rollback();
+        return fail(why, file ? QStringLiteral("이미 철회한 파일입니다.")
+                              : QStringLiteral("전송 기록에 %1번 파일이 없습니다.").arg(fileNo));
+    }
+    if (!dbTax.tryExecute(QStringLiteral("UPDATE EtaxFile SET WithdrawnDate = ?, Note = ? WHERE FileNo = ?"),
+                          {today().toString(kDay), note, fileNo}))
+        return abandon(dbTax, why, headline);
+    if (!dbTax.commit()) return fail(why, headline + u' ' + faultOf(dbTax));
+    return true;
+}
+
+} // namespace nb
