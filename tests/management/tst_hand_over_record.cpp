@@ -110,15 +110,18 @@ private Q_SLOTS:
         addInvoice("100000", "2026-10-05", 1500);
         QVERIFY(UploadedInvoiceDates("2026-10-01", "2026-10-31").isEmpty());
     }
-    void aFileOfTheSameNameReplacesTheStandingRecordUnlessUploaded() {
+    void aNewerFileOfTheSameNameRetiresTheOlderRecordUnlessUploaded() {
         Fixture f;
         addInvoice("100000", "2026-10-05", 1000);
         addInvoice("100001", "2026-10-06", 1000);
         const int old = f.record("/tmp/x/a_1.xlsx", {entry("100000", "2026-10-05", 1000)});
         const int uploaded = f.record("/tmp/x/a_2.xlsx", {entry("100001", "2026-10-06", 1000)});
         QVERIFY(MarkFileUploaded(stores().dbTax, uploaded, "2026-11-05", nullptr));
-        f.record("/tmp/x/../x/a_1.xlsx", {entry("100000", "2026-10-05", 1000)});
-        f.record("/tmp/x/a_2.xlsx", {});
+        const int newer = f.record("/tmp/x/../x/a_1.xlsx", {entry("100000", "2026-10-05", 1000)});
+        QVERIFY(RetireHandOverPath(stores().dbTax, "/tmp/x/a_1.xlsx", kReplacedNote, nullptr, newer));
+        const int newest = f.record("/tmp/x/a_2.xlsx", {});
+        QVERIFY(RetireHandOverPath(stores().dbTax, "/tmp/x/a_2.xlsx", kReplacedNote, nullptr, newest));
+        QVERIFY(!ReadHandOverFile(stores().dbTax, newer)->withdrawn());
         QCOMPARE(ReadHandOverFile(stores().dbTax, old)->note, QStringLiteral("다시 작성하여 바뀜"));
         QCOMPARE(ReadHandOverFile(stores().dbTax, old)->withdrawnDate, QStringLiteral("2026-11-05"));
         QVERIFY(!ReadHandOverFile(stores().dbTax, uploaded)->withdrawn());
@@ -130,13 +133,15 @@ private Q_SLOTS:
         addInvoice("100000", "2026-10-05", 1000);
         f.record("/tmp/a_1.xlsx", {entry("100000", "2026-10-05", 1000)});
         const int up = f.record("/tmp/b_1.xlsx", {entry("100000", "2026-10-05", 1000)});
-        QCOMPARE(HandedOverInvoices(stores().dbTax, "2026-10-01", "2026-10-31")->value("100000").file.fileNo,
+        QCOMPARE(HandedOverInvoices(stores().dbTax, "2026-10-01", "2026-10-31")->value("100000").files.first().fileNo,
                  1);
         QVERIFY(MarkFileUploaded(stores().dbTax, up, "2026-11-05", nullptr));
         const HandOverMark mark =
             HandedOverInvoices(stores().dbTax, "2026-10-01", "2026-10-31")->value("100000");
-        QCOMPARE(mark.file.fileNo, up);
-        QCOMPARE(mark.file.stateText(), QStringLiteral("업로드 2026-11-05"));
+        QCOMPARE(mark.files.size(), 2);
+        QCOMPARE(mark.files.first().fileNo, up);
+        QCOMPARE(mark.files.first().stateText(), QStringLiteral("업로드 2026-11-05"));
+        QCOMPARE(mark.files.last().stateText(), QStringLiteral("업로드 전"));
     }
     void theUploadDayIsCheckedAndChangesNothingWhenRefused() {
         Fixture f;

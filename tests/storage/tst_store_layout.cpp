@@ -64,7 +64,8 @@ private Q_SLOTS:
         CreateMissingStoreFiles();
         QCOMPARE(tableNames(app().DbBasicFile), list("User Environment Trader Product"));
         QCOMPARE(tableNames(app().DbBillFile), list("Master Detail"));
-        QCOMPARE(tableNames(app().DbTaxFile), list("NewAcount BuyTax BuyTotal SaleTotal"));
+        QCOMPARE(tableNames(app().DbTaxFile),
+                 list("NewAcount BuyTax BuyTotal SaleTotal EtaxFile EtaxHandOver"));
         QCOMPARE(tableNames(app().DbEstimateFile), list("EstiBase Estimate"));
         QCOMPARE(tableNames(app().DbPostFile), list("Post"));
         QVERIFY(QFile::exists(app().DbInOutFile));

@@ -115,7 +115,9 @@ std::optional<QHash<QString, HandOverMark>> HandedOverInvoices(Database& dbTax, 
     QHash<QString, HandOverMark> marks;
     for (; !rs.EOF_(); rs.MoveNext()) {
         const QString taxCode = rs.text(QStringLiteral("TaxCode"));
-        if (!marks.contains(taxCode)) marks.insert(taxCode, {taxCode, fileFromRow(rs)});
+        HandOverMark& mark = marks[taxCode];
+        mark.taxCode = taxCode;
+        mark.files << fileFromRow(rs);
     }
     CloseRs(rs);
     return marks;
@@ -137,18 +139,10 @@ std::optional<int> RecordHandOverFile(Database& dbTax, const QString& path, cons
     }
     const int fileNo = int(last.number(QStringLiteral("Last"))) + 1;
     CloseRs(last);
-    const QString target = cleanPath(path);
-    const QString today = nb::today().toString(kDay);
-    // A file not uploaded whose name this one takes is gone with it.
     bool ok = dbTax.tryExecute(
-        QStringLiteral("UPDATE EtaxFile SET WithdrawnDate = ?, Note = ? WHERE FilePath = ? "
-                       "AND COALESCE(UploadedDate, '') = '' AND COALESCE(WithdrawnDate, '') = ''"),
-        {today, QStringLiteral("다시 작성하여 바뀜"), target});
-    ok = ok &&
-         dbTax.tryExecute(QStringLiteral("INSERT INTO EtaxFile (%1) VALUES (?, ?, ?, ?, ?, ?, '', '', '')")
-                              .arg(kFileColumns),
-                          {fileNo, target, fromDate, toDate,
-                           now().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")), int(entries.size())});
+        QStringLiteral("INSERT INTO EtaxFile (%1) VALUES (?, ?, ?, ?, ?, ?, '', '', '')").arg(kFileColumns),
+        {fileNo, cleanPath(path), fromDate, toDate, now().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")),
+         int(entries.size())});
     for (const HandOverEntry& e : entries) {
         if (!ok) break;
         ok = dbTax.tryExecute(
@@ -177,13 +171,15 @@ bool ForgetHandOverFile(Database& dbTax, int fileNo) {
     return dbTax.commit();
 }
 
-bool RetireHandOverPath(Database& dbTax, const QString& path, const QString& note, QString* why) {
+bool RetireHandOverPath(Database& dbTax, const QString& path, const QString& note, QString* why,
+                        int keepFileNo) {
     const QString headline = QStringLiteral("전자세금계산서 전송 기록을 고치지 못했습니다.");
     if (!dbTax.beginTransaction()) return fail(why, headline + u' ' + faultOf(dbTax));
     if (!dbTax.tryExecute(
-            QStringLiteral("UPDATE EtaxFile SET WithdrawnDate = ?, Note = ? WHERE FilePath = ? "
-                           "AND COALESCE(UploadedDate, '') = '' AND COALESCE(WithdrawnDate, '') = ''"),
-            {today().toString(kDay), note, cleanPath(path)}))
+            QStringLiteral(
+                "UPDATE EtaxFile SET WithdrawnDate = ?, Note = ? WHERE FilePath = ? "
+                "AND FileNo <> ? AND COALESCE(UploadedDate, '') = '' AND COALESCE(WithdrawnDate, '') = ''"),
+            {today().toString(kDay), note, cleanPath(path), keepFileNo}))
         return abandon(dbTax, why, headline);
     if (!dbTax.commit()) return fail(why, headline + u' ' + faultOf(dbTax));
     return true;

@@ -54,25 +54,28 @@ struct HandOverEntry {
     double tax = 0;
 };
 
-// An invoice already handed over, with the file that holds it.
+// An invoice already handed over, with the files that hold it: uploaded ones first, then the
+// older before the newer.
 struct HandOverMark {
     QString taxCode;
-    HandOverFile file;
+    QList<HandOverFile> files;
 };
 
-// Records one file with its invoices in one transaction. A standing record of the same path
-// that was not uploaded is withdrawn with it ("다시 작성하여 바뀜"): its file is being
-// overwritten. The number of the new record, or nothing with the reason.
+// Records one file with its invoices in one transaction: the number of the new record, or
+// nothing with the reason.
 std::optional<int> RecordHandOverFile(Database& dbTax, const QString& path, const QString& fromDate,
                                       const QString& toDate, const QList<HandOverEntry>& entries,
                                       QString* why);
 // Takes a record back out when its file could not take its name after all.
 bool ForgetHandOverFile(Database& dbTax, int fileNo);
-// Withdraws the standing, not uploaded records of a file the program removed, with the note.
-bool RetireHandOverPath(Database& dbTax, const QString& path, const QString& note, QString* why);
+// Withdraws the standing, not uploaded records of a path, other than `keepFileNo`, with the note:
+// the file there was overwritten by a newer one (kReplacedNote) or removed by the program.
+bool RetireHandOverPath(Database& dbTax, const QString& path, const QString& note, QString* why,
+                        int keepFileNo = 0);
+inline const QString kReplacedNote = QStringLiteral("다시 작성하여 바뀜");
 
 // The invoices with a date in fromDate..toDate that stand in a file neither withdrawn nor
-// replaced, each with its earliest such file (an uploaded one before one that is not).
+// replaced, each with those files.
 std::optional<QHash<QString, HandOverMark>> HandedOverInvoices(Database& dbTax, const QString& fromDate,
                                                                const QString& toDate);
 

@@ -43,7 +43,8 @@ int findColumn(const QList<RawColumn>& columns, const QString& name) {
 // Tables the start-up upgrade creates when a file lacks them.
 bool isUpgradeTable(const QString& table) {
     return table == QStringLiteral("BuyTax") || table == QStringLiteral("BuyTotal") ||
-           table == QStringLiteral("SaleTotal");
+           table == QStringLiteral("SaleTotal") || table == QStringLiteral("EtaxFile") ||
+           table == QStringLiteral("EtaxHandOver");
 }
 
 // The layout's table as the source has it: the columns the upgrade adds stay out when the
@@ -145,6 +146,8 @@ QList<JetTableFigures> carriedFigures(const QList<JetTableFigures>& read, const 
 
 bool isUpgradeColumn(const QString& table, const QString& column) {
     return (table == QStringLiteral("Trader") && column == QStringLiteral("HPhone")) ||
+           ((table == QStringLiteral("Trader") || table == QStringLiteral("User")) &&
+            column == QStringLiteral("Email")) ||
            (table == QStringLiteral("Product") && column == QStringLiteral("Unit")) ||
            (table == QStringLiteral("NewAcount") &&
             (column == QStringLiteral("UserCode") || column == QStringLiteral("Receipt")));
