@@ -7,12 +7,17 @@
 #include "shell/Startup.h"
 #include "storage/Stores.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QTimer>
+#include <QWidget>
 #include <algorithm>
 #include <functional>
+#include <unistd.h>
 #include <vector>
 
 namespace nb::bench {
@@ -57,6 +62,45 @@ inline double cliMs(const QString& file, const QString& sql, int repeats = 5) {
     }
     std::sort(times.begin(), times.end());
     return times[times.size() / 2];
+}
+
+// What the operator waits for when a search fills a list: from the start of action (on a shown
+// window) until the window has painted what the action shows and its event loop answers again.
+// The paint is done at once (as the first expose after the action would); then a zero timer is
+// posted and the time is taken when it fires, so work the list left for between events (the
+// next page of rows) counts as far as it holds the window. Milliseconds.
+inline double firstPaintFreeMs(QWidget* window, const std::function<void()>& action) {
+    QElapsedTimer t;
+    t.start();
+    action();
+    window->repaint();
+    bool answered = false;
+    QTimer::singleShot(0, window, [&answered] { answered = true; });
+    while (!answered)
+        QCoreApplication::processEvents(QEventLoop::AllEvents);
+    return double(t.nsecsElapsed()) / 1e6;
+}
+
+// The median of several firstPaintFreeMs; between runs the lists left reading are read
+// through (outside the time), so each run starts from a quiet window.
+inline double medianFirstPaintFreeMs(QWidget* window, const std::function<void()>& action, int repeats = 9) {
+    std::vector<double> times;
+    for (int i = 0; i < repeats; ++i) {
+        times.push_back(firstPaintFreeMs(window, action));
+        for (int settle = 0; settle < 200; ++settle)
+            QCoreApplication::processEvents(QEventLoop::AllEvents);
+    }
+    std::sort(times.begin(), times.end());
+    return times[times.size() / 2];
+}
+
+// The resident size of this process now, in MB (from /proc/self/statm).
+inline double residentMB() {
+    QFile statm(QStringLiteral("/proc/self/statm"));
+    if (!statm.open(QIODevice::ReadOnly)) return -1;
+    const QList<QByteArray> fields = statm.readAll().split(' ');
+    if (fields.size() < 2) return -1;
+    return fields.at(1).toDouble() * double(sysconf(_SC_PAGESIZE)) / (1024.0 * 1024.0);
 }
 
 } // namespace nb::bench

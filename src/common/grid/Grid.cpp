@@ -40,6 +40,7 @@ Grid::Grid(QWidget* parent) : QTableView(parent), m_model(new GridModel(this)), 
     connect(horizontalHeader(), &QHeaderView::sectionResized, this, &Grid::onSectionResized);
     connect(m_model, &GridModel::cellTextChanged, this, &Grid::textChanged);
     connect(m_model, &GridModel::columnsInserted, this, [this] { applyColumnLayout(); });
+    connect(m_model, &GridModel::modelReset, this, &Grid::onNewList);
 
     m_editor->setParent(viewport());
     m_editor->setFrame(false);
@@ -186,6 +187,24 @@ void Grid::DeleteRows(int row, int count) {
 }
 void Grid::InsertRows(int row, int count) {
     m_model->insertRows(row, count);
+}
+
+void Grid::showList(std::unique_ptr<GridRowSource> rows, int knownRows) {
+    m_model->showList(std::move(rows), knownRows);
+}
+
+// A new list (whoever handed it to the cells) starts with the cursor on its first row, as a
+// grid emptied and filled again does.
+void Grid::onNewList() {
+    if (m_editing) {
+        m_editing = false;
+        m_editor->hide();
+    }
+    m_block = QRect();
+    m_markedRow = 0;
+    m_activeCol = m_activeRow = 0;
+    clampActiveCell();
+    scrollToTop();
 }
 
 void Grid::fillQuietly(const std::function<void()>& fill) {

@@ -3,6 +3,23 @@
 // 1, column 0 is the row header and row 0 the column header; -1 means all rows or columns.
 // Property and method names follow the grid control the screens were written against
 // (MaxRows, DataRowCnt, SetText, ...); events are Qt signals.
+//
+// A list of a query stands in the same grid in list mode. The screen runs its statement
+// forward-only and hands the rows over:
+//
+//     grid->showList(std::make_unique<QueryRows>(std::move(query)), countOrMinus1);
+//     grid->setListSum(3, sumOfColumn3FromTheQuery);   // when a formula sums the column
+//
+// and from then on reads and moves through the list with the usual calls (Text, Value,
+// ActiveRow, SetActiveCell, DataRowCnt, click and dblClick, the keys). Values stay as the query
+// gave them and are formatted by their column's type when painted. The first rows are read at
+// once, the rest a page at a time between events, when the view scrolls to them, or when a cell
+// of an unread row is asked for. Given the count, MaxRows is right at once; without it MaxRows
+// grows as rows arrive; DataRowCnt() reads the rest first, so print and export, which loop to
+// it, see every row (anything else that needs every row calls finishReading()). The list is read-only to the operator; the program may still
+// write cells (kept as values), add rows after the query's and delete rows (these read every
+// row first). A sum formula over a whole column the screen gave a sum for is that sum, kept as
+// cells are written and rows deleted, so it never walks the rows.
 
 #include "common/grid/GridModel.h"
 #include "common/grid/GridTypes.h"
@@ -28,7 +45,11 @@ public:
     void setMaxRows(int rows);
     int MaxCols() const { return m_model->maxCols(); }
     void setMaxCols(int cols);
-    int DataRowCnt() const { return m_model->dataRowCnt(); }
+    // The last row holding anything; a list not yet counted is read through first.
+    int DataRowCnt() const {
+        if (!m_model->rowsKnown()) m_model->finishReading();
+        return m_model->dataRowCnt();
+    }
     // 0 when no cell is active (no rows, or set so on purpose).
     int ActiveCol() const { return m_activeCol; }
     int ActiveRow() const { return m_activeRow; }
@@ -70,6 +91,18 @@ public:
     // The block the operator selected; an empty rectangle when none.
     QRect SelectedBlock() const { return m_block; }
     void Refresh();
+
+    // ---- list mode (see the top of this file) ----------------------------------------------
+    void showList(std::unique_ptr<GridRowSource> rows, int knownRows = -1);
+    bool isList() const { return m_model->isList(); }
+    // Whether rows of the list are still to be read.
+    bool isReading() const { return m_model->isReading(); }
+    void finishReading() { m_model->finishReading(); }
+    // Whether MaxRows already counts every row (a list given its count, or read through).
+    bool rowsKnown() const { return m_model->rowsKnown(); }
+    void setListSum(int col, double sum) { m_model->setListSum(col, sum); }
+    // The value of a cell of the list as the query gave it.
+    QVariant ListValue(int col, int row) const { return m_model->listValue(col, row); }
 
     // ---- columns ------------------------------------------------------------------------
     // Widths are in characters of the grid's font, as the original counts them; column 0
@@ -192,6 +225,7 @@ private:
     void extendBlockTo(int col, int row);
     void announceBlock();
     void clampActiveCell();
+    void onNewList();
     void applyColumnLayout();
     void onSectionResized(int section, int oldSize, int newSize);
     void onRowHeaderResized(int oldSize, int newSize);

@@ -243,6 +243,9 @@ bool Grid::handleNavigationKey(int key, Qt::KeyboardModifiers modifiers) {
     const bool extend = (modifiers & Qt::ShiftModifier) && m_selectBlockOptions != 0 && !rowMode;
     // Shift with the arrows moves the far corner of the block; plain arrows the cursor.
     const QPoint from = (extend && m_block.isValid()) ? m_blockEnd : QPoint(m_activeCol, m_activeRow);
+    // A list still being read reads on as far as the key goes.
+    if (isReading() && (key == Qt::Key_Down || key == Qt::Key_PageDown))
+        m_model->readUpTo(from.y() + std::max(1, viewport()->height() / rowHeightPixels()));
     const QPoint to = stepFrom(from, key);
     if (to.isNull()) return false;
     if (extend) {

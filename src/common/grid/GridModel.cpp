@@ -7,12 +7,18 @@
 
 namespace nb {
 
-GridModel::GridModel(QObject* parent) : QAbstractTableModel(parent) {}
+GridModel::GridModel(QObject* parent) : QAbstractTableModel(parent), m_pager(new QTimer(this)) {
+    m_pager->setInterval(0);
+    connect(m_pager, &QTimer::timeout, this, [this] { readListPage(kPage); });
+}
+
+GridModel::~GridModel() = default;
 
 // ---- size ---------------------------------------------------------------------------------
 
 void GridModel::setMaxRows(int rows) {
     if (rows < 0) throw invalidPropertyValue();
+    if (m_list) return listSetMaxRows(rows);
     const int old = maxRows();
     if (rows < old) {
         beginRemoveRows({}, rows, old - 1);
@@ -29,6 +35,7 @@ void GridModel::setMaxRows(int rows) {
 
 void GridModel::setMaxCols(int cols) {
     if (cols < 0) throw invalidPropertyValue();
+    if (m_list) return listSetMaxCols(cols);
     const int old = maxCols();
     if (cols < old) {
         beginRemoveColumns({}, cols, old - 1);
@@ -54,6 +61,7 @@ bool GridModel::contains(int col, int row) const {
 }
 
 int GridModel::dataRowCnt() const {
+    if (m_list) return listDataRowCnt();
     for (int r = maxRows(); r >= 1; --r)
         for (const Cell& c : m_rows[size_t(r - 1)].cells)
             if (!c.text.isEmpty() || !c.formula.isEmpty()) return r;
@@ -85,6 +93,7 @@ const GridModel::Cell* GridModel::cell(int col, int row) const {
 // ---- text ---------------------------------------------------------------------------------
 
 QString GridModel::text(int col, int row) const {
+    if (m_list) return listText(col, row);
     const Cell* c = cell(col, row);
     if (!c || c->text.isEmpty()) return c ? c->text : QString();
     const CellFormat f = format(col, row);
@@ -94,11 +103,16 @@ QString GridModel::text(int col, int row) const {
 }
 
 QString GridModel::editText(int col, int row) const {
+    if (m_list) return listEditText(col, row);
     const Cell* c = cell(col, row);
     return c ? c->text : QString();
 }
 
 double GridModel::value(int col, int row) const {
+    if (m_list) {
+        const QVariant* v = m_list->at(col, row);
+        return v ? numberOf(*v) : 0.0;
+    }
     const Cell* c = cell(col, row);
     if (!c) return 0;
     return gridnum::parse(c->text).value_or(0.0);
@@ -116,6 +130,7 @@ QString GridModel::storedText(const Cell&, const CellFormat& f, const QString& t
 }
 
 bool GridModel::setText(int col, int row, const QString& text) {
+    if (m_list) return listSetText(col, row, text);
     Cell* c = cell(col, row);
     if (!c) return false;
     bool ok = false;
@@ -144,11 +159,16 @@ void GridModel::changedBlock(const QRect& block) {
 // ---- formulas -----------------------------------------------------------------------------
 
 QString GridModel::formula(int col, int row) const {
+    if (m_list) {
+        const auto it = m_list->formulas.find({row, col});
+        return it == m_list->formulas.end() ? QString() : it->second;
+    }
     const Cell* c = cell(col, row);
     return c ? c->formula : QString();
 }
 
 void GridModel::setFormula(int col, int row, const QString& formula) {
+    if (m_list) return listSetFormula(col, row, formula);
     Cell* c = cell(col, row);
     if (!c) return;
     c->formula = formula;
@@ -167,6 +187,7 @@ std::optional<double> GridModel::evaluate(const QString& formula) const {
     if (!m.hasMatch()) return std::nullopt;
     const QRect block = resolveBlock(m.captured(2).toInt(), m.captured(1).toInt(), m.captured(4).toInt(),
                                      m.captured(3).toInt());
+    if (m_list) return listSum(block);
     double total = 0;
     for (int r = block.top(); r <= block.bottom(); ++r)
         for (int c = block.left(); c <= block.right(); ++c)
@@ -178,6 +199,7 @@ std::optional<double> GridModel::evaluate(const QString& formula) const {
 // formulas were written, so that filling a long list stays cheap.
 void GridModel::recalcFormulas(bool placesChanged) {
     if (m_recalculating) return;
+    if (m_list) return listRecalc();
     if (placesChanged) {
         m_formulaCells.clear();
         for (int r = 1; r <= maxRows(); ++r)
@@ -201,6 +223,7 @@ void GridModel::recalcFormulas(bool placesChanged) {
 // ---- locks, types, colours ----------------------------------------------------------------
 
 bool GridModel::isLocked(int col, int row) const {
+    if (m_list) return true; // a list is read-only
     const Cell* c = cell(col, row);
     return c ? c->locked : true;
 }
@@ -211,6 +234,7 @@ void GridModel::setLock(int col, int row, bool locked) {
     if (col == kAllCells && row == kAllCells)
         for (auto& column : m_cols)
             column.locked = locked;
+    if (m_list) return;
     const QRect block = resolveBlock(col, row, col, row);
     for (int r = block.top(); r <= block.bottom(); ++r)
         for (int c = block.left(); c <= block.right(); ++c)
@@ -222,6 +246,7 @@ CellFormat GridModel::columnFormat(int col) const {
 }
 
 CellFormat GridModel::format(int col, int row) const {
+    if (m_list) return columnFormat(col);
     const Cell* c = cell(col, row);
     return (c && c->format) ? *c->format : columnFormat(col);
 }
@@ -234,6 +259,10 @@ void GridModel::setFormat(int col, int row, const CellFormat& format) {
             if (c >= 1 && c <= maxCols()) m_cols[size_t(c - 1)].format = format;
     const QRect block = resolveBlock(col, row, col, row);
     if (block.isEmpty()) return;
+    if (m_list) { // list values keep their column's type; a cell of its own has none
+        changedBlock(block);
+        return;
+    }
     for (int r = block.top(); r <= block.bottom(); ++r) {
         for (int c = block.left(); c <= block.right(); ++c) {
             Cell* target = cell(c, r);
@@ -250,6 +279,10 @@ void GridModel::setFormat(int col, int row, const CellFormat& format) {
 }
 
 std::optional<int> GridModel::backColor(int col, int row) const {
+    if (m_list) {
+        const auto it = m_list->backs.find({row, col});
+        return it == m_list->backs.end() ? std::nullopt : std::optional<int>(it->second);
+    }
     const Cell* c = cell(col, row);
     return c ? c->back : std::nullopt;
 }
@@ -259,7 +292,10 @@ void GridModel::setBackColor(int col, int row, int bgr) {
     const QRect block = resolveBlock(col, row, col, row);
     for (int r = block.top(); r <= block.bottom(); ++r)
         for (int c = block.left(); c <= block.right(); ++c)
-            cell(c, r)->back = bgr;
+            if (m_list)
+                m_list->backs[{r, c}] = bgr;
+            else
+                cell(c, r)->back = bgr;
     changedBlock(block);
 }
 
@@ -324,12 +360,13 @@ void GridModel::setColHeaderText(int col, const QString& text) {
 
 QString GridModel::rowHeaderText(int row) const {
     if (row < 1 || row > maxRows()) return {};
+    if (m_list) return QString::number(row);
     const auto& header = m_rows[size_t(row - 1)].header;
     return header ? *header : QString::number(row);
 }
 
 void GridModel::setRowHeaderText(int row, const QString& text) {
-    if (row < 1 || row > maxRows()) return;
+    if (row < 1 || row > maxRows() || m_list) return;
     m_rows[size_t(row - 1)].header = text;
     Q_EMIT headerDataChanged(Qt::Vertical, row - 1, row - 1);
 }
@@ -350,6 +387,7 @@ void GridModel::refreshAll() {
 
 void GridModel::clearBlock(int col, int row, int col2, int row2) {
     const QRect block = resolveBlock(col, row, col2, row2);
+    if (m_list) return listClearBlock(block);
     for (int r = block.top(); r <= block.bottom(); ++r) {
         for (int c = block.left(); c <= block.right(); ++c) {
             Cell* target = cell(c, r);
@@ -366,6 +404,7 @@ void GridModel::clearBlock(int col, int row, int col2, int row2) {
 void GridModel::moveBlock(int col, int row, int col2, int row2, int destCol, int destRow) {
     const QRect source = resolveBlock(col, row, col2, row2);
     if (source.isEmpty()) return;
+    if (m_list) return listMoveBlock(source, destCol, destRow);
     std::vector<std::vector<Cell>> taken;
     for (int r = source.top(); r <= source.bottom(); ++r) {
         std::vector<Cell> line;
@@ -391,6 +430,7 @@ void GridModel::moveBlock(int col, int row, int col2, int row2, int destCol, int
 
 void GridModel::deleteRows(int row, int count) {
     if (row < 1 || row > maxRows() || count < 1) return;
+    if (m_list) return listDeleteRows(row, count);
     const int last = std::min(maxRows(), row + count - 1);
     std::vector<QString> before;
     for (int r = row; r <= maxRows(); ++r)
@@ -411,6 +451,7 @@ void GridModel::deleteRows(int row, int count) {
 
 void GridModel::insertRows(int row, int count) {
     if (row < 1 || row > maxRows() || count < 1) return;
+    if (m_list) return listInsertRows(row, count);
     for (int i = 0; i < count; ++i)
         m_rows.insert(m_rows.begin() + (row - 1), blankRow());
     m_rows.resize(m_rows.size() - size_t(count));
@@ -422,7 +463,7 @@ void GridModel::insertRows(int row, int count) {
 // ---- Qt model side ------------------------------------------------------------------------
 
 int GridModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : maxRows();
+    return parent.isValid() ? 0 : (m_list ? m_viewRows : maxRows());
 }
 int GridModel::columnCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : maxCols();

@@ -2,12 +2,18 @@
 // The cells behind a Grid: texts, formulas, cell types, locks and colours, addressed the way
 // the screens address them (rows and columns from 1, -1 for all). The Qt model side turns
 // them into display text, alignment and colours for the view.
+//
+// In list mode (showList) the rows are a query's values instead of cells: read-only, formatted
+// by their column's type when shown, read a page at a time (see GridList and Grid::showList).
 
+#include "common/grid/GridList.h"
 #include "common/grid/GridTypes.h"
 
 #include <QAbstractTableModel>
 #include <QPoint>
 #include <QRect>
+#include <QTimer>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -17,8 +23,9 @@ class GridModel : public QAbstractTableModel {
     Q_OBJECT
 public:
     explicit GridModel(QObject* parent = nullptr);
+    ~GridModel() override;
 
-    int maxRows() const { return int(m_rows.size()); }
+    int maxRows() const { return m_list ? m_list->rows() : int(m_rows.size()); }
     int maxCols() const { return int(m_cols.size()); }
     // Fewer rows or columns drop what stood in them; more are blank, with the column types.
     void setMaxRows(int rows);
@@ -73,6 +80,35 @@ public:
     // The block with -1 and reversed bounds resolved, clipped to the grid; empty when outside.
     QRect resolveBlock(int col, int row, int col2, int row2) const;
 
+    // ---- list mode (GridModelList.cpp) --------------------------------------------------------
+    bool isList() const { return m_list != nullptr; }
+    // The rows of source become the grid's rows, the first page read at once and the rest a page
+    // at a time between events (or sooner, when a cell of an unread row is asked for).
+    // knownRows, when the screen counted them, gives MaxRows at once; -1 lets MaxRows grow as
+    // the rows come.
+    void showList(std::unique_ptr<GridRowSource> source, int knownRows);
+    bool isReading() const { return m_list && m_list->reading(); }
+    // Whether maxRows() already counts every row (always outside list mode).
+    bool rowsKnown() const { return !m_list || m_list->countKnown(); }
+    // Reads every row that is left now.
+    void finishReading();
+    // Reads on until the row exists; false when the list has fewer rows.
+    bool readUpTo(int row);
+    // The sum of a column as the query worked it out; formulas summing the whole column use it
+    // (kept as cells are written and rows deleted) instead of reading every row.
+    void setListSum(int col, double sum);
+    // The value of a list cell as the query gave it (null outside or in cell mode).
+    QVariant listValue(int col, int row) const;
+    // Writes a list cell's value as it is (a number stays exact); false outside the list.
+    bool setListValue(int col, int row, const QVariant& value);
+    // The sum of a column over every row: the query's sum when one was given, else the values
+    // added up (every row read first). In cell mode the cells' values.
+    double columnTotal(int col);
+    bool canFetchMore(const QModelIndex& parent) const override;
+    void fetchMore(const QModelIndex& parent) override;
+    static constexpr int kFirstPage = 200;
+    static constexpr int kPage = 2000;
+
     // Qt model side.
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -113,12 +149,32 @@ private:
     void recalcFormulas(bool placesChanged = true);
     std::optional<double> evaluate(const QString& formula) const;
 
+    // List mode.
+    void readListPage(int count);
+    void syncListRows();
+    void listSetMaxRows(int rows);
+    void listSetMaxCols(int cols);
+    int listDataRowCnt() const;
+    QString listText(int col, int row) const;
+    QString listEditText(int col, int row) const;
+    bool listSetText(int col, int row, const QString& text);
+    void listSetFormula(int col, int row, const QString& formula);
+    std::optional<double> listSum(const QRect& block) const;
+    void listRecalc();
+    void listClearBlock(const QRect& block);
+    void listMoveBlock(const QRect& source, int destCol, int destRow);
+    void listDeleteRows(int row, int count);
+    void listInsertRows(int row, int count);
+
     std::vector<Row> m_rows;
     std::vector<Column> m_cols;
     bool m_lockAll = false;
     int m_oddBack = kWhiteColor, m_oddFore = 0, m_evenBack = kWhiteColor, m_evenFore = 0;
     bool m_recalculating = false;
     std::vector<QPoint> m_formulaCells;
+    std::unique_ptr<GridList> m_list;
+    int m_viewRows = 0; // the rows the view has been told of, in list mode
+    QTimer* m_pager = nullptr;
 };
 
 } // namespace nb

@@ -142,6 +142,8 @@ void MakeTotalGrid(Grid& total, Grid& data, int labelCol) {
 }
 
 void SetSumFormula(Grid& grid, int srcCol, int dstCol) {
+    // The formula names the last row: a list not yet counted is read through first.
+    if (!grid.rowsKnown()) grid.finishReading();
     // One block: clearing cell by cell would work every formula out again after each cell.
     grid.ClearRange(dstCol, 1, dstCol, grid.MaxRows());
     grid.SetFormula(dstCol, 1, QStringLiteral("SUM(R1C%1:R%2C%1)").arg(srcCol).arg(grid.MaxRows()));
