@@ -17,6 +17,7 @@
 #include <QWidget>
 #include <algorithm>
 #include <functional>
+#include <malloc.h>
 #include <unistd.h>
 #include <vector>
 
@@ -94,8 +95,10 @@ inline double medianFirstPaintFreeMs(QWidget* window, const std::function<void()
     return times[times.size() / 2];
 }
 
-// The resident size of this process now, in MB (from /proc/self/statm).
+// The resident size of this process now, in MB (from /proc/self/statm), after handing the
+// memory freed so far back to the system, so that what an earlier list left does not count.
 inline double residentMB() {
+    malloc_trim(0);
     QFile statm(QStringLiteral("/proc/self/statm"));
     if (!statm.open(QIODevice::ReadOnly)) return -1;
     const QList<QByteArray> fields = statm.readAll().split(' ');
