@@ -259,7 +259,7 @@ void FrmTaxManage::btnEtax_Click() {
     hooks.printList = [](Grid* list) {
         PrintGridList(*list, QStringLiteral("전자세금계산서에서 빠진 세금계산서"));
     };
-    RunEtaxExport(this, p.from, p.to, hooks);
+    RunEtaxButton(this, {p.from, p.to}, hooks);
 }
 
 } // namespace nb

@@ -3,6 +3,7 @@
 #include "common/Messages.h"
 #include "common/input/ImeMode.h"
 #include "common/text/BusinessNumber.h"
+#include "common/text/EmailAddress.h"
 #include "common/text/Identity.h"
 #include "common/text/NumBox.h"
 #include "master/EntryForm.h"
@@ -44,6 +45,7 @@ const FieldInfo kFields[kTraderFieldCount] = {
     {12, "초기잔액", ""},
     {13, "개업일자", "개업일자를 입력하세요."},
     {14, "폐업일자", "폐업일자를 입력하세요."},
+    {16, "이 메 일", "전자세금계산서를 받을 이메일 주소를 입력하세요."},
 };
 
 constexpr int kVatField = 4;
@@ -132,7 +134,7 @@ void FrmNewTrader::Disp(const QString& code) {
     if (rs.EOF_()) return;
     const std::pair<int, const char*> shown[] = {{1, "U_Name"}, {2, "Phone"}, {3, "Fax"},    {15, "HPhone"},
                                                  {10, "Addr1"}, {11, "Bigo"}, {6, "Serial"}, {7, "Status"},
-                                                 {8, "Item"},   {9, "Post"}};
+                                                 {8, "Item"},   {9, "Post"},  {16, "Email"}};
     for (const auto& [index, column] : shown)
         m_fields[size_t(index)]->setText(rs.text(QLatin1String(column)));
 }
@@ -203,6 +205,12 @@ void FrmNewTrader::save() {
         m_fields[kAddrField]->text().isEmpty()) {
         MsgBox(QStringLiteral("상호명, 전화번호, 주소 중 하나는 필수입력입니다."));
         m_fields[0]->setFocus();
+        return;
+    }
+    // A wrong address would send the issued invoices nowhere: it is refused, nothing is saved.
+    if (const QString refused = emailRefusal(m_fields[kTraderEmailField]->text()); !refused.isEmpty()) {
+        ShowWarning(refused, windowTitle());
+        m_fields[kTraderEmailField]->setFocus();
         return;
     }
     bool saved = false;

@@ -23,9 +23,9 @@
 namespace nb {
 namespace {
 
-const char* const kFieldLabels[kSupplierFieldCount] = {"상      호", "대  표  자", "사업자번호",
-                                                       "우편번호",   "주      소", "전화번호",
-                                                       "팩스번호",   "업      태", "종      목"};
+const char* const kFieldLabels[kSupplierFieldCount] = {"상      호", "대  표  자", "사업자번호", "우편번호",
+                                                       "주      소", "전화번호",   "팩스번호",   "업      태",
+                                                       "종      목", "이 메 일"};
 
 } // namespace
 
@@ -84,8 +84,8 @@ void FrmUser::buildControls() {
 
 void FrmUser::buildKeyFlow() {
     chainTabOrder({m_fields[0], m_fields[1], m_fields[2], m_fields[3], m_fields[4], m_fields[5], m_fields[6],
-                   m_fields[7], m_fields[8], m_default, m_post, m_save, m_new, m_delete, m_find, m_previous,
-                   m_next, m_quit});
+                   m_fields[7], m_fields[8], m_fields[9], m_default, m_post, m_save, m_new, m_delete, m_find,
+                   m_previous, m_next, m_quit});
     m_hangul = new HangulModeKeeper(this);
     watchEntryBoxes(this, m_fields, m_hangul);
     m_quit->installEventFilter(this);
@@ -122,6 +122,7 @@ void FrmUser::save() {
     const SupplierSave outcome = SaveSupplier(m_state, fields(), m_default->isChecked());
     if (outcome == SupplierSave::SerialMissing || outcome == SupplierSave::Duplicate)
         m_fields[kSerialField]->setFocus();
+    if (outcome == SupplierSave::BadEmail) m_fields[kSupplierEmailField]->setFocus();
 }
 
 void FrmUser::newSupplier() {

@@ -1,6 +1,7 @@
 #include "master/SupplierRecords.h"
 
 #include "common/Messages.h"
+#include "common/text/EmailAddress.h"
 #include "core/AppState.h"
 #include "core/Clock.h"
 #include "core/Settings.h"
@@ -49,7 +50,8 @@ const std::array<QString, kSupplierFieldCount>& SupplierColumns() {
     static const std::array<QString, kSupplierFieldCount> columns{
         QStringLiteral("Company"), QStringLiteral("Delegate"), QStringLiteral("Serial"),
         QStringLiteral("Post"),    QStringLiteral("Addr"),     QStringLiteral("Phone"),
-        QStringLiteral("Fax"),     QStringLiteral("Status"),   QStringLiteral("Item")};
+        QStringLiteral("Fax"),     QStringLiteral("Status"),   QStringLiteral("Item"),
+        QStringLiteral("Email")};
     return columns;
 }
 
@@ -69,6 +71,10 @@ SupplierSave SaveSupplier(SupplierFormState& state, const SupplierFields& fields
     if (serial.isEmpty()) {
         ShowInfo(QStringLiteral("사업자 번호는 필수입력사항 입니다."));
         return SupplierSave::SerialMissing;
+    }
+    if (const QString refused = emailRefusal(fields[kSupplierEmailField]); !refused.isEmpty()) {
+        ShowWarning(refused, QStringLiteral("사업자 등록"));
+        return SupplierSave::BadEmail;
     }
     if (state.IsNew && serialExists(serial)) {
         ShowInfo(

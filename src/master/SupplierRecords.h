@@ -8,9 +8,11 @@
 
 namespace nb {
 
-// Company, Delegate, Serial, Post, Addr, Phone, Fax, Status, Item: the boxes txtinput(0..8).
-inline constexpr int kSupplierFieldCount = 9;
+// Company, Delegate, Serial, Post, Addr, Phone, Fax, Status, Item, Email: the boxes
+// txtinput(0..9).
+inline constexpr int kSupplierFieldCount = 10;
 inline constexpr int kSerialField = 2;
+inline constexpr int kSupplierEmailField = 9;
 using SupplierFields = std::array<QString, kSupplierFieldCount>;
 const std::array<QString, kSupplierFieldCount>& SupplierColumns();
 
@@ -26,7 +28,7 @@ struct SupplierFormState {
     QString OldSerial;    // Serial of the row shown
 };
 
-enum class SupplierSave { Saved, SerialMissing, Duplicate, Failed };
+enum class SupplierSave { Saved, SerialMissing, Duplicate, BadEmail, Failed };
 // The save of FrmUser: replace (or add), default supplier, legacy settings, notice, stamp.
 // Deleting the row shown and adding its replacement run in one transaction, so a refused row
 // leaves the old one in place.

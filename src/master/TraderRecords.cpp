@@ -87,6 +87,7 @@ bool FillTrader(const TraderForm& form, clsTrader& t) {
     t.dTotNoPay = NumBoxValue(f[12]);
     t.sOpenDate = f[13];
     t.sCloseDate = f[14];
+    t.sEmail = f[kTraderEmailField].trimmed();
     return true;
 }
 

@@ -20,8 +20,9 @@ SqlPart TraderListQuery(Database& db, const QString& name, int section);
 // The characters behind the last blank, or the whole text when it has none.
 QString LastAddressWord(const QString& address);
 
-// The boxes txtinput(0..15) of the entry form, the person in charge, the mode and the code.
-inline constexpr int kTraderFieldCount = 16;
+// The boxes txtinput(0..16) of the entry form, the person in charge, the mode and the code.
+inline constexpr int kTraderFieldCount = 17;
+inline constexpr int kTraderEmailField = 16;
 struct TraderForm {
     std::array<QString, kTraderFieldCount> fields;
     QString charge;

@@ -32,12 +32,13 @@ void clsTrader::SaveTrader() {
     if (!OpenDynaset(db(), rs, QStringLiteral("SELECT * FROM Trader ORDER BY Code LIMIT 0"))) return;
     const QVariantList values{sCode, sComp,     sName,      sSerial,    sPhone,         sFax,      sHP,
                               sDDD,  sCharge,   int(byVAT), sAddr1,     sAddr2,         sPost,     sStatus,
-                              sItem, sOpenDate, sCloseDate, sEnterDate, int(bySection), dTotNoPay, sBigo};
+                              sItem, sOpenDate, sCloseDate, sEnterDate, int(bySection), dTotNoPay, sBigo,
+                              sEmail};
     const QString sql =
         QStringLiteral("INSERT INTO Trader (Code, C_Name, U_Name, Serial, Phone, Fax, HPhone, DDD, Charge, "
                        "VAT, Addr1, Addr2, "
-                       "Post, Status, Item, OpenDate, CloseDate, EnterDate, Section, TotNoPay, Bigo) "
-                       "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+                       "Post, Status, Item, OpenDate, CloseDate, EnterDate, Section, TotNoPay, Bigo, Email) "
+                       "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
     rs.close();
     if (!db().tryExecute(sql, values) || db().RecordsAffected() == 0) {
         MsgBox(saveFailureText(db().lastErrorNumber(), db().lastErrorDescription()));
@@ -48,9 +49,10 @@ void clsTrader::SaveTrader() {
 
 void clsTrader::UpdateTrader() {
     db().Execute(
-        QStringLiteral("UPDATE Trader SET C_Name = ?, U_Name = ?, Serial = ?, Phone = ?, Fax = ?, "
-                       "HPhone = ?, Addr1 = ?, Post = ?, Status = ?, Item = ?, Bigo = ? WHERE Code = ?"),
-        {sComp, sName, sSerial, sPhone, sFax, sHP, sAddr1, sPost, sStatus, sItem, sBigo, sCode});
+        QStringLiteral(
+            "UPDATE Trader SET C_Name = ?, U_Name = ?, Serial = ?, Phone = ?, Fax = ?, "
+            "HPhone = ?, Addr1 = ?, Post = ?, Status = ?, Item = ?, Bigo = ?, Email = ? WHERE Code = ?"),
+        {sComp, sName, sSerial, sPhone, sFax, sHP, sAddr1, sPost, sStatus, sItem, sBigo, sEmail, sCode});
     // The notice comes first and the count is read only after it, as the operator has
     // always seen it: a code that is gone shows both.
     ShowNotice(QStringLiteral("자료가 갱신되었습니다."), 700);

@@ -33,6 +33,7 @@ public:
     double dTotNoPay = 0;
     QString sBigo;
     bool bDeled = false;
+    QString sEmail; // where the tax service sends the trader's electronic invoices
 
     // Adds a row from the members (bDeled keeps the column's default) and says so.
     void SaveTrader();

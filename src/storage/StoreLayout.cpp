@@ -51,7 +51,8 @@ TableDef userTable() {
              text(QStringLiteral("Phone"), 20),
              text(QStringLiteral("Fax"), 20),
              text(QStringLiteral("Status"), 50),
-             text(QStringLiteral("Item"), 50)},
+             text(QStringLiteral("Item"), 50),
+             text(QStringLiteral("Email"), 100)},
             {{QStringLiteral("PK"), {QStringLiteral("Serial")}, true}}};
 }
 
@@ -76,7 +77,8 @@ TableDef traderTable() {
              text(QStringLiteral("Item"), 50),      text(QStringLiteral("OpenDate"), 10),
              text(QStringLiteral("CloseDate"), 10), text(QStringLiteral("EnterDate"), 10),
              byteInt(QStringLiteral("Section")),    real(QStringLiteral("TotNoPay")),
-             text(QStringLiteral("Bigo"), 255),     yesNo(QStringLiteral("bDeled"))},
+             text(QStringLiteral("Bigo"), 255),     yesNo(QStringLiteral("bDeled")),
+             text(QStringLiteral("Email"), 100)},
             {speed({QStringLiteral("Code")})}};
 }
 

@@ -112,6 +112,11 @@ void upgradeColumns(Database& basic, Database& tax, bool sayUnopened) {
                      QStringLiteral("UPDATE Trader SET HPhone = ''"));
         DAO_AddField(basic, QStringLiteral("Product"), QStringLiteral("Unit"), dbText, 10, true,
                      QStringLiteral("UPDATE Product SET Unit = PNorm, PNorm = ''"));
+        // Where the tax service sends an issued electronic invoice: the supplier's own address
+        // and the buyer's. Older rows start empty.
+        for (const QString& table : {QStringLiteral("User"), QStringLiteral("Trader")})
+            if (basic.hasTable(table))
+                DAO_AddField(basic, table, QStringLiteral("Email"), dbText, 100, true, QString());
     }
     // 영수/청구 of each invoice, kept from this version on for the electronic invoice sheet;
     // the invoices issued before stay null (unknown), and whoever hands them on asks.

@@ -143,8 +143,57 @@ private Q_SLOTS:
         QTemporaryDir home;
         const auto run = runProgram(home.path(), arguments);
         QCOMPARE(run.exitCode, 2);
-        QCOMPARE(run.errorText, QStringLiteral("사용법: nubella --export-etax 시작일 종료일 --out 폴더 "
-                                               "[--receipt 01|02] (날짜는 YYYY-MM-DD)"));
+        QCOMPARE(run.errorText,
+                 QStringLiteral("사용법: nubella --export-etax 시작일 종료일 --out 폴더 "
+                                "[--receipt 01|02] [--again] (날짜는 YYYY-MM-DD; --again: 이미 "
+                                "파일에 넣은 세금계산서도 다시 넣음)"));
+    }
+    void aSecondExportElsewhereLeavesOutWhatTheFirstHandedOver() {
+        QTemporaryDir home;
+        fillStore(home.path());
+        QCOMPARE(runProgram(home.path(),
+                            {"--export-etax", "2024-05-01", "2024-05-31", "--out", home.path() + "/a"})
+                     .exitCode,
+                 0);
+        const auto run = runProgram(
+            home.path(), {"--export-etax", "2024-05-01", "2024-05-31", "--out", home.path() + "/b"});
+        QCOMPARE(run.exitCode, 1);
+        QVERIFY(!QFileInfo::exists(home.path() + "/b"));
+        QVERIFY(run.out.contains("제외: 100000 2024-05-10 다라철강 - 이미 전자세금계산서 파일에 넣었습니다: "
+                                 "전자세금계산서_20240501-20240531_1.xlsx (업로드 전)"));
+        QCOMPARE(run.errorText, QStringLiteral("파일로 보낼 수 있는 세금계산서가 없습니다."));
+    }
+    void againPutsHandedOverInvoicesInOnceMore() {
+        QTemporaryDir home;
+        fillStore(home.path());
+        runProgram(home.path(), {"--export-etax", "2024-05-01", "2024-05-31", "--out", home.path() + "/a"});
+        const auto run = runProgram(home.path(), {"--export-etax", "2024-05-01", "2024-05-31", "--out",
+                                                  home.path() + "/b", "--again"});
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.out.first(), QStringLiteral("다시 넣음: 100000 - 이미 전자세금계산서 파일에 넣었습니다: "
+                                                 "전자세금계산서_20240501-20240531_1.xlsx (업로드 전)"));
+        QVERIFY(
+            run.out.contains("작성: " + home.path() + "/b/전자세금계산서_20240501-20240531_1.xlsx (2건)"));
+    }
+    void theSameFolderAgainReplacesTheFileAndRemovesAnOlderNumberedOne() {
+        QTemporaryDir home;
+        fillStore(home.path());
+        const QString out = home.path() + "/etax";
+        QDir().mkpath(out);
+        const QString stale = out + "/전자세금계산서_20240501-20240531_2.xlsx";
+        QFile file(stale);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.close();
+        const auto first =
+            runProgram(home.path(), {"--export-etax", "2024-05-01", "2024-05-31", "--out", out});
+        QVERIFY(first.out.contains("지움: " + stale + " (지난번에 만든 같은 이름의 파일)"));
+        QVERIFY(!QFileInfo::exists(stale));
+        // Run again: the file of the first run is replaced, nothing asked or left out for it.
+        const auto run = runProgram(home.path(), {"--export-etax", "2024-05-01", "2024-05-31", "--out", out});
+        QCOMPARE(run.exitCode, 0);
+        QVERIFY(run.out.contains("작성: " + out + "/전자세금계산서_20240501-20240531_1.xlsx (2건)"));
+        QVERIFY(!QFileInfo::exists(stale));
+        QCOMPARE(QDir(out).entryList(QDir::Files), QStringList{"전자세금계산서_20240501-20240531_1.xlsx"});
     }
 };
 

@@ -44,6 +44,15 @@ private Q_SLOTS:
         clean.invoicesPerFile = {5};
         QCOMPARE(etaxSummaryText(clean), QStringLiteral("5건을 파일 1개에 작성했습니다."));
     }
+    void summarySaysHowManyOlderFilesOfTheSameNameWereRemoved() {
+        EtaxExport result;
+        result.files = {"a_1.xlsx"};
+        result.invoicesPerFile = {5};
+        result.removed = {"a_2.xlsx", "a_3.xlsx"};
+        QCOMPARE(etaxSummaryText(result),
+                 QStringLiteral(
+                     "5건을 파일 1개에 작성했습니다.\n지난번에 만든 같은 이름의 파일 2개를 지웠습니다."));
+    }
     void leftOutInvoicesAreListedWithTheirReasonsAndHandedOn() {
         test::TestHome home;
         FrmEtaxReport form(sampleResult(), "/tmp/e");

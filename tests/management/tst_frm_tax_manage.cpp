@@ -9,19 +9,21 @@
 #include "common/grid/Grid.h"
 #include "core/Clock.h"
 #include "core/ScreenRegistry.h"
-#include "shell/Nubella.h"
 #include "invoice/FrmTax.h"
 #include "invoice/InvoiceScreens.h"
 #include "management/FrmTaxManage.h"
 #include "management/ManagementScreens.h"
+#include "management/etax/FrmEtaxPeriod.h"
 #include "printing/GridPrint.h"
 #include "printing/PrinterSetup.h"
+#include "shell/Nubella.h"
 
 #include <QAction>
 #include <QComboBox>
 #include <QDir>
 #include <QLabel>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QStackedWidget>
 #include <QTimer>
 
@@ -177,14 +179,25 @@ private Q_SLOTS:
         QTemporaryDir out;
         chooser.answers << out.path();
         msgs.answer(AnsYes); // older invoices say neither 영수 nor 청구: take 영수
-        QString shown;
-        QTimer::singleShot(100, [&shown] {
+        QString shown, first;
+        const auto closeReport = [&shown] {
             if (QWidget* report = QApplication::activeModalWidget()) {
                 shown = report->objectName();
                 report->close();
             }
+        };
+        // The period window comes first, offering the month just ended; the screen's quarter is
+        // chosen there.
+        QTimer::singleShot(100, [&first, closeReport] {
+            auto* period = qobject_cast<FrmEtaxPeriod*>(QApplication::activeModalWidget());
+            if (!period) return;
+            first = period->objectName();
+            period->optScreen->setChecked(true);
+            QTimer::singleShot(100, closeReport);
+            period->btnWrite->click();
         });
         f.btnEtax->click();
+        QCOMPARE(first, QStringLiteral("FrmEtaxPeriod"));
         QCOMPARE(chooser.kinds, QStringList{QStringLiteral("folder")});
         QCOMPARE(chooser.titles.first(), QStringLiteral("전자세금계산서 엑셀 저장 폴더"));
         QCOMPARE(QDir(out.path()).entryList({QStringLiteral("*.xlsx")}),

@@ -177,6 +177,10 @@ void printTheTotalsAndWriteTheSheet(RoadDesk& desk) {
     QVERIFY(QDir().mkpath(sheetFolder));
     QVERIFY2(desk.waitActive(mainWindowName(), 5000), seen(desk));
     desk.key(QStringLiteral("alt+h")); // 전자세금계산서 엑셀(&H)
+    // The period window offers the month just ended; the invoice is of the period searched.
+    QVERIFY2(desk.waitActive(QRegularExpression(QStringLiteral("^전자세금계산서 엑셀$"))), seen(desk));
+    desk.key(QStringLiteral("alt+s"));  // 검색 기간(&S)
+    desk.key(QStringLiteral("Return")); // 작성(&W)
     QVERIFY2(desk.waitActive(QRegularExpression(QStringLiteral("저장 폴더"))), seen(desk));
     desk.key(QStringLiteral("ctrl+a"));
     typeAndEnter(desk, {sheetFolder});

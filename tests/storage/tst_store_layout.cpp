@@ -84,7 +84,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("table");
         QTest::addColumn<QStringList>("columns");
         QTest::newRow("User") << "basic"
-                              << "User" << list("Company Delegate Serial Post Addr Phone Fax Status Item");
+                              << "User"
+                              << list("Company Delegate Serial Post Addr Phone Fax Status Item Email");
         QTest::newRow("Environment") << "basic"
                                      << "Environment"
                                      << list("StockProc Standard Special StockManage Password sPost ePost");
@@ -92,7 +93,7 @@ private Q_SLOTS:
             << "basic"
             << "Trader"
             << list("Code C_Name U_Name Serial Phone Fax HPhone DDD Charge VAT Addr1 Addr2 Post "
-                    "Status Item OpenDate CloseDate EnterDate Section TotNoPay Bigo bDeled");
+                    "Status Item OpenDate CloseDate EnterDate Section TotNoPay Bigo bDeled Email");
         QTest::newRow("Product") << "basic"
                                  << "Product" << list("Code PName PNorm BuyPrice SalePrice Unit Bigo PTax");
         QTest::newRow("Post") << "post"
@@ -116,6 +117,13 @@ private Q_SLOTS:
                                    << list("Serial CCode TradeKum VatKum Blank CName UserCode");
         QTest::newRow("BuyTotal") << "tax"
                                   << "BuyTotal" << list("Serial CCode TradeKum VatKum Blank CName UserCode");
+        QTest::newRow("EtaxFile") << "tax"
+                                  << "EtaxFile"
+                                  << list("FileNo FilePath FromDate ToDate WrittenAt Invoices UploadedDate "
+                                          "WithdrawnDate Note");
+        QTest::newRow("EtaxHandOver")
+            << "tax"
+            << "EtaxHandOver" << list("FileNo TaxCode DealDate CCode CName TradeKum VatKum");
         QTest::newRow("EstiBase")
             << "estimate"
             << "EstiBase"

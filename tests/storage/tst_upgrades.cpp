@@ -63,6 +63,17 @@ bool hasIndexNamed(Database& db, const QString& table, const QString& name) {
 class TestUpgrades : public QObject {
     Q_OBJECT
 private Q_SLOTS:
+    void olderSupplierAndTraderTablesGainAnEmailColumn() {
+        test::TestHome home;
+        layDownOldFiles(home);
+        startUpSteps();
+        QVERIFY(stores().dbBasic.hasColumn("User", "Email"));
+        QVERIFY(stores().dbBasic.hasColumn("Trader", "Email"));
+        QCOMPARE(stores().dbBasic.columnType("Trader", "Email"), QStringLiteral("TEXT(100)"));
+        // The trader on file is still there, its address empty.
+        QCOMPARE(column(app().DbBasicFile, "SELECT C_Name FROM Trader WHERE Email IS NULL"),
+                 QStringList{QStringLiteral("가나상사")});
+    }
     void olderTaxStoreGainsTheHandOverRecordAtStart() {
         test::TestHome home;
         layDownOldFiles(home);

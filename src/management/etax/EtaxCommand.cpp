@@ -2,7 +2,7 @@
 
 #include "common/dates/DateText.h"
 #include "core/CommandLine.h"
-#include "management/etax/EtaxWorkbook.h"
+#include "management/etax/EtaxExportRun.h"
 #include "storage/Stores.h"
 
 #include <QDir>
@@ -12,7 +12,8 @@ namespace nb {
 namespace {
 
 const QString kUsage = QStringLiteral(
-    "사용법: nubella --export-etax 시작일 종료일 --out 폴더 [--receipt 01|02] (날짜는 YYYY-MM-DD)");
+    "사용법: nubella --export-etax 시작일 종료일 --out 폴더 [--receipt 01|02] [--again] (날짜는 YYYY-MM-DD; "
+    "--again: 이미 파일에 넣은 세금계산서도 다시 넣음)");
 
 bool isDayText(const QString& text) {
     return text.size() == 10 && IsDate(text);
@@ -30,7 +31,7 @@ void registerEtaxCommand() {
     registerCommandJob({QStringLiteral("--export-etax"),
                         2,
                         {QStringLiteral("--out"), QStringLiteral("--receipt")},
-                        {},
+                        {QStringLiteral("--again")},
                         kUsage,
                         ExportEtaxCommand});
 }
@@ -53,21 +54,36 @@ int ExportEtaxCommand(const QStringList& arguments) {
         sayLine(QStringLiteral("%1 ~ %2 기간에 발행한 세금계산서가 없습니다.").arg(from, to));
         return 1;
     }
+    const auto marks = HandedOverInvoices(stores().dbTax, from, to);
+    if (!marks) return 1;
+    EtaxExportPlan plan;
+    plan.assumed = receipt == u"01" ? EtaxReceipt::Paid : EtaxReceipt::Charged;
+    plan.record = &stores().dbTax;
+    // Invoices handed over already stay off the sheet unless asked for again.
+    const QList<HandOverMark> handed = alreadyHandedOver(*invoices, *marks, folder, from, to);
+    if (arguments.contains(QStringLiteral("--again")))
+        for (const HandOverMark& mark : handed)
+            printLine(QStringLiteral("다시 넣음: %1 - %2").arg(mark.taxCode, handedOverReason(mark)));
+    else
+        plan.leaveOut = leaveOutReasons(handed);
     // The folder is made only when a file is to go into it.
-    const bool anyGoes = std::any_of(invoices->cbegin(), invoices->cend(), [](const EtaxInvoice& invoice) {
-        return etaxProblems(invoice).isEmpty();
-    });
+    const bool anyGoes =
+        std::any_of(invoices->cbegin(), invoices->cend(), [&plan](const EtaxInvoice& invoice) {
+            return etaxProblems(invoice).isEmpty() && !plan.leaveOut.contains(invoice.taxCode);
+        });
     if (anyGoes && !QDir().mkpath(folder)) {
         sayLine(QStringLiteral("폴더를 만들 수 없습니다: ") + folder);
         return 1;
     }
-    const EtaxReceipt assumed = receipt == u"01" ? EtaxReceipt::Paid : EtaxReceipt::Charged;
-    const EtaxExport result = exportEtax(*invoices, folder, from, to, assumed);
+    const EtaxReceipt assumed = plan.assumed;
+    const EtaxExport result = exportEtax(*invoices, folder, from, to, plan);
     for (int i = 0; i < result.files.size(); ++i)
         printLine(
             QStringLiteral("작성: %1 (%2건)").arg(result.files.at(i)).arg(result.invoicesPerFile.at(i)));
     for (const EtaxLeftOut& left : result.leftOut)
         reportLeftOut(left);
+    for (const QString& removed : result.removed)
+        printLine(QStringLiteral("지움: %1 (지난번에 만든 같은 이름의 파일)").arg(removed));
     for (const QString& failure : result.failures)
         sayLine(failure);
     if (result.assumedReceipts > 0)

@@ -1,9 +1,11 @@
 #include "management/etax/EtaxInvoices.h"
 
 #include "common/text/BusinessNumber.h"
+#include "common/text/EmailAddress.h"
 #include "common/text/NumberFormat.h"
 #include "storage/Database.h"
 
+#include <QDate>
 #include <QHash>
 #include <cmath>
 
@@ -45,17 +47,19 @@ public:
 
 private:
     static EtaxParty supplierFromRow(const Recordset& rs) {
-        return {rs.text(QStringLiteral("Serial")),   rs.text(QStringLiteral("Company")),
-                rs.text(QStringLiteral("Delegate")), rs.text(QStringLiteral("Addr")),
-                rs.text(QStringLiteral("Status")),   rs.text(QStringLiteral("Item"))};
+        return {rs.text(QStringLiteral("Serial")),         rs.text(QStringLiteral("Company")),
+                rs.text(QStringLiteral("Delegate")),       rs.text(QStringLiteral("Addr")),
+                rs.text(QStringLiteral("Status")),         rs.text(QStringLiteral("Item")),
+                rs.text(QStringLiteral("Email")).trimmed()};
     }
     static EtaxParty traderFromRow(const Recordset& rs) {
         const QString address =
             (rs.text(QStringLiteral("Addr1")).trimmed() + u' ' + rs.text(QStringLiteral("Addr2")).trimmed())
                 .trimmed();
-        return {rs.text(QStringLiteral("Serial")), rs.text(QStringLiteral("C_Name")),
-                rs.text(QStringLiteral("U_Name")), address,
-                rs.text(QStringLiteral("Status")), rs.text(QStringLiteral("Item"))};
+        return {rs.text(QStringLiteral("Serial")),         rs.text(QStringLiteral("C_Name")),
+                rs.text(QStringLiteral("U_Name")),         address,
+                rs.text(QStringLiteral("Status")),         rs.text(QStringLiteral("Item")),
+                rs.text(QStringLiteral("Email")).trimmed()};
     }
 
     Database& m_db;
@@ -79,6 +83,7 @@ std::optional<QList<EtaxInvoice>> readInvoiceRows(Database& dbTax, const QString
         if (invoices.isEmpty() || invoices.last().taxCode != taxCode) {
             EtaxInvoice invoice;
             invoice.taxCode = taxCode;
+            invoice.traderCode = rs.text(QStringLiteral("CCode"));
             invoice.dealDate = rs.text(QStringLiteral("DealDate"));
             invoice.remark = rs.text(QStringLiteral("IssueDate")).trimmed();
             invoice.receipt = receiptFromStored(rs.text(QStringLiteral("Receipt")));
@@ -97,12 +102,63 @@ bool sameMonth(const QString& dealDate, const QString& tradeDate) {
     return tradeDate.isEmpty() || tradeDate.left(2) == dealDate.mid(5, 2);
 }
 
-void checkParty(const EtaxParty& party, const QString& who, QStringList& problems) {
-    if (!IsValidBusinessNumber(party.serial))
+// The item's day is a day of the invoice's month ("05-32" and "02-30" are not).
+bool isDayOfMonth(const QString& dealDate, const QString& tradeDate) {
+    if (tradeDate.isEmpty()) return true;
+    bool ok = false;
+    const int day = tradeDate.mid(3).toInt(&ok);
+    return tradeDate.size() == 5 && tradeDate.at(2) == u'-' && ok &&
+           QDate(dealDate.left(4).toInt(), dealDate.mid(5, 2).toInt(), day).isValid();
+}
+
+bool hasFraction(double amount) {
+    return amount != std::floor(amount);
+}
+
+bool isDigits(const QString& text) {
+    for (const QChar c : text)
+        if (c < u'0' || c > u'9') return false;
+    return !text.isEmpty();
+}
+
+// A receiver may be a person without a business, named on the sheet by the 13 digits of the
+// resident number (no check digit: numbers given since late 2020 carry none).
+bool isResidentNumber(const QString& serial) {
+    const QString digits = businessNumberDigits(serial);
+    return digits.size() == 13 && isDigits(digits);
+}
+
+void checkParty(const EtaxParty& party, const QString& who, bool personAllowed, QStringList& problems) {
+    if (!IsValidBusinessNumber(party.serial) && !(personAllowed && isResidentNumber(party.serial)))
         problems << who + QStringLiteral(" 등록번호가 올바르지 않습니다 (") + party.serial.trimmed() +
                         QStringLiteral(")");
     if (party.company.trimmed().isEmpty()) problems << who + QStringLiteral(" 상호가 비어 있습니다");
     if (party.representative.trimmed().isEmpty()) problems << who + QStringLiteral(" 성명이 비어 있습니다");
+    if (!party.email.isEmpty() && !IsValidEmail(party.email))
+        problems << who + QStringLiteral(" 이메일 주소가 올바르지 않습니다 (") + party.email + u')';
+}
+
+void checkItems(const EtaxInvoice& invoice, QStringList& problems) {
+    for (const EtaxItem& item : invoice.items)
+        if (!sameMonth(invoice.dealDate, item.tradeDate)) {
+            problems << QStringLiteral("품목 일자 %1이(가) 작성월과 다릅니다").arg(item.tradeDate);
+            break;
+        }
+    for (const EtaxItem& item : invoice.items)
+        if (sameMonth(invoice.dealDate, item.tradeDate) && !isDayOfMonth(invoice.dealDate, item.tradeDate)) {
+            problems << QStringLiteral("품목 일자 %1은(는) %2월에 없는 날입니다")
+                            .arg(item.tradeDate)
+                            .arg(invoice.dealDate.mid(5, 2).toInt());
+            break;
+        }
+    // The sheet takes whole won; a fraction would be rounded by the site to another total.
+    for (const EtaxItem& item : invoice.items)
+        if (hasFraction(item.supply) || hasFraction(item.tax)) {
+            problems << QStringLiteral("금액에 원 미만이 있습니다 (%1: 공급가액 %2, 세액 %3)")
+                            .arg(item.name.trimmed(), QString::number(item.supply, 'f', 2),
+                                 QString::number(item.tax, 'f', 2));
+            break;
+        }
 }
 
 } // namespace
@@ -143,13 +199,13 @@ QStringList etaxProblems(const EtaxInvoice& invoice) {
     if (invoice.items.size() > kEtaxItemsPerInvoice)
         problems << QStringLiteral("품목이 %1개입니다 (한 장에 4개까지): 홈택스에서 직접 발급하십시오")
                         .arg(invoice.items.size());
-    checkParty(invoice.supplier, QStringLiteral("공급자"), problems);
-    checkParty(invoice.receiver, QStringLiteral("공급받는자"), problems);
-    for (const EtaxItem& item : invoice.items)
-        if (!sameMonth(invoice.dealDate, item.tradeDate)) {
-            problems << QStringLiteral("품목 일자 %1이(가) 작성월과 다릅니다").arg(item.tradeDate);
-            break;
-        }
+    checkParty(invoice.supplier, QStringLiteral("공급자"), false, problems);
+    checkParty(invoice.receiver, QStringLiteral("공급받는자"), true, problems);
+    checkItems(invoice, problems);
+    if (invoice.taxTotal() == 0 && invoice.supplyTotal() != 0) {
+        problems << kTaxExemptReason;
+        return problems;
+    }
     // Each line's tax is rounded on its own, so the total may differ from a tenth of the supply
     // by at most one won a line; more means a tax typed over.
     if (std::abs(invoice.taxTotal() - invoice.supplyTotal() / 10.0) > invoice.items.size())

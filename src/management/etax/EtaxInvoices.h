@@ -16,12 +16,13 @@ class Database;
 inline constexpr int kEtaxItemsPerInvoice = 4;
 
 struct EtaxParty {
-    QString serial; // as stored, with its hyphens
+    QString serial; // as stored, with its hyphens (a receiver may be a person: 13 digits)
     QString company;
     QString representative;
     QString address;
     QString status; // 업태
     QString item;   // 종목
+    QString email;  // where the tax service sends the issued invoice
 };
 
 struct EtaxItem {
@@ -39,7 +40,8 @@ enum class EtaxReceipt { Unknown, Paid, Charged };
 
 struct EtaxInvoice {
     QString taxCode;
-    QString dealDate; // "YYYY-MM-DD"
+    QString traderCode; // CCode
+    QString dealDate;   // "YYYY-MM-DD"
     QString remark;
     EtaxReceipt receipt = EtaxReceipt::Unknown;
     EtaxParty supplier;
@@ -55,8 +57,11 @@ struct EtaxInvoice {
 std::optional<QList<EtaxInvoice>> ReadEtaxInvoices(Database& dbTax, Database& dbBasic, const QString& from,
                                                    const QString& to);
 
-// Why the invoice cannot go on the sheet; empty when it can.
+// Why the invoice cannot go on the sheet; empty when it can. A tax-exempt invoice (no tax at all
+// on a supply) is left out with the one reason kTaxExemptReason: it is not a tax invoice of this
+// sheet, and its missing tenth is no typing slip.
 QStringList etaxProblems(const EtaxInvoice& invoice);
+inline const QString kTaxExemptReason = QStringLiteral("면세");
 
 // The stored word of the invoice screen ("영수"/"청구") as a receipt kind.
 EtaxReceipt receiptFromStored(const QString& stored);

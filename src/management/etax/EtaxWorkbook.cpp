@@ -1,11 +1,15 @@
 #include "management/etax/EtaxWorkbook.h"
 
+#include "common/text/BusinessNumber.h"
 #include "core/Clock.h"
 #include "core/CommandLine.h"
 #include "core/WholeFile.h"
 #include "management/SpreadsheetFile.h"
+#include "management/etax/HandOverRecord.h"
 
 #include <QDir>
+#include <QFile>
+#include <QRegularExpression>
 #include <cmath>
 #include <xlsxwriter.h>
 
@@ -29,10 +33,12 @@ QString dayOf(const EtaxInvoice& invoice, const EtaxItem& item) {
     return item.tradeDate.isEmpty() ? invoice.dealDate.mid(8, 2) : item.tradeDate.right(2);
 }
 
+// The number as its digits only: hyphens and blanks ("124 81 00998") are not part of it.
 void appendParty(QVariantList& row, const EtaxParty& party, int emails) {
-    row << digitsOf(party.serial) << QString() << party.company.trimmed() << party.representative.trimmed()
-        << party.address.trimmed() << party.status.trimmed() << party.item.trimmed();
-    for (int i = 0; i < emails; ++i)
+    row << businessNumberDigits(party.serial) << QString() << party.company.trimmed()
+        << party.representative.trimmed() << party.address.trimmed() << party.status.trimmed()
+        << party.item.trimmed() << party.email;
+    for (int i = 1; i < emails; ++i)
         row << QString();
 }
 
@@ -60,8 +66,37 @@ void writeCell(lxw_worksheet* sheet, int row, int column, const QVariant& value,
                                value.toString().toUtf8().constData(), nullptr);
 }
 
-QString fileName(const QString& from, const QString& to, int number) {
-    return QStringLiteral("전자세금계산서_%1-%2_%3.xlsx").arg(compactDate(from), compactDate(to)).arg(number);
+QRegularExpression numberedName(const QString& from, const QString& to) {
+    return QRegularExpression(
+        QStringLiteral("^") +
+        QRegularExpression::escape(
+            QStringLiteral("전자세금계산서_%1-%2_").arg(compactDate(from), compactDate(to))) +
+        QStringLiteral("([1-9][0-9]{0,5})\\.xlsx$"));
+}
+
+QList<HandOverEntry> entriesOf(const QList<EtaxInvoice>& invoices) {
+    QList<HandOverEntry> entries;
+    for (const EtaxInvoice& i : invoices)
+        entries << HandOverEntry{i.taxCode,          i.dealDate,      i.traderCode,
+                                 i.receiver.company, i.supplyTotal(), i.taxTotal()};
+    return entries;
+}
+
+// Takes away what an earlier, longer run of the same name left above the files just written.
+void removeStaleFiles(EtaxExport& result, const QString& folder, const QString& from, const QString& to,
+                      int kept, Database* record) {
+    for (const QString& path : staleEtaxFiles(folder, from, to, kept)) {
+        QFile file(path);
+        if (!file.remove()) {
+            result.failures << QStringLiteral("지난번에 만든 파일을 지우지 못했습니다: %1 (%2)")
+                                   .arg(QDir::toNativeSeparators(path), file.errorString());
+            continue;
+        }
+        result.removed << path;
+        QString why;
+        if (record && !RetireHandOverPath(*record, path, QStringLiteral("다시 작성할 때 지움"), &why))
+            result.failures << why;
+    }
 }
 
 QStringList guidanceFor(const QString& from, const QString& to, int file, int files) {
@@ -119,7 +154,8 @@ QVariantList etaxRow(const EtaxInvoice& invoice, EtaxReceipt assumed) {
 
 // The workbook is written beside its target and takes its name only when whole.
 bool writeEtaxWorkbook(const QString& path, const QList<EtaxInvoice>& invoices, EtaxReceipt assumed,
-                       const QStringList& guidance, QString* error) {
+                       const QStringList& guidance, QString* error,
+                       const std::function<bool(QString* why)>& beforeNaming) {
     auto fail = [error](const QString& why) {
         if (error) *error = why;
         return false;
@@ -148,9 +184,35 @@ bool writeEtaxWorkbook(const QString& path, const QList<EtaxInvoice>& invoices, 
     if (result != LXW_NO_ERROR)
         return fail(QStringLiteral("파일을 쓸 수 없습니다: ") + path + QStringLiteral(" (") +
                     QString::fromUtf8(lxw_strerror(result)) + QStringLiteral(")"));
-    if (!output.commit(isWholeXlsx, &why))
-        return fail(QStringLiteral("파일을 쓸 수 없습니다: %1 - %2").arg(path, why.sentence()));
+    QString refused;
+    const auto wholeAndKept = [&](const QString& written) {
+        return isWholeXlsx(written) && (!beforeNaming || beforeNaming(&refused));
+    };
+    if (!output.commit(wholeAndKept, &why))
+        return fail(refused.isEmpty()
+                        ? QStringLiteral("파일을 쓸 수 없습니다: %1 - %2").arg(path, why.sentence())
+                        : QStringLiteral("파일을 쓰지 않았습니다: %1 - %2").arg(path, refused));
     return true;
+}
+
+QString etaxFileName(const QString& from, const QString& to, int number) {
+    return QStringLiteral("전자세금계산서_%1-%2_%3.xlsx").arg(compactDate(from), compactDate(to)).arg(number);
+}
+
+QStringList staleEtaxFiles(const QString& folder, const QString& from, const QString& to, int kept) {
+    const QRegularExpression pattern = numberedName(from, to);
+    QStringList stale;
+    for (const QString& name : QDir(folder).entryList(QDir::Files)) {
+        const QRegularExpressionMatch match = pattern.match(name);
+        if (match.hasMatch() && match.captured(1).toInt() > kept) stale << QDir(folder).filePath(name);
+    }
+    return stale;
+}
+
+bool isEtaxFileOf(const QString& path, const QString& folder, const QString& from, const QString& to) {
+    const QFileInfo file(path);
+    return QDir::cleanPath(file.absolutePath()) == QDir::cleanPath(QFileInfo(folder).absoluteFilePath()) &&
+           numberedName(from, to).match(file.fileName()).hasMatch();
 }
 
 int EtaxExport::invoicesWritten() const {
@@ -162,10 +224,19 @@ int EtaxExport::invoicesWritten() const {
 
 EtaxExport exportEtax(const QList<EtaxInvoice>& invoices, const QString& folder, const QString& from,
                       const QString& to, EtaxReceipt assumed) {
+    EtaxExportPlan plan;
+    plan.assumed = assumed;
+    return exportEtax(invoices, folder, from, to, plan);
+}
+
+EtaxExport exportEtax(const QList<EtaxInvoice>& invoices, const QString& folder, const QString& from,
+                      const QString& to, const EtaxExportPlan& plan) {
     EtaxExport result;
     QList<EtaxInvoice> going;
     for (const EtaxInvoice& invoice : invoices) {
-        const QStringList problems = etaxProblems(invoice);
+        QStringList problems = etaxProblems(invoice);
+        if (problems.isEmpty() && plan.leaveOut.contains(invoice.taxCode))
+            problems << plan.leaveOut.value(invoice.taxCode);
         if (problems.isEmpty())
             going << invoice;
         else
@@ -175,17 +246,29 @@ EtaxExport exportEtax(const QList<EtaxInvoice>& invoices, const QString& folder,
     const int files = int((going.size() + kEtaxInvoicesPerFile - 1) / kEtaxInvoicesPerFile);
     for (int f = 0; f < files; ++f) {
         const QList<EtaxInvoice> part = going.mid(f * kEtaxInvoicesPerFile, kEtaxInvoicesPerFile);
-        const QString path = QDir(folder).filePath(fileName(from, to, f + 1));
+        const QString path = QDir(folder).filePath(etaxFileName(from, to, f + 1));
+        // The record is kept before the file takes its name: a file on disk is always on record.
+        std::optional<int> recorded;
+        const auto keep = [&](QString* why) {
+            if (!plan.record) return true;
+            recorded = RecordHandOverFile(*plan.record, path, from, to, entriesOf(part), why);
+            return recorded.has_value();
+        };
         QString error;
-        if (!writeEtaxWorkbook(path, part, assumed, guidanceFor(from, to, f + 1, files), &error)) {
+        if (!writeEtaxWorkbook(path, part, plan.assumed, guidanceFor(from, to, f + 1, files), &error, keep)) {
+            if (recorded) ForgetHandOverFile(*plan.record, *recorded);
             result.failures << error;
             continue;
         }
+        // The older record of this name is of a file that is no more.
+        if (recorded && !RetireHandOverPath(*plan.record, path, kReplacedNote, &error, *recorded))
+            result.failures << error;
         result.files << path;
         result.invoicesPerFile << int(part.size());
         for (const EtaxInvoice& invoice : part)
             if (invoice.receipt == EtaxReceipt::Unknown) ++result.assumedReceipts;
     }
+    removeStaleFiles(result, folder, from, to, files, plan.record);
     return result;
 }
 

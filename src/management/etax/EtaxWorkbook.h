@@ -4,6 +4,7 @@
 
 #include "management/etax/EtaxInvoices.h"
 
+#include <QHash>
 #include <QVariant>
 
 namespace nb {
@@ -20,9 +21,20 @@ QStringList etaxHeadings();
 // QVariant stays empty.
 QVariantList etaxRow(const EtaxInvoice& invoice, EtaxReceipt assumed);
 
-// Writes one file; false with the reason when it could not be written.
+// Writes one file; false with the reason when it could not be written. `beforeNaming`, when
+// given, runs once the workbook is whole beside its target and before it takes the target's
+// name; when it answers false (with its reason) the file is not written.
 bool writeEtaxWorkbook(const QString& path, const QList<EtaxInvoice>& invoices, EtaxReceipt assumed,
-                       const QStringList& guidance, QString* error);
+                       const QStringList& guidance, QString* error,
+                       const std::function<bool(QString* why)>& beforeNaming = {});
+
+// "전자세금계산서_FROM-TO_N.xlsx", the dates as YYYYMMDD, N from 1.
+QString etaxFileName(const QString& from, const QString& to, int number);
+// The numbered files of that name in the folder whose number is above `kept`: what an earlier,
+// longer export of the same period left there.
+QStringList staleEtaxFiles(const QString& folder, const QString& from, const QString& to, int kept);
+// True when the path is one of the numbered files of that name in the folder.
+bool isEtaxFileOf(const QString& path, const QString& folder, const QString& from, const QString& to);
 
 struct EtaxLeftOut {
     QString taxCode;
@@ -37,11 +49,25 @@ struct EtaxExport {
     QList<EtaxLeftOut> leftOut; // the invoices that cannot go, with their reasons
     int assumedReceipts = 0;    // written invoices whose 영수/청구 was not on file
     QStringList failures;       // files that could not be written, with the reason
+    QStringList removed;        // older numbered files of the same name taken away
     int invoicesWritten() const;
 };
 
-// The invoices that can go into files of at most 100 in `folder`, named
-// "전자세금계산서_FROM-TO_N.xlsx" (dates as YYYYMMDD, N from 1); the others in leftOut.
+// How an export treats the record of hand-overs.
+struct EtaxExportPlan {
+    EtaxReceipt assumed = EtaxReceipt::Charged;
+    // Invoices already handed over that stay off the sheet, with their reason.
+    QHash<QString, QString> leaveOut;
+    // When set, each file is recorded there with its invoices before it takes its name (a file
+    // whose record cannot be kept is not written).
+    Database* record = nullptr;
+};
+
+// The invoices that can go into files of at most 100 in `folder`, named by etaxFileName; the
+// others in leftOut. Then the older numbered files of the same name above the last one written
+// are removed, so that no file of an earlier run waits there to be uploaded.
+EtaxExport exportEtax(const QList<EtaxInvoice>& invoices, const QString& folder, const QString& from,
+                      const QString& to, const EtaxExportPlan& plan);
 EtaxExport exportEtax(const QList<EtaxInvoice>& invoices, const QString& folder, const QString& from,
                       const QString& to, EtaxReceipt assumed);
 

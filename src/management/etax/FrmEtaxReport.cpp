@@ -20,6 +20,9 @@ QString etaxSummaryText(const EtaxExport& result) {
     if (result.assumedReceipts > 0)
         text += QStringLiteral("\n영수/청구가 기록되지 않은 %1건은 선택한 구분으로 작성했습니다.")
                     .arg(result.assumedReceipts);
+    if (!result.removed.isEmpty())
+        text +=
+            QStringLiteral("\n지난번에 만든 같은 이름의 파일 %1개를 지웠습니다.").arg(result.removed.size());
     for (const QString& failure : result.failures)
         text += u'\n' + failure;
     return text;

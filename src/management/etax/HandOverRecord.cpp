@@ -7,29 +7,23 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QSqlQuery>
+#include <algorithm>
 
 namespace nb {
 namespace {
 
 const QString kDay = QStringLiteral("yyyy-MM-dd");
 
-// The recorded invoices of a period joined to the invoices on file, kept only where both are
-// the same invoice (see the header); files withdrawn are passed over. An uploaded file comes
-// before one that is not, then the older before the newer.
-const QString kStandingSql = QStringLiteral(
-    "SELECT h.TaxCode, f.FileNo, f.FilePath, f.FromDate, f.ToDate, f.WrittenAt, f.Invoices, "
-    "f.UploadedDate, f.WithdrawnDate, f.Note "
-    "FROM EtaxHandOver h JOIN EtaxFile f ON f.FileNo = h.FileNo "
-    "JOIN (SELECT TaxCode, MIN(DealDate) AS DealDate, MIN(COALESCE(CCode, '')) AS CCode, "
-    "TOTAL(TradeKum) AS Supply, TOTAL(VatKum) AS Tax FROM NewAcount WHERE DealDate BETWEEN ? AND ? "
-    "GROUP BY TaxCode) n ON n.TaxCode = h.TaxCode AND n.DealDate = h.DealDate "
-    "AND n.CCode = COALESCE(h.CCode, '') AND abs(n.Supply - h.TradeKum) < 0.005 AND abs(n.Tax - h.VatKum) < "
-    "0.005 "
-    "WHERE h.DealDate BETWEEN ? AND ? AND COALESCE(f.WithdrawnDate, '') = '' "
-    "ORDER BY h.TaxCode, COALESCE(f.UploadedDate, '') = '', f.UploadedDate, f.FileNo");
-
 const QString kFileColumns = QStringLiteral(
     "FileNo, FilePath, FromDate, ToDate, WrittenAt, Invoices, UploadedDate, WithdrawnDate, Note");
+
+// An uploaded file before one that is not, the earlier upload first, then the older file.
+bool comesFirst(const HandOverFile& a, const HandOverFile& b) {
+    if (a.uploaded() != b.uploaded()) return a.uploaded();
+    if (a.uploadedDate != b.uploadedDate) return a.uploadedDate < b.uploadedDate;
+    return a.fileNo < b.fileNo;
+}
 
 HandOverFile fileFromRow(const Recordset& rs) {
     HandOverFile file;
@@ -91,35 +85,69 @@ QHash<QString, QDate> UploadedInvoiceDates(const QString& fromDate, const QStrin
     return UploadedInvoiceDates(stores().dbTax, fromDate, toDate).value_or(QHash<QString, QDate>{});
 }
 
+QString standingInvoicesSql(bool uploadedOnly) {
+    // The record's rows of the period come first (by their date), each file by its number, and
+    // each invoice on file by its number: the plan does not depend on what the engine guesses
+    // of the tables' sizes.
+    return QStringLiteral("SELECT h.TaxCode, ") +
+           (uploadedOnly ? QStringLiteral("f.UploadedDate")
+                         : QStringLiteral("f.") +
+                               kFileColumns.split(QStringLiteral(", ")).join(QStringLiteral(", f."))) +
+           QStringLiteral(" FROM EtaxHandOver h CROSS JOIN EtaxFile f "
+                          "WHERE h.DealDate BETWEEN ? AND ? AND f.FileNo = h.FileNo AND "
+                          "COALESCE(f.WithdrawnDate, '') = '' ") +
+           (uploadedOnly ? QStringLiteral("AND COALESCE(f.UploadedDate, '') <> '' ") : QString()) +
+           QStringLiteral(
+               "AND (SELECT MIN(n.DealDate) = h.DealDate AND MIN(COALESCE(n.CCode, '')) = "
+               "COALESCE(h.CCode, '') AND abs(TOTAL(n.TradeKum) - h.TradeKum) < 0.005 "
+               "AND abs(TOTAL(n.VatKum) - h.VatKum) < 0.005 FROM NewAcount n WHERE n.TaxCode = h.TaxCode)");
+}
+
 std::optional<QHash<QString, QDate>> UploadedInvoiceDates(Database& dbTax, const QString& fromDate,
                                                           const QString& toDate) {
-    Recordset rs;
-    if (!OpenSnapshot(dbTax, rs, kStandingSql, {fromDate, toDate, fromDate, toDate})) return std::nullopt;
+    QSqlQuery q(dbTax.connection());
+    if (!OpenForwardOnly(dbTax, q, standingInvoicesSql(true), {fromDate, toDate})) return std::nullopt;
     QHash<QString, QDate> dates;
-    for (; !rs.EOF_(); rs.MoveNext()) {
-        const QString uploaded = rs.text(QStringLiteral("UploadedDate")).trimmed();
-        const QString taxCode = rs.text(QStringLiteral("TaxCode"));
-        // Rows come uploaded first, the earliest upload first: the first row of a code is its day.
-        if (uploaded.isEmpty() || dates.contains(taxCode)) continue;
-        const QDate day = QDate::fromString(uploaded, kDay);
-        if (day.isValid()) dates.insert(taxCode, day);
+    QHash<QString, QDate> days; // a few upload days for many invoices: each read once
+    while (q.next()) {
+        const QString text = q.value(1).toString();
+        auto parsed = days.constFind(text);
+        if (parsed == days.constEnd()) parsed = days.insert(text, QDate::fromString(text.trimmed(), kDay));
+        const QDate day = parsed.value();
+        if (!day.isValid()) continue;
+        // An invoice in two uploaded files was issued on the earlier day.
+        const QString taxCode = q.value(0).toString();
+        auto it = dates.find(taxCode);
+        if (it == dates.end())
+            dates.insert(taxCode, day);
+        else if (day < it.value())
+            it.value() = day;
     }
-    CloseRs(rs);
     return dates;
 }
 
 std::optional<QHash<QString, HandOverMark>> HandedOverInvoices(Database& dbTax, const QString& fromDate,
                                                                const QString& toDate) {
-    Recordset rs;
-    if (!OpenSnapshot(dbTax, rs, kStandingSql, {fromDate, toDate, fromDate, toDate})) return std::nullopt;
+    QSqlQuery q(dbTax.connection());
+    if (!OpenForwardOnly(dbTax, q, standingInvoicesSql(false), {fromDate, toDate})) return std::nullopt;
+    // Files are read once each; the invoices of one file share it.
+    QHash<int, HandOverFile> files;
     QHash<QString, HandOverMark> marks;
-    for (; !rs.EOF_(); rs.MoveNext()) {
-        const QString taxCode = rs.text(QStringLiteral("TaxCode"));
+    while (q.next()) {
+        const int fileNo = q.value(1).toInt();
+        auto file = files.find(fileNo);
+        if (file == files.end())
+            file = files.insert(fileNo, HandOverFile{fileNo, q.value(2).toString(), q.value(3).toString(),
+                                                     q.value(4).toString(), q.value(5).toString(),
+                                                     q.value(6).toInt(), q.value(7).toString().trimmed(),
+                                                     q.value(8).toString().trimmed(), q.value(9).toString()});
+        const QString taxCode = q.value(0).toString();
         HandOverMark& mark = marks[taxCode];
         mark.taxCode = taxCode;
-        mark.files << fileFromRow(rs);
+        mark.files << file.value();
     }
-    CloseRs(rs);
+    for (HandOverMark& mark : marks)
+        std::sort(mark.files.begin(), mark.files.end(), comesFirst);
     return marks;
 }
 

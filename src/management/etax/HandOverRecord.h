@@ -27,6 +27,9 @@ QHash<QString, QDate> UploadedInvoiceDates(const QString& fromDate, const QStrin
 std::optional<QHash<QString, QDate>> UploadedInvoiceDates(Database& dbTax, const QString& fromDate,
                                                           const QString& toDate);
 
+// The statement behind both questions above (its values: the two dates), for the benchmark.
+QString standingInvoicesSql(bool uploadedOnly);
+
 // One file of the record.
 struct HandOverFile {
     int fileNo = 0;
