@@ -12,7 +12,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSqlQuery>
-#include <QTableView>
 
 namespace nb {
 namespace {
@@ -39,7 +38,9 @@ FrmTraderList::FrmTraderList(QWidget* parent)
     resize(640, 400);
     connect(newButton, &QPushButton::clicked, this, &FrmTraderList::newTrader);
     // Here a click on a row chooses it, as the select button and Enter do.
-    connect(grdList(), &QTableView::clicked, this, [this] { chooseActiveRow(); });
+    connect(grdList(), &Grid::click, this, [this](int col, int row) {
+        if (col > 0 && row > 0) chooseActiveRow();
+    });
 }
 
 void FrmTraderList::InitForm(const QString& name, int section, int& result) {

@@ -1,26 +1,24 @@
 #include "master/ListModel.h"
 
+#include "common/grid/MduSpread.h"
+
 #include <QSqlRecord>
 
 namespace nb {
 
-ListModel::ListModel(const QStringList& headings, QObject* parent)
-    : QAbstractTableModel(parent), m_headings(headings), m_pager(new QTimer(this)) {
-    m_pager->setInterval(0);
-    connect(m_pager, &QTimer::timeout, this, [this] { readRows(kPage); });
+static_assert(ListModel::kFirstPage == GridModel::kFirstPage);
+
+ListModel::ListModel(Grid* grid, const QStringList& headings, QObject* parent)
+    : QObject(parent), m_grid(grid), m_headings(headings) {
+    CommonSpreadDesign(*m_grid, true, true, true, true);
+    m_grid->setMaxCols(int(headings.size()));
+    for (int c = 0; c < headings.size(); ++c)
+        m_grid->SetText(c + 1, 0, headings.at(c));
+    m_grid->showList(nullptr, 0);
 }
 
-int ListModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : int(m_rows.size());
-}
-
-int ListModel::columnCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : int(m_headings.size());
-}
-
-QVariant ListModel::data(const QModelIndex& index, int role) const {
-    if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::ToolTipRole)) return {};
-    return text(index.row(), index.column());
+int ListModel::rowCount() const {
+    return m_grid->MaxRows();
 }
 
 QVariant ListModel::headerData(int section, Qt::Orientation orientation, int role) const {
@@ -32,71 +30,49 @@ QVariant ListModel::headerData(int section, Qt::Orientation orientation, int rol
 void ListModel::setHeading(int column, const QString& heading) {
     if (column < 0 || column >= m_headings.size()) return;
     m_headings[column] = heading;
-    Q_EMIT headerDataChanged(Qt::Horizontal, column, column);
+    m_grid->SetText(column + 1, 0, heading);
 }
 
 void ListModel::setRows(QVector<QStringList> rows) {
-    stopFilling();
-    beginResetModel();
-    m_rows = std::move(rows);
-    endResetModel();
-}
-
-void ListModel::appendRows(const QVector<QStringList>& rows) {
-    if (rows.isEmpty()) return;
-    beginInsertRows(QModelIndex(), int(m_rows.size()), int(m_rows.size() + rows.size()) - 1);
-    m_rows += rows;
-    endInsertRows();
+    QVector<QVariantList> values;
+    values.reserve(rows.size());
+    for (const QStringList& row : rows) {
+        QVariantList line;
+        line.reserve(row.size());
+        for (const QString& text : row)
+            line << (text.isEmpty() ? QVariant() : QVariant(text));
+        values << line;
+    }
+    const int count = int(values.size());
+    m_grid->showList(std::make_unique<RowsInMemory>(std::move(values), columnCount()), count);
 }
 
 void ListModel::clear() {
-    setRows({});
+    m_grid->showList(nullptr, 0);
 }
 
 QString ListModel::text(int row, int column) const {
-    if (row < 0 || row >= m_rows.size()) return QString();
-    return m_rows[row].value(column);
+    if (row < 0 || column < 0 || row >= rowCount() || column >= columnCount()) return QString();
+    return m_grid->Text(column + 1, row + 1);
 }
 
 int ListModel::findRow(int column, const QString& value) {
     finishFilling();
-    for (int r = 0; r < m_rows.size(); ++r)
-        if (m_rows[r].value(column) == value) return r;
+    for (int r = 0; r < rowCount(); ++r)
+        if (text(r, column) == value) return r;
     return -1;
 }
 
-void ListModel::fillFrom(std::unique_ptr<QSqlQuery> query, int firstRows) {
-    setRows({});
-    m_query = std::move(query);
-    readRows(firstRows);
-    if (m_query) m_pager->start();
+void ListModel::fillFrom(std::unique_ptr<QSqlQuery> query) {
+    m_grid->showList(std::make_unique<QueryRows>(std::move(query)), -1);
+}
+
+bool ListModel::isFilling() const {
+    return m_grid->isReading();
 }
 
 void ListModel::finishFilling() {
-    while (m_query)
-        readRows(kPage);
-}
-
-void ListModel::stopFilling() {
-    m_pager->stop();
-    m_query.reset();
-}
-
-void ListModel::readRows(int count) {
-    if (!m_query) return;
-    QVector<QStringList> page;
-    const int columns = m_query->record().count();
-    while (page.size() < count && m_query->next()) {
-        QStringList row;
-        row.reserve(columns);
-        for (int c = 0; c < columns; ++c) {
-            const QVariant v = m_query->value(c);
-            row << (v.isNull() ? QString() : v.toString());
-        }
-        page << row;
-    }
-    if (page.size() < count) stopFilling(); // the query is through
-    appendRows(page);
+    m_grid->finishReading();
 }
 
 QVector<QStringList> RowsOf(Recordset& rs) {

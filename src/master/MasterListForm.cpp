@@ -11,7 +11,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTableView>
 #include <QVBoxLayout>
 
 namespace nb {
@@ -19,14 +18,9 @@ namespace nb {
 MasterListForm::MasterListForm(const QStringList& headings, QWidget* parent) : QDialog(parent) {
     m_input = new QLineEdit(this);
     m_input->setObjectName(QStringLiteral("txtinput"));
-    m_model = new ListModel(headings, this);
-    m_grid = new QTableView(this);
+    m_grid = new Grid(this);
     m_grid->setObjectName(QStringLiteral("grdList"));
-    m_grid->setModel(m_model);
-    m_grid->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_grid->setSelectionMode(QAbstractItemView::SingleSelection);
-    m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_grid->verticalHeader()->setDefaultSectionSize(20);
+    m_model = new ListModel(m_grid, headings, this);
     m_grid->horizontalHeader()->setStretchLastSection(true);
     m_hint = nb::hintPanel(this, QStringLiteral("pnlFunction"));
     m_select = formButton(this, QStringLiteral("선택(&S)"), QStringLiteral("btnSelect"));
@@ -43,21 +37,23 @@ MasterListForm::MasterListForm(const QStringList& headings, QWidget* parent) : Q
 
     connect(m_select, &QPushButton::clicked, this, &MasterListForm::chooseActiveRow);
     connect(m_quit, &QPushButton::clicked, this, &QDialog::reject);
-    connect(m_grid, &QTableView::doubleClicked, this, [this] { chooseActiveRow(); });
+    connect(m_grid, &Grid::dblClick, this, [this](int col, int row) {
+        if (col < 1 || row < 1) return;
+        m_grid->SetActiveCell(col, row);
+        chooseActiveRow();
+    });
     m_input->installEventFilter(this);
     m_grid->installEventFilter(this);
     resize(620, 400);
 }
 
 int MasterListForm::activeRow() const {
-    const QModelIndex current = m_grid->currentIndex();
-    return current.isValid() ? current.row() : -1;
+    return m_grid->ActiveRow() - 1;
 }
 
 void MasterListForm::selectRow(int row) {
     if (row < 0 || row >= m_model->rowCount()) return;
-    m_grid->setCurrentIndex(m_model->index(row, 0));
-    m_grid->selectRow(row);
+    m_grid->SetActiveCell(1, row + 1);
 }
 
 QString MasterListForm::activeText(int column) const {
@@ -122,9 +118,11 @@ void MasterListForm::setHints(const QString& entryHint, const QString& gridHint)
     m_hint->setText(entryHint);
 }
 
+// Widths in pixels, turned into the grid's characters of its font.
 void MasterListForm::placeFirstColumnWidths(const QList<int>& widths) {
+    const double perChar = m_grid->charsToPixels(10) - m_grid->charsToPixels(0);
     for (int c = 0; c < widths.size(); ++c)
-        m_grid->setColumnWidth(c, widths[c]);
+        m_grid->setColWidth(c + 1, std::max(0.0, (widths[c] - m_grid->charsToPixels(0)) * 10.0 / perChar));
 }
 
 bool MasterListForm::eventFilter(QObject* watched, QEvent* event) {

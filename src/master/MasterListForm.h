@@ -3,6 +3,7 @@
 // buttons btnSelect and btnQuit, and the text box of the calling screen (the target) that
 // receives the chosen key. Enter or a double click on a row chooses it; Esc closes.
 
+#include "common/grid/Grid.h"
 #include "master/ListModel.h"
 
 #include <QDialog>
@@ -12,7 +13,6 @@
 class QHBoxLayout;
 class QLabel;
 class QPushButton;
-class QTableView;
 
 namespace nb {
 
@@ -22,7 +22,8 @@ public:
     MasterListForm(const QStringList& headings, QWidget* parent = nullptr);
 
     QLineEdit* txtinput() const { return m_input; }
-    QTableView* grdList() const { return m_grid; }
+    // The list: the grid in its list mode, a whole row at a time.
+    Grid* grdList() const { return m_grid; }
     QPushButton* btnSelect() const { return m_select; }
     QPushButton* btnQuit() const { return m_quit; }
     QLabel* hintPanel() const { return m_hint; }
@@ -72,7 +73,7 @@ protected:
 
 private:
     QLineEdit* m_input = nullptr;
-    QTableView* m_grid = nullptr;
+    Grid* m_grid = nullptr;
     ListModel* m_model = nullptr;
     QLabel* m_hint = nullptr;
     QPushButton* m_select = nullptr;

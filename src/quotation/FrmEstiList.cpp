@@ -1,5 +1,6 @@
 #include "quotation/FrmEstiList.h"
 
+#include "common/grid/Grid.h"
 #include "common/input/FormPlacement.h"
 #include "master/EntryForm.h"
 #include "master/ListModel.h"
@@ -10,7 +11,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
-#include <QTableView>
+#include <QSqlQuery>
 #include <QVBoxLayout>
 
 namespace nb {
@@ -32,22 +33,17 @@ EstiListQuery estiListQuery(int FindField, const QString& FindText) {
 FrmEstiList::FrmEstiList(QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("FrmEstiList"));
     setWindowTitle(QStringLiteral("견적 내역 조회"));
+    grdList = new Grid(this);
+    grdList->setObjectName(QStringLiteral("grdList"));
     m_model =
-        new ListModel({QStringLiteral("견적번호"), QStringLiteral("견적일자"), QStringLiteral("거래처명"),
+        new ListModel(grdList,
+                      {QStringLiteral("견적번호"), QStringLiteral("견적일자"), QStringLiteral("거래처명"),
                        QStringLiteral("납품예정일"), QStringLiteral("부가세")},
                       this);
-    grdList = new QTableView(this);
-    grdList->setObjectName(QStringLiteral("grdList"));
-    grdList->setModel(m_model);
-    grdList->setSelectionBehavior(QAbstractItemView::SelectRows);
-    grdList->setSelectionMode(QAbstractItemView::SingleSelection);
-    grdList->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    grdList->verticalHeader()->setDefaultSectionSize(20);
     grdList->horizontalHeader()->setStretchLastSection(true);
-    grdList->setColumnWidth(0, 100);
-    grdList->setColumnWidth(1, 100);
-    grdList->setColumnWidth(2, 190);
-    grdList->setColumnWidth(3, 100);
+    const double widths[] = {12, 12, 26, 12};
+    for (int c = 1; c <= 4; ++c)
+        grdList->setColWidth(c, widths[c - 1]);
     btnSelect = formButton(this, QStringLiteral("선택(&S)"), QStringLiteral("btnSelect"));
     btnQuit = formButton(this, QStringLiteral("닫기(&Q)"), QStringLiteral("btnQuit"));
     auto* buttons = new QHBoxLayout;
@@ -59,7 +55,11 @@ FrmEstiList::FrmEstiList(QWidget* parent) : QDialog(parent) {
     layout->addLayout(buttons);
     connect(btnSelect, &QPushButton::clicked, this, &FrmEstiList::choose);
     connect(btnQuit, &QPushButton::clicked, this, &QDialog::reject);
-    connect(grdList, &QTableView::doubleClicked, this, [this] { choose(); });
+    connect(grdList, &Grid::dblClick, this, [this](int col, int row) {
+        if (col < 1 || row < 1) return;
+        grdList->SetActiveCell(col, row);
+        choose();
+    });
     grdList->installEventFilter(this);
     resize(640, 420);
 }
@@ -68,19 +68,18 @@ void FrmEstiList::SetObject(QLabel* Target) {
     if (!m_target) m_target = Target;
 }
 
+// Every quotation of an empty search shows its first page at once; the rest is read as the
+// operator scrolls, or between events.
 void FrmEstiList::InitForm(int FindField, const QString& FindText) {
     const EstiListQuery q = estiListQuery(FindField, FindText);
-    Recordset rs;
     m_model->clear();
-    m_count = 0;
-    if (!OpenSnapshot(stores().dbEstimate, rs, q.sql, q.values)) return;
-    m_count = rs.RecordCount();
-    m_model->setRows(RowsOf(rs));
-    CloseRs(rs);
-    if (m_count > 0) {
-        grdList->setCurrentIndex(m_model->index(0, 0));
-        grdList->selectRow(0);
-    }
+    auto rows = std::make_unique<QSqlQuery>(stores().dbEstimate.connection());
+    if (!OpenForwardOnly(stores().dbEstimate, *rows, q.sql, q.values)) return;
+    m_model->fillFrom(std::move(rows));
+}
+
+int FrmEstiList::rowCount() const {
+    return grdList->DataRowCnt();
 }
 
 void FrmEstiList::showBelow(QWidget* anchor) {
@@ -89,8 +88,8 @@ void FrmEstiList::showBelow(QWidget* anchor) {
 }
 
 void FrmEstiList::choose() {
-    const QModelIndex current = grdList->currentIndex();
-    const QString code = current.isValid() ? m_model->text(current.row(), 0) : QString();
+    const int row = grdList->ActiveRow();
+    const QString code = row > 0 ? grdList->Text(1, row) : QString();
     if (code.isEmpty()) return;
     if (m_target) m_target->setText(code);
     accept();

@@ -7,10 +7,10 @@
 
 class QLabel;
 class QPushButton;
-class QTableView;
 
 namespace nb {
 
+class Grid;
 class ListModel;
 
 // The statement of a search: the five list columns, a filter by the search field (0 trader
@@ -26,7 +26,8 @@ class FrmEstiList : public QDialog {
 public:
     explicit FrmEstiList(QWidget* parent = nullptr);
 
-    QTableView* grdList;
+    // The list of quotations, read a page at a time as the operator scrolls.
+    Grid* grdList;
     QPushButton *btnSelect, *btnQuit;
 
     // Keeps the target, unless one is kept already.
@@ -34,7 +35,8 @@ public:
     void InitForm(int FindField, const QString& FindText);
     // Modal, just below the anchor.
     void showBelow(QWidget* anchor);
-    int rowCount() const { return m_count; }
+    // The quotations found (the list is read through to count them).
+    int rowCount() const;
     ListModel* model() const { return m_model; }
 
 public Q_SLOTS:
@@ -47,7 +49,6 @@ protected:
 private:
     ListModel* m_model;
     QPointer<QLabel> m_target;
-    int m_count = 0;
 };
 
 } // namespace nb

@@ -197,6 +197,7 @@ bool Grid::handleKey(QKeyEvent* event) {
         return true;
     }
     if (key == Qt::Key_Escape) {
+        if (isList() && !m_editing) return false; // a list leaves Esc to its window (it closes)
         if (m_editing) m_editModePermanent ? revertEdit() : (revertEdit(), finishEdit());
         return true;
     }
@@ -234,6 +235,15 @@ void Grid::handleEnter() {
 
 bool Grid::handleNavigationKey(int key, Qt::KeyboardModifiers modifiers) {
     if (m_activeCol == 0 || m_activeRow == 0) return false;
+    // Ctrl+Home and Ctrl+End: the first and the last row (a list still being read is read through).
+    if ((key == Qt::Key_Home || key == Qt::Key_End) && (modifiers & Qt::ControlModifier) && !m_editing) {
+        if (key == Qt::Key_End) m_model->finishReading();
+        const int row = key == Qt::Key_Home ? 1 : MaxRows();
+        m_block = QRect();
+        if (row != m_activeRow) moveActiveCell(m_activeCol, row);
+        viewport()->update();
+        return true;
+    }
     if (key == Qt::Key_Tab || key == Qt::Key_Backtab) {
         handleTab(key == Qt::Key_Tab ? 1 : -1);
         return true;

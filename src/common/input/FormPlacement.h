@@ -12,7 +12,7 @@ namespace nb {
 // Horizontal: the form's left edge at the anchor's left edge, right edges together, or centred.
 enum HAlign : int { AlignLeftEdges = 0, AlignRightEdges = 1, AlignCentred = 2 };
 // Vertical: 4 puts the form above the anchor; any other value below it.
-enum VAlign : int { PlaceAbove = 4, PlaceBelow = 3 };
+enum VPlacement : int { PlaceAbove = 4, PlaceBelow = 3 };
 
 // The top left of a form of the given size placed at an anchor (both in screen coordinates).
 QPoint placedFormPosition(const QRect& anchorOnScreen, const QSize& form, int hAlign, int vAlign);

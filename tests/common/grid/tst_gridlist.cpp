@@ -4,6 +4,7 @@
 #include "common/grid/MduSpread.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QSqlDatabase>
@@ -145,6 +146,20 @@ private Q_SLOTS:
         QCOMPARE(w.grid->ActiveRow(), 3000);
     }
 
+    void ctrlEndGoesToTheLastRowOfAListStillBeingReadAndCtrlHomeBack() {
+        test::TestHome home;
+        ListWindow w;
+        w.show(statementRows(4500));
+        QVERIFY(w.grid->isReading());
+        QTest::keyClick(w.grid, Qt::Key_End, Qt::ControlModifier);
+        QCOMPARE(w.grid->ActiveRow(), 4500);
+        QVERIFY(!w.grid->isReading());
+        QApplication::processEvents();
+        QVERIFY(w.grid->rowAt(w.grid->viewport()->height() / 2) > 4400); // scrolled there
+        QTest::keyClick(w.grid, Qt::Key_Home, Qt::ControlModifier);
+        QCOMPARE(w.grid->ActiveRow(), 1);
+    }
+
     void clickingTheLastRowChoosesIt() {
         test::TestHome home;
         ListWindow w;
@@ -175,6 +190,20 @@ private Q_SLOTS:
         QTest::keyClick(w.grid, Qt::Key_F2);
         QVERIFY(!w.grid->EditMode());
         QCOMPARE(w.grid->Text(2, 2), QStringLiteral("거래처2"));
+    }
+
+    void escOnAListIsLeftToItsWindow() {
+        test::TestHome home;
+        QDialog dialog;
+        auto* grid = new Grid(&dialog);
+        grid->setMaxCols(2);
+        grid->showList(std::make_unique<RowsInMemory>(statementRows(3)));
+        dialog.show();
+        QApplication::setActiveWindow(&dialog);
+        grid->setFocus();
+        QTest::keyClick(grid, Qt::Key_Escape);
+        QVERIFY(!dialog.isVisible());
+        QCOMPARE(dialog.result(), int(QDialog::Rejected));
     }
 
     void aSumFormulaUsesTheQuerysSumWithoutReadingTheRows() {
