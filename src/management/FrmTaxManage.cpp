@@ -22,6 +22,7 @@
 #include <QLabel>
 #include <QMdiSubWindow>
 #include <QPushButton>
+#include <QSqlQuery>
 #include <QStackedWidget>
 #include <QStandardPaths>
 
@@ -196,30 +197,32 @@ QString FrmTaxManage::periodName() const {
     return QString(p.from).remove(u'-') + u'-' + QString(p.to).remove(u'-');
 }
 
+// The work table is refilled beside the window (it stays painted meanwhile); the list then reads
+// SaleTotal as it is seen, and the sums are the ones the refill counted.
 void FrmTaxManage::btnSearch_Click() {
+    if (m_searching) return;
+    m_searching = true;
     ClearGrid(*grdList);
-    const std::optional<QList<TraderTotal>> rows =
-        SearchTotals(stores().dbTax, stores().dbBasic.path(), period());
-    m_rows = rows.value_or(QList<TraderTotal>());
-    showRows();
+    const std::optional<TotalsRefill> refill =
+        RefillTotalsAside(stores().dbTax, stores().dbBasic.path(), period());
+    m_searching = false;
+    showRows(refill.value_or(TotalsRefill()));
 }
 
-void FrmTaxManage::showRows() {
-    if (m_rows.size() > grdList->MaxRows()) grdList->setMaxRows(int(m_rows.size()));
-    grdList->fillQuietly([this] {
-        for (int r = 1; r <= m_rows.size(); ++r) {
-            const TraderTotal& t = m_rows.at(r - 1);
-            const int first = t.gubun == u"0" ? ColBuy : ColSale;
-            grdList->SetText(ColTraderName, r, t.cName);
-            grdList->SetText(first, r, QString::number(t.tradeKum, 'f', 0));
-            grdList->SetText(first + 1, r, QString::number(t.vatKum, 'f', 0));
-            grdList->SetText(first + 2, r, QString::number(t.sumKum(), 'f', 0));
-            grdList->SetText(ColCode, r, t.cCode);
-            grdList->SetText(ColTraderCode, r, t.taxCode);
-            grdList->SetText(ColGubun, r, t.gubun);
+void FrmTaxManage::showRows(const TotalsRefill& refill) {
+    if (refill.rows > 0) {
+        QSqlQuery rows(stores().dbTax.connection());
+        rows.setForwardOnly(true);
+        if (OpenForwardOnly(stores().dbTax, rows, kTotalsListQuery)) {
+            if (refill.rows > grdList->MaxRows()) grdList->setMaxRows(refill.rows);
+            grdList->fillQuietly([&] {
+                for (int r = 1; rows.next(); ++r)
+                    for (int c = ColTraderName; c <= ColGubun; ++c)
+                        if (!rows.isNull(c - 1)) grdList->SetText(c, r, rows.value(c - 1).toString());
+            });
         }
-    });
-    const std::array<double, 6> sums = panelSums(m_rows);
+    }
+    const std::array<double, 6> sums = panelSums(refill);
     for (int k = 0; k < 6; ++k)
         pnlSum[size_t(k)]->setText(panelText(sums[size_t(k)]));
 }

@@ -51,7 +51,6 @@ public:
     void InitForm();
     TotalsKind kind() const;
     TotalsPeriod period() const;
-    const QList<TraderTotal>& rows() const { return m_rows; }
 
 public Q_SLOTS:
     void btnSearch_Click(); // SearchTotals
@@ -67,11 +66,11 @@ private:
     void buildGrid();
     void connectControls();
     void onGubunChanged(int index);
-    void showRows();
+    void showRows(const TotalsRefill& refill);
     QString periodName() const;
 
-    QList<TraderTotal> m_rows;
     bool m_checkingDate = false;
+    bool m_searching = false;
 };
 
 } // namespace nb

@@ -3,8 +3,11 @@
 #include "common/text/NumberFormat.h"
 #include "storage/CrossFileQueries.h"
 #include "storage/Database.h"
+#include "storage/StoreAside.h"
 
 #include <QDate>
+#include <QSqlError>
+#include <QSqlQuery>
 
 namespace nb {
 
@@ -29,22 +32,70 @@ const QString kFillSaleTotal = QStringLiteral(
     "FROM NewAcount WHERE DealDate BETWEEN ? AND ? GROUP BY CCode) g "
     "JOIN NewAcount f ON f.rowid = g.FirstRow LEFT JOIN basic.Trader t ON t.Code = g.CCode ORDER BY g.CCode");
 
-// The work tables emptied and SaleTotal filled in one transaction; its rows as the grid shows them.
-std::optional<QList<TraderTotal>> refillSaleTotal(Database& dbTax, const TotalsPeriod& period) {
+const QString kRefillHeadline = QStringLiteral("기간 합계를 만들지 못했습니다.");
+const QString kCountSaleTotal =
+    QStringLiteral("SELECT COUNT(*), TOTAL(TradeKum), TOTAL(VatKum) FROM SaleTotal");
+
+// A failed step of the refill, kept to be shown on the window's thread: a statement the engine
+// refused (the query box), or a transaction that could not begin or commit (the save box).
+struct RefillFailure {
+    enum Kind { None, Statement, Save } kind = None;
+    int number = 0;
+    QString description;
+    int engineCode = 0;
+    QString sql;
+
+    void noteStatement(const Database& db, const QString& statement, const QVariantList& values = {}) {
+        *this = {Statement, db.lastErrorNumber(), db.lastErrorDescription(), db.lastEngineCode(),
+                 sqlForDisplay(statement, values)};
+    }
+    void noteSave(const Database& db) {
+        *this = {Save, db.lastErrorNumber(), db.lastErrorDescription(), db.lastEngineCode(), QString()};
+    }
+    void report() const {
+        if (kind == Statement) ReportQueryFailure(number, description, sql, engineCode);
+        if (kind == Save) ReportSaveFailure(engineCode, description, kRefillHeadline);
+    }
+};
+
+// The work tables emptied, SaleTotal filled, its rows counted and summed, in one transaction.
+// Shows nothing: a failure is noted for the caller to show.
+std::optional<TotalsRefill> refillWorkTables(Database& dbTax, const TotalsPeriod& period,
+                                             RefillFailure& failure) {
     if (!dbTax.beginTransaction()) {
-        ReportSaveFailure(dbTax, QStringLiteral("기간 합계를 만들지 못했습니다."));
+        failure.noteSave(dbTax);
         return std::nullopt;
     }
-    if (!dbTax.Execute(QStringLiteral("delete from buytotal")) ||
-        !dbTax.Execute(QStringLiteral("delete from saletotal")) ||
-        !dbTax.Execute(kFillSaleTotal, {period.from, period.to})) {
-        dbTax.rollback();
-        return std::nullopt;
+    const std::pair<QString, QVariantList> steps[] = {{QStringLiteral("delete from buytotal"), {}},
+                                                      {QStringLiteral("delete from saletotal"), {}},
+                                                      {kFillSaleTotal, {period.from, period.to}}};
+    for (const auto& [sql, values] : steps) {
+        if (!dbTax.tryExecute(sql, values)) {
+            failure.noteStatement(dbTax, sql, values);
+            dbTax.rollback();
+            return std::nullopt;
+        }
+    }
+    TotalsRefill refill;
+    {
+        QSqlQuery count(dbTax.connection());
+        if (!count.exec(kCountSaleTotal) || !count.next()) {
+            failure = {RefillFailure::Statement, ErrSyntax, count.lastError().text(), 0, kCountSaleTotal};
+            count.finish();
+            dbTax.rollback();
+            return std::nullopt;
+        }
+        refill = {count.value(0).toInt(), count.value(1).toDouble(), count.value(2).toDouble()};
     }
     if (!dbTax.commit()) {
-        ReportSaveFailure(dbTax, QStringLiteral("기간 합계를 만들지 못했습니다."));
+        failure.noteSave(dbTax);
         return std::nullopt;
     }
+    return refill;
+}
+
+// The rows of SaleTotal as the grid shows them.
+std::optional<QList<TraderTotal>> readSaleTotal(Database& dbTax) {
     Recordset rs;
     if (!OpenSnapshot(dbTax, rs, QStringLiteral("SELECT * FROM SaleTotal ORDER BY rowid")))
         return std::nullopt;
@@ -62,6 +113,10 @@ std::optional<QList<TraderTotal>> refillSaleTotal(Database& dbTax, const TotalsP
     }
     CloseRs(rs);
     return rows;
+}
+
+void reportUnopened(const QString& file) {
+    ReportQueryFailure(-1, QStringLiteral("unable to open database: ") + file, kFillSaleTotal);
 }
 
 // "2024년 01월 01일" of "2024-01-01".
@@ -109,13 +164,45 @@ QStringList periodRows(TotalsKind kind) {
 std::optional<QList<TraderTotal>> SearchTotals(Database& dbTax, const QString& basicFile,
                                                const TotalsPeriod& period) {
     if (!dbTax.attach(basicFile, kBasicAlias)) {
-        ReportQueryFailure(-1, QStringLiteral("unable to open database: ") + basicFile, kFillSaleTotal);
+        reportUnopened(basicFile);
         return std::nullopt;
     }
-    std::optional<QList<TraderTotal>> rows = refillSaleTotal(dbTax, period);
+    RefillFailure failure;
+    const std::optional<TotalsRefill> refill = refillWorkTables(dbTax, period, failure);
     dbTax.detach(kBasicAlias);
-    return rows;
+    failure.report();
+    if (!refill) return std::nullopt;
+    return readSaleTotal(dbTax);
 }
+
+std::optional<TotalsRefill> RefillTotalsAside(Database& dbTax, const QString& basicFile,
+                                              const TotalsPeriod& period) {
+    if (!dbTax.isOpen()) {
+        // The box a statement on a store never opened shows.
+        dbTax.Execute(kFillSaleTotal, {period.from, period.to});
+        return std::nullopt;
+    }
+    const QString taxFile = dbTax.path();
+    QString unopened;
+    RefillFailure failure;
+    std::optional<TotalsRefill> refill;
+    runAside([&] {
+        Database aside;
+        if (!aside.open(taxFile))
+            unopened = taxFile;
+        else if (!aside.attach(basicFile, kBasicAlias))
+            unopened = basicFile;
+        else
+            refill = refillWorkTables(aside, period, failure);
+    });
+    if (!unopened.isEmpty()) reportUnopened(unopened);
+    failure.report();
+    return refill;
+}
+
+const QString kTotalsListQuery = QStringLiteral(
+    "SELECT '', CName, TradeKum, VatKum, TradeKum + VatKum, NULL, NULL, NULL, CCode, Serial, '1' "
+    "FROM SaleTotal ORDER BY rowid");
 
 std::array<double, 6> panelSums(const QList<TraderTotal>& rows) {
     std::array<double, 6> sums{};
@@ -126,6 +213,10 @@ std::array<double, 6> panelSums(const QList<TraderTotal>& rows) {
         sums[size_t(side + 2)] += row.sumKum();
     }
     return sums;
+}
+
+std::array<double, 6> panelSums(const TotalsRefill& refill) {
+    return {refill.tradeKum, refill.vatKum, refill.tradeKum + refill.vatKum, 0, 0, 0};
 }
 
 QString panelText(double sum) {

@@ -46,8 +46,24 @@ struct TraderTotal {
 // tables are as before).
 std::optional<QList<TraderTotal>> SearchTotals(Database& dbTax, const QString& basicFile,
                                                const TotalsPeriod& period);
+
+// What a refill of the work table left: its rows and their sums, as the store counted them.
+struct TotalsRefill {
+    int rows = 0;
+    double tradeKum = 0;
+    double vatKum = 0;
+};
+// The same refill as the screen runs it: on a connection of its own beside the window
+// (runAside), the rows counted and summed inside the refill's transaction. Nothing when a step
+// failed (its box shown on return; the work tables are as before).
+std::optional<TotalsRefill> RefillTotalsAside(Database& dbTax, const QString& basicFile,
+                                              const TotalsPeriod& period);
+// SaleTotal as grdList shows it, column for column (1 to 11), in the order it was filled.
+extern const QString kTotalsListQuery;
+
 // The six sums of pnlSum: sales supply, VAT, total, then the purchase three.
 std::array<double, 6> panelSums(const QList<TraderTotal>& rows);
+std::array<double, 6> panelSums(const TotalsRefill& refill);
 // A panel's text: "#,###,###" and one blank behind; a blank alone for 0.
 QString panelText(double sum);
 
