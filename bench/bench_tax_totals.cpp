@@ -6,6 +6,7 @@
 // memory the year's list takes; the 합계표 of a year to PDF; and a 10,000-row grid written to a
 // spreadsheet file.
 #include "BenchSupport.h"
+#include "BenchWindow.h"
 #include "common/dates/DateBox.h"
 #include "common/grid/Grid.h"
 #include "management/ExportGrid.h"
@@ -17,9 +18,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDate>
-#include <QFile>
 #include <QSqlQuery>
-#include <QTimer>
 #include <cstdio>
 
 using namespace nb;
@@ -75,8 +74,7 @@ double groupedCli(const QString& from, const QString& to) {
             .arg(from, to));
 }
 
-// The refill's statements through the sqlite3 program: the sum of its timer's figures (whole
-// milliseconds each), the median of five runs.
+// The refill's statements through the sqlite3 program, in one transaction as the screen runs them.
 double refillCli(const QString& from, const QString& to) {
     const QString script =
         QStringLiteral(
@@ -93,53 +91,19 @@ double refillCli(const QString& from, const QString& to) {
             "JOIN NewAcount f ON f.rowid = g.FirstRow LEFT JOIN basic.Trader t ON t.Code = g.CCode "
             "ORDER BY g.CCode;\n"
             "SELECT COUNT(*), TOTAL(TradeKum), TOTAL(VatKum) FROM SaleTotal;\nCOMMIT;\n"
-            "SELECT * FROM SaleTotal ORDER BY rowid;\n")
+            "SELECT * FROM SaleTotal ORDER BY rowid;")
             .arg(stores().dbBasic.path(), from, to);
-    std::vector<double> times;
-    const QRegularExpression real(QStringLiteral("Run Time: real ([0-9.]+)"));
-    for (int i = 0; i < 5; ++i) {
-        QProcess p;
-        p.start(QStringLiteral("sqlite3"), {stores().dbTax.path()});
-        p.write((".timer on\n.output /dev/null\n" + script).toUtf8());
-        p.closeWriteChannel();
-        p.waitForFinished(120000);
-        double sum = 0;
-        for (auto it = real.globalMatch(QString::fromUtf8(p.readAllStandardOutput())); it.hasNext();)
-            sum += it.next().captured(1).toDouble() * 1000;
-        times.push_back(sum);
-    }
-    std::sort(times.begin(), times.end());
-    return times[times.size() / 2];
+    return bench::cliScriptMs(stores().dbTax.path(), script);
 }
 
-// The resident size of the process, in MB.
-double residentMb() {
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly)) return 0;
-    for (const QByteArray& line : status.readAll().split('\n'))
-        if (line.startsWith("VmRSS:")) return line.mid(6).trimmed().split(' ').first().toDouble() / 1024;
-    return 0;
-}
-
-// The search clicked and the window painted again (the list's first page); the longest time
-// between two ticks of a 2 ms timer while it ran: how long the window stood still.
+// The search clicked and the window painted again (the list's first page).
 double searchAndPaint(FrmTaxManage& screen, double* longestStill) {
-    QElapsedTimer clock;
-    double lastTick = 0, still = 0;
-    QTimer ticks;
-    ticks.setInterval(2);
-    QObject::connect(&ticks, &QTimer::timeout, [&] {
-        const double now = double(clock.nsecsElapsed()) / 1e6;
-        still = std::max(still, now - lastTick);
-        lastTick = now;
-    });
-    clock.start();
-    ticks.start();
-    screen.btnSearch_Click();
-    screen.repaint();
-    const double ms = double(clock.nsecsElapsed()) / 1e6;
-    *longestStill = std::max(still, ms - lastTick);
-    return ms;
+    return bench::timeWatchingStill(
+        [&] {
+            screen.btnSearch_Click();
+            screen.repaint();
+        },
+        longestStill);
 }
 
 void timeSearch(FrmTaxManage& screen, const char* what, int kind, int period, const QString& from,
@@ -183,13 +147,13 @@ int main(int argc, char** argv) {
     FrmTaxManage screen;
     screen.show();
     QApplication::processEvents();
-    const double emptyMb = residentMb();
+    const double emptyMb = bench::residentMb();
     timeSearch(screen, "search of a quarter (screen)", 1, 1, QStringLiteral("2024-04-01"),
                QStringLiteral("2024-06-30"));
     timeSearch(screen, "search of a year (screen)", 0, 0, QStringLiteral("2024-01-01"),
                QStringLiteral("2024-12-31"));
     std::printf("memory: the year's list on the screen %.1f MB more than the empty window\n",
-                residentMb() - emptyMb);
+                bench::residentMb() - emptyMb);
     std::fflush(stdout);
 
     const QString pdf = home.file(QStringLiteral("year.pdf"));

@@ -7,11 +7,14 @@
 #include "common/grid/Grid.h"
 #include "common/input/KeyFlow.h"
 #include "common/input/SelectText.h"
+#include "core/AppState.h"
 #include "core/Clock.h"
 #include "links/NamedWidget.h"
 #include "links/SmsNumbers.h"
 #include "links/modSMSLink.h"
 #include "storage/CrossFileQueries.h"
+#include "storage/StoreAside.h"
+#include "storage/Stores.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -25,6 +28,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QShortcut>
+#include <QSqlQuery>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <vector>
@@ -222,6 +226,8 @@ void FrmSMS::optFilterClick(int index) {
     }
 }
 
+// The query runs beside the window (it stays painted while a decade of statements is grouped);
+// its rows come back with their numbers picked, and go into the list at once.
 void FrmSMS::SearchTraders() {
     grdList->setMaxRows(0);
     ChkAll->setChecked(false);
@@ -233,38 +239,42 @@ void FrmSMS::SearchTraders() {
     filter.byName = byName && !txtName->text().isEmpty();
     filter.byDate = byDate;
     filter.withNoDeal = byDate && chkNoTrade->isChecked();
-    Recordset rs;
-    if (!OpenTradersLastDeal(rs, filter, txtName->text(), txtDate->dateText())) return;
+    const AsideRead read{stores().dbBasic.path(), app().DbBillFile, kBillAlias, tradersLastDealSql(filter),
+                         tradersLastDealValues(filter, txtName->text(), txtDate->dateText())};
+    if (!stores().dbBasic.isOpen()) {
+        ReportQueryFailure(ErrNotOpened, QString(), sqlForDisplay(read.sql, read.values));
+        return;
+    }
     const PhoneTypes types{chkPhoneType[0]->isChecked(), chkPhoneType[1]->isChecked(),
                            chkPhoneType[2]->isChecked()};
-    struct Found {
-        QString name, numbers, lastDate;
-    };
-    std::vector<Found> found;
-    found.reserve(size_t(rs.RecordCount()));
-    {
-        Progress progress(QStringLiteral("자료 검색중..."), rs.RecordCount());
-        for (rs.MoveFirst(); !rs.EOF_(); rs.MoveNext()) {
-            progress.step();
-            if (!byName && !byDate) { // one option is always on: a programmer's alarm
-                MsgBox(QStringLiteral("FixMe"));
-                continue;
-            }
-            found.push_back({rs.text(QStringLiteral("C_Name")),
-                             pickNumbers(rs.text(QStringLiteral("Phone")), rs.text(QStringLiteral("Fax")),
-                                         rs.text(QStringLiteral("HPhone")), types),
-                             byDate ? rs.text(QStringLiteral("lastdate")) : QString()});
-        }
+    QVector<QVariantList> found;
+    const bool ok = readAside(read, [&](const QSqlQuery& row) {
+        found.push_back(
+            {QString(), row.value(0).toString(),
+             pickNumbers(row.value(1).toString(), row.value(2).toString(), row.value(3).toString(), types),
+             byDate ? row.value(5).toString() : QString()});
+    });
+    if (!ok) return;
+    if (!byName && !byDate) { // one option is always on: a programmer's alarm
+        for (qsizetype k = 0; k < found.size(); ++k)
+            MsgBox(QStringLiteral("FixMe"));
+        found.clear();
     }
-    // The rows go in at once: a grid grown row by row repaints its headers each time.
-    grdList->setMaxRows(int(found.size()));
-    for (int row = 1; row <= int(found.size()); ++row) {
-        const Found& f = found[size_t(row - 1)];
-        grdList->SetText(ColName, row, f.name);
-        grdList->SetText(ColTel, row, f.numbers);
-        grdList->SetText(ColNote, row, f.lastDate);
-    }
+    showFound(found);
     lblCountRec->setText(QStringLiteral("0"));
+}
+
+void FrmSMS::showFound(const QVector<QVariantList>& found) {
+    Progress progress(QStringLiteral("자료 검색중..."), int(found.size()));
+    grdList->setMaxRows(int(found.size()));
+    grdList->fillQuietly([&] {
+        for (int row = 1; row <= int(found.size()); ++row) {
+            progress.step();
+            const QVariantList& f = found[row - 1];
+            for (int col = ColName; col <= ColNote; ++col)
+                grdList->SetText(col, row, f.at(col - 1).toString());
+        }
+    });
 }
 
 // ---- ticking ----------------------------------------------------------------------------

@@ -58,13 +58,18 @@ QString tradersLastDealSql(const TraderDealFilter& filter) {
     return sql + QStringLiteral(" ORDER BY C_Name");
 }
 
-bool OpenTradersLastDeal(Recordset& rs, const TraderDealFilter& filter, const QString& nameText,
-                         const QString& date) {
+QVariantList tradersLastDealValues(const TraderDealFilter& filter, const QString& nameText,
+                                   const QString& date) {
     QVariantList values;
     if (filter.byName) values << u'%' + likeLiteral(nameText) + u'%';
     if (filter.byDate) values << date;
+    return values;
+}
+
+bool OpenTradersLastDeal(Recordset& rs, const TraderDealFilter& filter, const QString& nameText,
+                         const QString& date) {
     return openAcrossFiles(stores().dbBasic, app().DbBillFile, kBillAlias, rs, tradersLastDealSql(filter),
-                           values);
+                           tradersLastDealValues(filter, nameText, date));
 }
 
 QString tradersNotDealtSinceSql() {

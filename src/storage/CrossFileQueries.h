@@ -45,6 +45,8 @@ struct TraderDealFilter {
     bool withNoDeal = false;
 };
 QString tradersLastDealSql(const TraderDealFilter& filter);
+QVariantList tradersLastDealValues(const TraderDealFilter& filter, const QString& nameText,
+                                   const QString& date);
 bool OpenTradersLastDeal(Recordset& rs, const TraderDealFilter& filter, const QString& nameText,
                          const QString& date);
 

@@ -1,6 +1,10 @@
 #include "storage/StoreAside.h"
 
+#include "storage/Database.h"
+
 #include <QEventLoop>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <QThread>
 #include <memory>
 
@@ -14,6 +18,41 @@ void runAside(const std::function<void()>& work) {
     loop.exec(QEventLoop::ExcludeUserInputEvents);
     // The loop also ends when the application is told to quit; the work is finished either way.
     worker->wait();
+}
+
+bool readAside(const AsideRead& read, const std::function<void(const QSqlQuery& row)>& take) {
+    QString unopened;
+    QSqlError failure;
+    runAside([&] {
+        Database db;
+        if (!db.open(read.file)) {
+            unopened = read.file;
+            return;
+        }
+        if (!read.otherFile.isEmpty() && !db.attach(read.otherFile, read.alias)) {
+            unopened = read.otherFile;
+            return;
+        }
+        QSqlQuery query(db.connection());
+        query.setForwardOnly(true);
+        bool ok = query.prepare(read.sql);
+        for (const QVariant& value : read.values)
+            query.addBindValue(value);
+        ok = ok && query.exec();
+        while (ok && query.next())
+            take(query);
+        if (!ok || query.lastError().isValid()) failure = query.lastError();
+    });
+    const QString shown = sqlForDisplay(read.sql, read.values);
+    if (!unopened.isEmpty()) {
+        ReportQueryFailure(-1, QStringLiteral("unable to open database: ") + unopened, shown);
+        return false;
+    }
+    if (!failure.isValid()) return true;
+    const int code = failure.nativeErrorCode().toInt();
+    const QString text = failure.databaseText().isEmpty() ? failure.text() : failure.databaseText();
+    ReportQueryFailure(errorNumberFor(failure.databaseText(), code), text, shown, code);
+    return false;
 }
 
 } // namespace nb

@@ -5,7 +5,11 @@
 // and its timers run; a key or click made in that time is handled as soon as the work is done,
 // so nothing the operator does can act on a half-finished search.
 
+#include <QString>
+#include <QVariantList>
 #include <functional>
+
+class QSqlQuery;
 
 namespace nb {
 
@@ -14,5 +18,18 @@ namespace nb {
 // the caller's connections: it opens a Database of its own and hands back what it found through
 // its captures.
 void runAside(const std::function<void()>& work);
+
+// A read beside the window: file opened on a connection of its own (otherFile attached as
+// alias when given), sql run with the values bound, and each row handed to take on the worker
+// thread, in order. False when the file could not be opened or the statement failed: the same
+// box as the query helpers', shown on return.
+struct AsideRead {
+    QString file;
+    QString otherFile;
+    QString alias;
+    QString sql;
+    QVariantList values;
+};
+bool readAside(const AsideRead& read, const std::function<void(const QSqlQuery& row)>& take);
 
 } // namespace nb

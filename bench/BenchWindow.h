@@ -1,0 +1,67 @@
+#pragma once
+// What the list benchmarks measure beside the time: how long the window stood still while an
+// action ran, the process's resident memory, and a script of several statements through the
+// sqlite3 program timed by its own timer.
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTimer>
+#include <algorithm>
+#include <functional>
+#include <vector>
+
+namespace nb::bench {
+
+// The resident size of the process, in MB.
+inline double residentMb() {
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly)) return 0;
+    for (const QByteArray& line : status.readAll().split('\n'))
+        if (line.startsWith("VmRSS:")) return line.mid(6).trimmed().split(' ').first().toDouble() / 1024;
+    return 0;
+}
+
+// Runs action with a 2 ms timer ticking; answers the action's time in ms and sets still to the
+// longest time between two ticks (or since the last one at the end): how long the window's
+// events waited at most.
+inline double timeWatchingStill(const std::function<void()>& action, double* still) {
+    QElapsedTimer clock;
+    double lastTick = 0, longest = 0;
+    QTimer ticks;
+    ticks.setInterval(2);
+    QObject::connect(&ticks, &QTimer::timeout, [&] {
+        const double now = double(clock.nsecsElapsed()) / 1e6;
+        longest = std::max(longest, now - lastTick);
+        lastTick = now;
+    });
+    clock.start();
+    ticks.start();
+    action();
+    const double ms = double(clock.nsecsElapsed()) / 1e6;
+    *still = std::max(longest, ms - lastTick);
+    return ms;
+}
+
+// The statements of script through the sqlite3 program on file: the sum of its timer's figures
+// (whole milliseconds each), the median of several runs.
+inline double cliScriptMs(const QString& file, const QString& script, int repeats = 5) {
+    std::vector<double> times;
+    const QRegularExpression real(QStringLiteral("Run Time: real ([0-9.]+)"));
+    for (int i = 0; i < repeats; ++i) {
+        QProcess p;
+        p.start(QStringLiteral("sqlite3"), {file});
+        p.write((".timer on\n.output /dev/null\n" + script + "\n").toUtf8());
+        p.closeWriteChannel();
+        p.waitForFinished(120000);
+        double sum = 0;
+        for (auto it = real.globalMatch(QString::fromUtf8(p.readAllStandardOutput())); it.hasNext();)
+            sum += it.next().captured(1).toDouble() * 1000;
+        times.push_back(sum);
+    }
+    std::sort(times.begin(), times.end());
+    return times[times.size() / 2];
+}
+
+} // namespace nb::bench
