@@ -50,24 +50,6 @@ std::optional<TaxSums> readSums(Database& dbTax, const QString& sql, const QVari
     return sums;
 }
 
-void foldRow(IssuedList& list, const Recordset& rs, int& rowsOfInvoice) {
-    const QString code = rs.text(QStringLiteral("TaxCode"));
-    const double supply = rs.number(QStringLiteral("TradeKum"));
-    const double tax = rs.number(QStringLiteral("VatKum"));
-    if (list.rows.isEmpty() || list.rows.last().taxCode != code) {
-        list.rows.append({rs.text(QStringLiteral("DealDate")), QString(), 0, 0, code});
-        rowsOfInvoice = 0;
-    }
-    IssuedListRow& row = list.rows.last();
-    ++rowsOfInvoice;
-    row.item = rs.text(QStringLiteral("PName"));
-    if (rowsOfInvoice > 1) row.item += QStringLiteral(" 외 ") + QString::number(rowsOfInvoice - 1);
-    row.supply += supply;
-    row.tax += tax;
-    list.supply += supply;
-    list.tax += tax;
-}
-
 } // namespace
 
 std::optional<QString> NextTaxCode(Database& dbTax) {
@@ -213,17 +195,33 @@ WritingDate writingDateOf(const QString& dealDate) {
     return {dealDate.mid(0, 4), dealDate.mid(5, 2), dealDate.mid(8, 2)};
 }
 
+// One row an invoice: the date of its first row, the item of its last with the count of the
+// others, its sums and its number, in number order.
+const QString kIssuedListQuery = QStringLiteral(
+    "SELECT IFNULL(f.DealDate, ''), IFNULL(l.PName, '') || CASE WHEN g.Rows > 1 THEN ' 외 ' || (g.Rows - 1) "
+    "ELSE '' END, g.Supply, g.Tax, IFNULL(g.TaxCode, '') FROM "
+    "(SELECT TaxCode, MIN(rowid) AS FirstRow, MAX(rowid) AS LastRow, COUNT(*) AS Rows, TOTAL(TradeKum) AS "
+    "Supply, TOTAL(VatKum) AS Tax FROM NewAcount WHERE CCode = ? GROUP BY TaxCode) g "
+    "JOIN NewAcount f ON f.rowid = g.FirstRow JOIN NewAcount l ON l.rowid = g.LastRow ORDER BY g.TaxCode");
+const QString kIssuedSumsQuery =
+    QStringLiteral("SELECT TOTAL(TradeKum) AS supply, TOTAL(VatKum) AS tax FROM NewAcount WHERE CCode = ?");
+
+std::optional<TaxSums> ReadIssuedSums(Database& dbTax, const QString& cCode) {
+    return readSums(dbTax, kIssuedSumsQuery, {cCode});
+}
+
 std::optional<IssuedList> ReadIssuedList(Database& dbTax, const QString& cCode) {
     Recordset rs;
-    if (!OpenSnapshot(dbTax, rs,
-                      QStringLiteral("select * from newacount where ccode = ? order by TaxCode, rowid"),
-                      {cCode}))
-        return std::nullopt;
+    if (!OpenSnapshot(dbTax, rs, kIssuedListQuery, {cCode})) return std::nullopt;
     IssuedList list;
-    int rowsOfInvoice = 0;
     for (; !rs.EOF_(); rs.MoveNext())
-        foldRow(list, rs, rowsOfInvoice);
+        list.rows.append({rs.field(0).toString(), rs.field(1).toString(), rs.field(2).toDouble(),
+                          rs.field(3).toDouble(), rs.field(4).toString()});
     CloseRs(rs);
+    const std::optional<TaxSums> sums = ReadIssuedSums(dbTax, cCode);
+    if (!sums) return std::nullopt;
+    list.supply = sums->supply;
+    list.tax = sums->tax;
     return list;
 }
 

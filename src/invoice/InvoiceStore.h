@@ -87,6 +87,10 @@ struct IssuedList {
 };
 // The customer's invoices in number order; nothing when the read failed.
 std::optional<IssuedList> ReadIssuedList(Database& dbTax, const QString& cCode);
+// The same rows as the store gives them, grdList's five columns, for the list to read as it is
+// seen (bound value: the customer's code); and the customer's sums (supply, tax).
+extern const QString kIssuedListQuery;
+extern const QString kIssuedSumsQuery;
 
 // All rows of the number go; false when the statement failed.
 bool DeleteInvoice(Database& dbTax, const QString& taxCode);
@@ -97,6 +101,8 @@ struct TaxSums {
 };
 // Sum(TradeKum), Sum(VatKum) of all invoices (null as 0); nothing when the read failed.
 std::optional<TaxSums> ReadAllTaxSums(Database& dbTax);
+// The same of one customer's invoices.
+std::optional<TaxSums> ReadIssuedSums(Database& dbTax, const QString& cCode);
 // The same for DealDate between two dates.
 std::optional<TaxSums> ReadTaxSums(Database& dbTax, const QString& from, const QString& to);
 // A sum panel's text: the value through the mask with one blank behind.
