@@ -1,10 +1,11 @@
 #pragma once
-// What the list benchmarks measure beside the time: how long the window stood still while an
-// action ran, the process's resident memory, and a script of several statements through the
-// sqlite3 program timed by its own timer.
+// What the list benchmarks measure beside the time to the first page painted: how long the window
+// stood still while an action ran, and a script of several statements through the sqlite3
+// program timed by its own timer.
+
+#include "BenchSupport.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTimer>
@@ -13,15 +14,6 @@
 #include <vector>
 
 namespace nb::bench {
-
-// The resident size of the process, in MB.
-inline double residentMb() {
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly)) return 0;
-    for (const QByteArray& line : status.readAll().split('\n'))
-        if (line.startsWith("VmRSS:")) return line.mid(6).trimmed().split(' ').first().toDouble() / 1024;
-    return 0;
-}
 
 // Runs action with a 2 ms timer ticking; answers the action's time in ms and sets still to the
 // longest time between two ticks (or since the last one at the end): how long the window's
@@ -42,6 +34,25 @@ inline double timeWatchingStill(const std::function<void()>& action, double* sti
     const double ms = double(clock.nsecsElapsed()) / 1e6;
     *still = std::max(longest, ms - lastTick);
     return ms;
+}
+
+// firstPaintFreeMs of the action, median of several runs, each followed by the lists left reading
+// read through; still gets the median of the runs' longest stand-stills.
+inline double medianPaintedWatchingStill(QWidget* window, const std::function<void()>& action, double* still,
+                                         int repeats = 5) {
+    std::vector<double> times, stills;
+    for (int i = 0; i < repeats; ++i) {
+        double s = 0, ms = 0;
+        timeWatchingStill([&] { ms = firstPaintFreeMs(window, action); }, &s);
+        times.push_back(ms);
+        stills.push_back(s);
+        for (int settle = 0; settle < 200; ++settle)
+            QCoreApplication::processEvents(QEventLoop::AllEvents);
+    }
+    std::sort(times.begin(), times.end());
+    std::sort(stills.begin(), stills.end());
+    *still = stills[stills.size() / 2];
+    return times[times.size() / 2];
 }
 
 // The statements of script through the sqlite3 program on file: the sum of its timer's figures

@@ -57,18 +57,9 @@ void fill() {
 }
 
 void timeList(FrmTax& screen, const char* what, const QString& code) {
-    std::vector<double> still;
-    const double ms = bench::medianMs([&] {
-        double s = 0;
-        bench::timeWatchingStill(
-            [&] {
-                screen.LoadIssuedList(code);
-                screen.repaint();
-            },
-            &s);
-        still.push_back(s);
-    });
-    std::sort(still.begin(), still.end());
+    double still = 0;
+    const double ms = bench::medianPaintedWatchingStill(
+        &screen, [&] { screen.LoadIssuedList(code); }, &still);
     // The list, the customer's sums and the period's (the first quarter of this year, as the
     // screen opens), as the screen reads them.
     const QString quoted = u'\'' + code + u'\'';
@@ -81,7 +72,7 @@ void timeList(FrmTax& screen, const char* what, const QString& code) {
     const double cli = bench::cliScriptMs(stores().dbTax.path(), script);
     std::printf(
         "%-34s %6d rows  program %8.2f ms  sqlite3 %7.2f ms  ratio %5.2f  window still at most %.1f ms\n",
-        what, screen.grdList->DataRowCnt(), ms, cli, cli > 0 ? ms / cli : 0.0, still[still.size() / 2]);
+        what, screen.grdList->DataRowCnt(), ms, cli, cli > 0 ? ms / cli : 0.0, still);
     std::fflush(stdout);
 }
 
@@ -100,10 +91,10 @@ int main(int argc, char** argv) {
     FrmTax screen;
     screen.show();
     QApplication::processEvents();
-    const double emptyMb = bench::residentMb();
+    const double emptyMb = bench::residentMB();
     timeList(screen, "issued list, an ordinary customer", QStringLiteral("000001"));
     timeList(screen, "issued list, the large customer", kLargeCustomer);
     std::printf("memory: the large customer's list on the screen %.1f MB more than the empty list\n",
-                bench::residentMb() - emptyMb);
+                bench::residentMB() - emptyMb);
     return 0;
 }

@@ -90,24 +90,15 @@ void benchSearch() {
                 kStatements * kLinesPerStatement);
     FrmSMS form;
     test::showActive(&form);
-    const double emptyMb = bench::residentMb();
+    const double emptyMb = bench::residentMB();
     form.optFilter[1]->click();
     form.txtDate->setText(QStringLiteral("2020-01-01"));
     form.chkNoTrade->setChecked(true);
     int rows = 0;
-    std::vector<double> still;
-    const double screenMs = bench::medianMs([&] {
-        double s = 0;
-        bench::timeWatchingStill(
-            [&] {
-                form.btnSearch->click();
-                form.repaint();
-            },
-            &s);
-        still.push_back(s);
-        rows = form.grdList->MaxRows();
-    });
-    std::sort(still.begin(), still.end());
+    double still = 0;
+    const double screenMs = bench::medianPaintedWatchingStill(
+        &form, [&] { form.btnSearch->click(); }, &still);
+    rows = form.grdList->MaxRows();
     const double queryMs = bench::medianMs([&] {
         Recordset rs;
         OpenTradersLastDeal(rs, TraderDealFilter{false, true, true}, QString(), QStringLiteral("2020-01-01"));
@@ -126,10 +117,9 @@ void benchSearch() {
     std::printf("  screen (search clicked to the list painted)  %8.1f ms\n"
                 "  sqlite3 command line (the same query)        %8.1f ms\n  ratio %.2f\n",
                 screenMs, cliMs, screenMs / cliMs);
-    std::printf("  the window stood still at most %.1f ms (median of the searches)\n",
-                still[still.size() / 2]);
+    std::printf("  the window stood still at most %.1f ms (median of the searches)\n", still);
     std::printf("  memory: the list on the screen %.1f MB more than the empty window\n",
-                bench::residentMb() - emptyMb);
+                bench::residentMB() - emptyMb);
     std::fflush(stdout);
 }
 

@@ -96,16 +96,6 @@ double refillCli(const QString& from, const QString& to) {
     return bench::cliScriptMs(stores().dbTax.path(), script);
 }
 
-// The search clicked and the window painted again (the list's first page).
-double searchAndPaint(FrmTaxManage& screen, double* longestStill) {
-    return bench::timeWatchingStill(
-        [&] {
-            screen.btnSearch_Click();
-            screen.repaint();
-        },
-        longestStill);
-}
-
 void timeSearch(FrmTaxManage& screen, const char* what, int kind, int period, const QString& from,
                 const QString& to) {
     screen.CmbGubun->setCurrentIndex(kind);
@@ -116,19 +106,13 @@ void timeSearch(FrmTaxManage& screen, const char* what, int kind, int period, co
     } else {
         screen.CmbPeriod->setCurrentIndex(period);
     }
-    std::vector<double> still;
-    const double ms = bench::medianMs(
-        [&] {
-            double s = 0;
-            searchAndPaint(screen, &s);
-            still.push_back(s);
-        },
-        5);
-    std::sort(still.begin(), still.end());
+    double still = 0;
+    const double ms = bench::medianPaintedWatchingStill(
+        &screen, [&] { screen.btnSearch_Click(); }, &still);
     report(what, screen.grdList->DataRowCnt(), ms, refillCli(from, to));
     std::printf("%-40s the window stood still at most %.1f ms (median of the searches); the grouped query "
                 "alone %.1f ms\n",
-                "", still[still.size() / 2], groupedCli(from, to));
+                "", still, groupedCli(from, to));
     std::fflush(stdout);
 }
 
@@ -147,13 +131,13 @@ int main(int argc, char** argv) {
     FrmTaxManage screen;
     screen.show();
     QApplication::processEvents();
-    const double emptyMb = bench::residentMb();
+    const double emptyMb = bench::residentMB();
     timeSearch(screen, "search of a quarter (screen)", 1, 1, QStringLiteral("2024-04-01"),
                QStringLiteral("2024-06-30"));
     timeSearch(screen, "search of a year (screen)", 0, 0, QStringLiteral("2024-01-01"),
                QStringLiteral("2024-12-31"));
     std::printf("memory: the year's list on the screen %.1f MB more than the empty window\n",
-                bench::residentMb() - emptyMb);
+                bench::residentMB() - emptyMb);
     std::fflush(stdout);
 
     const QString pdf = home.file(QStringLiteral("year.pdf"));

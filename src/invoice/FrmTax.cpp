@@ -37,6 +37,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSqlQuery>
 #include <utility>
 
 namespace nb {
@@ -382,24 +383,24 @@ void FrmTax::DeleteLine(int i) {
 
 // ---- the issued list -------------------------------------------------------------------------
 
+// The list reads the customer's invoices as it is seen; the count and the sums come from their
+// own query, so a long list is neither walked nor written cell by cell.
 void FrmTax::LoadIssuedList(const QString& code) {
     m_listRow = 1;
-    grdList->ClearRange(1, 1, -1, -1);
+    const int shownRows = grdList->MaxRows(); // blanked, the grid keeps its rows
+    grdList->setMaxRows(0);
+    grdList->setMaxRows(shownRows);
     pnlSum[0]->clear();
     pnlSum[1]->clear();
-    const std::optional<IssuedList> list = ReadIssuedList(stores().dbTax, code);
-    if (!list || list->rows.isEmpty()) return;
-    if (list->rows.size() > grdList->MaxRows()) grdList->setMaxRows(int(list->rows.size()) + 1);
-    for (const IssuedListRow& row : list->rows) {
-        grdList->SetText(1, m_listRow, row.dealDate);
-        grdList->SetText(2, m_listRow, row.item);
-        grdList->SetText(3, m_listRow, FormatNumber(row.supply, kMaskSum));
-        grdList->SetText(4, m_listRow, FormatNumber(row.tax, kMaskSum));
-        grdList->SetText(5, m_listRow, row.taxCode);
-        ++m_listRow;
-    }
-    pnlSum[0]->setText(sumPanelText(list->supply, QStringLiteral("#,###,##0")));
-    pnlSum[1]->setText(sumPanelText(list->tax, QStringLiteral("#,###,##0")));
+    const std::optional<IssuedSums> sums = ReadIssuedSums(stores().dbTax, code);
+    if (!sums || sums->invoices == 0) return;
+    auto rows = std::make_unique<QSqlQuery>(stores().dbTax.connection());
+    if (!OpenForwardOnly(stores().dbTax, *rows, kIssuedListQuery, {code})) return;
+    grdList->showList(std::make_unique<QueryRows>(std::move(rows)), sums->invoices);
+    grdList->setMaxRows(sums->invoices > shownRows ? sums->invoices + 1 : shownRows);
+    m_listRow = sums->invoices + 1;
+    pnlSum[0]->setText(sumPanelText(sums->supply, QStringLiteral("#,###,##0")));
+    pnlSum[1]->setText(sumPanelText(sums->tax, QStringLiteral("#,###,##0")));
     ShowPeriodTotal();
 }
 
@@ -441,7 +442,6 @@ void FrmTax::deleteIssuedInvoice() {
                QStringLiteral("기존발행내역 삭제")) != AnsYes)
         return;
     DeleteInvoice(stores().dbTax, code);
-    grdList->ClearRange(1, 1, -1, -1);
     LoadIssuedList(txtCCode->text());
     grdList->SetActiveCell(1, qMax(1, row));
     clear_input();

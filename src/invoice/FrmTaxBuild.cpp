@@ -2,6 +2,7 @@
 #include "common/FormBuild.h"
 #include "common/dates/DateBox.h"
 #include "common/grid/Grid.h"
+#include "common/grid/MduSpread.h"
 #include "common/text/NumBox.h"
 #include "invoice/FrmTax.h"
 #include "invoice/TaxPaper.h"
@@ -156,6 +157,9 @@ void FrmTax::buildSideControls() {
         grdList->setColWidth(c, widths[c - 1]);
         grdList->SetLock(c, -1, true);
     }
+    // The sums are numbers, shown with their thousands commas.
+    SetFloatCell(*grdList, 3, 0, false);
+    SetFloatCell(*grdList, 4, 0, false);
     grdList->setColWidth(0, 2);
     grdList->setOperationMode(OperationMode::Row);
     makeLabel(this, QStringLiteral("[ 거래처합계 ]"), QRect(kSideX, 258, kSideWidth, 20));

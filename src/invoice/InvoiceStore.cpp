@@ -203,11 +203,20 @@ const QString kIssuedListQuery = QStringLiteral(
     "(SELECT TaxCode, MIN(rowid) AS FirstRow, MAX(rowid) AS LastRow, COUNT(*) AS Rows, TOTAL(TradeKum) AS "
     "Supply, TOTAL(VatKum) AS Tax FROM NewAcount WHERE CCode = ? GROUP BY TaxCode) g "
     "JOIN NewAcount f ON f.rowid = g.FirstRow JOIN NewAcount l ON l.rowid = g.LastRow ORDER BY g.TaxCode");
+// The invoices (a null number is one invoice as well) and the sums of a customer.
 const QString kIssuedSumsQuery =
-    QStringLiteral("SELECT TOTAL(TradeKum) AS supply, TOTAL(VatKum) AS tax FROM NewAcount WHERE CCode = ?");
+    QStringLiteral("SELECT COUNT(DISTINCT TaxCode) + IFNULL(MAX(TaxCode IS NULL), 0) AS invoices, "
+                   "TOTAL(TradeKum) AS supply, TOTAL(VatKum) AS tax FROM NewAcount WHERE CCode = ?");
 
-std::optional<TaxSums> ReadIssuedSums(Database& dbTax, const QString& cCode) {
-    return readSums(dbTax, kIssuedSumsQuery, {cCode});
+std::optional<IssuedSums> ReadIssuedSums(Database& dbTax, const QString& cCode) {
+    Recordset rs;
+    if (!OpenSnapshot(dbTax, rs, kIssuedSumsQuery, {cCode})) return std::nullopt;
+    IssuedSums sums;
+    if (!rs.EOF_())
+        sums = {int(rs.number(QStringLiteral("invoices"))), rs.number(QStringLiteral("supply")),
+                rs.number(QStringLiteral("tax"))};
+    CloseRs(rs);
+    return sums;
 }
 
 std::optional<IssuedList> ReadIssuedList(Database& dbTax, const QString& cCode) {
@@ -218,7 +227,7 @@ std::optional<IssuedList> ReadIssuedList(Database& dbTax, const QString& cCode) 
         list.rows.append({rs.field(0).toString(), rs.field(1).toString(), rs.field(2).toDouble(),
                           rs.field(3).toDouble(), rs.field(4).toString()});
     CloseRs(rs);
-    const std::optional<TaxSums> sums = ReadIssuedSums(dbTax, cCode);
+    const std::optional<IssuedSums> sums = ReadIssuedSums(dbTax, cCode);
     if (!sums) return std::nullopt;
     list.supply = sums->supply;
     list.tax = sums->tax;

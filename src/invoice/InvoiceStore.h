@@ -88,7 +88,7 @@ struct IssuedList {
 // The customer's invoices in number order; nothing when the read failed.
 std::optional<IssuedList> ReadIssuedList(Database& dbTax, const QString& cCode);
 // The same rows as the store gives them, grdList's five columns, for the list to read as it is
-// seen (bound value: the customer's code); and the customer's sums (supply, tax).
+// seen (bound value: the customer's code); and the customer's count and sums (ReadIssuedSums).
 extern const QString kIssuedListQuery;
 extern const QString kIssuedSumsQuery;
 
@@ -101,8 +101,13 @@ struct TaxSums {
 };
 // Sum(TradeKum), Sum(VatKum) of all invoices (null as 0); nothing when the read failed.
 std::optional<TaxSums> ReadAllTaxSums(Database& dbTax);
-// The same of one customer's invoices.
-std::optional<TaxSums> ReadIssuedSums(Database& dbTax, const QString& cCode);
+// One customer's invoices: how many (the rows of its issued list) and their sums.
+struct IssuedSums {
+    int invoices = 0;
+    double supply = 0;
+    double tax = 0;
+};
+std::optional<IssuedSums> ReadIssuedSums(Database& dbTax, const QString& cCode);
 // The same for DealDate between two dates.
 std::optional<TaxSums> ReadTaxSums(Database& dbTax, const QString& from, const QString& to);
 // A sum panel's text: the value through the mask with one blank behind.

@@ -198,28 +198,29 @@ QString FrmTaxManage::periodName() const {
 }
 
 // The work table is refilled beside the window (it stays painted meanwhile); the list then reads
-// SaleTotal as it is seen, and the sums are the ones the refill counted.
+// SaleTotal as it is seen, a page at a time, and the sums are the ones the refill counted.
 void FrmTaxManage::btnSearch_Click() {
     if (m_searching) return;
     m_searching = true;
-    ClearGrid(*grdList);
+    clearRows();
     const std::optional<TotalsRefill> refill =
         RefillTotalsAside(stores().dbTax, stores().dbBasic.path(), period());
     m_searching = false;
     showRows(refill.value_or(TotalsRefill()));
 }
 
+// The list emptied down to its blank rows, without reading what was left of the last one.
+void FrmTaxManage::clearRows() {
+    grdList->setMaxRows(0);
+    grdList->setMaxRows(kListRows);
+}
+
 void FrmTaxManage::showRows(const TotalsRefill& refill) {
     if (refill.rows > 0) {
-        QSqlQuery rows(stores().dbTax.connection());
-        rows.setForwardOnly(true);
-        if (OpenForwardOnly(stores().dbTax, rows, kTotalsListQuery)) {
-            if (refill.rows > grdList->MaxRows()) grdList->setMaxRows(refill.rows);
-            grdList->fillQuietly([&] {
-                for (int r = 1; rows.next(); ++r)
-                    for (int c = ColTraderName; c <= ColGubun; ++c)
-                        if (!rows.isNull(c - 1)) grdList->SetText(c, r, rows.value(c - 1).toString());
-            });
+        auto rows = std::make_unique<QSqlQuery>(stores().dbTax.connection());
+        if (OpenForwardOnly(stores().dbTax, *rows, kTotalsListQuery)) {
+            grdList->showList(std::make_unique<QueryRows>(std::move(rows)), refill.rows);
+            if (grdList->MaxRows() < kListRows) grdList->setMaxRows(kListRows);
         }
     }
     const std::array<double, 6> sums = panelSums(refill);

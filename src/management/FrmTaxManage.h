@@ -66,6 +66,7 @@ private:
     void buildGrid();
     void connectControls();
     void onGubunChanged(int index);
+    void clearRows();
     void showRows(const TotalsRefill& refill);
     QString periodName() const;
 
