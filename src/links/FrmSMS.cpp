@@ -227,7 +227,7 @@ void FrmSMS::optFilterClick(int index) {
 }
 
 // The query runs beside the window (it stays painted while a decade of statements is grouped);
-// its rows come back with their numbers picked, and go into the list at once.
+// its rows then become the list's, each with the numbers of the ticked types.
 void FrmSMS::SearchTraders() {
     grdList->setMaxRows(0);
     ChkAll->setChecked(false);
@@ -245,36 +245,34 @@ void FrmSMS::SearchTraders() {
         ReportQueryFailure(ErrNotOpened, QString(), sqlForDisplay(read.sql, read.values));
         return;
     }
-    const PhoneTypes types{chkPhoneType[0]->isChecked(), chkPhoneType[1]->isChecked(),
-                           chkPhoneType[2]->isChecked()};
-    QVector<QVariantList> found;
-    const bool ok = readAside(read, [&](const QSqlQuery& row) {
-        found.push_back(
-            {QString(), row.value(0).toString(),
-             pickNumbers(row.value(1).toString(), row.value(2).toString(), row.value(3).toString(), types),
-             byDate ? row.value(5).toString() : QString()});
+    QVector<QStringList> found; // C_Name, Phone, Fax, HPhone, lastdate
+    const bool ok = readAside(read, [&found](const QSqlQuery& row) {
+        found.push_back({row.value(0).toString(), row.value(1).toString(), row.value(2).toString(),
+                         row.value(3).toString(), row.value(5).toString()});
     });
-    if (!ok) return;
-    if (!byName && !byDate) { // one option is always on: a programmer's alarm
-        for (qsizetype k = 0; k < found.size(); ++k)
-            MsgBox(QStringLiteral("FixMe"));
-        found.clear();
-    }
-    showFound(found);
+    if (ok) showFound(found, byName, byDate);
     lblCountRec->setText(QStringLiteral("0"));
 }
 
-void FrmSMS::showFound(const QVector<QVariantList>& found) {
-    Progress progress(QStringLiteral("자료 검색중..."), int(found.size()));
-    grdList->setMaxRows(int(found.size()));
-    grdList->fillQuietly([&] {
-        for (int row = 1; row <= int(found.size()); ++row) {
+void FrmSMS::showFound(const QVector<QStringList>& found, bool byName, bool byDate) {
+    const PhoneTypes types{chkPhoneType[0]->isChecked(), chkPhoneType[1]->isChecked(),
+                           chkPhoneType[2]->isChecked()};
+    QVector<QVariantList> rows;
+    rows.reserve(found.size());
+    {
+        Progress progress(QStringLiteral("자료 검색중..."), int(found.size()));
+        for (const QStringList& f : found) {
             progress.step();
-            const QVariantList& f = found[row - 1];
-            for (int col = ColName; col <= ColNote; ++col)
-                grdList->SetText(col, row, f.at(col - 1).toString());
+            if (!byName && !byDate) { // one option is always on: a programmer's alarm
+                MsgBox(QStringLiteral("FixMe"));
+                continue;
+            }
+            rows.push_back({QString(), f.at(0), pickNumbers(f.at(1), f.at(2), f.at(3), types),
+                            byDate ? f.at(4) : QString()});
         }
-    });
+    }
+    const int count = int(rows.size());
+    grdList->showList(std::make_unique<RowsInMemory>(std::move(rows), int(ColNote)), count);
 }
 
 // ---- ticking ----------------------------------------------------------------------------

@@ -2,7 +2,7 @@
 // "문자,음성,팩스 전송(SMS)": the operator picks traders, by name or by the time since their last
 // statement, with the kinds of numbers wanted, ticks rows and hands them to the sending program.
 
-#include <QVariantList>
+#include <QStringList>
 #include <QVector>
 #include <QWidget>
 #include <array>
@@ -57,7 +57,7 @@ private:
     void loadForm();
     void optFilterClick(int index);
     void SearchTraders();
-    void showFound(const QVector<QVariantList>& found);
+    void showFound(const QVector<QStringList>& found, bool byName, bool byDate);
     void tickAll(bool on);
     void tickBlock(int col, int row, int col2, int row2);
     void leaveDateBox();
