@@ -1,0 +1,139 @@
+// The invoice screen's list of a customer's issued invoices when it is longer than a page: three
+// hundred invoices of 다라상회 counted at once and read as they are seen, scrolled to the end, the
+// last one chosen by the mouse and shown, its sums against every row, and the last one deleted.
+#include "TaxScreenKit.h"
+#include "common/grid/Grid.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QScrollBar>
+
+using namespace nb;
+
+namespace {
+
+constexpr int kInvoices = 300;
+
+// Invoices 200000..200299 of 다라상회, each of two lines: "품목<n>" of 1,000 × (n + 1) and "덤" of
+// 100, VAT a tenth, dated across 2023.
+void addManyInvoices() {
+    QVERIFY(
+        test::exec(stores().dbTax,
+                   QStringLiteral("INSERT INTO NewAcount (TaxCode, CCode, PName, PNorm, Quantity, UnitCost, "
+                                  "TradeKum, VatKum, DealDate, TradeDate, UserCode) WITH RECURSIVE n(i) AS "
+                                  "(SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < %1) SELECT "
+                                  "CAST(200000 + i / 2 AS TEXT), '000002', CASE WHEN i % 2 = 0 THEN '품목' "
+                                  "|| (i / 2) ELSE '덤' END, 'EA', 1, 0, CASE WHEN i % 2 = 0 THEN 1000 * "
+                                  "(i / 2 + 1) ELSE 100 END, CASE WHEN i % 2 = 0 THEN 100 * (i / 2 + 1) "
+                                  "ELSE 10 END, date('2023-01-01', '+' || (i / 2) || ' days'), '01-01', '' "
+                                  "FROM n")
+                       .arg(2 * kInvoices - 1)));
+}
+
+struct Screen {
+    test::TestHome home;
+    std::unique_ptr<FrmTax> form;
+    Screen() {
+        test::fixClock();
+        test::openStores();
+        test::addScreenData();
+        addManyInvoices();
+        test::installStoreLookups();
+    }
+    FrmTax& open() {
+        form = std::make_unique<FrmTax>();
+        test::showActive(form.get());
+        test::chooseReceiver(*form, QStringLiteral("다라"));
+        return *form;
+    }
+    ~Screen() { setClock({}); }
+};
+
+QString lastCode() {
+    return QString::number(200000 + kInvoices - 1);
+}
+
+void scrollToTheEnd(Grid& grid) {
+    QApplication::processEvents(); // the list painted: its scroll bar knows every row
+    grid.verticalScrollBar()->setValue(grid.verticalScrollBar()->maximum());
+    QApplication::processEvents();
+}
+
+} // namespace
+
+class TestIssuedList : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void aLongListIsCountedAtOnceWithARowToSpare() {
+        Screen s;
+        test::script();
+        FrmTax& f = s.open();
+        QVERIFY(f.grdList->isList());
+        QCOMPARE(f.grdList->MaxRows(), kInvoices + 1);
+        QCOMPARE(f.ListRow(), kInvoices + 1);
+        QCOMPARE(f.grdList->Text(1, 1), QStringLiteral("2023-01-01"));
+        QCOMPARE(f.grdList->Text(2, 1), QStringLiteral("덤 외 1"));
+        QCOMPARE(f.grdList->Text(3, 1), QStringLiteral("1,100"));
+        QCOMPARE(f.grdList->DataRowCnt(), kInvoices);
+        QVERIFY(f.grdList->Text(5, kInvoices + 1).isEmpty());
+    }
+
+    void scrollingToTheEndShowsTheLastInvoice() {
+        Screen s;
+        test::script();
+        FrmTax& f = s.open();
+        scrollToTheEnd(*f.grdList);
+        const int bottom = f.grdList->rowAt(f.grdList->viewport()->height() - 2) + 1;
+        QCOMPARE(bottom, kInvoices + 1); // the blank row under the last invoice
+        QCOMPARE(f.grdList->Text(5, kInvoices), lastCode());
+        QCOMPARE(f.grdList->Text(3, kInvoices), QStringLiteral("300,100"));
+        QCOMPARE(f.grdList->Text(4, kInvoices), QStringLiteral("30,010"));
+        test::saveScreenshot(&f, QStringLiteral("frm_tax_issued_list_end"));
+    }
+
+    void theLastInvoiceChosenByTheMouseIsShown() {
+        Screen s;
+        test::script();
+        FrmTax& f = s.open();
+        scrollToTheEnd(*f.grdList);
+        const QRect cell = f.grdList->visualRect(f.grdList->model()->index(kInvoices - 1, 1));
+        QVERIFY(cell.isValid());
+        QTest::mouseClick(f.grdList->viewport(), Qt::LeftButton, {}, cell.center());
+        QCOMPARE(f.TaxCode->text(), lastCode());
+        QCOMPARE(f.pummok(0)->text(), QStringLiteral("품목299"));
+        QCOMPARE(f.pummok(1)->text(), QStringLiteral("덤"));
+    }
+
+    void theSumsAreTheCustomersAndAgreeWithEveryRow() {
+        Screen s;
+        test::script();
+        FrmTax& f = s.open();
+        // 1,000 × (1 + ... + 300) + 100 × 300, and a tenth of it.
+        const double supply = 1000.0 * kInvoices * (kInvoices + 1) / 2 + 100.0 * kInvoices;
+        QCOMPARE(supply, 45180000.0);
+        QCOMPARE(f.pnlSum[0]->text(), QStringLiteral("45,180,000 "));
+        QCOMPARE(f.pnlSum[1]->text(), QStringLiteral("4,518,000 "));
+        double walked = 0;
+        for (int r = 1; r <= f.grdList->DataRowCnt(); ++r)
+            walked += f.grdList->Value(3, r);
+        QCOMPARE(walked, supply);
+    }
+
+    void theLastInvoiceDeletedByF4LeavesTheListOneShorter() {
+        Screen s;
+        auto& msgs = test::script();
+        FrmTax& f = s.open();
+        scrollToTheEnd(*f.grdList);
+        f.grdList->setFocus();
+        f.grdList->SetActiveCell(1, kInvoices);
+        msgs.answer(AnsYes);
+        test::pressKey(f.grdList, Qt::Key_F4);
+        QCOMPARE(test::invoiceRows(QStringLiteral("WHERE TaxCode = ?"), {lastCode()}), 0);
+        QCOMPARE(f.grdList->DataRowCnt(), kInvoices - 1);
+        QCOMPARE(f.ListRow(), kInvoices);
+        QCOMPARE(f.grdList->Text(5, kInvoices - 1), QString::number(200000 + kInvoices - 2));
+    }
+};
+
+NB_TEST_MAIN(TestIssuedList)
+#include "tst_issued_list.moc"
