@@ -80,7 +80,11 @@ std::optional<TotalsRefill> refillWorkTables(Database& dbTax, const TotalsPeriod
     {
         QSqlQuery count(dbTax.connection());
         if (!count.exec(kCountSaleTotal) || !count.next()) {
-            failure = {RefillFailure::Statement, ErrSyntax, count.lastError().text(), 0, kCountSaleTotal};
+            const QSqlError error = count.lastError();
+            const int code = error.nativeErrorCode().toInt();
+            failure = {RefillFailure::Statement, errorNumberFor(error.databaseText(), code),
+                       error.databaseText().isEmpty() ? error.text() : error.databaseText(), code,
+                       kCountSaleTotal};
             count.finish();
             dbTax.rollback();
             return std::nullopt;
