@@ -119,6 +119,22 @@ private Q_SLOTS:
         QCOMPARE(walked, supply);
     }
 
+    void choosingTheSameCustomerAgainShowsTheLongListAfresh() {
+        Screen s;
+        test::script();
+        FrmTax& f = s.open();
+        QVERIFY(test::addInvoiceRow(QStringLiteral("299999"), QStringLiteral("000002"),
+                                    QStringLiteral("새것"), 700, 70, QStringLiteral("2024-05-10")));
+        test::chooseReceiver(f, QStringLiteral("다라"));
+        // 301 invoices do not exceed the 301 rows the grid had: it keeps them, as a blanked grid does.
+        QCOMPARE(f.grdList->MaxRows(), kInvoices + 1);
+        QCOMPARE(f.grdList->DataRowCnt(), kInvoices + 1);
+        QCOMPARE(f.ListRow(), kInvoices + 2);
+        QCOMPARE(f.grdList->Text(2, kInvoices + 1), QStringLiteral("새것"));
+        QCOMPARE(f.grdList->Text(3, kInvoices + 1), QStringLiteral("700"));
+        QCOMPARE(f.pnlSum[0]->text(), QStringLiteral("45,180,700 "));
+    }
+
     void theLastInvoiceDeletedByF4LeavesTheListOneShorter() {
         Screen s;
         auto& msgs = test::script();
