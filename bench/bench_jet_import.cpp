@@ -1,49 +1,141 @@
 // The import of the old Jet files beside the bare route: mdb-export of every table of the same
-// files piped into the sqlite3 program's .import, without any check. Both shared sets; the
-// median of five runs each, in milliseconds.
+// files piped into the sqlite3 program's .import, without any check. Both shared sets (median of
+// five runs each) and a decade of a busy shop made from the current set (median of three):
+// its statement and invoice tables copied 31 and 20 times over with their keys renumbered, so
+// 62,000 statements, 508,710 lines and 20,000 invoices. Before the decade is timed, its files
+// are shown to be read whole: the rows and sums mdb-export hands to sqlite3 and those the
+// program's import read and wrote, beside the figures the copies must give.
 #include "BenchSupport.h"
+#include "JetGrow.h"
 #include "TestSupport.h"
 #include "storage/jet/JetImport.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
+#include <QTemporaryDir>
 #include <cstdio>
 
 using namespace nb;
 
 namespace {
 
-QString setFolder(const QString& set) {
+constexpr int kStatementCopies = 31; // 2,000 statements a copy
+constexpr int kInvoiceCopies = 20;   // 1,000 invoices a copy
+
+QString sharedSet(const QString& set) {
     return test::sharedDataDir() + QStringLiteral("/legacy-jet/") + set;
 }
 
-double importMs(const QString& set) {
+// Statement n of copy k is n + 3,000 k, which leaves the numbers just above 2,000 to the lines
+// without a head of the first copy; such a line of copy k goes to 100,000 + 1,000 k + its
+// distance above 2,000, so it stays without one. Invoice n is n + 1,000 k.
+qint64 statementNumber(qint64 n, int copy) {
+    return n <= 2000 ? n + 3000 * copy : 100000 + 1000 * copy + (n - 2000);
+}
+
+void makeDecade(const QString& folder) {
+    const QDir from(sharedSet(QStringLiteral("current")));
+    for (const QString& name : from.entryList({QStringLiteral("*.mdb")}, QDir::Files)) {
+        QFile::copy(from.filePath(name), folder + u'/' + name);
+        QFile(folder + u'/' + name).setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+    }
+    bench::JetGrower bill(folder + QStringLiteral("/dbBill.mdb"));
+    bill.grow(QStringLiteral("Master"), QStringLiteral("BillNo"), kStatementCopies - 1, statementNumber);
+    bill.grow(QStringLiteral("Detail"), QStringLiteral("BillNo"), kStatementCopies - 1, statementNumber);
+    bill.save();
+    bench::JetGrower tax(folder + QStringLiteral("/dbTax.mdb"));
+    tax.grow(QStringLiteral("NewAcount"), QStringLiteral("TaxCode"), kInvoiceCopies - 1,
+             [](qint64 n, int copy) { return n + 1000 * copy; });
+    tax.save();
+}
+
+// One line of sqlite3's answer for a statement on a file.
+QString cliAnswer(const QString& file, const QString& sql) {
+    QProcess p;
+    p.start(QStringLiteral("sqlite3"), {file, sql});
+    p.waitForFinished(120000);
+    return QString::fromUtf8(p.readAllStandardOutput()).trimmed();
+}
+
+// The bare route once over a folder, each file into <out>/<file>.db.
+void bareRoute(const QString& folder, const QString& out) {
+    const QString script = QStringLiteral(
+        "set -e; cd \"$1\"; for f in *.mdb; do db=\"$2/${f%.mdb}.db\"; rm -f \"$db\"; "
+        "for t in $(mdb-tables -1 \"$f\"); do mdb-export \"$f\" \"$t\" | sqlite3 \"$db\" \".import --csv "
+        "/dev/stdin $t\"; "
+        "done; done");
+    QProcess bash;
+    bash.start(QStringLiteral("bash"), {QStringLiteral("-c"), script, QStringLiteral("bare"), folder, out});
+    bash.waitForFinished(1800000);
+}
+
+double bareMs(const QString& folder, int repeats) {
+    test::TestHome home;
+    return bench::medianMs([&] { bareRoute(folder, home.path()); }, repeats);
+}
+
+double importMs(const QString& folder, int repeats, JetImportReport* last = nullptr) {
     test::TestHome home;
     bench::openFreshStore();
     closeStores();
     JetImportOptions options;
     options.readerProgram = QStringLiteral(NB_BINARY_DIR) + QStringLiteral("/nubella");
     bool ok = true;
-    const double ms = bench::medianMs([&] { ok = importJetFolder(setFolder(set), options).ok && ok; }, 5);
-    if (!ok) std::printf("import of %s failed\n", qPrintable(set));
+    const double ms = bench::medianMs(
+        [&] {
+            JetImportReport report = importJetFolder(folder, options);
+            ok = report.ok && ok;
+            if (!report.ok) std::printf("import failed: %s\n", qPrintable(report.failure));
+            if (last) *last = report;
+        },
+        repeats);
+    if (!ok) std::printf("import of %s failed\n", qPrintable(folder));
     return ms;
 }
 
-double bareMs(const QString& set) {
+void showFigures(const JetImportReport& report, const QString& table) {
+    for (const JetTableFigures& t : report.tables) {
+        if (t.table != table) continue;
+        std::printf("  import    %-10s rows read %lld, written %lld", qPrintable(table), t.rowsRead, t.rowsWritten);
+        for (const JetColumnSum& s : t.sums)
+            if (QStringList{"Amount", "VAT", "TotAmount", "TradeKum", "VatKum"}.contains(s.column))
+                std::printf("; %s %s / %s", qPrintable(s.column), qPrintable(jetFigure(s.read)),
+                            qPrintable(jetFigure(s.written)));
+        std::printf("\n");
+    }
+}
+
+// The decade's files read whole: counts from mdb-count, rows and sums through the bare route
+// and through the import, beside what the copies must give.
+void proveDecade(const QString& folder) {
+    std::printf("decade set: expected Master %d, Detail %d (Amount %.0f, VAT %.0f), NewAcount %d (TradeKum %.0f)\n",
+                2000 * kStatementCopies, 16410 * kStatementCopies, 26727932982.0 * kStatementCopies,
+                1783862549.0 * kStatementCopies, 2454 * kInvoiceCopies, 2825538327.0 * kInvoiceCopies);
+    for (const auto& [file, table] : std::initializer_list<std::pair<const char*, const char*>>{
+             {"dbBill.mdb", "Master"}, {"dbBill.mdb", "Detail"}, {"dbTax.mdb", "NewAcount"}}) {
+        QProcess count;
+        count.start(QStringLiteral("mdb-count"), {folder + u'/' + QLatin1String(file), QLatin1String(table)});
+        count.waitForFinished(600000);
+        std::printf("  mdb-count %-10s %s\n", table, count.readAllStandardOutput().trimmed().constData());
+    }
     test::TestHome home;
-    const QString script = QStringLiteral(
-        "set -e; cd \"$1\"; n=0; for f in *.mdb; do n=$((n+1)); out=\"$2/bare$n.db\"; rm -f \"$out\"; "
-        "for t in $(mdb-tables -1 \"$f\"); do mdb-export \"$f\" \"$t\" | sqlite3 \"$out\" \".import --csv "
-        "/dev/stdin $t\"; "
-        "done; done");
-    return bench::medianMs(
-        [&] {
-            QProcess bash;
-            bash.start(QStringLiteral("bash"),
-                       {QStringLiteral("-c"), script, QStringLiteral("bare"), setFolder(set), home.path()});
-            bash.waitForFinished(600000);
-        },
-        5);
+    bareRoute(folder, home.path());
+    const QString bill = home.path() + QStringLiteral("/dbBill.db");
+    const QString tax = home.path() + QStringLiteral("/dbTax.db");
+    std::printf("  bare      Master    rows|TotAmount %s\n",
+                qPrintable(cliAnswer(bill, QStringLiteral("SELECT COUNT(*), SUM(TotAmount) FROM Master"))));
+    std::printf("  bare      Detail    rows|Amount|VAT (lines under a head) %s | %s\n",
+                qPrintable(cliAnswer(bill, QStringLiteral("SELECT COUNT(*), SUM(Amount), SUM(VAT) FROM Detail"))),
+                qPrintable(cliAnswer(bill, QStringLiteral("SELECT SUM(Amount), SUM(VAT) FROM Detail WHERE BillNo "
+                                                          "IN (SELECT BillNo FROM Master)"))));
+    std::printf("  bare      NewAcount rows|invoices|TradeKum %s\n",
+                qPrintable(cliAnswer(tax, QStringLiteral("SELECT COUNT(*), COUNT(DISTINCT TaxCode), SUM(TradeKum) "
+                                                         "FROM NewAcount"))));
+    JetImportReport report;
+    importMs(folder, 1, &report);
+    for (const char* table : {"Master", "Detail", "NewAcount"})
+        showFigures(report, QLatin1String(table));
 }
 
 } // namespace
@@ -53,10 +145,21 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     test::prepareApplication(application);
     test::script();
+    QTemporaryDir decade;
+    try {
+        makeDecade(decade.path());
+    } catch (const std::exception& e) {
+        std::printf("the decade set could not be made: %s\n", e.what());
+        return 1;
+    }
+    proveDecade(decade.path());
+    if (qEnvironmentVariableIsSet("NB_BENCH_PROVE_ONLY")) return 0;
     std::printf("%-10s %14s %14s %8s\n", "set", "import (ms)", "bare (ms)", "ratio");
-    for (const QString& set : {QStringLiteral("current"), QStringLiteral("older")}) {
-        const double ours = importMs(set);
-        const double bare = bareMs(set);
+    for (const QString& set : {QStringLiteral("current"), QStringLiteral("older"), QStringLiteral("decade")}) {
+        const bool big = set == QStringLiteral("decade");
+        const QString folder = big ? decade.path() : sharedSet(set);
+        const double ours = importMs(folder, big ? 3 : 5);
+        const double bare = bareMs(folder, big ? 3 : 5);
         std::printf("%-10s %14.0f %14.0f %8.2f\n", qPrintable(set), ours, bare, ours / bare);
     }
     return 0;
