@@ -29,9 +29,13 @@ OldLineSplit splitOldLine(double quant, double unitCost, double saleKum, VatChoi
 // The folder of the store files as this step sees it: "db경로", or <app folder>/Dbs.
 QString updateBillFolder();
 
+// The old file attached to the statement store's connection as "old", where the conversion
+// reads it. Done before the caller's transaction begins: the engine attaches no file inside one.
+bool AttachOldStatements(Database& newDb, const QString& oldPath);
+
 // The three passes of the conversion (heads, lines, the heads' totals from their lines) from an
-// open old store into an open statement store, inside the caller's transaction; false when a
-// pass could not read. Row-level failures are reported and passed over.
+// open old store, attached as above, into an open statement store, inside the caller's
+// transaction; false when a pass could not read. Row-level failures are reported and passed over.
 bool ConvertOldStatements(Database& oldDb, Database& newDb);
 
 // The conversion. Nothing happens (and nothing is shown) without the old file.

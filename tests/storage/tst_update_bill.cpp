@@ -296,6 +296,84 @@ private Q_SLOTS:
                  QStringList{QStringLiteral("195|20|2")});
     }
 
+    // Totals taken as the heads are written add the lines in the order the store's own sums
+    // add them, so amounts with fractions give the same number to the last bit.
+    void headTotalsEqualTheStoresOwnSumsOfTheirLines() {
+        test::TestHome home;
+        QList<OldLine> lines;
+        for (int i = 0; i < 40; ++i)
+            lines << OldLine{i % 3 ? QStringLiteral("000001") : QStringLiteral("000002"),
+                             QStringLiteral("품목"),
+                             QString(),
+                             4.26 + i * 0.013,
+                             168.8 + i * 0.7,
+                             0,
+                             0};
+        layDown(home, {QStringLiteral("000001"), QStringLiteral("000002")}, lines);
+        auto& msgs = test::script();
+        msgs.answer(AnsOk);
+        msgs.answer(AnsYes);
+        UpdateBill();
+        const QStringList heads = rows(QStringLiteral(
+            "SELECT BillNo, printf('%.17g|%.17g', TotAmount, TotVat), NumBill FROM Master ORDER BY BillNo"));
+        const QStringList sums = rows(QStringLiteral("SELECT BillNo, printf('%.17g|%.17g', SUM(Amount), "
+                                                     "SUM(VAT)), COUNT(*) FROM Detail GROUP BY BillNo"));
+        QCOMPARE(heads.size(), 2);
+        QCOMPARE(heads, sums);
+        QVERIFY(heads.first().endsWith(QStringLiteral("|26")));
+    }
+
+    // A store that held statements before the move: every head with lines takes the sums of all
+    // its lines in the store, the old ones and the moved ones alike.
+    void aStoreWithStatementsBeforeTakesEveryHeadsTotalsFromAllItsLines() {
+        test::TestHome home;
+        layDown(home, {QStringLiteral("000001"), QStringLiteral("000005")},
+                {{QStringLiteral("000001"), QStringLiteral("볼트"), QString(), 2, 100, 220, 0}});
+        QVERIFY(test::runRaw(
+            app().DbBillFile,
+            {QStringLiteral("INSERT INTO Master VALUES ('000001', '2024-01-02', '000002', 999, 99, 9)"),
+             QStringLiteral("INSERT INTO Master VALUES ('000007', '2024-01-03', '000002', 777, 77, 7)"),
+             QStringLiteral("INSERT INTO Detail (BillNo, BillSEQ, PName, Amount, VAT) VALUES "
+                            "('000001', 1, '너트', 50, 5)"),
+             QStringLiteral("INSERT INTO Detail (BillNo, BillSEQ, PName, Amount, VAT) VALUES "
+                            "('000007', 1, '와셔', 30, 3)")}));
+        auto& msgs = test::script();
+        UpdateBill();
+        QCOMPARE(msgs.boxes().back().text, kDone);
+        QCOMPARE(rows(QStringLiteral(
+                     "SELECT BillNo, BillDate, TotAmount, TotVat, NumBill FROM Master ORDER BY rowid")),
+                 (QStringList{QStringLiteral("000001|2024-01-02|250|25|2"),
+                              QStringLiteral("000007|2024-01-03|30|3|1"),
+                              QStringLiteral("000001|2019-03-04|250|25|2"),
+                              QStringLiteral("000005|2019-03-04|0|0|0")}));
+    }
+
+    // Lines whose statement has no head are moved; each such statement is told once, as its
+    // totals have nowhere to go; a head without lines keeps zeros.
+    void linesWithoutAHeadAreToldOncePerStatement() {
+        test::TestHome home;
+        layDown(home, {QStringLiteral("000001"), QStringLiteral("000002")},
+                {{QStringLiteral("000003"), QStringLiteral("가"), QString(), 1, 100, 110, 0},
+                 {QStringLiteral("000001"), QStringLiteral("나"), QString(), 1, 100, 110, 0},
+                 {QStringLiteral("000003"), QStringLiteral("다"), QString(), 1, 100, 110, 0},
+                 {QStringLiteral("000004"), QStringLiteral("라"), QString(), 1, 100, 110, 0}});
+        auto& msgs = test::script();
+        UpdateBill();
+        int told = 0;
+        for (const MessageRecord& r : msgs.boxes())
+            told +=
+                r.text ==
+                QStringLiteral("DB교체 작업중 오류가 발생하여 합계금액을 계산하지 못한 자료가 발생했습니다.");
+        QCOMPARE(told, 2);
+        QCOMPARE(msgs.boxes().back().text, kDone);
+        QCOMPARE(rows(QStringLiteral("SELECT BillNo, BillSEQ FROM Detail ORDER BY rowid")),
+                 (QStringList{QStringLiteral("000001|1"), QStringLiteral("000003|1"),
+                              QStringLiteral("000003|2"), QStringLiteral("000004|1")}));
+        QCOMPARE(
+            rows(QStringLiteral("SELECT BillNo, TotAmount, TotVat, NumBill FROM Master ORDER BY BillNo")),
+            (QStringList{QStringLiteral("000001|100|10|1"), QStringLiteral("000002|0|0|0")}));
+    }
+
     void aFailedStepLeavesTheStoreAsBeforeAndTheOldFileInPlace() {
         test::TestHome home;
         layDown(home, {QStringLiteral("000001")}, {});

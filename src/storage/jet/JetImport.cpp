@@ -321,7 +321,8 @@ bool Import::convertOldStatements() {
             return fail(QStringLiteral("%1 파일의 자료를 옮길 작업 파일을 만들지 못했습니다.").arg(f.name));
         Database old;
         Database converted;
-        if (!old.open(f.raw) || !converted.open(scratch) || !converted.beginTransaction())
+        if (!old.open(f.raw) || !converted.open(scratch) || !AttachOldStatements(converted, f.raw) ||
+            !converted.beginTransaction())
             return fail(QStringLiteral("%1 파일의 자료를 옮기지 못했습니다.").arg(f.name));
         if (!ConvertOldStatements(old, converted) || !converted.commit())
             return fail(
