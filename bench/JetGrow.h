@@ -13,13 +13,12 @@
 // order, and the end of the variable data before those. A table definition page (0x02) holds
 // the row count at 0x10 and at 0x37 the pointer (row byte, then page) to the page map row.
 
-#include <mdbtools.h>
-
 #include <QByteArray>
 #include <QFile>
 #include <QString>
 #include <cstring>
 #include <functional>
+#include <mdbtools.h>
 #include <stdexcept>
 #include <vector>
 
@@ -83,7 +82,9 @@ private:
         std::memcpy(&v, m_bytes.constData() + qsizetype(page) * kPage + at, 4);
         return v;
     }
-    void put32(int page, int at, quint32 v) { std::memcpy(m_bytes.data() + qsizetype(page) * kPage + at, &v, 4); }
+    void put32(int page, int at, quint32 v) {
+        std::memcpy(m_bytes.data() + qsizetype(page) * kPage + at, &v, 4);
+    }
     static quint16 get16(const QByteArray& page, int at) {
         return quint16(quint8(page[at]) | quint8(page[at + 1]) << 8);
     }
@@ -111,7 +112,8 @@ private:
         }
         mdb_close(mdb);
         if (shape.tdefPage == 0 || shape.keyVarIndex < 0) fail("no table " + table + "." + keyColumn);
-        if (byte(shape.tdefPage, 0) != 0x02 || get32(shape.tdefPage, 4) != 0) fail("unexpected definition page");
+        if (byte(shape.tdefPage, 0) != 0x02 || get32(shape.tdefPage, 4) != 0)
+            fail("unexpected definition page");
         return shape;
     }
 
@@ -161,7 +163,8 @@ private:
     }
 
     // Renumbers the key of every live row of a copied page; answers the live rows.
-    static int renumberRows(QByteArray& page, const TableShape& shape, const std::function<qint64(qint64)>& renumber) {
+    static int renumberRows(QByteArray& page, const TableShape& shape,
+                            const std::function<qint64(qint64)>& renumber) {
         int live = 0;
         for (int row = 0; row < get16(page, 0x0c); ++row) {
             int start = 0, end = 0;
@@ -180,16 +183,20 @@ private:
     }
 
     // A text of digits, stored compressed (FF FE, then a byte a character) or as UTF-16.
-    static void renumberText(QByteArray& page, int from, int to, const std::function<qint64(qint64)>& renumber) {
-        const bool compressed = to - from >= 2 && quint8(page[from]) == 0xff && quint8(page[from + 1]) == 0xfe;
+    static void renumberText(QByteArray& page, int from, int to,
+                             const std::function<qint64(qint64)>& renumber) {
+        const bool compressed =
+            to - from >= 2 && quint8(page[from]) == 0xff && quint8(page[from + 1]) == 0xfe;
         const int first = compressed ? from + 2 : from;
         const int step = compressed ? 1 : 2;
         QByteArray digits;
         for (int at = first; at < to; at += step) {
-            if (page[at] < '0' || page[at] > '9' || (!compressed && page[at + 1] != 0)) fail("a key not of digits");
+            if (page[at] < '0' || page[at] > '9' || (!compressed && page[at + 1] != 0))
+                fail("a key not of digits");
             digits.append(page[at]);
         }
-        const QByteArray renumbered = QByteArray::number(renumber(digits.toLongLong())).rightJustified(digits.size(), '0');
+        const QByteArray renumbered =
+            QByteArray::number(renumber(digits.toLongLong())).rightJustified(digits.size(), '0');
         if (renumbered.size() != digits.size()) fail("a renumbered key is wider than its row");
         for (int i = 0; i < renumbered.size(); ++i)
             page[first + i * step] = renumbered[i];

@@ -97,7 +97,8 @@ double importMs(const QString& folder, int repeats, JetImportReport* last = null
 void showFigures(const JetImportReport& report, const QString& table) {
     for (const JetTableFigures& t : report.tables) {
         if (t.table != table) continue;
-        std::printf("  import    %-10s rows read %lld, written %lld", qPrintable(table), t.rowsRead, t.rowsWritten);
+        std::printf("  import    %-10s rows read %lld, written %lld", qPrintable(table), t.rowsRead,
+                    t.rowsWritten);
         for (const JetColumnSum& s : t.sums)
             if (QStringList{"Amount", "VAT", "TotAmount", "TradeKum", "VatKum"}.contains(s.column))
                 std::printf("; %s %s / %s", qPrintable(s.column), qPrintable(jetFigure(s.read)),
@@ -109,9 +110,10 @@ void showFigures(const JetImportReport& report, const QString& table) {
 // The decade's files read whole: counts from mdb-count, rows and sums through the bare route
 // and through the import, beside what the copies must give.
 void proveDecade(const QString& folder) {
-    std::printf("decade set: expected Master %d, Detail %d (Amount %.0f, VAT %.0f), NewAcount %d (TradeKum %.0f)\n",
-                2000 * kStatementCopies, 16410 * kStatementCopies, 26727932982.0 * kStatementCopies,
-                1783862549.0 * kStatementCopies, 2454 * kInvoiceCopies, 2825538327.0 * kInvoiceCopies);
+    std::printf(
+        "decade set: expected Master %d, Detail %d (Amount %.0f, VAT %.0f), NewAcount %d (TradeKum %.0f)\n",
+        2000 * kStatementCopies, 16410 * kStatementCopies, 26727932982.0 * kStatementCopies,
+        1783862549.0 * kStatementCopies, 2454 * kInvoiceCopies, 2825538327.0 * kInvoiceCopies);
     for (const auto& [file, table] : std::initializer_list<std::pair<const char*, const char*>>{
              {"dbBill.mdb", "Master"}, {"dbBill.mdb", "Detail"}, {"dbTax.mdb", "NewAcount"}}) {
         QProcess count;
@@ -125,13 +127,15 @@ void proveDecade(const QString& folder) {
     const QString tax = home.path() + QStringLiteral("/dbTax.db");
     std::printf("  bare      Master    rows|TotAmount %s\n",
                 qPrintable(cliAnswer(bill, QStringLiteral("SELECT COUNT(*), SUM(TotAmount) FROM Master"))));
-    std::printf("  bare      Detail    rows|Amount|VAT (lines under a head) %s | %s\n",
-                qPrintable(cliAnswer(bill, QStringLiteral("SELECT COUNT(*), SUM(Amount), SUM(VAT) FROM Detail"))),
-                qPrintable(cliAnswer(bill, QStringLiteral("SELECT SUM(Amount), SUM(VAT) FROM Detail WHERE BillNo "
-                                                          "IN (SELECT BillNo FROM Master)"))));
-    std::printf("  bare      NewAcount rows|invoices|TradeKum %s\n",
-                qPrintable(cliAnswer(tax, QStringLiteral("SELECT COUNT(*), COUNT(DISTINCT TaxCode), SUM(TradeKum) "
-                                                         "FROM NewAcount"))));
+    std::printf(
+        "  bare      Detail    rows|Amount|VAT (lines under a head) %s | %s\n",
+        qPrintable(cliAnswer(bill, QStringLiteral("SELECT COUNT(*), SUM(Amount), SUM(VAT) FROM Detail"))),
+        qPrintable(cliAnswer(bill, QStringLiteral("SELECT SUM(Amount), SUM(VAT) FROM Detail WHERE BillNo "
+                                                  "IN (SELECT BillNo FROM Master)"))));
+    std::printf(
+        "  bare      NewAcount rows|invoices|TradeKum %s\n",
+        qPrintable(cliAnswer(tax, QStringLiteral("SELECT COUNT(*), COUNT(DISTINCT TaxCode), SUM(TradeKum) "
+                                                 "FROM NewAcount"))));
     JetImportReport report;
     importMs(folder, 1, &report);
     for (const char* table : {"Master", "Detail", "NewAcount"})
@@ -155,7 +159,8 @@ int main(int argc, char** argv) {
     proveDecade(decade.path());
     if (qEnvironmentVariableIsSet("NB_BENCH_PROVE_ONLY")) return 0;
     std::printf("%-10s %14s %14s %8s\n", "set", "import (ms)", "bare (ms)", "ratio");
-    for (const QString& set : {QStringLiteral("current"), QStringLiteral("older"), QStringLiteral("decade")}) {
+    for (const QString& set :
+         {QStringLiteral("current"), QStringLiteral("older"), QStringLiteral("decade")}) {
         const bool big = set == QStringLiteral("decade");
         const QString folder = big ? decade.path() : sharedSet(set);
         const double ours = importMs(folder, big ? 3 : 5);
