@@ -2,8 +2,10 @@
 
 #include "storage/Database.h"
 
+#include <QSqlDriver>
 #include <QSqlQuery>
 #include <QVariant>
+#include <sqlite3.h>
 
 namespace nb {
 namespace {
@@ -190,6 +192,28 @@ QList<JetTableFigures> readFigures(Database& raw, const QString& source) {
     return out;
 }
 
+namespace {
+
+// The engine's own handle under a connection: the figures read every value of the biggest
+// tables, which the query classes would wrap one by one.
+sqlite3* engineOf(Database& db) {
+    const QVariant handle = db.connection().driver()->handle();
+    return handle.isValid() && qstrcmp(handle.typeName(), "sqlite3*") == 0
+               ? *static_cast<sqlite3* const*>(handle.data())
+               : nullptr;
+}
+
+// A stored value as a number, as the program reads one: a text through its C-locale reading.
+double storedNumber(sqlite3_stmt* statement, int column) {
+    if (sqlite3_column_type(statement, column) != SQLITE_TEXT)
+        return sqlite3_column_double(statement, column);
+    return QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(statement, column)),
+                             sqlite3_column_bytes(statement, column))
+        .toDouble();
+}
+
+} // namespace
+
 JetTableFigures tableFigures(Database& db, const QString& table, const QStringList& columns, qint64 fromRowid,
                              qint64 toRowid) {
     JetTableFigures out;
@@ -199,21 +223,26 @@ JetTableFigures tableFigures(Database& db, const QString& table, const QStringLi
         names << quoteName(c);
         out.sums.push_back({c, 0, 0});
     }
-    QSqlQuery q(db.connection());
-    q.setForwardOnly(true);
-    q.prepare(QStringLiteral("SELECT 0%1 FROM %2 WHERE rowid BETWEEN ? AND ? ORDER BY rowid")
-                  .arg(names.isEmpty() ? QString() : u',' + names.join(u','), quoteName(table)));
-    q.addBindValue(fromRowid);
-    q.addBindValue(toRowid);
-    if (!q.exec()) {
+    const QByteArray sql = QStringLiteral("SELECT 0%1 FROM %2 WHERE rowid BETWEEN ? AND ? ORDER BY rowid")
+                               .arg(names.isEmpty() ? QString() : u',' + names.join(u','), quoteName(table))
+                               .toUtf8();
+    sqlite3* engine = engineOf(db);
+    sqlite3_stmt* statement = nullptr;
+    if (!engine || sqlite3_prepare_v2(engine, sql.constData(), -1, &statement, nullptr) != SQLITE_OK) {
         out.rowsRead = -1;
         return out;
     }
-    while (q.next()) {
+    sqlite3_bind_int64(statement, 1, fromRowid);
+    sqlite3_bind_int64(statement, 2, toRowid);
+    int rc = SQLITE_ROW;
+    while ((rc = sqlite3_step(statement)) == SQLITE_ROW) {
         ++out.rowsRead;
         for (qsizetype i = 0; i < out.sums.size(); ++i)
-            if (!q.isNull(int(i) + 1)) out.sums[i].read += q.value(int(i) + 1).toDouble();
+            if (sqlite3_column_type(statement, int(i) + 1) != SQLITE_NULL)
+                out.sums[i].read += storedNumber(statement, int(i) + 1);
     }
+    sqlite3_finalize(statement);
+    if (rc != SQLITE_DONE) out.rowsRead = -1; // a read cut short is no figure
     return out;
 }
 

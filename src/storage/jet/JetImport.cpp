@@ -11,11 +11,15 @@
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QProcess>
 #include <QSqlQuery>
 #include <QThread>
+#include <algorithm>
 #include <memory>
+#include <numeric>
+#include <optional>
 #include <vector>
 
 namespace nb {
@@ -88,9 +92,8 @@ public:
     Import(const QString& folder, const JetImportOptions& options) : m_folder(folder), m_options(options) {}
 
     JetImportReport run() {
-        if (findSources() && checkStoreFolder() && prepareWork() && readAll() && buildAll() &&
-            carryOthers() && upgrade() && takeBuiltFigures() && convertOldStatements() && check() &&
-            swapIn()) {
+        if (findSources() && checkStoreFolder() && prepareWork() && readAndBuild() && carryOthers() &&
+            upgrade() && takeBuiltFigures() && convertOldStatements() && check() && swapIn()) {
             m_report.ok = true;
             return m_report;
         }
@@ -164,20 +167,53 @@ private:
         return defaultReader().isEmpty() ? QCoreApplication::applicationFilePath() : defaultReader();
     }
 
-    // The files are read side by side, as many at once as there are processors.
-    bool readAll() {
-        const qsizetype batch = qMax(1, QThread::idealThreadCount());
-        for (qsizetype first = 0; first < m_sources.size(); first += batch) {
-            std::vector<std::unique_ptr<QProcess>> readers;
-            const qsizetype end = qMin(m_sources.size(), first + batch);
-            for (qsizetype i = first; i < end; ++i)
-                readers.push_back(startReader(m_sources[i]));
-            bool ok = true;
-            for (qsizetype i = first; i < end; ++i)
-                ok = ok && judgeReader(*readers[size_t(i - first)], m_sources[i]);
-            if (!ok) return false; // the readers still running are ended with their QProcess
+    // The files are read side by side, as many at once as there are processors, the biggest
+    // first; each store is built as soon as its file is read, while the others are still read.
+    bool readAndBuild() {
+        std::vector<qsizetype> order(size_t(m_sources.size()));
+        std::iota(order.begin(), order.end(), 0);
+        std::stable_sort(order.begin(), order.end(), [this](qsizetype a, qsizetype b) {
+            return QFileInfo(m_sources[a].path).size() > QFileInfo(m_sources[b].path).size();
+        });
+        const size_t atOnce = size_t(qMax(1, QThread::idealThreadCount()));
+        std::vector<Reading> running;
+        std::vector<std::optional<BuildOutcome>> outcomes(order.size());
+        size_t next = 0;
+        auto startMore = [&] {
+            for (; running.size() < atOnce && next < order.size(); ++next) {
+                running.push_back({order[next], startReader(m_sources[order[next]]), {}});
+                running.back().clock.start();
+            }
+        };
+        startMore();
+        while (!running.empty()) {
+            const size_t done = waitForOne(running);
+            Reading finished = std::move(running[done]);
+            running.erase(running.begin() + qsizetype(done));
+            if (!judgeReader(*finished.process, m_sources[finished.source], finished.clock)) return false;
+            startMore();
+            if (!buildOne(finished.source, outcomes[size_t(finished.source)])) return false;
         }
+        for (size_t i = 0; i < outcomes.size(); ++i)
+            if (outcomes[i]) takeOutcome(m_sources[qsizetype(i)], *outcomes[i]);
         return true;
+    }
+
+    struct Reading {
+        qsizetype source = 0;
+        std::unique_ptr<QProcess> process;
+        QElapsedTimer clock;
+    };
+
+    // The first reader to end (or to outlive its time), looking at each in turn.
+    size_t waitForOne(std::vector<Reading>& running) const {
+        for (;;)
+            for (size_t k = 0; k < running.size(); ++k) {
+                QProcess& p = *running[k].process;
+                if (p.state() == QProcess::NotRunning || p.waitForFinished(10) ||
+                    running[k].clock.elapsed() > m_options.readerTimeoutMillis)
+                    return k;
+            }
     }
 
     // One child per file: a file that brings the Jet library down ends only its reader.
@@ -190,12 +226,14 @@ private:
         return reader;
     }
 
-    bool judgeReader(QProcess& reader, const SourceFile& f) {
-        const bool finished =
-            reader.waitForStarted(30000) && reader.waitForFinished(m_options.readerTimeoutMillis);
+    bool judgeReader(QProcess& reader, const SourceFile& f, const QElapsedTimer& clock) {
+        const int left = int(qMax<qint64>(0, m_options.readerTimeoutMillis - clock.elapsed()));
+        const bool finished = reader.state() == QProcess::NotRunning ||
+                              (reader.waitForStarted(30000) && reader.waitForFinished(left));
         if (!finished) reader.kill();
         const QString said = QString::fromUtf8(reader.readAllStandardError()).trimmed();
-        if (finished && reader.exitStatus() == QProcess::NormalExit && reader.exitCode() == 0 &&
+        if (finished && reader.error() != QProcess::FailedToStart &&
+            reader.exitStatus() == QProcess::NormalExit && reader.exitCode() == 0 &&
             QFileInfo(f.raw).isFile())
             return true;
         reader.waitForFinished(5000);
@@ -207,20 +245,29 @@ private:
         return fail(why);
     }
 
-    bool buildAll() {
-        for (const SourceFile& f : m_sources) {
-            if (f.kind == Kind::OldBill) continue;
-            const QString target = m_newFolder + u'/' + QFileInfo(storePathOf(f.kind)).fileName();
-            tell(f.name, 0);
-            BuildOutcome built = buildStoreFromRaw(f.name, f.raw, target, layoutOf(f.kind));
-            m_report.notes << built.notes;
-            if (!built.ok) return fail(built.failure + QStringLiteral(" 지금의 자료는 바뀌지 않았습니다."));
-            for (const JetTableFigures& t : std::as_const(built.tables))
-                tell(f.name + u' ' + t.table, t.rowsRead);
-            m_built << Built{target, m_report.tables.size(), built.tables.size()};
-            m_report.tables << built.tables;
+    bool buildOne(qsizetype source, std::optional<BuildOutcome>& outcome) {
+        const SourceFile& f = m_sources[source];
+        if (f.kind == Kind::OldBill) return true;
+        tell(f.name, 0);
+        outcome = buildStoreFromRaw(f.name, f.raw, targetOf(f), layoutOf(f.kind));
+        if (!outcome->ok) {
+            m_report.notes << outcome->notes;
+            return fail(outcome->failure + QStringLiteral(" 지금의 자료는 바뀌지 않았습니다."));
         }
+        for (const JetTableFigures& t : std::as_const(outcome->tables))
+            tell(f.name + u' ' + t.table, t.rowsRead);
         return true;
+    }
+
+    QString targetOf(const SourceFile& f) const {
+        return m_newFolder + u'/' + QFileInfo(storePathOf(f.kind)).fileName();
+    }
+
+    // The stores' figures and notes in the order of the files, whatever order they were read in.
+    void takeOutcome(const SourceFile& f, const BuildOutcome& built) {
+        m_report.notes << built.notes;
+        m_built << Built{targetOf(f), m_report.tables.size(), built.tables.size()};
+        m_report.tables << built.tables;
     }
 
     // The stores no source replaces come across as they are (a consistent copy of each).

@@ -179,8 +179,12 @@ private:
             auto* c = static_cast<MdbColumn*>(g_ptr_array_index(m_table->columns, i));
             Bound& b = m_bound[i];
             b.column = c;
-            b.text.assign(kJetBindSize, 0);
-            mdb_bind_column(m_table, int(i) + 1, b.text.data(), &b.length);
+            // Fixed-width numbers are read from the row's bytes, so the library is spared
+            // writing their text (most of its time for tables of amounts).
+            if (!isNumeric(c->col_type) || c->col_type == MDB_NUMERIC) {
+                b.text.assign(kJetBindSize, 0);
+                mdb_bind_column(m_table, int(i) + 1, b.text.data(), &b.length);
+            }
             const QString name = QString::fromUtf8(c->name);
             if (!m_raw.run(QStringLiteral("INSERT INTO _columns VALUES (?, ?, ?, ?, ?)"),
                            {m_name, int(i), name, c->col_type, c->col_size}))
