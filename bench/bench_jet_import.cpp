@@ -1,6 +1,7 @@
 // The import of the old Jet files beside the bare route: mdb-export of every table of the same
 // files piped into the sqlite3 program's .import, without any check. Both shared sets (median of
-// five runs each) and a decade of a busy shop made from the current set (median of three):
+// five rounds each, the import and the bare route one after the other) and a decade of a busy
+// shop made from the current set, the same way:
 // its statement and invoice tables copied 31 and 20 times over with their keys renumbered, so
 // 62,000 statements, 508,710 lines and 20,000 invoices. Before the decade is timed, its files
 // are shown to be read whole: the rows and sums mdb-export hands to sqlite3 and those the
@@ -68,6 +69,8 @@ void bareRoute(const QString& folder, const QString& out) {
     QProcess bash;
     bash.start(QStringLiteral("bash"), {QStringLiteral("-c"), script, QStringLiteral("bare"), folder, out});
     bash.waitForFinished(1800000);
+    if (bash.exitStatus() != QProcess::NormalExit || bash.exitCode() != 0)
+        std::printf("the bare route failed: %s\n", bash.readAllStandardError().constData());
 }
 
 double bareMs(const QString& folder, int repeats) {
@@ -81,6 +84,13 @@ double importMs(const QString& folder, int repeats, JetImportReport* last = null
     closeStores();
     JetImportOptions options;
     options.readerProgram = QStringLiteral(NB_BINARY_DIR) + QStringLiteral("/nubella");
+    QElapsedTimer phase;
+    phase.start();
+    if (qEnvironmentVariableIsSet("NB_BENCH_PHASES"))
+        options.progress = [&](const QString& what, qint64 rows) {
+            std::printf("    %8.1f ms  %s %lld\n", double(phase.nsecsElapsed()) / 1e6, qPrintable(what),
+                        rows);
+        };
     bool ok = true;
     const double ms = bench::medianMs(
         [&] {
@@ -149,23 +159,33 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     test::prepareApplication(application);
     test::script();
+    // `bench_jet_import FOLDER` only makes the decade set in FOLDER, for a look of one's own.
     QTemporaryDir decade;
+    const QString decadeFolder = argc > 1 ? QString::fromLocal8Bit(argv[1]) : decade.path();
     try {
-        makeDecade(decade.path());
+        makeDecade(decadeFolder);
+        if (argc > 1) return 0;
     } catch (const std::exception& e) {
         std::printf("the decade set could not be made: %s\n", e.what());
         return 1;
     }
     proveDecade(decade.path());
     if (qEnvironmentVariableIsSet("NB_BENCH_PROVE_ONLY")) return 0;
+    // Rounds of the two, one after the other, so that both meet the same load of the machine.
     std::printf("%-10s %14s %14s %8s\n", "set", "import (ms)", "bare (ms)", "ratio");
     for (const QString& set :
          {QStringLiteral("current"), QStringLiteral("older"), QStringLiteral("decade")}) {
-        const bool big = set == QStringLiteral("decade");
-        const QString folder = big ? decade.path() : sharedSet(set);
-        const double ours = importMs(folder, big ? 3 : 5);
-        const double bare = bareMs(folder, big ? 3 : 5);
-        std::printf("%-10s %14.0f %14.0f %8.2f\n", qPrintable(set), ours, bare, ours / bare);
+        const QString folder = set == QStringLiteral("decade") ? decadeFolder : sharedSet(set);
+        std::vector<double> ours, bare;
+        for (int round = 0; round < 5; ++round) {
+            ours.push_back(importMs(folder, 1));
+            bare.push_back(bareMs(folder, 1));
+        }
+        std::sort(ours.begin(), ours.end());
+        std::sort(bare.begin(), bare.end());
+        std::printf("%-10s %14.0f %14.0f %8.2f   (import %.0f-%.0f, bare %.0f-%.0f)\n", qPrintable(set),
+                    ours[2], bare[2], ours[2] / bare[2], ours.front(), ours.back(), bare.front(),
+                    bare.back());
     }
     return 0;
 }
