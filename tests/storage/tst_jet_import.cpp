@@ -12,6 +12,7 @@
 
 #include <QCryptographicHash>
 #include <QDirIterator>
+#include <QElapsedTimer>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
@@ -374,6 +375,36 @@ private slots:
             QVERIFY(report.failure.contains(QStringLiteral(".mdb")));
             QCOMPARE(storesFingerprint(), before);
         }
+        QVERIFY(leftoverWorkFolders().isEmpty());
+    }
+
+    // A reader that hangs is ended when its time is up; the import says which file it was and
+    // the stores stay as they were, while the other files were read meanwhile.
+    void aReaderThatOutlivesItsTimeIsEndedAndNamed() {
+        TestHome home;
+        seedStores(home);
+        const QString source = copySet(home, QStringLiteral("current"));
+        const QByteArray before = storesFingerprint();
+        const QString path = home.file(QStringLiteral("hanging-reader.sh"));
+        QFile script(path);
+        QVERIFY(script.open(QIODevice::WriteOnly));
+        script.write(
+            QStringLiteral("#!/bin/sh\ncase \"$2\" in *dbTax.mdb) exec sleep 60;; esac\nexec \"%1\" \"$@\"\n")
+                .arg(program())
+                .toUtf8());
+        script.close();
+        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        JetImportOptions options;
+        options.readerProgram = path;
+        options.readerTimeoutMillis = 1500;
+        QElapsedTimer clock;
+        clock.start();
+        const JetImportReport report = importJetFolder(source, options);
+        QVERIFY(!report.ok);
+        QVERIFY2(report.failure.startsWith(QStringLiteral("dbTax.mdb 파일을 읽지 못했습니다.")),
+                 qPrintable(report.failure));
+        QVERIFY(clock.elapsed() < 20000);
+        QCOMPARE(storesFingerprint(), before);
         QVERIFY(leftoverWorkFolders().isEmpty());
     }
 
