@@ -7,7 +7,7 @@
 // are shown to be read whole: the rows and sums mdb-export hands to sqlite3 and those the
 // program's import read and wrote, beside the figures the copies must give.
 #include "BenchSupport.h"
-#include "JetGrow.h"
+#include "DecadeJetSet.h"
 #include "TestSupport.h"
 #include "storage/jet/JetImport.h"
 
@@ -20,36 +20,6 @@
 using namespace nb;
 
 namespace {
-
-constexpr int kStatementCopies = 31; // 2,000 statements a copy
-constexpr int kInvoiceCopies = 20;   // 1,000 invoices a copy
-
-QString sharedSet(const QString& set) {
-    return test::sharedDataDir() + QStringLiteral("/legacy-jet/") + set;
-}
-
-// Statement n of copy k is n + 3,000 k, which leaves the numbers just above 2,000 to the lines
-// without a head of the first copy; such a line of copy k goes to 100,000 + 1,000 k + its
-// distance above 2,000, so it stays without one. Invoice n is n + 1,000 k.
-qint64 statementNumber(qint64 n, int copy) {
-    return n <= 2000 ? n + 3000 * copy : 100000 + 1000 * copy + (n - 2000);
-}
-
-void makeDecade(const QString& folder) {
-    const QDir from(sharedSet(QStringLiteral("current")));
-    for (const QString& name : from.entryList({QStringLiteral("*.mdb")}, QDir::Files)) {
-        QFile::copy(from.filePath(name), folder + u'/' + name);
-        QFile(folder + u'/' + name).setPermissions(QFile::ReadOwner | QFile::WriteOwner);
-    }
-    bench::JetGrower bill(folder + QStringLiteral("/dbBill.mdb"));
-    bill.grow(QStringLiteral("Master"), QStringLiteral("BillNo"), kStatementCopies - 1, statementNumber);
-    bill.grow(QStringLiteral("Detail"), QStringLiteral("BillNo"), kStatementCopies - 1, statementNumber);
-    bill.save();
-    bench::JetGrower tax(folder + QStringLiteral("/dbTax.mdb"));
-    tax.grow(QStringLiteral("NewAcount"), QStringLiteral("TaxCode"), kInvoiceCopies - 1,
-             [](qint64 n, int copy) { return n + 1000 * copy; });
-    tax.save();
-}
 
 // One line of sqlite3's answer for a statement on a file.
 QString cliAnswer(const QString& file, const QString& sql) {
@@ -122,8 +92,9 @@ void showFigures(const JetImportReport& report, const QString& table) {
 void proveDecade(const QString& folder) {
     std::printf(
         "decade set: expected Master %d, Detail %d (Amount %.0f, VAT %.0f), NewAcount %d (TradeKum %.0f)\n",
-        2000 * kStatementCopies, 16410 * kStatementCopies, 26727932982.0 * kStatementCopies,
-        1783862549.0 * kStatementCopies, 2454 * kInvoiceCopies, 2825538327.0 * kInvoiceCopies);
+        2000 * bench::kStatementCopies, 16410 * bench::kStatementCopies,
+        26727932982.0 * bench::kStatementCopies, 1783862549.0 * bench::kStatementCopies,
+        2454 * bench::kInvoiceCopies, 2825538327.0 * bench::kInvoiceCopies);
     for (const auto& [file, table] : std::initializer_list<std::pair<const char*, const char*>>{
              {"dbBill.mdb", "Master"}, {"dbBill.mdb", "Detail"}, {"dbTax.mdb", "NewAcount"}}) {
         QProcess count;
@@ -163,7 +134,7 @@ int main(int argc, char** argv) {
     QTemporaryDir decade;
     const QString decadeFolder = argc > 1 ? QString::fromLocal8Bit(argv[1]) : decade.path();
     try {
-        makeDecade(decadeFolder);
+        bench::makeDecadeJetSet(decadeFolder);
         if (argc > 1) return 0;
     } catch (const std::exception& e) {
         std::printf("the decade set could not be made: %s\n", e.what());
@@ -175,7 +146,7 @@ int main(int argc, char** argv) {
     std::printf("%-10s %14s %14s %8s\n", "set", "import (ms)", "bare (ms)", "ratio");
     for (const QString& set :
          {QStringLiteral("current"), QStringLiteral("older"), QStringLiteral("decade")}) {
-        const QString folder = set == QStringLiteral("decade") ? decadeFolder : sharedSet(set);
+        const QString folder = set == QStringLiteral("decade") ? decadeFolder : bench::sharedJetSet(set);
         std::vector<double> ours, bare;
         for (int round = 0; round < 5; ++round) {
             ours.push_back(importMs(folder, 1));

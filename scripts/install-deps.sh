@@ -8,7 +8,7 @@ packages=(
   qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite qt6-translations-l10n libgl-dev
   fonts-nanum fonts-nanum-coding
   libxlsxwriter-dev poppler-utils sqlite3 xvfb libqt6svg6 desktop-file-utils unzip zip libzip-dev libsqlite3-dev
-  openbox xdotool x11-utils x11-apps
+  openbox xdotool x11-utils x11-apps libxcb1-dev
   mdbtools mdbtools-dev
 )
 
