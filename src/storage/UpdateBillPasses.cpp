@@ -8,6 +8,7 @@
 
 #include <QSqlDriver>
 #include <QSqlQuery>
+#include <optional>
 #include <sqlite3.h>
 #include <string>
 #include <string_view>
@@ -132,7 +133,7 @@ private:
 
     void defineFunctions() {
         const std::pair<int, Callback> callbacks[] = {{0, &counted},   {1, &lineNo},   {3, &unclear},
-                                                      {4, &oldAmount}, {4, &oldVat},   {1, &headAmount},
+                                                      {5, &oldAmount}, {5, &oldVat},   {1, &headAmount},
                                                       {1, &headVat},   {1, &headLines}};
         for (size_t i = 0; i < std::size(kFunctions); ++i)
             sqlite3_create_function_v2(m_engine, kFunctions[i], callbacks[i].first, SQLITE_UTF8, this,
@@ -164,23 +165,35 @@ private:
     }
     // The engine hands the lines of one statement over in the order they were written (the
     // table's order, before the sort and after it alike), so the count so far is the number.
+    // Each line read steps the progress once, here, where every line passes once.
     static void lineNo(sqlite3_context* context, int, sqlite3_value** v) {
-        sqlite3_result_int(context, ++self(context).groupOf(v[0]).lines);
+        Conversion& c = self(context);
+        if (c.m_progress) c.m_progress->step();
+        ++c.m_rowsRead;
+        sqlite3_result_int(context, ++c.groupOf(v[0]).lines);
     }
     static void unclear(sqlite3_context* context, int, sqlite3_value** v) {
         sqlite3_result_int(context, oldLineIsUnclear(numberOf(v[0]), numberOf(v[1]), numberOf(v[2])));
     }
-    static OldLineSplit split(sqlite3_context* context, sqlite3_value** v) {
-        return splitOldLine(numberOf(v[1]), numberOf(v[2]), numberOf(v[3]), self(context).m_choice);
+    // A line's amount and VAT, worked out once for its row (v[0] its rowid, v[1] its code).
+    const OldLineSplit& split(sqlite3_value** v) {
+        const sqlite3_int64 row = sqlite3_value_int64(v[0]);
+        if (!m_splitRow || *m_splitRow != row) {
+            m_split = splitOldLine(numberOf(v[2]), numberOf(v[3]), numberOf(v[4]), m_choice);
+            m_splitRow = row;
+        }
+        return m_split;
     }
     static void oldAmount(sqlite3_context* context, int, sqlite3_value** v) {
-        const double amount = split(context, v).amount;
-        self(context).groupOf(v[0]).amount += amount;
+        Conversion& c = self(context);
+        const double amount = c.split(v).amount;
+        c.groupOf(v[1]).amount += amount;
         sqlite3_result_double(context, amount);
     }
     static void oldVat(sqlite3_context* context, int, sqlite3_value** v) {
-        const double vat = split(context, v).vat;
-        self(context).groupOf(v[0]).vat += vat;
+        Conversion& c = self(context);
+        const double vat = c.split(v).vat;
+        c.groupOf(v[1]).vat += vat;
         sqlite3_result_double(context, vat);
     }
     // A head's totals as it is written: its lines' sums, or the zeros of a head without lines.
@@ -229,9 +242,9 @@ private:
         return moveAll(QStringLiteral(
             "INSERT OR IGNORE INTO Detail (BillNo, BillSEQ, PName, Unit, Quant, Price, DC, Amount, VAT) "
             "SELECT DealCode, nb_line_no(DealCode), PName, PNorm, Quant, UnitCost, DC, "
-            "nb_old_amount(DealCode, Quant, UnitCost, SaleKum), nb_old_vat(DealCode, Quant, UnitCost, "
-            "SaleKum) "
-            "FROM old.DealList WHERE nb_counted() ORDER BY DealCode, rowid"));
+            "nb_old_amount(rowid, DealCode, Quant, UnitCost, SaleKum), "
+            "nb_old_vat(rowid, DealCode, Quant, UnitCost, SaleKum) FROM old.DealList ORDER BY DealCode, "
+            "rowid"));
     }
 
     bool moveHeads() {
@@ -284,6 +297,8 @@ private:
     std::pair<const std::string, LineGroup>* m_last = nullptr;
     LineGroup m_uncoded;
     VatChoice m_choice = VatChoice::NotAsked;
+    std::optional<sqlite3_int64> m_splitRow;
+    OldLineSplit m_split;
 };
 
 } // namespace
