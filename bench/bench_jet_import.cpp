@@ -16,6 +16,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <cstdio>
+#include <sys/resource.h>
 
 using namespace nb;
 
@@ -41,6 +42,14 @@ void bareRoute(const QString& folder, const QString& out) {
     bash.waitForFinished(1800000);
     if (bash.exitStatus() != QProcess::NormalExit || bash.exitCode() != 0)
         std::printf("the bare route failed: %s\n", bash.readAllStandardError().constData());
+}
+
+// Processor time (user and system) of this process or of its ended children, in ms.
+double cpuMs(int who) {
+    rusage usage{};
+    getrusage(who, &usage);
+    return (usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * 1e3 +
+           (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e3;
 }
 
 double bareMs(const QString& folder, int repeats) {
@@ -140,23 +149,29 @@ int main(int argc, char** argv) {
         std::printf("the decade set could not be made: %s\n", e.what());
         return 1;
     }
-    proveDecade(decade.path());
+    proveDecade(decadeFolder);
     if (qEnvironmentVariableIsSet("NB_BENCH_PROVE_ONLY")) return 0;
     // Rounds of the two, one after the other, so that both meet the same load of the machine.
     std::printf("%-10s %14s %14s %8s\n", "set", "import (ms)", "bare (ms)", "ratio");
     for (const QString& set :
          {QStringLiteral("current"), QStringLiteral("older"), QStringLiteral("decade")}) {
         const QString folder = set == QStringLiteral("decade") ? decadeFolder : bench::sharedJetSet(set);
-        std::vector<double> ours, bare;
+        std::vector<double> ours, bare, oursCpu, bareCpu;
         for (int round = 0; round < 5; ++round) {
+            const double cpuBefore = cpuMs(RUSAGE_SELF) + cpuMs(RUSAGE_CHILDREN);
             ours.push_back(importMs(folder, 1));
+            const double cpuBetween = cpuMs(RUSAGE_SELF) + cpuMs(RUSAGE_CHILDREN);
             bare.push_back(bareMs(folder, 1));
+            oursCpu.push_back(cpuBetween - cpuBefore);
+            bareCpu.push_back(cpuMs(RUSAGE_CHILDREN) + cpuMs(RUSAGE_SELF) - cpuBetween);
         }
-        std::sort(ours.begin(), ours.end());
-        std::sort(bare.begin(), bare.end());
-        std::printf("%-10s %14.0f %14.0f %8.2f   (import %.0f-%.0f, bare %.0f-%.0f)\n", qPrintable(set),
-                    ours[2], bare[2], ours[2] / bare[2], ours.front(), ours.back(), bare.front(),
-                    bare.back());
+        for (auto* v : {&ours, &bare, &oursCpu, &bareCpu})
+            std::sort(v->begin(), v->end());
+        std::printf(
+            "%-10s %14.0f %14.0f %8.2f   (import %.0f-%.0f, bare %.0f-%.0f; processor time %.0f against "
+            "%.0f, ratio %.2f)\n",
+            qPrintable(set), ours[2], bare[2], ours[2] / bare[2], ours.front(), ours.back(), bare.front(),
+            bare.back(), oursCpu[2], bareCpu[2], oursCpu[2] / bareCpu[2]);
     }
     return 0;
 }
