@@ -69,6 +69,10 @@ void FrmTaxManage::buildControls() {
     pnlDisp->addWidget(yearAndPeriod);
     btnSearch =
         makeButton(this, QStringLiteral("btnSearch"), QStringLiteral("검색(&S)"), QRect(620, 10, 90, 28));
+    (new QLabel(QStringLiteral("합계표 양식"), this))->setGeometry(740, 12, 70, 24);
+    CmbLayout = makeList(this, QStringLiteral("CmbLayout"), QRect(812, 12, 188, 24));
+    CmbLayout->addItems(totalsLayoutNames());
+    CmbLayout->setCurrentIndex(int(savedTotalsLayout()));
     const QStringList heads{QStringLiteral("매출액"),     QStringLiteral("매출부가세"),
                             QStringLiteral("매출합계"),   QStringLiteral("매입액"),
                             QStringLiteral("매입부가세"), QStringLiteral("매입합계")};
@@ -128,10 +132,10 @@ void FrmTaxManage::connectControls() {
     connect(btnPrint, &QPushButton::clicked, this, &FrmTaxManage::btnPrint_Click);
     connect(btnExcel, &QPushButton::clicked, this, &FrmTaxManage::btnExcel_Click);
     connect(btnEtax, &QPushButton::clicked, this, &FrmTaxManage::btnEtax_Click);
-    connect(btnPreview, &QPushButton::clicked, this, [this] {
-        PreviewTotalsReport(this, kind(), CmbPeriod->currentIndex(), CmbYY->currentText(),
-                            txtDate[0]->dateText(), txtDate[1]->dateText());
-    });
+    connect(btnPreview, &QPushButton::clicked, this,
+            [this] { PreviewTotalsReport(this, searchToPrint(), TotalsLayout(CmbLayout->currentIndex())); });
+    connect(CmbLayout, &QComboBox::currentIndexChanged, this,
+            [](int index) { saveTotalsLayout(TotalsLayout(index)); });
     connect(btnPrinter, &QPushButton::clicked, this, [this] {
         FrmSetPrinter form(this);
         form.InitForm(kTotalsDocumentIndex);
@@ -206,6 +210,7 @@ void FrmTaxManage::btnSearch_Click() {
     const std::optional<TotalsRefill> refill =
         RefillTotalsAside(stores().dbTax, stores().dbBasic.path(), period());
     m_searching = false;
+    if (refill) m_lastSearch = currentSearch();
     showRows(refill.value_or(TotalsRefill()));
 }
 
@@ -228,9 +233,19 @@ void FrmTaxManage::showRows(const TotalsRefill& refill) {
         pnlSum[size_t(k)]->setText(panelText(sums[size_t(k)]));
 }
 
+// The 합계표 is of the last search, whatever the boxes say since: a period changed without a new
+// search would otherwise head one period's sheet over another's receivers.
+TotalsSearch FrmTaxManage::searchToPrint() const {
+    return m_lastSearch.value_or(currentSearch());
+}
+
+TotalsSearch FrmTaxManage::currentSearch() const {
+    return TotalsSearch{kind(), CmbPeriod->currentIndex(), CmbYY->currentText(), txtDate[0]->dateText(),
+                        txtDate[1]->dateText()};
+}
+
 void FrmTaxManage::btnPrint_Click() {
-    PrintTotalsReport(kind(), CmbPeriod->currentIndex(), CmbYY->currentText(), txtDate[0]->dateText(),
-                      txtDate[1]->dateText());
+    PrintTotalsReport(searchToPrint(), TotalsLayout(CmbLayout->currentIndex()));
 }
 
 void FrmTaxManage::btnExcel_Click() {

@@ -4,10 +4,11 @@
 // spreadsheet export and the electronic invoice sheet of the same period. The arithmetic and
 // the store work live in TaxTotals, the report in TaxTotalsReport, the export in ExportGrid.
 
-#include "management/TaxTotals.h"
+#include "management/TaxTotalsReport.h"
 
 #include <QWidget>
 #include <array>
+#include <optional>
 
 class QComboBox;
 class QLabel;
@@ -42,6 +43,7 @@ public:
     explicit FrmTaxManage(QWidget* parent = nullptr);
 
     QComboBox *CmbGubun, *CmbYY, *CmbPeriod;
+    QComboBox* CmbLayout; // the 합계표's layout: the official form or the list
     std::array<DateBox*, 2> txtDate{};
     QStackedWidget* pnlDisp; // the date pair, or the year and period
     Grid* grdList;
@@ -51,6 +53,8 @@ public:
     void InitForm();
     TotalsKind kind() const;
     TotalsPeriod period() const;
+    // What the 합계표 prints: the last search, or the choice on the screen before any search.
+    TotalsSearch searchToPrint() const;
 
 public Q_SLOTS:
     void btnSearch_Click(); // SearchTotals
@@ -70,6 +74,9 @@ private:
     void showRows(const TotalsRefill& refill);
     QString periodName() const;
 
+    TotalsSearch currentSearch() const;
+
+    std::optional<TotalsSearch> m_lastSearch;
     bool m_checkingDate = false;
     bool m_searching = false;
 };

@@ -247,9 +247,10 @@ TotalsReportValues totalsReportValues(TotalsKind kind, int period, const QString
                   (kind == TotalsKind::Quarter ? QStringLiteral("/4 기   )") : QStringLiteral("/2 기   )"));
     v.sPeriod = koreanDate(p.from) + QStringLiteral(" - ") + koreanDate(p.to);
     v.selectFrom = p.from;
-    // The second half's end is written with a stray zero, and as text it sorts before the half
-    // begins: that report selects nothing, as it always did.
-    v.selectTo = kind == TotalsKind::Half && period == 1 ? year + QStringLiteral("-012-31") : p.to;
+    // The second half's report once ended its selection at "YYYY-012-31", which as text sorts
+    // before the half begins, so it printed an empty table under the half's full sums. A 합계표
+    // that leaves out half a year's receivers does not keep the books whole: it selects the half.
+    v.selectTo = p.to;
     v.dSumKum = FormatNumber(sumKum, kMaskSum).remove(u' ');
     v.dSumVat = FormatNumber(sumVat, kMaskSum).remove(u' ');
     v.sIssueDate = today.toString(QStringLiteral("yyyy년 MM월 dd일"));

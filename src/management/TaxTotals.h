@@ -79,7 +79,7 @@ struct TotalsReportValues {
     QString dSumKum; // the period's sums, without blanks
     QString dSumVat;
     QString sIssueDate; // today, "YYYY년 MM월 DD일"
-    QString selectFrom; // the selection; a second half ends "YYYY-012-31", which selects nothing
+    QString selectFrom; // the selection on DealDate: the period
     QString selectTo;
 };
 TotalsReportValues totalsReportValues(TotalsKind kind, int period, const QString& year, const QString& date0,

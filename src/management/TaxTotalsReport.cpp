@@ -5,18 +5,24 @@
 #include "common/text/NumberFormat.h"
 #include "core/AppState.h"
 #include "core/Clock.h"
+#include "core/Settings.h"
 #include "printing/PrintGrid.h"
-#include "printing/PrintPreview.h"
+#include "management/OfficialTotalsForm.h"
+#include "printing/PagedPreview.h"
 #include "printing/PrinterSetup.h"
 #include "storage/CrossFileQueries.h"
 #include "storage/Database.h"
 #include "storage/Stores.h"
+
+#include <QElapsedTimer>
 
 namespace nb {
 
 namespace {
 
 using namespace totalslayout;
+
+const QString kTotalsLayoutKey = QStringLiteral("합계표양식");
 
 // The receivers of the last search with their invoices in the selection, and their numbers
 // from the basic file.
@@ -159,67 +165,134 @@ std::optional<TotalsReport> ReadTotalsReport(const TotalsReportValues& values) {
     return report;
 }
 
-void printTotalsReport(PrintJob& job, const TotalsReport& report) {
-    const int pages = pagesFor(int(report.rows.size()));
-    Carried carried;
-    int index = 0;
-    for (int page = 1; page <= pages; ++page) {
-        if (page > 1) job.newPage();
-        printHead(job, report, page, pages);
-        int row = page == 1 ? kTableTop : kLaterTableTop;
-        if (page == 1) printSummary(job, report);
-        printTableHeads(job, row++);
-        if (page > 1) printCarried(job, row++, QStringLiteral("앞 면에서 이월"), carried);
-        for (int n = 0; n < rowsOnPage(page) && index < report.rows.size(); ++n, ++index, ++row) {
-            const TotalsReportRow& r = report.rows.at(index);
-            job.printAtTab(row, kNumber.tab, cell(QString::number(index + 1), kNumber));
-            job.printAtTab(row, kSerial.tab, cell(r.serial, kSerial));
-            job.printAtTab(row, kCompany.tab, cell(r.company, kCompany));
-            job.printAtTab(row, kInvoices.tab, cell(QString::number(r.invoices), kInvoices));
-            job.printAtTab(row, kSupply.tab, cell(amount(r.supply), kSupply));
-            job.printAtTab(row, kTax.tab, cell(amount(r.tax), kTax));
-            carried.invoices += r.invoices;
-            carried.supply += r.supply;
-            carried.tax += r.tax;
-        }
-        job.line(job.tabX(1), job.rowY(kTotalRow), job.tabX(96), job.rowY(kTotalRow));
-        printCarried(job, kTotalRow,
-                     page < pages ? QStringLiteral("다음 면으로 이월") : QStringLiteral("합      계"),
-                     carried);
-    }
-}
-
 namespace {
 
-// The report of a period as the button makes it: nothing when a read failed.
-std::optional<TotalsReport> reportOf(TotalsKind kind, int period, const QString& year, const QString& date0,
-                                     const QString& date1) {
-    const TotalsPeriod p = totalsPeriod(kind, period, year, date0, date1);
-    const std::optional<double> sumKum = GetSumKum(stores().dbTax, true, p);
-    const std::optional<double> sumVat = GetSumVat(stores().dbTax, true, p);
-    if (!sumKum || !sumVat) return std::nullopt;
-    return ReadTotalsReport(totalsReportValues(kind, period, year, date0, date1, *sumKum, *sumVat, today()));
+// One page of the list, with what the pages before it carried.
+void printListPage(PrintJob& job, const TotalsReport& report, int page, int pages, Carried& carried) {
+    printHead(job, report, page, pages);
+    int row = page == 1 ? kTableTop : kLaterTableTop;
+    if (page == 1) printSummary(job, report);
+    printTableHeads(job, row++);
+    if (page > 1) printCarried(job, row++, QStringLiteral("앞 면에서 이월"), carried);
+    int index = 0;
+    for (int p = 1; p < page; ++p)
+        index += rowsOnPage(p);
+    for (int n = 0; n < rowsOnPage(page) && index < report.rows.size(); ++n, ++index, ++row) {
+        const TotalsReportRow& r = report.rows.at(index);
+        job.printAtTab(row, kNumber.tab, cell(QString::number(index + 1), kNumber));
+        job.printAtTab(row, kSerial.tab, cell(r.serial, kSerial));
+        job.printAtTab(row, kCompany.tab, cell(r.company, kCompany));
+        job.printAtTab(row, kInvoices.tab, cell(QString::number(r.invoices), kInvoices));
+        job.printAtTab(row, kSupply.tab, cell(amount(r.supply), kSupply));
+        job.printAtTab(row, kTax.tab, cell(amount(r.tax), kTax));
+        carried.invoices += r.invoices;
+        carried.supply += r.supply;
+        carried.tax += r.tax;
+    }
+    job.line(job.tabX(1), job.rowY(kTotalRow), job.tabX(96), job.rowY(kTotalRow));
+    printCarried(job, kTotalRow,
+                 page < pages ? QStringLiteral("다음 면으로 이월") : QStringLiteral("합      계"), carried);
 }
 
-// The report stands in the middle of an A4 sheet: its own indent and top under the document's
-// margins.
-void prepareJob(PrintJob& job) {
-    PrinterPrepare(job);
-    const DocumentMargins margins = readDocumentMargins(kTotalsDocument);
-    job.setMargins(margins.left + 12, margins.top + 3);
+// What the pages before `page` carry to it.
+Carried carriedBefore(const TotalsReport& report, int page) {
+    int rows = 0;
+    for (int p = 1; p < page; ++p)
+        rows += rowsOnPage(p);
+    Carried carried;
+    for (int i = 0; i < rows && i < report.rows.size(); ++i) {
+        carried.invoices += report.rows.at(i).invoices;
+        carried.supply += report.rows.at(i).supply;
+        carried.tax += report.rows.at(i).tax;
+    }
+    return carried;
 }
 
 } // namespace
 
-void PrintTotalsReport(TotalsKind kind, int period, const QString& year, const QString& date0,
-                       const QString& date1) {
-    const std::optional<TotalsReport> report = reportOf(kind, period, year, date0, date1);
-    if (!report) return;
+void printTotalsReport(PrintJob& job, const TotalsReport& report,
+                       const std::function<void(int page, int pages)>& pageDone) {
+    const int pages = pagesFor(int(report.rows.size()));
+    Carried carried;
+    for (int page = 1; page <= pages; ++page) {
+        if (page > 1) job.newPage();
+        printListPage(job, report, page, pages, carried);
+        if (pageDone) pageDone(page, pages);
+    }
+}
+
+QStringList totalsLayoutNames() {
+    return {QStringLiteral("공식 서식(갑·을)"), QStringLiteral("목록")};
+}
+
+TotalsLayout savedTotalsLayout() {
+    return GetEnv(kTotalsLayoutKey) == u"1" ? TotalsLayout::List : TotalsLayout::Official;
+}
+
+void saveTotalsLayout(TotalsLayout layout) {
+    SaveEnv(kTotalsLayoutKey, layout == TotalsLayout::List ? QStringLiteral("1") : QStringLiteral("0"));
+}
+
+namespace {
+
+// The report of a search as the button makes it: nothing when a read failed.
+std::optional<TotalsReport> listOf(const TotalsSearch& search) {
+    const TotalsPeriod p = search.span();
+    const std::optional<double> sumKum = GetSumKum(stores().dbTax, true, p);
+    const std::optional<double> sumVat = GetSumVat(stores().dbTax, true, p);
+    if (!sumKum || !sumVat) return std::nullopt;
+    return ReadTotalsReport(totalsReportValues(search.kind, search.period, search.year, search.date0,
+                                               search.date1, *sumKum, *sumVat, today()));
+}
+
+std::optional<OfficialTotals> formOf(const TotalsSearch& search) {
+    const TotalsPeriod p = search.span();
+    return ReadOfficialTotals(p, uploadedDatesOf(p), today());
+}
+
+// The list stands in the middle of an A4 sheet: its own indent and top under the document's
+// margins. The official form places itself on the sheet; the margins only shift it.
+void prepareJob(PrintJob& job, TotalsLayout layout) {
+    PrinterPrepare(job);
+    const DocumentMargins margins = readDocumentMargins(kTotalsDocument);
+    if (layout == TotalsLayout::List)
+        job.setMargins(margins.left + 12, margins.top + 3);
+    else
+        job.setMargins(margins);
+}
+
+// The progress form over the pages. It lets the window's events run at every 200th step, so a
+// page is 200 steps, and it is told at most every 50 ms: it moves without slowing the print.
+class PageProgress {
+public:
+    explicit PageProgress(int pages) : m_pages(pages) {
+        messages().progressShow(QStringLiteral("합계표를 인쇄하는 중입니다..."), pages * kStepsPerPage);
+        m_clock.start();
+    }
+    ~PageProgress() { messages().progressClose(); }
+    void pageDone(int page) {
+        if (page < m_pages && m_clock.elapsed() < kTellEveryMs) return;
+        m_clock.restart();
+        messages().progressSet(page * kStepsPerPage);
+    }
+
+private:
+    static constexpr int kStepsPerPage = 200;
+    static constexpr qint64 kTellEveryMs = 50;
+    int m_pages;
+    QElapsedTimer m_clock;
+};
+
+template <typename Data, typename PrintAll>
+void printWithProgress(const Data& data, int pages, TotalsLayout layout, PrintAll printAll) {
     SelectDocPrinter(kTotalsDocument);
     std::unique_ptr<PrintJob> job = startPrintJob(kTotalsDocument);
     if (job) {
-        prepareJob(*job);
-        printTotalsReport(*job, *report);
+        prepareJob(*job, layout);
+        {
+            PageProgress progress(pages);
+            printAll(*job, data, [&progress](int page, int) { progress.pageDone(page); });
+        }
         if (!job->endDoc())
             MsgBox(QStringLiteral("오류번호 : 1\r\n오류내용 : 인쇄를 끝내지 못했습니다."),
                    MbOk | MbExclamation);
@@ -227,13 +300,44 @@ void PrintTotalsReport(TotalsKind kind, int period, const QString& year, const Q
     RestorePrinter();
 }
 
-void PreviewTotalsReport(QWidget* parent, TotalsKind kind, int period, const QString& year,
-                         const QString& date0, const QString& date1) {
-    const std::optional<TotalsReport> report = reportOf(kind, period, year, date0, date1);
+} // namespace
+
+void PrintTotalsReport(const TotalsSearch& search, TotalsLayout layout) {
+    if (layout == TotalsLayout::Official) {
+        const std::optional<OfficialTotals> form = formOf(search);
+        if (!form) return;
+        printWithProgress(*form, officialform::pagesFor(int(form->receivers.size())), layout,
+                          [](PrintJob& job, const OfficialTotals& f, const auto& done) {
+                              printOfficialTotals(job, f, done);
+                          });
+        return;
+    }
+    const std::optional<TotalsReport> report = listOf(search);
     if (!report) return;
-    showPrintPreview(parent, kTotalsDocument, [report](PrintJob& job) {
-        prepareJob(job);
-        printTotalsReport(job, *report);
+    printWithProgress(*report, pagesFor(int(report->rows.size())), layout,
+                      [](PrintJob& job, const TotalsReport& r, const auto& done) {
+                          printTotalsReport(job, r, done);
+                      });
+}
+
+void PreviewTotalsReport(QWidget* parent, const TotalsSearch& search, TotalsLayout layout) {
+    if (layout == TotalsLayout::Official) {
+        const std::optional<OfficialTotals> form = formOf(search);
+        if (!form) return;
+        const int pages = officialform::pagesFor(int(form->receivers.size()));
+        showPagedPreview(parent, kTotalsDocument, pages, [form, pages](PrintJob& job, int page) {
+            prepareJob(job, TotalsLayout::Official);
+            printOfficialTotalsPage(job, *form, page, pages);
+        });
+        return;
+    }
+    const std::optional<TotalsReport> report = listOf(search);
+    if (!report) return;
+    const int pages = pagesFor(int(report->rows.size()));
+    showPagedPreview(parent, kTotalsDocument, pages, [report, pages](PrintJob& job, int page) {
+        prepareJob(job, TotalsLayout::List);
+        Carried carried = carriedBefore(*report, page);
+        printListPage(job, *report, page, pages, carried);
     });
 }
 

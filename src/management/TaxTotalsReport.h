@@ -7,6 +7,8 @@
 
 #include "management/TaxTotals.h"
 
+#include <functional>
+
 class QWidget;
 
 namespace nb {
@@ -58,15 +60,30 @@ int rowsOnPage(int page);
 int pagesFor(int rows);
 } // namespace totalslayout
 
-// Every page of the report on the job.
-void printTotalsReport(PrintJob& job, const TotalsReport& report);
+// Every page of the report on the job; `pageDone` is told after each page.
+void printTotalsReport(PrintJob& job, const TotalsReport& report,
+                       const std::function<void(int page, int pages)>& pageDone = {});
 
-// btnPrint of FrmTaxManage: the period's sums, the six values, the document's printer and
-// margins, the pages; a failure shows its number and description.
-void PrintTotalsReport(TotalsKind kind, int period, const QString& year, const QString& date0,
-                       const QString& date1);
-// The same in the print preview.
-void PreviewTotalsReport(QWidget* parent, TotalsKind kind, int period, const QString& year,
-                         const QString& date0, const QString& date1);
+// The two layouts of the 합계표: the official form ((갑) and (을) sheets), or the ruled list.
+enum class TotalsLayout { Official = 0, List = 1 };
+// The names the screen offers, in the order of TotalsLayout.
+QStringList totalsLayoutNames();
+// The layout chosen last (the setting "합계표양식"; the official form when never chosen).
+TotalsLayout savedTotalsLayout();
+void saveTotalsLayout(TotalsLayout layout);
+
+// What a search of the totals screen was made of.
+struct TotalsSearch {
+    TotalsKind kind = TotalsKind::Dates;
+    int period = 0;
+    QString year, date0, date1;
+    TotalsPeriod span() const { return totalsPeriod(kind, period, year, date0, date1); }
+};
+
+// btnPrint of FrmTaxManage: the data of the search, the document's printer and margins, the
+// pages under a progress form; a failure shows its number and description.
+void PrintTotalsReport(const TotalsSearch& search, TotalsLayout layout);
+// The same in the print preview, which draws only the page it shows.
+void PreviewTotalsReport(QWidget* parent, const TotalsSearch& search, TotalsLayout layout);
 
 } // namespace nb

@@ -13,6 +13,7 @@
 #include "invoice/InvoiceScreens.h"
 #include "management/FrmTaxManage.h"
 #include "management/ManagementScreens.h"
+#include "management/TaxTotalsReport.h"
 #include "management/etax/FrmEtaxPeriod.h"
 #include "printing/GridPrint.h"
 #include "printing/PrinterSetup.h"
@@ -131,12 +132,13 @@ private Q_SLOTS:
         test::saveScreenshot(&f, QStringLiteral("frm_tax_manage"));
     }
 
-    void theReportOfTheQuarterPrintsToAPdf() {
+    void theReportOfTheQuarterPrintsToAPdfAsTheListWhenChosen() {
         if (!test::havePdfTools()) QSKIP("pdftotext or pdftoppm missing");
         Screen s;
         auto& msgs = test::script();
         FrmTaxManage& f = s.open();
         searchSecondQuarter(f);
+        f.CmbLayout->setCurrentIndex(int(TotalsLayout::List));
         f.btnPrint->click();
         const QStringList pdfs =
             QDir(s.home.file(QStringLiteral("Print"))).entryList({QStringLiteral("*.pdf")});
@@ -147,6 +149,67 @@ private Q_SLOTS:
         QVERIFY(test::wordAt(html, QStringLiteral("다라상회")).y() > 0);
         QVERIFY(test::wordAt(html, QStringLiteral("178,000")).y() > 0);
         QVERIFY(test::wordAt(html, QStringLiteral("2024년")).y() > 0);
+    }
+
+    void theOfficialFormIsTheFirstChoiceAndTheChoiceIsKept() {
+        if (!test::havePdfTools()) QSKIP("pdftotext or pdftoppm missing");
+        Screen s;
+        auto& msgs = test::script();
+        {
+            FrmTaxManage& f = s.open();
+            QCOMPARE(f.CmbLayout->currentIndex(), int(TotalsLayout::Official));
+            QCOMPARE(f.CmbLayout->itemText(0), QStringLiteral("공식 서식(갑·을)"));
+            searchSecondQuarter(f);
+            f.btnPrint->click();
+            // The progress form went up to the last page's steps and closed.
+            QVERIFY(!msgs.progressValues().isEmpty());
+            QCOMPARE(msgs.progressValues().last(), 200);
+            const QStringList pdfs =
+                QDir(s.home.file(QStringLiteral("Print"))).entryList({QStringLiteral("*.pdf")});
+            QCOMPARE(pdfs.size(), 1);
+            const QString pdf = s.home.file(QStringLiteral("Print/") + pdfs.first());
+            const QString html = test::bboxOf(pdf);
+            QVERIFY(test::wordAt(html, QStringLiteral("세금계산서합계표(갑)")).y() > 0);
+            QVERIFY(test::wordAt(html, QStringLiteral("가나철강")).y() > 0);
+            test::pagePng(pdf, 1, QStringLiteral("frm_tax_manage_official_print"));
+            f.CmbLayout->setCurrentIndex(int(TotalsLayout::List));
+        }
+        FrmTaxManage& again = s.open();
+        QCOMPARE(again.CmbLayout->currentIndex(), int(TotalsLayout::List));
+    }
+
+    // Changing the period after a search and printing without a new one prints the search that
+    // fills the table, head and all.
+    void aPrintAfterThePeriodChangedPrintsTheLastSearch() {
+        Screen s;
+        test::script();
+        FrmTaxManage& f = s.open();
+        searchSecondQuarter(f);
+        f.CmbPeriod->setCurrentIndex(2); // the third quarter, not searched
+        QCOMPARE(f.searchToPrint().span().from, QStringLiteral("2024-04-01"));
+        PrintCapture capture;
+        f.btnPrint->click();
+        QVERIFY(capture.last().find(QStringLiteral("2024년 제1기 (4월 1일 ~ 6월 30일)")));
+        QVERIFY(capture.last().find(QStringLiteral("가나철강")));
+        f.CmbLayout->setCurrentIndex(int(TotalsLayout::List));
+        f.btnPrint->click();
+        QVERIFY(capture.last().find(QStringLiteral("(   2024년 2/4 기   )")));
+        QVERIFY(capture.last().find(QStringLiteral("가나철강")));
+        f.btnSearch->click();
+        f.btnPrint->click();
+        QVERIFY(capture.last().find(QStringLiteral("(   2024년 3/4 기   )")));
+    }
+
+    void aPrintBeforeAnySearchTakesThePeriodOnTheScreen() {
+        Screen s;
+        test::script();
+        FrmTaxManage& f = s.open();
+        f.CmbGubun->setCurrentIndex(1);
+        f.CmbPeriod->setCurrentIndex(1);
+        PrintCapture capture;
+        f.btnPrint->click();
+        QVERIFY(capture.last().find(QStringLiteral("2024년 제1기 (4월 1일 ~ 6월 30일)")));
+        QVERIFY(capture.last().find(QStringLiteral("다라상회")));
     }
 
     void theGridGoesToASpreadsheetFileWithItsTotalRow() {

@@ -1,0 +1,171 @@
+#include "management/OfficialTotals.h"
+
+#include "common/Messages.h"
+#include "common/text/BusinessNumber.h"
+#include "core/AppState.h"
+#include "storage/CrossFileQueries.h"
+#include "storage/Database.h"
+#include "storage/Stores.h"
+
+#include <QSet>
+
+namespace nb {
+
+namespace {
+
+// One row an invoice: its lines summed, its receiver's number and name from the basic file.
+const QString kInvoicesRead = QStringLiteral(
+    "SELECT n.TaxCode, MIN(n.CCode) AS CCode, SUM(n.TradeKum) AS Supply, SUM(n.VatKum) AS Tax, "
+    "t.Serial AS Serial, t.C_Name AS Company FROM NewAcount n LEFT JOIN basic.Trader t ON t.Code = n.CCode "
+    "WHERE n.DealDate BETWEEN ? AND ? GROUP BY n.TaxCode ORDER BY MIN(n.CCode), n.TaxCode");
+
+QString receiverKey(const InvoiceOfPeriod& invoice) {
+    const QString digits = businessNumberDigits(invoice.serial);
+    return digits.size() >= 10 ? QStringLiteral("#") + digits : QStringLiteral("@") + invoice.cCode;
+}
+
+struct Bucket {
+    IssueLine* line;
+    QSet<QString> receivers;
+};
+
+} // namespace
+
+IssueLine& IssueLine::operator+=(const IssueLine& other) {
+    receivers += other.receivers;
+    invoices += other.invoices;
+    supply += other.supply;
+    tax += other.tax;
+    return *this;
+}
+
+IssueLine OfficialTotals::electronic() const {
+    IssueLine sum = electronicBusiness;
+    return sum += electronicResident;
+}
+
+IssueLine OfficialTotals::paper() const {
+    IssueLine sum = paperBusiness;
+    return sum += paperResident;
+}
+
+IssueLine OfficialTotals::total() const {
+    IssueLine sum = electronic();
+    return sum += paper();
+}
+
+bool isResidentNumber(const QString& serial) {
+    return businessNumberDigits(serial).size() == 13;
+}
+
+QDate electronicDeadline(const QString& periodTo) {
+    const QDate end = QDate::fromString(periodTo, QStringLiteral("yyyy-MM-dd"));
+    if (!end.isValid()) return {};
+    const QDate next = end.addMonths(1);
+    return QDate(next.year(), next.month(), 11);
+}
+
+QString officialTerm(const TotalsPeriod& period) {
+    const QDate from = QDate::fromString(period.from, QStringLiteral("yyyy-MM-dd"));
+    const QDate to = QDate::fromString(period.to, QStringLiteral("yyyy-MM-dd"));
+    if (!from.isValid() || !to.isValid()) return QString();
+    const auto day = [](const QDate& d) { return QStringLiteral("%1월 %2일").arg(d.month()).arg(d.day()); };
+    return QStringLiteral("%1년 제%2기 (%3 ~ %4)")
+        .arg(from.year())
+        .arg(from.month() <= 6 ? 1 : 2)
+        .arg(day(from), day(to));
+}
+
+OfficialTotals sumOfficialTotals(const QList<InvoiceOfPeriod>& invoices, const UploadedDates& uploaded,
+                                 const QDate& deadline) {
+    OfficialTotals form;
+    form.deadline = deadline;
+    QHash<QString, qsizetype> listed; // receiver -> its line in form.receivers
+    QSet<QString> seen[4];
+    IssueLine* lines[4] = {&form.electronicBusiness, &form.electronicResident, &form.paperBusiness,
+                           &form.paperResident};
+    for (const InvoiceOfPeriod& invoice : invoices) {
+        const auto upload = uploaded.constFind(invoice.taxCode);
+        const bool electronic =
+            upload != uploaded.constEnd() && deadline.isValid() && upload->isValid() && *upload <= deadline;
+        const bool resident = isResidentNumber(invoice.serial);
+        const int bucket = (electronic ? 0 : 2) + (resident ? 1 : 0);
+        const QString key = receiverKey(invoice);
+        IssueLine& line = *lines[bucket];
+        if (!seen[bucket].contains(key)) {
+            seen[bucket].insert(key);
+            ++line.receivers;
+        }
+        ++line.invoices;
+        line.supply += invoice.supply;
+        line.tax += invoice.tax;
+        if (bucket != 2) continue;
+        auto at = listed.constFind(key);
+        if (at == listed.constEnd()) {
+            at = listed.insert(key, form.receivers.size());
+            form.receivers.append(ReceiverLine{invoice.serial, invoice.company, 0, 0, 0});
+        }
+        ReceiverLine& receiver = form.receivers[*at];
+        ++receiver.invoices;
+        receiver.supply += invoice.supply;
+        receiver.tax += invoice.tax;
+    }
+    return form;
+}
+
+std::optional<QList<InvoiceOfPeriod>> ReadInvoicesOfPeriod(const TotalsPeriod& period) {
+    Database& tax = stores().dbTax;
+    if (!tax.attach(stores().dbBasic.path(), kBasicAlias)) {
+        ReportQueryFailure(-1, QStringLiteral("unable to open database: ") + stores().dbBasic.path(),
+                           kInvoicesRead);
+        return std::nullopt;
+    }
+    Recordset rs;
+    const bool read = OpenSnapshot(tax, rs, kInvoicesRead, {period.from, period.to});
+    tax.detach(kBasicAlias);
+    if (!read) return std::nullopt;
+    QList<InvoiceOfPeriod> invoices;
+    invoices.reserve(rs.RecordCount());
+    for (; !rs.EOF_(); rs.MoveNext()) {
+        InvoiceOfPeriod invoice;
+        invoice.taxCode = rs.field(0).toString();
+        invoice.cCode = rs.field(1).toString();
+        invoice.supply = rs.field(2).toDouble();
+        invoice.tax = rs.field(3).toDouble();
+        invoice.serial = rs.field(4).toString().trimmed();
+        invoice.company = rs.field(5).toString();
+        invoices.append(invoice);
+    }
+    CloseRs(rs);
+    return invoices;
+}
+
+UploadedDates uploadedDatesOf(const TotalsPeriod&) {
+    return {};
+}
+
+std::optional<OfficialTotals> ReadOfficialTotals(const TotalsPeriod& period, const UploadedDates& uploaded,
+                                                 const QDate& today) {
+    Recordset user;
+    const QString serial = app().DefaultSerial;
+    if (!(serial.isEmpty() ? OpenSnapshot(stores().dbBasic, user, QStringLiteral("SELECT * FROM User"))
+                           : OpenSnapshot(stores().dbBasic, user,
+                                          QStringLiteral("SELECT * FROM User WHERE Serial = ?"), {serial})))
+        return std::nullopt;
+    const std::optional<QList<InvoiceOfPeriod>> invoices = ReadInvoicesOfPeriod(period);
+    if (!invoices) return std::nullopt;
+    OfficialTotals form = sumOfficialTotals(*invoices, uploaded, electronicDeadline(period.to));
+    if (!user.EOF_()) {
+        form.serial = user.text(QStringLiteral("Serial"));
+        form.company = user.text(QStringLiteral("Company"));
+        form.delegate = user.text(QStringLiteral("Delegate"));
+        form.address = user.text(QStringLiteral("Addr"));
+    }
+    CloseRs(user);
+    form.period = period;
+    form.term = officialTerm(period);
+    form.issueDate = today.toString(QStringLiteral("yyyy년 MM월 dd일"));
+    return form;
+}
+
+} // namespace nb

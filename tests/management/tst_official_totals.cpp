@@ -1,0 +1,284 @@
+// The official 합계표 without a window: how invoices are split between the electronic and the
+// other rows and between business and resident numbers, the digit groups of an amount, the
+// (갑) sheet and the (을) sheets read back from a PDF by their words' positions, and the lazy
+// preview of a long form.
+#include "PdfRead.h"
+#include "StoreFixture.h"
+#include "management/OfficialTotalsForm.h"
+#include "management/TaxTotalsReport.h"
+#include "printing/PagedPreview.h"
+#include "printing/PrintSurfaces.h"
+#include "printing/PrinterSetup.h"
+
+#include <QDate>
+#include <QLabel>
+#include <QSpinBox>
+
+using namespace nb;
+using namespace nb::officialform;
+
+namespace {
+
+struct Store {
+    test::TestHome home;
+    Store() {
+        QVERIFY(test::openStores());
+        QVERIFY(test::exec(stores().dbBasic,
+                           "insert into User (Serial, Company, Delegate, Addr) values "
+                           "('123-45-67891', '하르문상사', '홍길동', '서울시 중구 을지로 1')"));
+    }
+};
+
+void addTrader(const QString& code, const QString& name, const QString& serial) {
+    QVERIFY(test::exec(stores().dbBasic, "insert into Trader (Code, C_Name, Serial) values (?, ?, ?)",
+                       {code, name, serial}));
+}
+
+void addInvoice(const QString& taxCode, const QString& cCode, double supply, double tax,
+                const QString& date) {
+    QVERIFY(test::exec(
+        stores().dbTax,
+        "insert into NewAcount (TaxCode, CCode, PName, Quantity, UnitCost, TradeKum, VatKum, DealDate, "
+        "TradeDate, UserCode) values (?, ?, '볼트', 1, ?, ?, ?, ?, ?, '123-45-67891')",
+        {taxCode, cCode, supply, supply, tax, date, date.mid(5)}));
+}
+
+InvoiceOfPeriod invoice(const QString& taxCode, const QString& cCode, const QString& serial, double supply) {
+    return InvoiceOfPeriod{taxCode, cCode, serial, QStringLiteral("상사") + cCode, supply, supply / 10};
+}
+
+const TotalsPeriod kSecondQuarter{QStringLiteral("2024-04-01"), QStringLiteral("2024-06-30")};
+
+QString printToPdf(const QString& path, const OfficialTotals& form) {
+    PrintJob job(makePdfSurface(path), kPdfPrinterName, kTotalsDocument);
+    PrinterPrepare(job);
+    printOfficialTotals(job, form);
+    return job.endDoc() ? test::bboxOf(path) : QString();
+}
+
+bool near(double points, double inches) {
+    return qAbs(points / 72 - inches) < 0.03;
+}
+
+} // namespace
+
+class TestOfficialTotals : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void anInvoiceUploadedByTheEleventhOfTheNextMonthCountsAsElectronic() {
+        const QDate deadline = electronicDeadline(QStringLiteral("2024-06-30"));
+        QCOMPARE(deadline, QDate(2024, 7, 11));
+        QCOMPARE(electronicDeadline(QStringLiteral("2024-12-31")), QDate(2025, 1, 11));
+        const QList<InvoiceOfPeriod> invoices{invoice("100000", "000001", "234-56-78904", 1000),
+                                              invoice("100001", "000001", "234-56-78904", 2000),
+                                              invoice("100002", "000002", "345-67-89013", 4000)};
+        UploadedDates uploaded;
+        uploaded.insert(QStringLiteral("100000"), QDate(2024, 7, 11)); // on the day: electronic
+        uploaded.insert(QStringLiteral("100001"), QDate(2024, 7, 12)); // a day late: not
+        const OfficialTotals form = sumOfficialTotals(invoices, uploaded, deadline);
+        QCOMPARE(form.electronicBusiness.invoices, 1);
+        QCOMPARE(form.electronicBusiness.supply, 1000.0);
+        QCOMPARE(form.paperBusiness.invoices, 2);
+        QCOMPARE(form.paperBusiness.receivers, 2);
+        QCOMPARE(form.paperBusiness.supply, 6000.0);
+        // A receiver with invoices on both sides stands in both parts; the 합계 adds the parts.
+        QCOMPARE(form.electronicBusiness.receivers, 1);
+        QCOMPARE(form.total().receivers, 3);
+        QCOMPARE(form.total().invoices, 3);
+        QCOMPARE(form.total().supply, 7000.0);
+        QCOMPARE(form.receivers.size(), 2);
+        QCOMPARE(form.receivers.at(0).supply, 2000.0); // only the late invoice of 000001 is listed
+    }
+
+    void anInvoiceNotMarkedUploadedIsOfTheOtherRows() {
+        const OfficialTotals form =
+            sumOfficialTotals({invoice("100000", "000001", "234-56-78904", 1000)}, {}, QDate(2024, 7, 11));
+        QCOMPARE(form.electronic().invoices, 0);
+        QCOMPARE(form.paper().invoices, 1);
+    }
+
+    void aResidentNumberReceiverCountsInTheResidentRowsAndIsNotListed() {
+        QVERIFY(isResidentNumber(QStringLiteral("800101-1234567")));
+        QVERIFY(!isResidentNumber(QStringLiteral("234-56-78904")));
+        QVERIFY(!isResidentNumber(QString()));
+        const QList<InvoiceOfPeriod> invoices{invoice("100000", "000001", "800101-1234567", 1000),
+                                              invoice("100001", "000002", "234-56-78904", 2000),
+                                              invoice("100002", "000003", "8001011234568", 3000)};
+        UploadedDates uploaded;
+        uploaded.insert(QStringLiteral("100002"), QDate(2024, 7, 1));
+        const OfficialTotals form = sumOfficialTotals(invoices, uploaded, QDate(2024, 7, 11));
+        QCOMPARE(form.paperResident.receivers, 1);
+        QCOMPARE(form.paperResident.supply, 1000.0);
+        QCOMPARE(form.electronicResident.receivers, 1);
+        QCOMPARE(form.electronicResident.supply, 3000.0);
+        QCOMPARE(form.receivers.size(), 1);
+        QCOMPARE(form.receivers.at(0).serial, QStringLiteral("234-56-78904"));
+    }
+
+    void twoTraderCodesWithOneNumberAreOneReceiver() {
+        const QList<InvoiceOfPeriod> invoices{invoice("100000", "000001", "234-56-78904", 1000),
+                                              invoice("100001", "000002", "2345678904", 2000),
+                                              invoice("100002", "000003", "", 3000),
+                                              invoice("100003", "000004", "", 4000)};
+        const OfficialTotals form = sumOfficialTotals(invoices, {}, QDate(2024, 7, 11));
+        QCOMPARE(form.paperBusiness.receivers, 3); // a receiver without a number is its trader code
+        QCOMPARE(form.receivers.size(), 3);
+        QCOMPARE(form.receivers.at(0).invoices, 2);
+        QCOMPARE(form.receivers.at(0).supply, 3000.0);
+    }
+
+    void amountsStandInTheirDigitGroups() {
+        QCOMPARE(digitGroups(0), (QStringList{"", "", "", "", "0"}));
+        QCOMPARE(digitGroups(1234567), (QStringList{"", "", "1", "234", "567"}));
+        QCOMPARE(digitGroups(1000005), (QStringList{"", "", "1", "000", "005"}));
+        QCOMPARE(digitGroups(-25000), (QStringList{"", "", "", "-25", "000"}));
+        QCOMPARE(digitGroups(12345678901234.0), (QStringList{"12", "345", "678", "901", "234"}));
+        QCOMPARE(digitGroups(999.5), (QStringList{"", "", "", "1", "000"}));
+    }
+
+    void theTermNamesTheVatTermAndTheDays() {
+        QCOMPARE(officialTerm(kSecondQuarter), QStringLiteral("2024년 제1기 (4월 1일 ~ 6월 30일)"));
+        QCOMPARE(officialTerm({QStringLiteral("2024-07-01"), QStringLiteral("2024-12-31")}),
+                 QStringLiteral("2024년 제2기 (7월 1일 ~ 12월 31일)"));
+    }
+
+    void theSheetsAFormTakes() {
+        QCOMPARE(pagesFor(0), 1);
+        QCOMPARE(pagesFor(kFirstSheetRows), 1);
+        QCOMPARE(pagesFor(kFirstSheetRows + 1), 2);
+        QCOMPARE(pagesFor(kFirstSheetRows + kLaterSheetRows), 2);
+        QCOMPARE(pagesFor(kFirstSheetRows + kLaterSheetRows + 1), 3);
+        QCOMPARE(placeOfLine(kFirstSheetRows).page, 2);
+        QCOMPARE(placeOfLine(kFirstSheetRows).y, kLaterBodyTop);
+    }
+
+    void theFirstSheetAsAPdfPutsEveryBlockWhereTheFormSays() {
+        if (!test::havePdfTools()) QSKIP("pdftotext or pdftoppm missing");
+        Store s;
+        test::script();
+        addTrader("000001", "가나철강", "234-56-78904");
+        addTrader("000002", "다라상회", "345-67-89013");
+        addTrader("000003", "김개인", "800101-1234567");
+        addInvoice("100000", "000001", 1234567, 123456, "2024-04-02");
+        addInvoice("100001", "000002", 8000, 800, "2024-06-30");
+        addInvoice("100002", "000003", 5000, 500, "2024-05-05");
+        addInvoice("100003", "000002", 9000, 900, "2024-07-01"); // another quarter
+        const auto form = ReadOfficialTotals(kSecondQuarter, {}, QDate(2024, 7, 2));
+        QVERIFY(form);
+        QCOMPARE(form->total().invoices, 3);
+        QCOMPARE(form->company, QStringLiteral("하르문상사"));
+        const QString html = printToPdf(s.home.file(QStringLiteral("form.pdf")), *form);
+        QCOMPARE(test::pdfPages(html), 1);
+        QVERIFY(test::wordAt(html, QStringLiteral("세금계산서합계표(갑)")).y() > 0);
+        QVERIFY(test::wordAt(html, QStringLiteral("제1기")).y() > 0);
+        for (const char* word : {"제출자", "사업장", "총합계", "매출처별", "주민등록번호", "소재지"})
+            QVERIFY2(test::wordAt(html, QString::fromUtf8(word)).y() > 0, word);
+        QVERIFY(near(test::wordAt(html, QStringLiteral("하르문상사")).x(), 5.30 + 0.05));
+        // The first receiver's line of the detail, in the order of the trader codes.
+        const QPointF name = test::wordAt(html, QStringLiteral("가나철강"));
+        QVERIFY(near(name.x(), kCompany.x + 0.05));
+        QVERIFY(name.y() / 72 > kFirstBodyTop && name.y() / 72 < kFirstBodyTop + kFirstRowHeight);
+        const QPointF second = test::wordAt(html, QStringLiteral("다라상회"));
+        QVERIFY(second.y() / 72 > kFirstBodyTop + kFirstRowHeight);
+        // The person stands in the resident row only.
+        QCOMPARE(test::wordAt(html, QStringLiteral("김개인")).y(), -1.0);
+        // 1,234,567 in its groups under 공급가액, on the receiver's line.
+        const double cell = kSupply.width / 5;
+        const QList<QPointF> groups = test::allWordsAt(html, QStringLiteral("234"));
+        QVERIFY(std::any_of(groups.begin(), groups.end(), [&](const QPointF& p) {
+            return p.x() / 72 > kSupply.x + cell * 3 && p.x() / 72 < kSupply.x + cell * 4 &&
+                   qAbs(p.y() - name.y()) < 2;
+        }));
+        test::pagePng(s.home.file(QStringLiteral("form.pdf")), 1,
+                      QStringLiteral("official_totals_first_sheet"));
+    }
+
+    void receiversBeyondTheFirstFiveContinueOnLaterSheets() {
+        if (!test::havePdfTools()) QSKIP("pdftotext or pdftoppm missing");
+        Store s;
+        test::script();
+        const int receivers = kFirstSheetRows + kLaterSheetRows + 3;
+        for (int i = 0; i < receivers; ++i) {
+            const QString code = QStringLiteral("%1").arg(i + 1, 6, 10, QChar(u'0'));
+            addTrader(code, QStringLiteral("매출처%1").arg(i + 1),
+                      QStringLiteral("2%1-00-00000").arg(i, 2, 10, QChar(u'0')));
+            addInvoice(QStringLiteral("1%1").arg(i, 5, 10, QChar(u'0')), code, 1000, 100, "2024-04-10");
+        }
+        const auto form = ReadOfficialTotals(kSecondQuarter, {}, QDate(2024, 7, 2));
+        QVERIFY(form);
+        QCOMPARE(form->receivers.size(), receivers);
+        const QString pdf = s.home.file(QStringLiteral("long.pdf"));
+        const QString html = printToPdf(pdf, *form);
+        QCOMPARE(test::pdfPages(html), 3);
+        QVERIFY(test::wordAt(html, QStringLiteral("세금계산서합계표(을)"), 2).y() > 0);
+        QVERIFY(test::wordAt(html, QStringLiteral("세금계산서합계표(을)"), 3).y() > 0);
+        QVERIFY(near(test::wordAt(html, QStringLiteral("쪽"), 2).y(), kFooterY));
+        // The sixth receiver opens the first (을) sheet, numbered on.
+        const QPointF sixth = test::wordAt(html, QStringLiteral("매출처6"), 2);
+        QVERIFY(near(sixth.x(), kCompany.x + 0.05));
+        QVERIFY(sixth.y() / 72 > kLaterBodyTop && sixth.y() / 72 < kLaterBodyTop + kLaterRowHeight);
+        const QPointF six = test::wordAt(html, QStringLiteral("6"), 2);
+        QVERIFY(qAbs(six.y() - sixth.y()) < 2);
+        QVERIFY(six.x() / 72 > kNumber.x && six.x() / 72 < kNumber.x + kNumber.width);
+        const QPointF last = test::wordAt(html, QStringLiteral("매출처%1").arg(receivers), 3);
+        QVERIFY(last.y() / 72 > kLaterBodyTop + kLaterRowHeight * 2);
+        QCOMPARE(test::wordAt(html, QStringLiteral("매출처6"), 1).y(), -1.0);
+        test::pagePng(pdf, 2, QStringLiteral("official_totals_later_sheet"));
+    }
+
+    void aSecondHalfFormPrintsTheHalfsReceivers() {
+        Store s;
+        test::script();
+        addTrader("000001", "가나철강", "234-56-78904");
+        addInvoice("100000", "000001", 1000, 100, "2024-08-05");
+        TotalsSearch half{TotalsKind::Half, 1, QStringLiteral("2024"), {}, {}};
+        const auto form = ReadOfficialTotals(half.span(), {}, QDate(2025, 1, 2));
+        QVERIFY(form);
+        QCOMPARE(form->receivers.size(), 1);
+        QCOMPARE(form->term, QStringLiteral("2024년 제2기 (7월 1일 ~ 12월 31일)"));
+    }
+
+    void thePreviewDrawsOnlyThePageItShows() {
+        Store s;
+        test::script();
+        QList<int> drawn;
+        PagedPreview preview(nullptr, kTotalsDocument, 40, [&drawn](PrintJob& job, int page) {
+            drawn << page;
+            job.printAt(1, 1, QStringLiteral("쪽%1").arg(page));
+        });
+        QCOMPARE(drawn, QList<int>{1});
+        QCOMPARE(preview.lblPages->text(), QStringLiteral("/ 40 쪽"));
+        QVERIFY(!preview.shownImage().isNull());
+        QCOMPARE(preview.shownImage().width(), qRound(210 / 25.4 * 96));
+        test::pressKey(&preview, Qt::Key_PageDown);
+        test::pressKey(&preview, Qt::Key_End);
+        QCOMPARE(preview.page(), 40);
+        QCOMPARE(drawn, (QList<int>{1, 2, 40}));
+        preview.pageBox->setValue(7);
+        QCOMPARE(drawn.last(), 7);
+        test::pressKey(&preview, Qt::Key_End); // already there: nothing drawn again
+        test::pressKey(&preview, Qt::Key_End);
+        QCOMPARE(drawn.size(), 5);
+    }
+
+    void thePreviewOfTheFormRecordsEveryPageUnderACapture() {
+        Store s;
+        test::script();
+        for (int i = 0; i < kFirstSheetRows + 2; ++i) {
+            const QString code = QStringLiteral("%1").arg(i + 1, 6, 10, QChar(u'0'));
+            addTrader(code, QStringLiteral("매출처%1").arg(i + 1),
+                      QStringLiteral("2%1-00-00000").arg(i, 2, 10, QChar(u'0')));
+            addInvoice(QStringLiteral("1%1").arg(i, 5, 10, QChar(u'0')), code, 1000, 100, "2024-04-10");
+        }
+        PrintCapture capture;
+        PreviewTotalsReport(nullptr, TotalsSearch{TotalsKind::Quarter, 1, QStringLiteral("2024"), {}, {}},
+                            TotalsLayout::Official);
+        QCOMPARE(capture.jobs().size(), size_t(1));
+        QCOMPARE(capture.last().documentName, kTotalsDocument + QStringLiteral(" 미리보기"));
+        QCOMPARE(capture.last().pages, 2);
+        QVERIFY(capture.last().find(QStringLiteral("매출처별 세금계산서합계표(을)")));
+    }
+};
+
+NB_TEST_MAIN(TestOfficialTotals)
+#include "tst_official_totals.moc"
