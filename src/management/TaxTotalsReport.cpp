@@ -6,9 +6,9 @@
 #include "core/AppState.h"
 #include "core/Clock.h"
 #include "core/Settings.h"
-#include "printing/PrintGrid.h"
 #include "management/OfficialTotalsForm.h"
 #include "printing/PagedPreview.h"
+#include "printing/PrintGrid.h"
 #include "printing/PrinterSetup.h"
 #include "storage/CrossFileQueries.h"
 #include "storage/Database.h"
@@ -314,10 +314,9 @@ void PrintTotalsReport(const TotalsSearch& search, TotalsLayout layout) {
     }
     const std::optional<TotalsReport> report = listOf(search);
     if (!report) return;
-    printWithProgress(*report, pagesFor(int(report->rows.size())), layout,
-                      [](PrintJob& job, const TotalsReport& r, const auto& done) {
-                          printTotalsReport(job, r, done);
-                      });
+    printWithProgress(
+        *report, pagesFor(int(report->rows.size())), layout,
+        [](PrintJob& job, const TotalsReport& r, const auto& done) { printTotalsReport(job, r, done); });
 }
 
 void PreviewTotalsReport(QWidget* parent, const TotalsSearch& search, TotalsLayout layout) {
