@@ -11,7 +11,9 @@
 #include "common/grid/Grid.h"
 #include "management/ExportGrid.h"
 #include "management/FrmTaxManage.h"
+#include "management/OfficialTotalsForm.h"
 #include "management/TaxTotalsReport.h"
+#include "printing/PagedPreview.h"
 #include "printing/PrintSurfaces.h"
 #include "printing/PrinterSetup.h"
 
@@ -116,6 +118,39 @@ void timeSearch(FrmTaxManage& screen, const char* what, int kind, int period, co
     std::fflush(stdout);
 }
 
+int saleTotalRows() {
+    QSqlQuery q(stores().dbTax.connection());
+    return q.exec(QStringLiteral("SELECT COUNT(*) FROM SaleTotal")) && q.next() ? q.value(0).toInt() : 0;
+}
+
+// The year's 합계표 in both layouts: the data read and every page to a PDF, as 인쇄 does it
+// (the progress form told as it goes), and the preview's first page on the screen, as
+// 미리보기 shows it; beside the grouped query through sqlite3.
+void timeYearReport() {
+    const TotalsSearch year{TotalsKind::Dates, 0, QStringLiteral("2024"), QStringLiteral("2024-01-01"),
+                            QStringLiteral("2024-12-31")};
+    const double cli = groupedCli(year.date0, year.date1);
+    for (const TotalsLayout layout : {TotalsLayout::Official, TotalsLayout::List}) {
+        const bool official = layout == TotalsLayout::Official;
+        const QString name = official ? QStringLiteral("official") : QStringLiteral("list");
+        const int pages =
+            official ? officialform::pagesFor(
+                           int(ReadOfficialTotals(year.span(), {}, QDate::currentDate())->receivers.size()))
+                     : totalslayout::pagesFor(saleTotalRows());
+        const double printMs = bench::medianMs([&] { PrintTotalsReport(year, layout); }, 3);
+        report(qPrintable(QStringLiteral("the year's 합계표 (%1) to PDF, %2 pages").arg(name).arg(pages)),
+               50000, printMs, cli);
+        const double previewMs = bench::medianMs(
+            [&] {
+                std::unique_ptr<PagedPreview> preview = makeTotalsPreview(nullptr, year, layout);
+                preview->show();
+                QApplication::processEvents();
+            },
+            5);
+        report(qPrintable(QStringLiteral("its preview's first page (%1)").arg(name)), 50000, previewMs, cli);
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -162,23 +197,8 @@ int main(int argc, char** argv) {
     std::sort(exports.begin(), exports.end());
     report("the year's list (50,000 rows) to .xlsx", screen.grdList->DataRowCnt(), exports[1], 0);
 
-    const QString pdf = home.file(QStringLiteral("year.pdf"));
-    int receivers = 0;
-    const double reportMs = bench::medianMs(
-        [&] {
-            const TotalsPeriod p{QStringLiteral("2024-01-01"), QStringLiteral("2024-12-31")};
-            const auto v = totalsReportValues(TotalsKind::Dates, 0, QStringLiteral("2024"), p.from, p.to,
-                                              *GetSumKum(stores().dbTax, true, p),
-                                              *GetSumVat(stores().dbTax, true, p), QDate::currentDate());
-            const auto data = ReadTotalsReport(v);
-            receivers = int(data->rows.size());
-            PrintJob job(makePdfSurface(pdf), kPdfPrinterName, kTotalsDocument);
-            PrinterPrepare(job);
-            printTotalsReport(job, *data);
-            job.endDoc();
-        },
-        3);
-    report("the year's 합계표 to PDF", receivers, reportMs, groupedCli("2024-01-01", "2024-12-31"));
+    setSystemPrintersForTesting({}, QString()); // the PDF printer only: <home>/Print
+    timeYearReport();
 
     Grid grid;
     grid.setMaxCols(10);

@@ -13,11 +13,11 @@ namespace nb {
 
 namespace {
 
-// One row an invoice: its lines summed, its receiver's number and name from the basic file.
+// One row an invoice and receiver (an invoice is one receiver's): its lines summed, its receiver's number and name from the basic file.
 const QString kInvoicesRead = QStringLiteral(
-    "SELECT n.TaxCode, MIN(n.CCode) AS CCode, SUM(n.TradeKum) AS Supply, SUM(n.VatKum) AS Tax, "
+    "SELECT n.TaxCode, n.CCode, SUM(n.TradeKum) AS Supply, SUM(n.VatKum) AS Tax, "
     "t.Serial AS Serial, t.C_Name AS Company FROM NewAcount n LEFT JOIN basic.Trader t ON t.Code = n.CCode "
-    "WHERE n.DealDate BETWEEN ? AND ? GROUP BY n.TaxCode ORDER BY MIN(n.CCode), n.TaxCode");
+    "WHERE n.DealDate BETWEEN ? AND ? GROUP BY n.CCode, n.TaxCode ORDER BY n.CCode, n.TaxCode");
 
 QString receiverKey(const InvoiceOfPeriod& invoice) {
     const QString digits = businessNumberDigits(invoice.serial);

@@ -75,7 +75,7 @@ OfficialTotals sumOfficialTotals(const QList<InvoiceOfPeriod>& invoices, const U
                                  const QDate& deadline);
 
 // The invoices of the period (DealDate between from and to) with their receivers' numbers and
-// names, one per TaxCode, by trader code; nothing when the read failed (its box shown).
+// names, one per TaxCode and trader, in the order of the trader codes; nothing when the read failed (its box shown).
 std::optional<QList<InvoiceOfPeriod>> ReadInvoicesOfPeriod(const TotalsPeriod& period);
 
 // The invoices of the period whose electronic files were marked uploaded, with the day.

@@ -25,12 +25,14 @@ using namespace totalslayout;
 const QString kTotalsLayoutKey = QStringLiteral("합계표양식");
 
 // The receivers of the last search with their invoices in the selection, and their numbers
-// from the basic file.
+// from the basic file. The selection is summed per trader first, through the index on the
+// day, and then met with the work table: a year of a decade's books is read once, not once a
+// trader.
 const QString kRowsRead = QStringLiteral(
-    "SELECT s.CCode, s.CName, t.Serial AS Serial, COUNT(DISTINCT n.TaxCode) AS Invoices, "
-    "SUM(n.TradeKum) AS Supply, SUM(n.VatKum) AS Tax FROM SaleTotal s JOIN NewAcount n ON n.CCode = s.CCode "
-    "LEFT JOIN basic.Trader t ON t.Code = s.CCode "
-    "WHERE n.DealDate >= ? AND n.DealDate <= ? GROUP BY s.rowid ORDER BY s.rowid");
+    "SELECT s.CCode, s.CName, t.Serial AS Serial, g.Invoices, g.Supply, g.Tax FROM SaleTotal s "
+    "JOIN (SELECT CCode, COUNT(DISTINCT TaxCode) AS Invoices, SUM(TradeKum) AS Supply, SUM(VatKum) AS Tax "
+    "FROM NewAcount WHERE DealDate >= ? AND DealDate <= ? GROUP BY CCode) g ON g.CCode = s.CCode "
+    "LEFT JOIN basic.Trader t ON t.Code = s.CCode ORDER BY s.rowid");
 
 QString cell(const QString& text, const Column& column) {
     return column.right ? PadBytes(text, column.width) : CutBytes(text, column.width);
@@ -319,25 +321,46 @@ void PrintTotalsReport(const TotalsSearch& search, TotalsLayout layout) {
         [](PrintJob& job, const TotalsReport& r, const auto& done) { printTotalsReport(job, r, done); });
 }
 
-void PreviewTotalsReport(QWidget* parent, const TotalsSearch& search, TotalsLayout layout) {
+namespace {
+
+struct PreviewPages {
+    int pages = 1;
+    PageRoutine print;
+};
+
+// The data of the search read once, and the routine that draws one page of it.
+std::optional<PreviewPages> previewOf(const TotalsSearch& search, TotalsLayout layout) {
     if (layout == TotalsLayout::Official) {
         const std::optional<OfficialTotals> form = formOf(search);
-        if (!form) return;
+        if (!form) return std::nullopt;
         const int pages = officialform::pagesFor(int(form->receivers.size()));
-        showPagedPreview(parent, kTotalsDocument, pages, [form, pages](PrintJob& job, int page) {
-            prepareJob(job, TotalsLayout::Official);
-            printOfficialTotalsPage(job, *form, page, pages);
-        });
-        return;
+        return PreviewPages{pages, [form, pages](PrintJob& job, int page) {
+                                prepareJob(job, TotalsLayout::Official);
+                                printOfficialTotalsPage(job, *form, page, pages);
+                            }};
     }
     const std::optional<TotalsReport> report = listOf(search);
-    if (!report) return;
+    if (!report) return std::nullopt;
     const int pages = pagesFor(int(report->rows.size()));
-    showPagedPreview(parent, kTotalsDocument, pages, [report, pages](PrintJob& job, int page) {
-        prepareJob(job, TotalsLayout::List);
-        Carried carried = carriedBefore(*report, page);
-        printListPage(job, *report, page, pages, carried);
-    });
+    return PreviewPages{pages, [report, pages](PrintJob& job, int page) {
+                            prepareJob(job, TotalsLayout::List);
+                            Carried carried = carriedBefore(*report, page);
+                            printListPage(job, *report, page, pages, carried);
+                        }};
+}
+
+} // namespace
+
+std::unique_ptr<PagedPreview> makeTotalsPreview(QWidget* parent, const TotalsSearch& search,
+                                                TotalsLayout layout) {
+    const std::optional<PreviewPages> preview = previewOf(search, layout);
+    if (!preview) return nullptr;
+    return std::make_unique<PagedPreview>(parent, kTotalsDocument, preview->pages, preview->print);
+}
+
+void PreviewTotalsReport(QWidget* parent, const TotalsSearch& search, TotalsLayout layout) {
+    const std::optional<PreviewPages> preview = previewOf(search, layout);
+    if (preview) showPagedPreview(parent, kTotalsDocument, preview->pages, preview->print);
 }
 
 } // namespace nb

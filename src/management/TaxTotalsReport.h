@@ -8,11 +8,13 @@
 #include "management/TaxTotals.h"
 
 #include <functional>
+#include <memory>
 
 class QWidget;
 
 namespace nb {
 
+class PagedPreview;
 class PrintJob;
 
 inline const QString kTotalsDocument = QStringLiteral("세금계산서 합계표");
@@ -83,6 +85,9 @@ struct TotalsSearch {
 // btnPrint of FrmTaxManage: the data of the search, the document's printer and margins, the
 // pages under a progress form; a failure shows its number and description.
 void PrintTotalsReport(const TotalsSearch& search, TotalsLayout layout);
+// The preview of the search, not yet shown; null when a read failed (its box shown).
+std::unique_ptr<PagedPreview> makeTotalsPreview(QWidget* parent, const TotalsSearch& search,
+                                                TotalsLayout layout);
 // The same in the print preview, which draws only the page it shows.
 void PreviewTotalsReport(QWidget* parent, const TotalsSearch& search, TotalsLayout layout);
 

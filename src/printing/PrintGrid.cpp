@@ -4,6 +4,9 @@
 #include "core/Settings.h"
 
 #include <QFontDatabase>
+#include <QGuiApplication>
+#include <QHash>
+#include <QMutex>
 #include <QStringList>
 #include <cmath>
 #include <limits>
@@ -55,12 +58,46 @@ int printColumns(QStringView text) {
     return columns;
 }
 
-QString printFontFamily(const QString& requestedName) {
+namespace {
+
+QString resolveFontFamily(const QString& requestedName) {
     if (fixedKoreanNames().contains(requestedName, Qt::CaseInsensitive))
         return isInstalled(requestedName) ? requestedName : QString::fromLatin1(kFixedKoreanFont);
     if (proportionalKoreanNames().contains(requestedName, Qt::CaseInsensitive))
         return isInstalled(requestedName) ? requestedName : QString::fromLatin1(kKoreanFont);
     return isInstalled(requestedName) ? requestedName : QString::fromLatin1(kFixedKoreanFont);
+}
+
+// What a name resolves to, kept: a print asks for every text it draws, and the list of the
+// installed families is long. The list is read again when the application's fonts change.
+struct FamilyCache {
+    QMutex lock;
+    QHash<QString, QString> families;
+    bool watching = false;
+};
+
+FamilyCache& familyCache() {
+    static FamilyCache cache;
+    return cache;
+}
+
+} // namespace
+
+QString printFontFamily(const QString& requestedName) {
+    FamilyCache& cache = familyCache();
+    QMutexLocker locker(&cache.lock);
+    if (!cache.watching && qGuiApp) {
+        cache.watching = true;
+        QObject::connect(qGuiApp, &QGuiApplication::fontDatabaseChanged, qGuiApp, [] {
+            FamilyCache& c = familyCache();
+            QMutexLocker l(&c.lock);
+            c.families.clear();
+        });
+    }
+    auto found = cache.families.constFind(requestedName);
+    if (found == cache.families.constEnd())
+        found = cache.families.insert(requestedName, resolveFontFamily(requestedName));
+    return *found;
 }
 
 bool isFixedPitchPrintFont(const QString& requestedName) {

@@ -1,6 +1,7 @@
 #include "printing/PrintSurfaces.h"
 
 #include <QFont>
+#include <QFontMetricsF>
 #include <QPageLayout>
 #include <QPageSize>
 #include <QPainter>
@@ -29,26 +30,42 @@ QFont painterFont(const PrintFont& font) {
 PainterSurface::PainterSurface(QPainter& painter, double dotsPerInch)
     : m_painter(painter), m_dpi(dotsPerInch) {}
 
+// The painter's font of a print font, with its condensed twin and its ascent on this device:
+// the last one is kept, as a document prints run after run of texts in one font.
+const PainterSurface::DeviceFont& PainterSurface::deviceFont(const PrintFont& font) {
+    if (m_font && m_font->name == font.name && m_font->size == font.size && m_font->bold == font.bold)
+        return *m_font;
+    DeviceFont made;
+    made.name = font.name;
+    made.size = font.size;
+    made.bold = font.bold;
+    made.font = painterFont(font);
+    made.condensed = made.font;
+    made.condensed.setStretch(kHalfWidthStretch);
+    made.ascent = QFontMetricsF(made.font, m_painter.device()).ascent();
+    made.condensedAscent = QFontMetricsF(made.condensed, m_painter.device()).ascent();
+    m_font = std::make_shared<DeviceFont>(std::move(made));
+    return *m_font;
+}
+
+// Each piece is drawn on its baseline, the font's ascent under the text's top: what a
+// top-aligned text in a rectangle gives, without laying the text out in one.
 void PainterSurface::drawText(const PrintedText& text) {
-    m_painter.save();
-    const QFont font = painterFont(text.font);
-    m_painter.setFont(font);
+    const DeviceFont& font = deviceFont(text.font);
     if (!text.font.transparent) {
         const double height = text.font.size * 1.2 / kPointsPerInch;
         m_painter.fillRect(QRectF(toDevice(text.x), toDevice(text.y),
                                   toDevice(printTextWidth(text.text, text.font)), toDevice(height)),
                            Qt::white);
     }
-    m_painter.setPen(text.font.color);
-    constexpr int flags = Qt::AlignLeft | Qt::AlignTop | Qt::TextDontClip | Qt::TextSingleLine;
-    const double far = toDevice(100.0);
-    QFont condensed = font;
-    condensed.setStretch(kHalfWidthStretch);
+    if (m_painter.pen().color() != text.font.color || m_painter.pen().style() != Qt::SolidLine)
+        m_painter.setPen(text.font.color);
     for (const TextPiece& piece : textPieces(text)) {
-        m_painter.setFont(piece.condensed ? condensed : font);
-        m_painter.drawText(QRectF(toDevice(piece.x), toDevice(text.y), far, far), flags, piece.text);
+        const QFont& qfont = piece.condensed ? font.condensed : font.font;
+        if (m_painter.font() != qfont) m_painter.setFont(qfont);
+        const double ascent = piece.condensed ? font.condensedAscent : font.ascent;
+        m_painter.drawText(QPointF(toDevice(piece.x), toDevice(text.y) + ascent), piece.text);
     }
-    m_painter.restore();
 }
 
 void PainterSurface::drawLine(const PrintedLine& line) {

@@ -4,6 +4,7 @@
 
 #include "printing/PrintJob.h"
 
+#include <QFont>
 #include <QList>
 #include <memory>
 #include <vector>
@@ -29,8 +30,18 @@ protected:
     QPainter& painter() { return m_painter; }
 
 private:
+    struct DeviceFont {
+        QString name;
+        double size = 0;
+        bool bold = false;
+        QFont font, condensed;
+        double ascent = 0, condensedAscent = 0; // device units
+    };
+    const DeviceFont& deviceFont(const PrintFont& font);
+
     QPainter& m_painter;
     double m_dpi;
+    std::shared_ptr<DeviceFont> m_font;
 };
 
 // A printer or a PDF writer: pages and the end of the document.
