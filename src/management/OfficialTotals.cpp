@@ -8,12 +8,14 @@
 #include "storage/Stores.h"
 
 #include <QSet>
+#include <QSqlQuery>
 
 namespace nb {
 
 namespace {
 
-// One row an invoice and receiver (an invoice is one receiver's): its lines summed, its receiver's number and name from the basic file.
+// One row an invoice and receiver (an invoice is one receiver's): its lines summed, its receiver's number and
+// name from the basic file.
 const QString kInvoicesRead = QStringLiteral(
     "SELECT n.TaxCode, n.CCode, SUM(n.TradeKum) AS Supply, SUM(n.VatKum) AS Tax, "
     "t.Serial AS Serial, t.C_Name AS Company FROM NewAcount n LEFT JOIN basic.Trader t ON t.Code = n.CCode "
@@ -120,23 +122,23 @@ std::optional<QList<InvoiceOfPeriod>> ReadInvoicesOfPeriod(const TotalsPeriod& p
                            kInvoicesRead);
         return std::nullopt;
     }
-    Recordset rs;
-    const bool read = OpenSnapshot(tax, rs, kInvoicesRead, {period.from, period.to});
-    tax.detach(kBasicAlias);
-    if (!read) return std::nullopt;
     QList<InvoiceOfPeriod> invoices;
-    invoices.reserve(rs.RecordCount());
-    for (; !rs.EOF_(); rs.MoveNext()) {
+    QSqlQuery rs(tax.connection());
+    rs.setForwardOnly(true);
+    const bool read = OpenForwardOnly(tax, rs, kInvoicesRead, {period.from, period.to});
+    for (; read && rs.next();) {
         InvoiceOfPeriod invoice;
-        invoice.taxCode = rs.field(0).toString();
-        invoice.cCode = rs.field(1).toString();
-        invoice.supply = rs.field(2).toDouble();
-        invoice.tax = rs.field(3).toDouble();
-        invoice.serial = rs.field(4).toString().trimmed();
-        invoice.company = rs.field(5).toString();
+        invoice.taxCode = rs.value(0).toString();
+        invoice.cCode = rs.value(1).toString();
+        invoice.supply = rs.value(2).toDouble();
+        invoice.tax = rs.value(3).toDouble();
+        invoice.serial = rs.value(4).toString().trimmed();
+        invoice.company = rs.value(5).toString();
         invoices.append(invoice);
     }
-    CloseRs(rs);
+    rs.finish();
+    tax.detach(kBasicAlias);
+    if (!read) return std::nullopt;
     return invoices;
 }
 

@@ -264,7 +264,8 @@ void prepareJob(PrintJob& job, TotalsLayout layout) {
 }
 
 // The progress form over the pages. It lets the window's events run at every 200th step, so a
-// page is 200 steps, and it is told at most every 50 ms: it moves without slowing the print.
+// page is 200 steps; it is told of the first and the last page and otherwise at most every
+// 50 ms: it moves without slowing the print.
 class PageProgress {
 public:
     explicit PageProgress(int pages) : m_pages(pages) {
@@ -273,7 +274,7 @@ public:
     }
     ~PageProgress() { messages().progressClose(); }
     void pageDone(int page) {
-        if (page < m_pages && m_clock.elapsed() < kTellEveryMs) return;
+        if (page > 1 && page < m_pages && m_clock.elapsed() < kTellEveryMs) return;
         m_clock.restart();
         messages().progressSet(page * kStepsPerPage);
     }

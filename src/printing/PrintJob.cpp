@@ -15,7 +15,14 @@ constexpr double kLineSpacing = 1.2;
 // A proportional font is measured at a large pixel size so that hinting does not round it,
 // then scaled to the size in points.
 double printTextWidth(const QString& text, const PrintFont& font) {
-    if (isFixedPitchPrintFont(font.name)) return printColumns(text) * printColumnWidth(font.size);
+    // A document measures thousands of texts in a font or two: the last answer is kept.
+    static thread_local QString lastName;
+    static thread_local bool lastFixed = false;
+    if (font.name != lastName) {
+        lastFixed = isFixedPitchPrintFont(font.name);
+        lastName = font.name;
+    }
+    if (lastFixed) return printColumns(text) * printColumnWidth(font.size);
     constexpr int kMeasurePixels = 1000;
     QFont qfont(printFontFamily(font.name));
     qfont.setPixelSize(kMeasurePixels);

@@ -2,6 +2,7 @@
 
 #include <QFont>
 #include <QFontMetricsF>
+#include <QGlyphRun>
 #include <QPageLayout>
 #include <QPageSize>
 #include <QPainter>
@@ -44,14 +45,45 @@ const PainterSurface::DeviceFont& PainterSurface::deviceFont(const PrintFont& fo
     made.condensed.setStretch(kHalfWidthStretch);
     made.ascent = QFontMetricsF(made.font, m_painter.device()).ascent();
     made.condensedAscent = QFontMetricsF(made.condensed, m_painter.device()).ascent();
+    made.raw = QRawFont::fromFont(QFont(made.font, m_painter.device()));
     m_font = std::make_shared<DeviceFont>(std::move(made));
     return *m_font;
+}
+
+// A print is made of a few hundred different characters drawn again and again: each is looked
+// up in the font once, and a piece goes to the device as its glyphs, not as text shaped anew.
+bool PainterSurface::drawGlyphs(DeviceFont& font, const QString& text, const QPointF& baseline) {
+    if (!font.raw.isValid()) return false;
+    QList<quint32> indexes;
+    QList<QPointF> positions;
+    indexes.reserve(text.size());
+    positions.reserve(text.size());
+    double x = 0;
+    for (const QChar ch : text) {
+        auto found = font.glyphs.constFind(ch.unicode());
+        if (found == font.glyphs.constEnd()) {
+            if (ch.isSurrogate()) return false;
+            const QList<quint32> index = font.raw.glyphIndexesForString(QString(ch));
+            if (index.size() != 1 || index.first() == 0) return false;
+            const QList<QPointF> advance = font.raw.advancesForGlyphIndexes(index);
+            found = font.glyphs.insert(ch.unicode(), Glyph{index.first(), advance.value(0).x()});
+        }
+        indexes.append(found->index);
+        positions.append(QPointF(x, 0));
+        x += found->advance;
+    }
+    QGlyphRun run;
+    run.setRawFont(font.raw);
+    run.setGlyphIndexes(indexes);
+    run.setPositions(positions);
+    m_painter.drawGlyphRun(baseline, run);
+    return true;
 }
 
 // Each piece is drawn on its baseline, the font's ascent under the text's top: what a
 // top-aligned text in a rectangle gives, without laying the text out in one.
 void PainterSurface::drawText(const PrintedText& text) {
-    const DeviceFont& font = deviceFont(text.font);
+    DeviceFont& font = const_cast<DeviceFont&>(deviceFont(text.font));
     if (!text.font.transparent) {
         const double height = text.font.size * 1.2 / kPointsPerInch;
         m_painter.fillRect(QRectF(toDevice(text.x), toDevice(text.y),
@@ -64,18 +96,24 @@ void PainterSurface::drawText(const PrintedText& text) {
         const QFont& qfont = piece.condensed ? font.condensed : font.font;
         if (m_painter.font() != qfont) m_painter.setFont(qfont);
         const double ascent = piece.condensed ? font.condensedAscent : font.ascent;
-        m_painter.drawText(QPointF(toDevice(piece.x), toDevice(text.y) + ascent), piece.text);
+        const QPointF baseline(toDevice(piece.x), toDevice(text.y) + ascent);
+        if (piece.condensed || !drawGlyphs(font, piece.text, baseline))
+            m_painter.drawText(baseline, piece.text);
     }
 }
 
+// A ruled form draws its lines by the thousand in one pen: the pen is set when it changes, and
+// the text after a line sets its own colour again.
 void PainterSurface::drawLine(const PrintedLine& line) {
-    m_painter.save();
-    QPen pen(line.color);
-    pen.setWidthF(toDevice(line.width / 96.0));
-    m_painter.setPen(pen);
+    const double width = toDevice(line.width / 96.0);
+    const QPen& current = m_painter.pen();
+    if (current.color() != line.color || current.widthF() != width || current.style() != Qt::SolidLine) {
+        QPen pen(line.color);
+        pen.setWidthF(width);
+        m_painter.setPen(pen);
+    }
     m_painter.drawLine(QPointF(toDevice(line.x1), toDevice(line.y1)),
                        QPointF(toDevice(line.x2), toDevice(line.y2)));
-    m_painter.restore();
 }
 
 void PainterSurface::drawPicture(const PrintedPicture& picture) {

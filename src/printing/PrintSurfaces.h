@@ -5,7 +5,9 @@
 #include "printing/PrintJob.h"
 
 #include <QFont>
+#include <QHash>
 #include <QList>
+#include <QRawFont>
 #include <memory>
 #include <vector>
 
@@ -30,14 +32,22 @@ protected:
     QPainter& painter() { return m_painter; }
 
 private:
+    struct Glyph {
+        quint32 index = 0;
+        double advance = 0; // device units
+    };
     struct DeviceFont {
         QString name;
         double size = 0;
         bool bold = false;
         QFont font, condensed;
         double ascent = 0, condensedAscent = 0; // device units
+        QRawFont raw;                           // the font at the device's size, for glyph runs
+        QHash<char16_t, Glyph> glyphs;          // the characters met so far
     };
     const DeviceFont& deviceFont(const PrintFont& font);
+    // The piece as a run of glyphs of the font, or false when a character needs another font.
+    bool drawGlyphs(DeviceFont& font, const QString& text, const QPointF& baseline);
 
     QPainter& m_painter;
     double m_dpi;

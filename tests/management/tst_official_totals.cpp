@@ -226,6 +226,29 @@ private Q_SLOTS:
         test::pagePng(pdf, 2, QStringLiteral("official_totals_later_sheet"));
     }
 
+    void theProgressFormMovesFromTheFirstPageToTheLast() {
+        Store s;
+        auto& msgs = test::script();
+        setSystemPrintersForTesting({}, QString());
+        for (int i = 0; i < kFirstSheetRows + kLaterSheetRows + 1; ++i) {
+            const QString code = QStringLiteral("%1").arg(i + 1, 6, 10, QChar(u'0'));
+            addTrader(code, QStringLiteral("매출처%1").arg(i + 1),
+                      QStringLiteral("2%1-00-00000").arg(i, 2, 10, QChar(u'0')));
+            addInvoice(QStringLiteral("1%1").arg(i, 5, 10, QChar(u'0')), code, 1000, 100, "2024-04-10");
+        }
+        PrintTotalsReport(TotalsSearch{TotalsKind::Quarter, 1, QStringLiteral("2024"), {}, {}},
+                          TotalsLayout::Official);
+        const QList<int> values = msgs.progressValues();
+        QVERIFY(values.size() >= 2);
+        QCOMPARE(values.first(), 200);
+        QCOMPARE(values.last(), 3 * 200);
+        QVERIFY(std::is_sorted(values.begin(), values.end()));
+        const auto shown = std::find_if(msgs.records().begin(), msgs.records().end(),
+                                        [](const MessageRecord& r) { return r.kind == u"progress"; });
+        QVERIFY(shown != msgs.records().end());
+        QCOMPARE(shown->text, QStringLiteral("합계표를 인쇄하는 중입니다..."));
+    }
+
     void aSecondHalfFormPrintsTheHalfsReceivers() {
         Store s;
         test::script();
