@@ -3,6 +3,7 @@
 #include "common/Messages.h"
 #include "common/text/BusinessNumber.h"
 #include "core/AppState.h"
+#include "management/etax/HandOverRecord.h"
 #include "storage/CrossFileQueries.h"
 #include "storage/Database.h"
 #include "storage/Stores.h"
@@ -142,8 +143,8 @@ std::optional<QList<InvoiceOfPeriod>> ReadInvoicesOfPeriod(const TotalsPeriod& p
     return invoices;
 }
 
-UploadedDates uploadedDatesOf(const TotalsPeriod&) {
-    return {};
+std::optional<UploadedDates> uploadedDatesOf(const TotalsPeriod& period) {
+    return UploadedInvoiceDates(stores().dbTax, period.from, period.to);
 }
 
 std::optional<OfficialTotals> ReadOfficialTotals(const TotalsPeriod& period, const UploadedDates& uploaded,

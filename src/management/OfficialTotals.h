@@ -75,11 +75,13 @@ OfficialTotals sumOfficialTotals(const QList<InvoiceOfPeriod>& invoices, const U
                                  const QDate& deadline);
 
 // The invoices of the period (DealDate between from and to) with their receivers' numbers and
-// names, one per TaxCode and trader, in the order of the trader codes; nothing when the read failed (its box shown).
+// names, one per TaxCode and trader, in the order of the trader codes; nothing when the read failed (its box
+// shown).
 std::optional<QList<InvoiceOfPeriod>> ReadInvoicesOfPeriod(const TotalsPeriod& period);
 
-// The invoices of the period whose electronic files were marked uploaded, with the day.
-UploadedDates uploadedDatesOf(const TotalsPeriod& period);
+// The invoices of the period whose electronic files were marked uploaded and not withdrawn,
+// with the day, from the record of hand-overs; nothing when the read failed (its box shown).
+std::optional<UploadedDates> uploadedDatesOf(const TotalsPeriod& period);
 
 // The whole form of a period: the invoices read, split by `uploaded`, with the default supplier.
 std::optional<OfficialTotals> ReadOfficialTotals(const TotalsPeriod& period, const UploadedDates& uploaded,

@@ -249,7 +249,9 @@ std::optional<TotalsReport> listOf(const TotalsSearch& search) {
 
 std::optional<OfficialTotals> formOf(const TotalsSearch& search) {
     const TotalsPeriod p = search.span();
-    return ReadOfficialTotals(p, uploadedDatesOf(p), today());
+    const std::optional<UploadedDates> uploaded = uploadedDatesOf(p);
+    if (!uploaded) return std::nullopt;
+    return ReadOfficialTotals(p, *uploaded, today());
 }
 
 // The list stands in the middle of an A4 sheet: its own indent and top under the document's

@@ -4,8 +4,10 @@
 // preview of a long form.
 #include "PdfRead.h"
 #include "StoreFixture.h"
+#include "core/Clock.h"
 #include "management/OfficialTotalsForm.h"
 #include "management/TaxTotalsReport.h"
+#include "management/etax/HandOverRecord.h"
 #include "printing/PagedPreview.h"
 #include "printing/PrintSurfaces.h"
 #include "printing/PrinterSetup.h"
@@ -247,6 +249,58 @@ private Q_SLOTS:
                                         [](const MessageRecord& r) { return r.kind == u"progress"; });
         QVERIFY(shown != msgs.records().end());
         QCOMPARE(shown->text, QStringLiteral("합계표를 인쇄하는 중입니다..."));
+    }
+
+    // The record of hand-overs decides the rows: a file marked uploaded by the 11th counts, one
+    // uploaded later or withdrawn does not.
+    void theHandOverRecordSplitsThePrintedTotals() {
+        Store s;
+        test::script();
+        addTrader("000001", "가나철강", "234-56-78904");
+        addTrader("000002", "다라상회", "345-67-89013");
+        addTrader("000003", "마바상사", "456-78-90122");
+        addInvoice("100000", "000001", 1000, 100, "2024-04-02");
+        addInvoice("100001", "000002", 2000, 200, "2024-05-02");
+        addInvoice("100002", "000003", 4000, 400, "2024-06-02");
+        QDate day(2024, 7, 1); // the files are written on the first of July, marked later
+        setClock([&day] { return QDateTime(day, QTime(10, 0)); });
+        const std::unique_ptr<void, void (*)(void*)> clockBack(&day, [](void*) { setClock({}); });
+        QString why;
+        const auto fileOf = [&](const QString& taxCode, const QString& cCode, double supply,
+                                const QString& date) {
+            const HandOverEntry entry{taxCode, date, cCode, QStringLiteral("상대"), supply, supply / 10};
+            return RecordHandOverFile(stores().dbTax, s.home.file(taxCode + QStringLiteral(".xlsx")),
+                                      kSecondQuarter.from, kSecondQuarter.to, {entry}, &why)
+                .value_or(-1);
+        };
+        const int onTime = fileOf("100000", "000001", 1000, "2024-04-02");
+        const int late = fileOf("100001", "000002", 2000, "2024-05-02");
+        const int withdrawn = fileOf("100002", "000003", 4000, "2024-06-02");
+        QVERIFY2(onTime > 0 && late > 0 && withdrawn > 0, qPrintable(why));
+        day = QDate(2024, 7, 20);
+        QVERIFY2(MarkFileUploaded(stores().dbTax, onTime, "2024-07-11", &why), qPrintable(why));
+        QVERIFY2(MarkFileUploaded(stores().dbTax, late, "2024-07-12", &why), qPrintable(why));
+        QVERIFY2(MarkFileUploaded(stores().dbTax, withdrawn, "2024-07-01", &why), qPrintable(why));
+        QVERIFY2(WithdrawFile(stores().dbTax, withdrawn, QStringLiteral("잘못 올림"), &why), qPrintable(why));
+        PrintCapture capture;
+        PrintTotalsReport(TotalsSearch{TotalsKind::Quarter, 1, QStringLiteral("2024"), {}, {}},
+                          TotalsLayout::Official);
+        const PrintRecord& record = capture.last();
+        // Row 1 of the block: 전자 사업자등록번호 발급분; row 4: 외 사업자등록번호 발급분.
+        const auto countsOn = [&](int line) {
+            const double top = kTotalsBodyTop + kTotalsRowHeight * line;
+            QStringList found;
+            for (const PrintedText& t : record.texts)
+                if (t.page == 1 && t.y > top && t.y < top + kTotalsRowHeight && t.x > kReceiversCount.x &&
+                    t.x < kInvoicesCount.x + kInvoicesCount.width)
+                    found << t.text;
+            return found;
+        };
+        QCOMPARE(countsOn(1), (QStringList{"1", "1"}));
+        QCOMPARE(countsOn(4), (QStringList{"2", "2"}));
+        QVERIFY(record.find(QStringLiteral("가나철강")) == nullptr); // sent in time: not listed
+        QVERIFY(record.find(QStringLiteral("다라상회")));
+        QVERIFY(record.find(QStringLiteral("마바상사")));
     }
 
     void aSecondHalfFormPrintsTheHalfsReceivers() {
