@@ -167,7 +167,7 @@ std::optional<OfficialTotals> ReadOfficialTotals(const TotalsPeriod& period, con
     CloseRs(user);
     form.period = period;
     form.term = officialTerm(period);
-    form.issueDate = today.toString(QStringLiteral("yyyy년 MM월 dd일"));
+    form.issueDate = today.toString(QStringLiteral("yyyy년 M월 d일"));
     return form;
 }
 

@@ -40,7 +40,7 @@ struct OfficialTotals {
     QString serial, company, delegate, address;
     TotalsPeriod period;
     QString term;      // "2024년 제1기 (4월 1일 ~ 6월 30일)"
-    QString issueDate; // "2024년 07월 02일"
+    QString issueDate; // "2024년 7월 2일"
     QDate deadline;    // the last day an upload counts as electronic
     IssueLine electronicBusiness, electronicResident, paperBusiness, paperResident;
     QList<ReceiverLine> receivers; // of paperBusiness, in the order of their trader codes
