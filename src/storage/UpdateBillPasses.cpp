@@ -175,11 +175,13 @@ private:
     static void unclear(sqlite3_context* context, int, sqlite3_value** v) {
         sqlite3_result_int(context, oldLineIsUnclear(numberOf(v[0]), numberOf(v[1]), numberOf(v[2])));
     }
-    // A line's amount and VAT, worked out once for its row (v[0] its rowid, v[1] its code).
+    // A line's amount and VAT and its statement's lines, found once for its row (v[0] its rowid,
+    // v[1] its code).
     const OldLineSplit& split(sqlite3_value** v) {
         const sqlite3_int64 row = sqlite3_value_int64(v[0]);
         if (!m_splitRow || *m_splitRow != row) {
             m_split = splitOldLine(numberOf(v[2]), numberOf(v[3]), numberOf(v[4]), m_choice);
+            m_splitGroup = &groupOf(v[1]);
             m_splitRow = row;
         }
         return m_split;
@@ -187,13 +189,13 @@ private:
     static void oldAmount(sqlite3_context* context, int, sqlite3_value** v) {
         Conversion& c = self(context);
         const double amount = c.split(v).amount;
-        c.groupOf(v[1]).amount += amount;
+        c.m_splitGroup->amount += amount;
         sqlite3_result_double(context, amount);
     }
     static void oldVat(sqlite3_context* context, int, sqlite3_value** v) {
         Conversion& c = self(context);
         const double vat = c.split(v).vat;
-        c.groupOf(v[1]).vat += vat;
+        c.m_splitGroup->vat += vat;
         sqlite3_result_double(context, vat);
     }
     // A head's totals as it is written: its lines' sums, or the zeros of a head without lines.
@@ -299,6 +301,7 @@ private:
     VatChoice m_choice = VatChoice::NotAsked;
     std::optional<sqlite3_int64> m_splitRow;
     OldLineSplit m_split;
+    LineGroup* m_splitGroup = nullptr;
 };
 
 } // namespace
