@@ -2,8 +2,10 @@
 
 #include "common/input/FormPlacement.h"
 #include "master/PostSearch.h"
+#include "master/RoadSearch.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -24,10 +26,59 @@ FrmPost::FrmPost(QWidget* parent)
     m_find->setObjectName(QStringLiteral("btnFind"));
     m_find->setAutoDefault(false);
     buttonRow()->insertWidget(1, m_find);
-    const QString hint = QStringLiteral("읍/면/동으로 검색하세요. [전체검색 : 빈칸]");
-    setHints(hint, hint);
+    m_roadBook = new QCheckBox(QStringLiteral("도로명 주소(&R)"), this);
+    m_roadBook->setObjectName(QStringLiteral("chkRoadBook"));
+    m_roadBook->setFocusPolicy(Qt::NoFocus);
+    m_roadBook->setChecked(UsesRoadBook());
+    buttonRow()->insertWidget(1, m_roadBook);
+    m_road = new RoadListModel(this);
     connect(m_find, &QPushButton::clicked, this, &FrmPost::findAgain);
-    placeFirstColumnWidths({70, 60, 90, 120, 150});
+    connect(m_roadBook, &QCheckBox::toggled, this, [this](bool road) {
+        SetUsesRoadBook(road);
+        useBook(road);
+        search(txtinput()->text().trimmed());
+    });
+    useBook(m_roadBook->isChecked());
+}
+
+bool FrmPost::searchesRoadBook() const {
+    return m_roadBook->isChecked();
+}
+
+void FrmPost::useBook(bool road) {
+    if (road) {
+        const QString hint = QStringLiteral("도로명, 건물명, 읍/면/동이나 지번으로 검색하세요. [전체검색 : 빈칸]");
+        setHints(hint, hint);
+        grdList()->setModel(m_road);
+        placeFirstColumnWidths({60, 230, 210, 120});
+        resize(760, height());
+    } else {
+        const QString hint = QStringLiteral("읍/면/동으로 검색하세요. [전체검색 : 빈칸]");
+        setHints(hint, hint);
+        grdList()->setModel(model());
+        placeFirstColumnWidths({70, 60, 90, 120, 150});
+    }
+}
+
+int FrmPost::search(const QString& text) {
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    int found = 0;
+    if (searchesRoadBook()) {
+        m_road->search(text);
+        found = m_road->rowCount();
+    } else {
+        model()->setRows(SearchPostBook(text));
+        found = model()->rowCount();
+    }
+    QApplication::restoreOverrideCursor();
+    return found;
+}
+
+void FrmPost::selectFirst() {
+    QAbstractItemModel* shown = grdList()->model();
+    if (shown->rowCount() == 0) return;
+    grdList()->setCurrentIndex(shown->index(0, 0));
+    grdList()->selectRow(0);
 }
 
 void FrmPost::SetObject(QLineEdit* zipTarget, QLineEdit* addrTarget) {
@@ -36,18 +87,25 @@ void FrmPost::SetObject(QLineEdit* zipTarget, QLineEdit* addrTarget) {
 }
 
 void FrmPost::InitForm(const QString& text, int& result) {
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    QVector<QStringList> rows = SearchPostBook(text);
-    QApplication::restoreOverrideCursor();
-    result = rows.isEmpty() ? 0 : rows.size() == 1 ? 1 : 2;
-    if (result == 1) deliver(SingleHitZip(rows.first().value(0)), rows.first());
-    model()->setRows(std::move(rows));
-    selectRow(0);
+    const int found = search(text);
+    result = found == 0 ? 0 : found == 1 ? 1 : 2;
+    if (result == 1 && searchesRoadBook()) {
+        deliverRoad(0);
+    } else if (result == 1) {
+        deliver(SingleHitZip(model()->text(0, 0)), {model()->text(0, 0), model()->text(0, 1), model()->text(0, 2),
+                                                    model()->text(0, 3), model()->text(0, 4)});
+    }
+    selectFirst();
 }
 
 void FrmPost::chooseActiveRow() {
     const int row = activeRow();
     if (row < 0) return;
+    if (searchesRoadBook()) {
+        deliverRoad(row);
+        accept();
+        return;
+    }
     QStringList values;
     for (int c = 0; c < 5; ++c)
         values << model()->text(row, c);
@@ -58,10 +116,15 @@ void FrmPost::chooseActiveRow() {
 void FrmPost::findAgain() {
     const QString text = txtinput()->text().trimmed();
     if (text.isEmpty()) return;
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    model()->setRows(SearchPostBook(text));
-    QApplication::restoreOverrideCursor();
-    selectRow(0);
+    search(text);
+    selectFirst();
+}
+
+void FrmPost::deliverRoad(int row) {
+    if (row < 0 || row >= m_road->rowCount()) return;
+    const RoadAddress& a = m_road->address(row);
+    writeTarget(a.zip);
+    if (m_addrTarget) m_addrTarget->setText(RoadAddressText(a));
 }
 
 void FrmPost::deliver(const QString& zip, const QStringList& row) {

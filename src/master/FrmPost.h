@@ -1,10 +1,16 @@
 #pragma once
 // The postcode search: finds rows of the postcode book and hands the postcode and the address
-// prefix to two boxes of the calling screen. A single hit is delivered without a window.
+// prefix to two boxes of the calling screen. A single hit is delivered without a window. With
+// the road-name book chosen (chkRoadBook, remembered in the settings) it searches that book
+// and hands over the five-digit postcode and the road-name address.
 
 #include "master/MasterListForm.h"
 
+class QCheckBox;
+
 namespace nb {
+
+class RoadListModel;
 
 class FrmPost : public MasterListForm {
     Q_OBJECT
@@ -12,6 +18,10 @@ public:
     explicit FrmPost(QWidget* parent = nullptr);
 
     QPushButton* btnFind() const { return m_find; }
+    QCheckBox* chkRoadBook() const { return m_roadBook; }
+    // The rows of the road-name book's search (read as the list is scrolled).
+    RoadListModel* roadModel() const { return m_road; }
+    bool searchesRoadBook() const;
     // Keeps each target unless one is held.
     void SetObject(QLineEdit* zipTarget, QLineEdit* addrTarget);
     // 0 no row, 1 one row (already delivered), 2 several.
@@ -28,7 +38,14 @@ protected:
 
 private:
     void deliver(const QString& zip, const QStringList& row);
+    void deliverRoad(int row);
+    // Shows the book the box chooses, and searches it again with the text in the entry box.
+    void useBook(bool road);
+    int search(const QString& text);
+    void selectFirst();
     QPushButton* m_find = nullptr;
+    QCheckBox* m_roadBook = nullptr;
+    RoadListModel* m_road = nullptr;
     QPointer<QLineEdit> m_addrTarget;
 };
 

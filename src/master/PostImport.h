@@ -49,6 +49,10 @@ QString skippedLinesText(const SkippedLines& skipped);
 // was passed over; answers that number. A refused file or a failed save says why, leaves the
 // book as it was, and answers -1.
 int ImportPostcodeFile(const QString& path);
+// The files chosen in the menu: the road-name book's files (one, or one per province) are
+// loaded together as that book; one other file as the six-digit book. False when nothing
+// was loaded.
+bool ImportPostcodeFiles(const QStringList& paths);
 // The menu's flow: a file dialog, then the import.
 void RunPostcodeImport(QWidget* parent);
 

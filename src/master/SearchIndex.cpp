@@ -98,12 +98,17 @@ QStringList triggerStatements(const SearchIndexDef& def) {
                 .arg(triggerName(def, "_au"), cols, def.table, remove, insert)};
 }
 
-bool createIndex(Database& db, const SearchIndexDef& def) {
+QStringList buildStatements(const SearchIndexDef& def) {
     const QString cols = def.columns.join(QStringLiteral(", "));
     QStringList statements{
         QStringLiteral("CREATE VIRTUAL TABLE %1 USING fts5(%2, tokenize = 'trigram')").arg(def.index, cols),
         QStringLiteral("INSERT INTO %1(rowid, %2) SELECT rowid, %2 FROM %3").arg(def.index, cols, def.table)};
-    statements << gramTables(def) << triggerStatements(def);
+    return statements << gramTables(def);
+}
+
+bool createIndex(Database& db, const SearchIndexDef& def) {
+    QStringList statements = buildStatements(def);
+    statements << triggerStatements(def);
     if (!db.beginTransaction()) return false;
     for (const QString& sql : statements) {
         if (!run(db, sql)) {
@@ -144,6 +149,19 @@ QString matchPhrase(const QString& text, const QStringList& columns) {
 }
 
 } // namespace
+
+QStringList SearchIndexBuildStatements(const SearchIndexDef& def) {
+    return buildStatements(def);
+}
+
+IndexWalk SearchIndexWalk(const SearchIndexDef& def, const QString& text) {
+    if (UsesTrigramIndex(text))
+        return {def.index, def.index + QStringLiteral(".rowid"), def.index + QStringLiteral(" MATCH ?"),
+                matchPhrase(text, {def.columns.first()})};
+    // The pieces' key (gram, col, rid) hands the rows over in their order.
+    return {gramsTable(def) + QStringLiteral(" g"), QStringLiteral("g.rid"),
+            QStringLiteral("g.gram = lower(?) AND g.col = 0"), text};
+}
 
 const SearchIndexDef& TraderSearchIndex() {
     static const SearchIndexDef def{

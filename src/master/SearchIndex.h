@@ -47,4 +47,17 @@ struct SqlPart {
 SqlPart SearchCandidates(Database& db, const SearchIndexDef& def, const QString& text,
                          const QStringList& columns);
 
+// For a book built once and only read (no triggers): the statements that make and fill the
+// index beside a table already loaded.
+QStringList SearchIndexBuildStatements(const SearchIndexDef& def);
+// The rows of an index that may hold the text in its first column, as the first table of a
+// join walked in row order: "FROM <source> WHERE <condition>" pieces, the row's id in `rowid`.
+struct IndexWalk {
+    QString source;    // the index table (with its alias), to stand first in a CROSS JOIN
+    QString rowid;     // the expression of the indexed row's id
+    QString condition; // with one bound value, the text
+    QVariant value;
+};
+IndexWalk SearchIndexWalk(const SearchIndexDef& def, const QString& text);
+
 } // namespace nb

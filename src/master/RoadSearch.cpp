@@ -1,0 +1,249 @@
+#include "master/RoadSearch.h"
+
+#include "master/RoadImport.h"
+#include "master/SearchRules.h"
+
+#include <QAtomicInt>
+#include <QRegularExpression>
+#include <QSqlError>
+
+namespace nb {
+namespace {
+
+const QString kColumns = QStringLiteral(
+    "SELECT a.ZIPCODE, a.SIDO, a.SIGUNGU, a.EUPMYEON, a.ROADNAME, a.UNDERGROUND, a.BLDG_MAIN, a.BLDG_SUB, "
+    "a.BLDG_NAME, a.DONG, a.RI, a.SAN, a.JIBUN_MAIN, a.JIBUN_SUB ");
+
+const QString kLike = QStringLiteral(" LIKE ?") + kLikeEscape;
+
+// "209", "12-3", "산4", "산4-1": a building or lot number.
+bool readNumberWord(const QString& word, RoadSearchWords& out) {
+    static const QRegularExpression number(QStringLiteral("^(산)?([0-9]{1,5})(?:-([0-9]{1,5}))?$"));
+    const QRegularExpressionMatch m = number.match(word);
+    if (!m.hasMatch()) return false;
+    out.hasNumber = true;
+    out.mountain = out.mountain || !m.captured(1).isEmpty();
+    out.main = m.captured(2).toInt();
+    out.sub = m.captured(3).isEmpty() ? -1 : m.captured(3).toInt();
+    return true;
+}
+
+// One kind of name: the walk over the names that hold the text, each joined to its addresses.
+struct Branch {
+    QString sql;
+    QVariantList values;
+    void add(const QString& condition, const QVariant& value) {
+        sql += QStringLiteral(" AND ") + condition;
+        values << value;
+    }
+};
+
+Branch nameBranch(const SearchIndexDef& def, const QString& rowColumn, const RoadSearchWords& w) {
+    const IndexWalk walk = SearchIndexWalk(def, w.text);
+    Branch b;
+    b.sql = kColumns + QStringLiteral("FROM %1 CROSS JOIN %2 t CROSS JOIN RoadAddr a WHERE %3 AND t.id = %4 "
+                                      "AND a.%5 = t.id")
+                           .arg(walk.source, def.table, walk.condition, walk.rowid, rowColumn);
+    b.values << walk.value;
+    b.add(QStringLiteral("t.NAME") + kLike, LikeContains(w.text));
+    for (const QString& region : w.regions)
+        b.add(QStringLiteral("(a.SIDO || ' ' || a.SIGUNGU || ' ' || a.EUPMYEON)") + kLike, LikeContains(region));
+    return b;
+}
+
+void addBuildingNumber(Branch& b, const RoadSearchWords& w) {
+    if (!w.hasNumber) return;
+    b.add(QStringLiteral("a.BLDG_MAIN = ?"), w.main);
+    if (w.sub >= 0) b.add(QStringLiteral("a.BLDG_SUB = ?"), w.sub);
+}
+
+void addLotNumber(Branch& b, const RoadSearchWords& w) {
+    if (!w.hasNumber) return;
+    b.add(QStringLiteral("a.SAN = ?"), w.mountain ? 1 : 0);
+    b.add(QStringLiteral("a.JIBUN_MAIN = ?"), w.main);
+    if (w.sub >= 0) b.add(QStringLiteral("a.JIBUN_SUB = ?"), w.sub);
+}
+
+// An address found as a road is not listed again as a building or a town, nor a building
+// as a town.
+void notAlready(Branch& b, const QStringList& columns, const RoadSearchWords& w) {
+    for (const QString& column : columns)
+        b.add(QStringLiteral("a.") + column + QStringLiteral(" NOT") + kLike, LikeContains(w.text));
+}
+
+SqlPart nameSearch(const RoadSearchWords& w) {
+    QList<Branch> branches;
+    if (!w.mountain) {
+        Branch road = nameBranch(RoadNameIndex(), QStringLiteral("ROAD_T"), w);
+        addBuildingNumber(road, w);
+        Branch building = nameBranch(BuildingNameIndex(), QStringLiteral("BLDG_T"), w);
+        addBuildingNumber(building, w);
+        notAlready(building, {QStringLiteral("ROADNAME")}, w);
+        branches << road << building;
+    }
+    Branch place = nameBranch(PlaceNameIndex(), QStringLiteral("PLACE_T"), w);
+    addLotNumber(place, w);
+    notAlready(place, {QStringLiteral("ROADNAME"), QStringLiteral("BLDG_NAME")}, w);
+    Branch adminDong = nameBranch(PlaceNameIndex(), QStringLiteral("HDONG_T"), w);
+    addLotNumber(adminDong, w);
+    notAlready(adminDong, {QStringLiteral("ROADNAME"), QStringLiteral("BLDG_NAME"), QStringLiteral("PLACE")}, w);
+    branches << place << adminDong;
+    SqlPart part;
+    for (const Branch& b : branches) {
+        part.sql += (part.sql.isEmpty() ? QString() : QStringLiteral(" UNION ALL ")) + b.sql;
+        part.values << b.values;
+    }
+    return part;
+}
+
+QString connectionName() {
+    static QAtomicInt next;
+    return QStringLiteral("roadBook%1").arg(next.fetchAndAddRelaxed(1));
+}
+
+} // namespace
+
+RoadSearchWords ReadRoadSearchText(const QString& text) {
+    RoadSearchWords w;
+    const QString trimmed = text.trimmed();
+    if (trimmed.isEmpty()) return w;
+    if (trimmed.front().isDigit()) {
+        w.byZip = true;
+        w.text = trimmed;
+        return w;
+    }
+    QStringList names;
+    for (const QString& word : trimmed.split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts)) {
+        if (word == u"산") {
+            w.mountain = true;
+        } else if (!readNumberWord(word, w)) {
+            names << word;
+        }
+    }
+    if (!names.isEmpty()) w.text = names.takeLast();
+    w.regions = names;
+    return w;
+}
+
+SqlPart RoadSearchQuery(const QString& text) {
+    const RoadSearchWords w = ReadRoadSearchText(text);
+    if (w.byZip)
+        return {kColumns + QStringLiteral("FROM RoadZip z CROSS JOIN RoadAddr a WHERE z.ZIPCODE") + kLike +
+                    QStringLiteral(" AND a.ZIPCODE = z.ZIPCODE"),
+                {LikeContains(w.text)}};
+    if (!w.text.isEmpty()) return nameSearch(w);
+    if (w.hasNumber) return {kColumns + QStringLiteral("FROM RoadAddr a WHERE 0"), {}}; // a number alone
+    return {kColumns + QStringLiteral("FROM RoadAddr a"), {}};
+}
+
+RoadAddress RoadAddressOfRow(const QSqlQuery& q) {
+    RoadAddress a;
+    a.zip = q.value(0).toString();
+    a.sido = q.value(1).toString();
+    a.sigungu = q.value(2).toString();
+    a.eupmyeon = q.value(3).toString();
+    a.roadName = q.value(4).toString();
+    a.underground = q.value(5).toInt() != 0;
+    a.buildingMain = q.value(6).toInt();
+    a.buildingSub = q.value(7).toInt();
+    a.buildingName = q.value(8).toString();
+    a.dong = q.value(9).toString();
+    a.ri = q.value(10).toString();
+    a.mountain = q.value(11).toInt() != 0;
+    a.lotMain = q.value(12).toInt();
+    a.lotSub = q.value(13).toInt();
+    return a;
+}
+
+RoadListModel::RoadListModel(QObject* parent) : QAbstractTableModel(parent), m_connection(connectionName()) {}
+
+RoadListModel::~RoadListModel() {
+    closeQuery();
+    if (QSqlDatabase::contains(m_connection)) {
+        QSqlDatabase::database(m_connection, false).close();
+        QSqlDatabase::removeDatabase(m_connection);
+    }
+}
+
+bool RoadListModel::openBook() {
+    QSqlDatabase db = QSqlDatabase::contains(m_connection) ? QSqlDatabase::database(m_connection, false)
+                                                           : QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
+    if (db.isOpen()) return true;
+    // Only read: the book is replaced whole by the next import, never changed in place.
+    db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+    db.setDatabaseName(RoadBookFile());
+    return db.open();
+}
+
+void RoadListModel::closeQuery() {
+    m_query.reset();
+}
+
+bool RoadListModel::search(const QString& text) {
+    beginResetModel();
+    closeQuery();
+    m_rows.clear();
+    bool ok = openBook();
+    if (ok) {
+        const SqlPart part = RoadSearchQuery(text);
+        m_query = std::make_unique<QSqlQuery>(QSqlDatabase::database(m_connection, false));
+        m_query->setForwardOnly(true);
+        ok = m_query->prepare(part.sql);
+        for (const QVariant& v : part.values)
+            m_query->addBindValue(v);
+        ok = ok && m_query->exec();
+        if (!ok) closeQuery();
+    }
+    endResetModel();
+    if (ok) readAtLeast(kPage);
+    return ok;
+}
+
+void RoadListModel::readAtLeast(int count) {
+    while (m_query && m_rows.size() < count)
+        fetchMore(QModelIndex());
+}
+
+int RoadListModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : int(m_rows.size());
+}
+
+int RoadListModel::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : 4;
+}
+
+QVariant RoadListModel::data(const QModelIndex& index, int role) const {
+    if (role != Qt::DisplayRole || !index.isValid() || index.row() >= m_rows.size()) return {};
+    const RoadAddress& a = m_rows.at(index.row());
+    switch (index.column()) {
+    case 0: return a.zip;
+    case 1: return RoadAddressText(a);
+    case 2: return LotAddressText(a);
+    default: return a.buildingName;
+    }
+}
+
+QVariant RoadListModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (role != Qt::DisplayRole || orientation != Qt::Horizontal) return {};
+    static const QStringList headings = {QStringLiteral("우편번호"), QStringLiteral("도로명 주소"),
+                                         QStringLiteral("지번 주소"), QStringLiteral("건물명")};
+    return headings.value(section);
+}
+
+bool RoadListModel::canFetchMore(const QModelIndex& parent) const {
+    return !parent.isValid() && m_query != nullptr;
+}
+
+void RoadListModel::fetchMore(const QModelIndex& parent) {
+    if (parent.isValid() || !m_query) return;
+    QVector<RoadAddress> page;
+    while (page.size() < kPage && m_query->next())
+        page << RoadAddressOfRow(*m_query);
+    if (page.size() < kPage) closeQuery(); // the search has no more rows
+    if (page.isEmpty()) return;
+    beginInsertRows(QModelIndex(), int(m_rows.size()), int(m_rows.size() + page.size() - 1));
+    m_rows << page;
+    endInsertRows();
+}
+
+} // namespace nb
