@@ -3,6 +3,8 @@
 #include "common/text/ByteText.h"
 #include "common/text/NumberFormat.h"
 
+#include <algorithm>
+
 namespace nb {
 namespace {
 
@@ -59,6 +61,10 @@ QString ShapeBusinessNo(const QString& text) {
 
 QString ShapePostCode(const QString& text) {
     if (text.indexOf(u'-', 1) >= 0) return text;
+    // Today's postcodes have five digits and no hyphen.
+    const QString digits = text.trimmed();
+    if (digits.size() == 5 && std::all_of(digits.begin(), digits.end(), [](QChar c) { return c.isDigit(); }))
+        return digits;
     return FormatText(text, kPostCodeMask);
 }
 

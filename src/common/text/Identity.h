@@ -27,7 +27,7 @@ QString NameWithNorm(const QString& name, const QVariant& norm);
 // holds a "-" anywhere.
 QString ShapeBusinessNo(const QString& text);
 // The post code box: formatted with kPostCodeMask unless a "-" stands from the second
-// character on.
+// character on; five digits (today's postcodes) stay as they are.
 QString ShapePostCode(const QString& text);
 
 } // namespace nb
