@@ -4,6 +4,7 @@
 #include "master/SearchRules.h"
 
 #include <QAtomicInt>
+#include <QHash>
 #include <QRegularExpression>
 #include <QSqlError>
 
@@ -38,12 +39,22 @@ struct Branch {
     }
 };
 
+// The index of the addresses by each kind's name, walked whatever the statistics say.
+QString addressIndexOf(const QString& rowColumn) {
+    static const QHash<QString, QString> indexes = {{QStringLiteral("ROAD_T"), QStringLiteral("RoadAddr_road")},
+                                                   {QStringLiteral("BLDG_T"), QStringLiteral("RoadAddr_building")},
+                                                   {QStringLiteral("PLACE_T"), QStringLiteral("RoadAddr_place")},
+                                                   {QStringLiteral("HDONG_T"), QStringLiteral("RoadAddr_adminDong")}};
+    return indexes.value(rowColumn);
+}
+
 Branch nameBranch(const SearchIndexDef& def, const QString& rowColumn, const RoadSearchWords& w) {
     const IndexWalk walk = SearchIndexWalk(def, w.text);
     Branch b;
-    b.sql = kColumns + QStringLiteral("FROM %1 CROSS JOIN %2 t CROSS JOIN RoadAddr a WHERE %3 AND t.id = %4 "
-                                      "AND a.%5 = t.id")
-                           .arg(walk.source, def.table, walk.condition, walk.rowid, rowColumn);
+    b.sql = kColumns + QStringLiteral("FROM %1 CROSS JOIN %2 t CROSS JOIN RoadAddr a INDEXED BY %6 WHERE %3 AND "
+                                      "t.id = %4 AND a.%5 = t.id")
+                           .arg(walk.source, def.table, walk.condition, walk.rowid, rowColumn,
+                                addressIndexOf(rowColumn));
     b.values << walk.value;
     b.add(QStringLiteral("t.NAME") + kLike, LikeContains(w.text));
     for (const QString& region : w.regions)
@@ -71,21 +82,71 @@ void notAlready(Branch& b, const QStringList& columns, const RoadSearchWords& w)
         b.add(QStringLiteral("a.") + column + QStringLiteral(" NOT") + kLike, LikeContains(w.text));
 }
 
-SqlPart nameSearch(const RoadSearchWords& w) {
+// The same kinds walked number first: the addresses of the number, each checked for the name.
+Branch numberBranch(const QString& index, const QString& numberCondition, const QString& nameCondition,
+                    const RoadSearchWords& w) {
+    Branch b;
+    b.sql = kColumns + QStringLiteral("FROM RoadAddr a INDEXED BY %1 WHERE ").arg(index) + numberCondition;
+    b.add(nameCondition + kLike, LikeContains(w.text));
+    for (const QString& region : w.regions)
+        b.add(QStringLiteral("(a.SIDO || ' ' || a.SIGUNGU || ' ' || a.EUPMYEON)") + kLike, LikeContains(region));
+    return b;
+}
+
+Branch buildingNumberFirst(const QString& nameColumn, const RoadSearchWords& w) {
+    Branch b = numberBranch(QStringLiteral("RoadAddr_number"), QStringLiteral("a.BLDG_MAIN = ?"),
+                            QStringLiteral("a.") + nameColumn, w);
+    b.values.prepend(w.main);
+    if (w.sub >= 0) b.add(QStringLiteral("a.BLDG_SUB = ?"), w.sub);
+    return b;
+}
+
+Branch lotNumberFirst(const QString& nameCondition, const RoadSearchWords& w) {
+    Branch b = numberBranch(QStringLiteral("RoadAddr_lot"), QStringLiteral("a.JIBUN_MAIN = ? AND a.SAN = ?"),
+                            nameCondition, w);
+    b.values.prepend(w.mountain ? 1 : 0);
+    b.values.prepend(w.main);
+    if (w.sub >= 0) b.add(QStringLiteral("a.JIBUN_SUB = ?"), w.sub);
+    return b;
+}
+
+// How many names of the kind hold the text, counted up to kManyNames.
+int namesHolding(const QSqlDatabase& book, const SearchIndexDef& def, const QString& text) {
+    const IndexWalk walk = SearchIndexWalk(def, text);
+    QSqlQuery q(book);
+    q.prepare(QStringLiteral("SELECT count(*) FROM (SELECT 1 FROM %1 CROSS JOIN %2 t WHERE %3 AND t.id = %4 AND "
+                             "t.NAME") .arg(walk.source, def.table, walk.condition, walk.rowid) +
+              kLike + QStringLiteral(" LIMIT ?)"));
+    q.addBindValue(walk.value);
+    q.addBindValue(LikeContains(text));
+    q.addBindValue(kManyNames);
+    return q.exec() && q.next() ? q.value(0).toInt() : 0;
+}
+
+SqlPart nameSearch(const QSqlDatabase& book, const RoadSearchWords& w) {
+    auto many = [&](const SearchIndexDef& def) {
+        return w.hasNumber && namesHolding(book, def, w.text) >= kManyNames;
+    };
     QList<Branch> branches;
     if (!w.mountain) {
         Branch road = nameBranch(RoadNameIndex(), QStringLiteral("ROAD_T"), w);
         addBuildingNumber(road, w);
+        if (many(RoadNameIndex())) road = buildingNumberFirst(QStringLiteral("ROADNAME"), w);
         Branch building = nameBranch(BuildingNameIndex(), QStringLiteral("BLDG_T"), w);
         addBuildingNumber(building, w);
+        if (many(BuildingNameIndex())) building = buildingNumberFirst(QStringLiteral("BLDG_NAME"), w);
         notAlready(building, {QStringLiteral("ROADNAME")}, w);
         branches << road << building;
     }
-    Branch place = nameBranch(PlaceNameIndex(), QStringLiteral("PLACE_T"), w);
-    addLotNumber(place, w);
+    const bool manyPlaces = many(PlaceNameIndex());
+    Branch place = manyPlaces ? lotNumberFirst(QStringLiteral("a.PLACE"), w)
+                              : nameBranch(PlaceNameIndex(), QStringLiteral("PLACE_T"), w);
+    if (!manyPlaces) addLotNumber(place, w);
     notAlready(place, {QStringLiteral("ROADNAME"), QStringLiteral("BLDG_NAME")}, w);
-    Branch adminDong = nameBranch(PlaceNameIndex(), QStringLiteral("HDONG_T"), w);
-    addLotNumber(adminDong, w);
+    Branch adminDong =
+        manyPlaces ? lotNumberFirst(QStringLiteral("(SELECT h.NAME FROM PlaceName h WHERE h.id = a.HDONG_T)"), w)
+                   : nameBranch(PlaceNameIndex(), QStringLiteral("HDONG_T"), w);
+    if (!manyPlaces) addLotNumber(adminDong, w);
     notAlready(adminDong, {QStringLiteral("ROADNAME"), QStringLiteral("BLDG_NAME"), QStringLiteral("PLACE")}, w);
     branches << place << adminDong;
     SqlPart part;
@@ -125,13 +186,13 @@ RoadSearchWords ReadRoadSearchText(const QString& text) {
     return w;
 }
 
-SqlPart RoadSearchQuery(const QString& text) {
+SqlPart RoadSearchQuery(const QSqlDatabase& book, const QString& text) {
     const RoadSearchWords w = ReadRoadSearchText(text);
     if (w.byZip)
         return {kColumns + QStringLiteral("FROM RoadZip z CROSS JOIN RoadAddr a WHERE z.ZIPCODE") + kLike +
                     QStringLiteral(" AND a.ZIPCODE = z.ZIPCODE"),
                 {LikeContains(w.text)}};
-    if (!w.text.isEmpty()) return nameSearch(w);
+    if (!w.text.isEmpty()) return nameSearch(book, w);
     if (w.hasNumber) return {kColumns + QStringLiteral("FROM RoadAddr a WHERE 0"), {}}; // a number alone
     return {kColumns + QStringLiteral("FROM RoadAddr a"), {}};
 }
@@ -185,7 +246,7 @@ bool RoadListModel::search(const QString& text) {
     m_rows.clear();
     bool ok = openBook();
     if (ok) {
-        const SqlPart part = RoadSearchQuery(text);
+        const SqlPart part = RoadSearchQuery(QSqlDatabase::database(m_connection, false), text);
         m_query = std::make_unique<QSqlQuery>(QSqlDatabase::database(m_connection, false));
         m_query->setForwardOnly(true);
         ok = m_query->prepare(part.sql);

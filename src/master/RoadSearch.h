@@ -8,7 +8,9 @@
 // The rows come as one statement read as they are seen: the roads whose name holds the text,
 // then the buildings, then the towns (legal, then administrative), each kind once, each name in
 // the book's order with its addresses by number. Every part walks an index in the order it
-// lists, so the first rows come without reading the rest.
+// lists, so the first rows come without reading the rest. With a number, a kind of which many
+// names hold the text ("아파트 12") is walked number first instead: the addresses of that
+// number in the book's order, each checked for the name.
 
 #include "master/RoadBook.h"
 #include "master/SearchIndex.h"
@@ -32,8 +34,11 @@ struct RoadSearchWords {
 };
 RoadSearchWords ReadRoadSearchText(const QString& text);
 
-// The statement for a trimmed text, with its values.
-SqlPart RoadSearchQuery(const QString& text);
+// The statement for a trimmed text, with its values; `book` is asked how many names of each
+// kind hold the text when a number is given.
+SqlPart RoadSearchQuery(const QSqlDatabase& book, const QString& text);
+// From this many names on, a search with a number walks the number first.
+inline constexpr int kManyNames = 5000;
 
 // A row of the statement as an address.
 RoadAddress RoadAddressOfRow(const QSqlQuery& q);
