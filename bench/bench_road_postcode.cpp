@@ -21,14 +21,16 @@ using namespace nb;
 
 namespace {
 
-const QStringList kSyllables = {"가", "나", "다", "라", "마", "바", "사", "아", "자", "차", "카", "타", "파", "하",
-                                "강", "남", "동", "서", "북", "중", "신", "구", "송", "정", "용", "문", "성", "한",
-                                "은", "금", "백", "청", "연", "화", "평", "안", "영", "세", "상", "월", "봉", "산",
-                                "호", "수", "천", "원", "양", "효", "충", "덕"};
-const QStringList kProvinces = {"서울특별시", "부산광역시", "대구광역시", "인천광역시", "광주광역시", "대전광역시",
-                                "울산광역시", "세종특별자치시", "경기도", "강원특별자치도", "충청북도", "충청남도",
-                                "전북특별자치도", "전라남도", "경상북도", "경상남도", "제주특별자치도"};
-const QStringList kBuildingKinds = {"아파트", "빌딩", "빌라", "타워", "상가", "오피스텔", "마을회관", "초등학교"};
+const QStringList kSyllables = {"가", "나", "다", "라", "마", "바", "사", "아", "자", "차", "카", "타", "파",
+                                "하", "강", "남", "동", "서", "북", "중", "신", "구", "송", "정", "용", "문",
+                                "성", "한", "은", "금", "백", "청", "연", "화", "평", "안", "영", "세", "상",
+                                "월", "봉", "산", "호", "수", "천", "원", "양", "효", "충", "덕"};
+const QStringList kProvinces = {
+    "서울특별시",     "부산광역시",     "대구광역시", "인천광역시",     "광주광역시",    "대전광역시",
+    "울산광역시",     "세종특별자치시", "경기도",     "강원특별자치도", "충청북도",      "충청남도",
+    "전북특별자치도", "전라남도",       "경상북도",   "경상남도",       "제주특별자치도"};
+const QStringList kBuildingKinds = {"아파트", "빌딩",     "빌라",     "타워",
+                                    "상가",   "오피스텔", "마을회관", "초등학교"};
 
 QString word(quint64 n, int syllables) {
     QString w;
@@ -49,12 +51,12 @@ QString countryLine(qint64 i) {
     QString roadName = word(seed, 2) + (road % 7 == 0 ? "대로" : "로");
     if (road % 3 == 0) roadName += QString::number(road % 97 + 1) + "길";
     const QString town = word(quint64(district) * 31 + quint64(road % 20), 2) + "동";
-    test::RoadLine r = test::roadLine(QString("%1").arg(1000 + district * 140 + int(road % 140), 5, 10, QChar('0')),
-                                      kProvinces[province], word(quint64(district) * 7919, 2) + "구", roadName,
-                                      QString::number(i % 40 * 2 + 1), QString(), town,
-                                      QString("%1-%2").arg(i % 900 + 1).arg(i % 13),
-                                      town.left(2) + QString::number(road % 3 + 1) + "동");
-    if (i % 4 == 0) r.buildingName = word(quint64(i) * 40503u, 3) + kBuildingKinds[int(i % kBuildingKinds.size())];
+    test::RoadLine r = test::roadLine(
+        QString("%1").arg(1000 + district * 140 + int(road % 140), 5, 10, QChar('0')), kProvinces[province],
+        word(quint64(district) * 7919, 2) + "구", roadName, QString::number(i % 40 * 2 + 1), QString(), town,
+        QString("%1-%2").arg(i % 900 + 1).arg(i % 13), town.left(2) + QString::number(road % 3 + 1) + "동");
+    if (i % 4 == 0)
+        r.buildingName = word(quint64(i) * 40503u, 3) + kBuildingKinds[int(i % kBuildingKinds.size())];
     return test::roadFileLine(r);
 }
 

@@ -47,7 +47,8 @@ bool FrmPost::searchesRoadBook() const {
 
 void FrmPost::useBook(bool road) {
     if (road) {
-        const QString hint = QStringLiteral("도로명, 건물명, 읍/면/동이나 지번으로 검색하세요. [전체검색 : 빈칸]");
+        const QString hint =
+            QStringLiteral("도로명, 건물명, 읍/면/동이나 지번으로 검색하세요. [전체검색 : 빈칸]");
         setHints(hint, hint);
         grdList()->setModel(m_road);
         placeFirstColumnWidths({60, 230, 210, 120});
@@ -92,8 +93,9 @@ void FrmPost::InitForm(const QString& text, int& result) {
     if (result == 1 && searchesRoadBook()) {
         deliverRoad(0);
     } else if (result == 1) {
-        deliver(SingleHitZip(model()->text(0, 0)), {model()->text(0, 0), model()->text(0, 1), model()->text(0, 2),
-                                                    model()->text(0, 3), model()->text(0, 4)});
+        deliver(SingleHitZip(model()->text(0, 0)),
+                {model()->text(0, 0), model()->text(0, 1), model()->text(0, 2), model()->text(0, 3),
+                 model()->text(0, 4)});
     }
     selectFirst();
 }

@@ -285,16 +285,17 @@ bool ImportPostcodeFiles(const QStringList& paths) {
         roadFiles += IsRoadBookFile(path) ? 1 : 0;
     if (roadFiles == paths.size()) return ImportRoadBook(paths) >= 0;
     if (paths.size() == 1) return ImportPostcodeFile(paths.first()) >= 0;
-    ShowWarning(QStringLiteral("여러 파일은 도로명 우편번호 파일(시도별 파일)일 때만 함께 가져올 수 있습니다. "
-                               "아무것도 가져오지 않았습니다."),
-                kPostImportTitle);
+    ShowWarning(
+        QStringLiteral("여러 파일은 도로명 우편번호 파일(시도별 파일)일 때만 함께 가져올 수 있습니다. "
+                       "아무것도 가져오지 않았습니다."),
+        kPostImportTitle);
     return false;
 }
 
 void RunPostcodeImport(QWidget* parent) {
-    const QStringList paths = QFileDialog::getOpenFileNames(
-        parent, QStringLiteral("우편번호 파일 선택"), QString(),
-        QStringLiteral("우편번호 파일 (*.csv *.txt);;모든 파일 (*)"));
+    const QStringList paths =
+        QFileDialog::getOpenFileNames(parent, QStringLiteral("우편번호 파일 선택"), QString(),
+                                      QStringLiteral("우편번호 파일 (*.csv *.txt);;모든 파일 (*)"));
     ImportPostcodeFiles(paths);
 }
 

@@ -83,16 +83,19 @@ void addWord(QStringList& words, const QString& word) {
 } // namespace
 
 const QStringList& RoadFileColumns() {
-    static const QStringList columns = {
-        QStringLiteral("우편번호"),     QStringLiteral("시도"),           QStringLiteral("시도영문"),
-        QStringLiteral("시군구"),       QStringLiteral("시군구영문"),     QStringLiteral("읍면"),
-        QStringLiteral("읍면영문"),     QStringLiteral("도로명코드"),     QStringLiteral("도로명"),
-        QStringLiteral("도로명영문"),   QStringLiteral("지하여부"),       QStringLiteral("건물번호본번"),
-        QStringLiteral("건물번호부번"), QStringLiteral("건물관리번호"),   QStringLiteral("다량배달처명"),
-        QStringLiteral("시군구용건물명"), QStringLiteral("법정동코드"),   QStringLiteral("법정동명"),
-        QStringLiteral("리명"),         QStringLiteral("행정동명"),       QStringLiteral("산여부"),
-        QStringLiteral("지번본번"),     QStringLiteral("읍면동일련번호"), QStringLiteral("지번부번"),
-        QStringLiteral("구우편번호"),   QStringLiteral("우편번호일련번호")};
+    static const QStringList columns = {QStringLiteral("우편번호"),       QStringLiteral("시도"),
+                                        QStringLiteral("시도영문"),       QStringLiteral("시군구"),
+                                        QStringLiteral("시군구영문"),     QStringLiteral("읍면"),
+                                        QStringLiteral("읍면영문"),       QStringLiteral("도로명코드"),
+                                        QStringLiteral("도로명"),         QStringLiteral("도로명영문"),
+                                        QStringLiteral("지하여부"),       QStringLiteral("건물번호본번"),
+                                        QStringLiteral("건물번호부번"),   QStringLiteral("건물관리번호"),
+                                        QStringLiteral("다량배달처명"),   QStringLiteral("시군구용건물명"),
+                                        QStringLiteral("법정동코드"),     QStringLiteral("법정동명"),
+                                        QStringLiteral("리명"),           QStringLiteral("행정동명"),
+                                        QStringLiteral("산여부"),         QStringLiteral("지번본번"),
+                                        QStringLiteral("읍면동일련번호"), QStringLiteral("지번부번"),
+                                        QStringLiteral("구우편번호"),     QStringLiteral("우편번호일련번호")};
     return columns;
 }
 

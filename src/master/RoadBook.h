@@ -27,7 +27,7 @@ struct RoadAddress {
     QString buildingName; // the district's building name, else the bulk-delivery name
     QString dong;         // the legal town
     QString ri;
-    QString adminDong; // the administrative town
+    QString adminDong;     // the administrative town
     bool mountain = false; // "산" lot
     int lotMain = 0;
     int lotSub = 0;

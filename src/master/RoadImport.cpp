@@ -64,7 +64,8 @@ private:
 class RowStatement {
 public:
     RowStatement(BookFile& book, const QString& sql) : m_book(book) {
-        if (book.ok() && sqlite3_prepare_v2(book.handle(), sql.toUtf8().constData(), -1, &m_st, nullptr) != SQLITE_OK)
+        if (book.ok() &&
+            sqlite3_prepare_v2(book.handle(), sql.toUtf8().constData(), -1, &m_st, nullptr) != SQLITE_OK)
             book.note();
     }
     ~RowStatement() { sqlite3_finalize(m_st); }
@@ -170,10 +171,11 @@ QByteArray chomp(QByteArray line) {
 
 const QStringList& bookTables() {
     static const QStringList statements = {
-        QStringLiteral("CREATE TABLE RoadAddr (ZIPCODE TEXT NOT NULL, SIDO TEXT, SIGUNGU TEXT, EUPMYEON TEXT, "
-                       "ROADNAME TEXT, UNDERGROUND INTEGER, BLDG_MAIN INTEGER, BLDG_SUB INTEGER, BLDG_NAME TEXT, "
-                       "DONG TEXT, RI TEXT, PLACE TEXT, SAN INTEGER, JIBUN_MAIN INTEGER, JIBUN_SUB INTEGER, "
-                       "ROAD_T INTEGER, BLDG_T INTEGER, PLACE_T INTEGER, HDONG_T INTEGER)"),
+        QStringLiteral(
+            "CREATE TABLE RoadAddr (ZIPCODE TEXT NOT NULL, SIDO TEXT, SIGUNGU TEXT, EUPMYEON TEXT, "
+            "ROADNAME TEXT, UNDERGROUND INTEGER, BLDG_MAIN INTEGER, BLDG_SUB INTEGER, BLDG_NAME TEXT, "
+            "DONG TEXT, RI TEXT, PLACE TEXT, SAN INTEGER, JIBUN_MAIN INTEGER, JIBUN_SUB INTEGER, "
+            "ROAD_T INTEGER, BLDG_T INTEGER, PLACE_T INTEGER, HDONG_T INTEGER)"),
         QStringLiteral("CREATE TABLE RoadName (id INTEGER PRIMARY KEY, NAME TEXT NOT NULL)"),
         QStringLiteral("CREATE TABLE BuildingName (id INTEGER PRIMARY KEY, NAME TEXT NOT NULL)"),
         QStringLiteral("CREATE TABLE PlaceName (id INTEGER PRIMARY KEY, NAME TEXT NOT NULL)"),
@@ -226,7 +228,8 @@ QString refusedLine(const QString& path, qint64 line, const QString& reason) {
 // Progress over every file's bytes; the rows take the first 90 steps, the look-ups the rest.
 class ByteProgress {
 public:
-    ByteProgress(qint64 totalBytes) : m_progress(kPostImportTitle, 100), m_total(std::max<qint64>(1, totalBytes)) {}
+    ByteProgress(qint64 totalBytes)
+        : m_progress(kPostImportTitle, 100), m_total(std::max<qint64>(1, totalBytes)) {}
     void readTo(qint64 bytes) { advanceTo(int(90 * bytes / m_total)); }
     void advanceTo(int step) {
         bool moved = false;
@@ -245,10 +248,11 @@ private:
 class BookBuilder {
 public:
     explicit BookBuilder(BookFile& book)
-        : m_book(book), m_roads(book, QStringLiteral("RoadName")), m_buildings(book, QStringLiteral("BuildingName")),
-          m_places(book, QStringLiteral("PlaceName")),
-          m_insert(book, QStringLiteral("INSERT INTO RoadAddr VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
-                                        "?, ?, ?, ?)")) {}
+        : m_book(book), m_roads(book, QStringLiteral("RoadName")),
+          m_buildings(book, QStringLiteral("BuildingName")), m_places(book, QStringLiteral("PlaceName")),
+          m_insert(book,
+                   QStringLiteral("INSERT INTO RoadAddr VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
+                                  "?, ?, ?, ?)")) {}
 
     bool add(const RoadAddress& a) {
         const QString place = PlaceText(a);
@@ -286,7 +290,8 @@ private:
     qint64 m_rows = 0;
 };
 
-Stop readFile(const QString& path, BookBuilder& builder, BookFile& book, ByteProgress& progress, qint64 bytesBefore) {
+Stop readFile(const QString& path, BookBuilder& builder, BookFile& book, ByteProgress& progress,
+              qint64 bytesBefore) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return refuse(QStringLiteral("도로명 우편번호 파일을 열 수 없습니다.\r\n") + path);
@@ -294,7 +299,8 @@ Stop readFile(const QString& path, BookBuilder& builder, BookFile& book, BytePro
     const QByteArray first = chomp(file.readLine());
     QString headerText;
     if (!reader.decide(first) || !reader.read(first, headerText))
-        return refuse(refusedLine(path, 1, QStringLiteral("UTF-8로도 CP949로도 읽을 수 없는 바이트가 있습니다")));
+        return refuse(
+            refusedLine(path, 1, QStringLiteral("UTF-8로도 CP949로도 읽을 수 없는 바이트가 있습니다")));
     const RoadHeader header = ParseRoadHeader(headerText);
     if (!header.error.isEmpty()) return refuse(refusedLine(path, 1, header.error));
     qint64 lineNo = 1;
@@ -307,18 +313,21 @@ Stop readFile(const QString& path, BookBuilder& builder, BookFile& book, BytePro
         ++lineNo;
         if (bytes.trimmed().isEmpty()) continue;
         if (!reader.read(bytes, text))
-            return refuse(refusedLine(path, lineNo,
-                                QStringLiteral("%1 글자로 읽을 수 없는 바이트가 있습니다").arg(reader.encoding())));
+            return refuse(refusedLine(
+                path, lineNo,
+                QStringLiteral("%1 글자로 읽을 수 없는 바이트가 있습니다").arg(reader.encoding())));
         if (!ParseRoadLine(text, header, address, reason)) return refuse(refusedLine(path, lineNo, reason));
         if (!builder.add(address)) return engineStop(book);
         if ((lineNo & 0x3FFF) == 0) progress.readTo(bytesBefore + file.pos());
     }
     if (file.error() != QFileDevice::NoError)
-        return refuse(QStringLiteral("도로명 우편번호 파일을 끝까지 읽지 못했습니다 (%1).\r\n").arg(file.errorString()) +
-                kBookKept + QStringLiteral("\r\n") + path);
+        return refuse(QStringLiteral("도로명 우편번호 파일을 끝까지 읽지 못했습니다 (%1).\r\n")
+                          .arg(file.errorString()) +
+                      kBookKept + QStringLiteral("\r\n") + path);
     if (builder.rows() == rowsBefore)
-        return refuse(QStringLiteral("도로명 우편번호 파일에 가져올 주소가 한 줄도 없어 가져오지 않았습니다. ") + kBookKept +
-                QStringLiteral("\r\n") + path);
+        return refuse(
+            QStringLiteral("도로명 우편번호 파일에 가져올 주소가 한 줄도 없어 가져오지 않았습니다. ") +
+            kBookKept + QStringLiteral("\r\n") + path);
     return {QString(), 0, QString()};
 }
 
@@ -339,8 +348,8 @@ Stop buildAside(const QString& aside, const QStringList& paths, qint64& rows) {
         totalBytes += QFileInfo(p).size();
     ByteProgress progress(totalBytes);
     BookFile book(aside);
-    for (const char* pragma : {"PRAGMA journal_mode=OFF", "PRAGMA synchronous=OFF", "PRAGMA cache_size=-65536",
-                               "PRAGMA temp_store=FILE"})
+    for (const char* pragma : {"PRAGMA journal_mode=OFF", "PRAGMA synchronous=OFF",
+                               "PRAGMA cache_size=-65536", "PRAGMA temp_store=FILE"})
         book.exec(QLatin1String(pragma));
     for (const QString& sql : bookTables())
         book.exec(sql);
@@ -378,20 +387,20 @@ Stop buildAside(const QString& aside, const QStringList& paths, qint64& rows) {
 } // namespace
 
 const SearchIndexDef& RoadNameIndex() {
-    static const SearchIndexDef def{QStringLiteral("RoadName"), QStringLiteral("RoadName_search"),
-                                    {QStringLiteral("NAME")}};
+    static const SearchIndexDef def{
+        QStringLiteral("RoadName"), QStringLiteral("RoadName_search"), {QStringLiteral("NAME")}};
     return def;
 }
 
 const SearchIndexDef& BuildingNameIndex() {
-    static const SearchIndexDef def{QStringLiteral("BuildingName"), QStringLiteral("BuildingName_search"),
-                                    {QStringLiteral("NAME")}};
+    static const SearchIndexDef def{
+        QStringLiteral("BuildingName"), QStringLiteral("BuildingName_search"), {QStringLiteral("NAME")}};
     return def;
 }
 
 const SearchIndexDef& PlaceNameIndex() {
-    static const SearchIndexDef def{QStringLiteral("PlaceName"), QStringLiteral("PlaceName_search"),
-                                    {QStringLiteral("NAME")}};
+    static const SearchIndexDef def{
+        QStringLiteral("PlaceName"), QStringLiteral("PlaceName_search"), {QStringLiteral("NAME")}};
     return def;
 }
 
@@ -411,7 +420,8 @@ qint64 ImportRoadBook(const QStringList& paths) {
     qint64 rows = 0;
     QApplication::setOverrideCursor(Qt::WaitCursor);
     Stop stop = buildAside(aside, paths, rows);
-    if (!stop.stopped() && std::rename(QFile::encodeName(aside).constData(), QFile::encodeName(target).constData()) != 0)
+    if (!stop.stopped() &&
+        std::rename(QFile::encodeName(aside).constData(), QFile::encodeName(target).constData()) != 0)
         stop = {QString(), SQLITE_IOERR, QString::fromLocal8Bit(strerror(errno))};
     QApplication::restoreOverrideCursor();
     if (stop.stopped()) {
@@ -424,7 +434,8 @@ qint64 ImportRoadBook(const QStringList& paths) {
         return -1;
     }
     SetUsesRoadBook(true);
-    ShowInfo(QStringLiteral("도로명 우편번호 %1건을 가져왔습니다. 우편번호 검색은 도로명 주소로 합니다.").arg(rows),
+    ShowInfo(QStringLiteral("도로명 우편번호 %1건을 가져왔습니다. 우편번호 검색은 도로명 주소로 합니다.")
+                 .arg(rows),
              kPostImportTitle);
     return rows;
 }

@@ -41,24 +41,27 @@ struct Branch {
 
 // The index of the addresses by each kind's name, walked whatever the statistics say.
 QString addressIndexOf(const QString& rowColumn) {
-    static const QHash<QString, QString> indexes = {{QStringLiteral("ROAD_T"), QStringLiteral("RoadAddr_road")},
-                                                   {QStringLiteral("BLDG_T"), QStringLiteral("RoadAddr_building")},
-                                                   {QStringLiteral("PLACE_T"), QStringLiteral("RoadAddr_place")},
-                                                   {QStringLiteral("HDONG_T"), QStringLiteral("RoadAddr_adminDong")}};
+    static const QHash<QString, QString> indexes = {
+        {QStringLiteral("ROAD_T"), QStringLiteral("RoadAddr_road")},
+        {QStringLiteral("BLDG_T"), QStringLiteral("RoadAddr_building")},
+        {QStringLiteral("PLACE_T"), QStringLiteral("RoadAddr_place")},
+        {QStringLiteral("HDONG_T"), QStringLiteral("RoadAddr_adminDong")}};
     return indexes.value(rowColumn);
 }
 
 Branch nameBranch(const SearchIndexDef& def, const QString& rowColumn, const RoadSearchWords& w) {
     const IndexWalk walk = SearchIndexWalk(def, w.text);
     Branch b;
-    b.sql = kColumns + QStringLiteral("FROM %1 CROSS JOIN %2 t CROSS JOIN RoadAddr a INDEXED BY %6 WHERE %3 AND "
-                                      "t.id = %4 AND a.%5 = t.id")
-                           .arg(walk.source, def.table, walk.condition, walk.rowid, rowColumn,
-                                addressIndexOf(rowColumn));
+    b.sql =
+        kColumns +
+        QStringLiteral("FROM %1 CROSS JOIN %2 t CROSS JOIN RoadAddr a INDEXED BY %6 WHERE %3 AND "
+                       "t.id = %4 AND a.%5 = t.id")
+            .arg(walk.source, def.table, walk.condition, walk.rowid, rowColumn, addressIndexOf(rowColumn));
     b.values << walk.value;
     b.add(QStringLiteral("t.NAME") + kLike, LikeContains(w.text));
     for (const QString& region : w.regions)
-        b.add(QStringLiteral("(a.SIDO || ' ' || a.SIGUNGU || ' ' || a.EUPMYEON)") + kLike, LikeContains(region));
+        b.add(QStringLiteral("(a.SIDO || ' ' || a.SIGUNGU || ' ' || a.EUPMYEON)") + kLike,
+              LikeContains(region));
     return b;
 }
 
@@ -89,7 +92,8 @@ Branch numberBranch(const QString& index, const QString& numberCondition, const 
     b.sql = kColumns + QStringLiteral("FROM RoadAddr a INDEXED BY %1 WHERE ").arg(index) + numberCondition;
     b.add(nameCondition + kLike, LikeContains(w.text));
     for (const QString& region : w.regions)
-        b.add(QStringLiteral("(a.SIDO || ' ' || a.SIGUNGU || ' ' || a.EUPMYEON)") + kLike, LikeContains(region));
+        b.add(QStringLiteral("(a.SIDO || ' ' || a.SIGUNGU || ' ' || a.EUPMYEON)") + kLike,
+              LikeContains(region));
     return b;
 }
 
@@ -114,9 +118,11 @@ Branch lotNumberFirst(const QString& nameCondition, const RoadSearchWords& w) {
 int namesHolding(const QSqlDatabase& book, const SearchIndexDef& def, const QString& text) {
     const IndexWalk walk = SearchIndexWalk(def, text);
     QSqlQuery q(book);
-    q.prepare(QStringLiteral("SELECT count(*) FROM (SELECT 1 FROM %1 CROSS JOIN %2 t WHERE %3 AND t.id = %4 AND "
-                             "t.NAME") .arg(walk.source, def.table, walk.condition, walk.rowid) +
-              kLike + QStringLiteral(" LIMIT ?)"));
+    q.prepare(
+        QStringLiteral("SELECT count(*) FROM (SELECT 1 FROM %1 CROSS JOIN %2 t WHERE %3 AND t.id = %4 AND "
+                       "t.NAME")
+            .arg(walk.source, def.table, walk.condition, walk.rowid) +
+        kLike + QStringLiteral(" LIMIT ?)"));
     q.addBindValue(walk.value);
     q.addBindValue(LikeContains(text));
     q.addBindValue(kManyNames);
@@ -144,10 +150,12 @@ SqlPart nameSearch(const QSqlDatabase& book, const RoadSearchWords& w) {
     if (!manyPlaces) addLotNumber(place, w);
     notAlready(place, {QStringLiteral("ROADNAME"), QStringLiteral("BLDG_NAME")}, w);
     Branch adminDong =
-        manyPlaces ? lotNumberFirst(QStringLiteral("(SELECT h.NAME FROM PlaceName h WHERE h.id = a.HDONG_T)"), w)
-                   : nameBranch(PlaceNameIndex(), QStringLiteral("HDONG_T"), w);
+        manyPlaces
+            ? lotNumberFirst(QStringLiteral("(SELECT h.NAME FROM PlaceName h WHERE h.id = a.HDONG_T)"), w)
+            : nameBranch(PlaceNameIndex(), QStringLiteral("HDONG_T"), w);
     if (!manyPlaces) addLotNumber(adminDong, w);
-    notAlready(adminDong, {QStringLiteral("ROADNAME"), QStringLiteral("BLDG_NAME"), QStringLiteral("PLACE")}, w);
+    notAlready(adminDong, {QStringLiteral("ROADNAME"), QStringLiteral("BLDG_NAME"), QStringLiteral("PLACE")},
+               w);
     branches << place << adminDong;
     SqlPart part;
     for (const Branch& b : branches) {
@@ -174,7 +182,8 @@ RoadSearchWords ReadRoadSearchText(const QString& text) {
         return w;
     }
     QStringList names;
-    for (const QString& word : trimmed.split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts)) {
+    for (const QString& word :
+         trimmed.split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts)) {
         if (word == u"산") {
             w.mountain = true;
         } else if (!readNumberWord(word, w)) {
@@ -227,8 +236,9 @@ RoadListModel::~RoadListModel() {
 }
 
 bool RoadListModel::openBook() {
-    QSqlDatabase db = QSqlDatabase::contains(m_connection) ? QSqlDatabase::database(m_connection, false)
-                                                           : QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
+    QSqlDatabase db = QSqlDatabase::contains(m_connection)
+                          ? QSqlDatabase::database(m_connection, false)
+                          : QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
     if (db.isOpen()) return true;
     // Only read: the book is replaced whole by the next import, never changed in place.
     db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
@@ -277,10 +287,14 @@ QVariant RoadListModel::data(const QModelIndex& index, int role) const {
     if (role != Qt::DisplayRole || !index.isValid() || index.row() >= m_rows.size()) return {};
     const RoadAddress& a = m_rows.at(index.row());
     switch (index.column()) {
-    case 0: return a.zip;
-    case 1: return RoadAddressText(a);
-    case 2: return LotAddressText(a);
-    default: return a.buildingName;
+    case 0:
+        return a.zip;
+    case 1:
+        return RoadAddressText(a);
+    case 2:
+        return LotAddressText(a);
+    default:
+        return a.buildingName;
     }
 }
 

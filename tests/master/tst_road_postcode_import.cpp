@@ -3,10 +3,10 @@
 // refused whole with its line and reason, leaving the book before it as it was.
 #include "MasterFixture.h"
 #include "RoadBookFiles.h"
+#include "core/Settings.h"
 #include "master/PostImport.h"
 #include "master/RoadImport.h"
 #include "master/RoadSearch.h"
-#include "core/Settings.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -65,8 +65,9 @@ private Q_SLOTS:
         QVERIFY(IsRoadBookFile(path));
         QCOMPARE(ImportRoadBook({path}), 10);
         QCOMPARE(msgs.last().title, kPostImportTitle);
-        QCOMPARE(msgs.last().text,
-                 QStringLiteral("도로명 우편번호 10건을 가져왔습니다. 우편번호 검색은 도로명 주소로 합니다."));
+        QCOMPARE(
+            msgs.last().text,
+            QStringLiteral("도로명 우편번호 10건을 가져왔습니다. 우편번호 검색은 도로명 주소로 합니다."));
         QVERIFY(!msgs.progressValues().isEmpty());
         QCOMPARE(msgs.progressValues().last(), 100);
         QCOMPARE(bookRows(), 10);
@@ -127,9 +128,10 @@ private Q_SLOTS:
         QCOMPARE(ImportRoadBook({bad}), -1);
         QCOMPARE(msgs.last().title, kPostImportTitle);
         QCOMPARE(msgs.last().text,
-                 QStringLiteral("도로명 우편번호 파일 bad.txt의 4번째 줄을 읽을 수 없어 가져오지 않았습니다: "
-                                "우편번호 \"0317\"이(가) 다섯 자리 숫자가 아닙니다.\r\n기존 우편번호는 그대로 남아 "
-                                "있습니다.\r\n") +
+                 QStringLiteral(
+                     "도로명 우편번호 파일 bad.txt의 4번째 줄을 읽을 수 없어 가져오지 않았습니다: "
+                     "우편번호 \"0317\"이(가) 다섯 자리 숫자가 아닙니다.\r\n기존 우편번호는 그대로 남아 "
+                     "있습니다.\r\n") +
                      bad);
         QCOMPARE(bookRows(), 10);
         QCOMPARE(found("새문안로").size(), 3);
@@ -142,7 +144,8 @@ private Q_SLOTS:
         const QString seoul = home.file("seoul.txt");
         const QString other = home.file("other.txt");
         QVERIFY(writeRoadFile(seoul, smallRoadBook()));
-        QVERIFY(writeBytes(other, (roadFileText(smallRoadBook().mid(0, 2)) + "03170|서울특별시|짧은 줄\r\n").toUtf8()));
+        QVERIFY(writeBytes(
+            other, (roadFileText(smallRoadBook().mid(0, 2)) + "03170|서울특별시|짧은 줄\r\n").toUtf8()));
         QCOMPARE(ImportRoadBook({seoul, other}), -1);
         QVERIFY(msgs.last().text.contains(QStringLiteral("other.txt의 4번째 줄")));
         QVERIFY(msgs.last().text.contains(QStringLiteral("열이 26개여야 하는데 3개입니다")));
@@ -198,7 +201,8 @@ private Q_SLOTS:
         const QString path = home.file("empty.txt");
         QVERIFY(writeRoadFile(path, {}));
         QCOMPARE(ImportRoadBook({path}), -1);
-        QVERIFY(msgs.last().text.startsWith(QStringLiteral("도로명 우편번호 파일에 가져올 주소가 한 줄도 없어")));
+        QVERIFY(
+            msgs.last().text.startsWith(QStringLiteral("도로명 우편번호 파일에 가져올 주소가 한 줄도 없어")));
         QVERIFY(!QFileInfo::exists(RoadBookFile()));
     }
     void aBookThatCannotBeWrittenSaysWhyAndKeepsTheOldOne() {
@@ -214,8 +218,9 @@ private Q_SLOTS:
         QVERIFY(writeRoadFile(path, smallRoadBook().mid(0, 2)));
         QCOMPARE(ImportRoadBook({path}), -1);
         QCOMPARE(msgs.last().title, QStringLiteral("저장 오류"));
-        QVERIFY(msgs.last().text.contains(QStringLiteral("도로명 우편번호를 가져오지 못했습니다. 기존 우편번호는 "
-                                                         "그대로 남아 있습니다.")));
+        QVERIFY(
+            msgs.last().text.contains(QStringLiteral("도로명 우편번호를 가져오지 못했습니다. 기존 우편번호는 "
+                                                     "그대로 남아 있습니다.")));
         QCOMPARE(bookRows(), 10);
         QDir(aside).removeRecursively();
     }
@@ -238,7 +243,8 @@ private Q_SLOTS:
         QVERIFY(openStores());
         auto& msgs = script();
         const QString old = home.file("old.csv");
-        QVERIFY(writeBytes(old, QStringLiteral("ZIPCODE,SIDO,GUGUN,DONG,BUNJI\n135-080,서울,강남구,역삼동,\n").toUtf8()));
+        QVERIFY(writeBytes(
+            old, QStringLiteral("ZIPCODE,SIDO,GUGUN,DONG,BUNJI\n135-080,서울,강남구,역삼동,\n").toUtf8()));
         QVERIFY(!IsRoadBookFile(old));
         QVERIFY(ImportPostcodeFiles({old}));
         QCOMPARE(msgs.last().text, QStringLiteral("우편번호 1건을 가져왔습니다."));

@@ -112,8 +112,8 @@ private Q_SLOTS:
         script();
         loadSmallBook(home);
         QCOMPARE(found("새문안로"), (QStringList{line("03170", "서울특별시 종로구 새문안로 3"),
-                                                line("03172", "서울특별시 종로구 새문안로 5-1"),
-                                                line("03172", "서울특별시 종로구 새문안로 7")}));
+                                                 line("03172", "서울특별시 종로구 새문안로 5-1"),
+                                                 line("03172", "서울특별시 종로구 새문안로 7")}));
     }
     void eachDistrictsRoadOfOneNameComesInTheBooksOrder() {
         TestHome home;
@@ -121,8 +121,8 @@ private Q_SLOTS:
         script();
         loadSmallBook(home);
         QCOMPARE(found("누리대로"), (QStringList{line("03188", "서울특별시 종로구 누리대로 209"),
-                                                line("06236", "서울특별시 강남구 누리대로 12"),
-                                                line("48058", "부산광역시 해운대구 누리대로 12")}));
+                                                 line("06236", "서울특별시 강남구 누리대로 12"),
+                                                 line("48058", "부산광역시 해운대구 누리대로 12")}));
     }
     void aRegionWordNarrowsToItsProvinceOrDistrict() {
         TestHome home;
@@ -157,7 +157,7 @@ private Q_SLOTS:
         loadSmallBook(home);
         QCOMPARE(found("역삼동 123-4"), QStringList{line("06236", "서울특별시 강남구 누리대로 12")});
         QCOMPARE(found("중신리"), (QStringList{line("28116", "충청북도 청주시 청원구 오창읍 중신길 10"),
-                                              line("28116", "충청북도 청주시 청원구 오창읍 중신길 8")}));
+                                               line("28116", "충청북도 청주시 청원구 오창읍 중신길 8")}));
         QCOMPARE(found("중신리 산 12"), QStringList{line("28116", "충청북도 청주시 청원구 오창읍 중신길 8")});
         QCOMPARE(found("오창읍 산12"), QStringList{line("28116", "충청북도 청주시 청원구 오창읍 중신길 8")});
     }
@@ -176,8 +176,8 @@ private Q_SLOTS:
         loadSmallBook(home);
         // "역삼" is in a road, a building, a legal and an administrative town.
         QCOMPARE(found("역삼"), (QStringList{line("06236", "서울특별시 강남구 역삼로 20"),
-                                            line("06237", "서울특별시 강남구 역삼로 지하 22"),
-                                            line("06236", "서울특별시 강남구 누리대로 12")}));
+                                             line("06237", "서울특별시 강남구 역삼로 지하 22"),
+                                             line("06236", "서울특별시 강남구 누리대로 12")}));
         QCOMPARE(found("누리"), found("누리대로"));
     }
     void shortAndLongTextsFindWhatThePlainSearchFinds() {
@@ -185,8 +185,8 @@ private Q_SLOTS:
         QVERIFY(openStores());
         script();
         loadSmallBook(home);
-        for (const char* text : {"로", "동", "역", "삼", "누리", "신문", "중신", "대로", "빌딩", "새문안", "중신마을",
-                                 "없는길"}) {
+        for (const char* text : {"로", "동", "역", "삼", "누리", "신문", "중신", "대로", "빌딩", "새문안",
+                                 "중신마을", "없는길"}) {
             RoadListModel model;
             QVERIFY(model.search(QString::fromUtf8(text)));
             model.readAtLeast(1000);
@@ -200,8 +200,8 @@ private Q_SLOTS:
         script();
         loadSmallBook(home);
         QCOMPARE(found("0317"), (QStringList{line("03170", "서울특별시 종로구 새문안로 3"),
-                                            line("03172", "서울특별시 종로구 새문안로 5-1"),
-                                            line("03172", "서울특별시 종로구 새문안로 7")}));
+                                             line("03172", "서울특별시 종로구 새문안로 5-1"),
+                                             line("03172", "서울특별시 종로구 새문안로 7")}));
         QCOMPARE(found("237"), QStringList{line("06237", "서울특별시 강남구 역삼로 지하 22")});
         QVERIFY(found("99999").isEmpty());
     }
@@ -237,8 +237,8 @@ private Q_SLOTS:
         script();
         QVector<RoadLine> lines;
         for (int i = 0; i < kManyNames + 10; ++i)
-            lines << roadLine("04524", "서울특별시", "중구", QString("가%1로").arg(i), QString::number(i % 50 + 1), "",
-                              "태평로1가", "", "명동");
+            lines << roadLine("04524", "서울특별시", "중구", QString("가%1로").arg(i),
+                              QString::number(i % 50 + 1), "", "태평로1가", "", "명동");
         QVERIFY(writeRoadFile(home.file("many.txt"), lines));
         QCOMPARE(ImportRoadBook({home.file("many.txt")}), kManyNames + 10);
         const SqlPart query = withBook([](QSqlDatabase& book) {
@@ -257,7 +257,8 @@ private Q_SLOTS:
         script();
         QVector<RoadLine> lines;
         for (int i = 1; i <= 450; ++i)
-            lines << roadLine("04524", "서울특별시", "중구", "세종대로", QString::number(i), "", "태평로1가", "", "명동");
+            lines << roadLine("04524", "서울특별시", "중구", "세종대로", QString::number(i), "", "태평로1가",
+                              "", "명동");
         QVERIFY(writeRoadFile(home.file("long.txt"), lines));
         QCOMPARE(ImportRoadBook({home.file("long.txt")}), 450);
         FrmPost form;
@@ -326,7 +327,9 @@ private Q_SLOTS:
         script();
         ImportPostcodeFile([&] {
             const QString path = home.file("old.csv");
-            writeBytes(path, QStringLiteral("ZIPCODE,SIDO,GUGUN,DONG,BUNJI\n135-080,서울,강남구,역삼동,\n").toUtf8());
+            writeBytes(
+                path,
+                QStringLiteral("ZIPCODE,SIDO,GUGUN,DONG,BUNJI\n135-080,서울,강남구,역삼동,\n").toUtf8());
             return path;
         }());
         loadSmallBook(home);
@@ -377,7 +380,8 @@ private Q_SLOTS:
         form.btnSave()->click();
         QCOMPARE(msgs.last().text, QStringLiteral("자료가 저장되었습니다."));
         QCOMPARE(traderField("000001", "Post").toString(), QStringLiteral("03172"));
-        QCOMPARE(traderField("000001", "Addr1").toString(), QStringLiteral("서울특별시 종로구 새문안로 5-1 3층"));
+        QCOMPARE(traderField("000001", "Addr1").toString(),
+                 QStringLiteral("서울특별시 종로구 새문안로 5-1 3층"));
     }
 };
 

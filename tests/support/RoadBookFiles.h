@@ -33,7 +33,8 @@ inline RoadLine roadLine(const QString& zip, const QString& sido, const QString&
                          const QString& building, const QString& buildingName, const QString& dong,
                          const QString& lot, const QString& adminDong, const QString& eupmyeon = QString(),
                          const QString& ri = QString(), bool underground = false) {
-    return {zip, sido, sigungu, road, building, buildingName, dong, lot, adminDong, eupmyeon, ri, underground};
+    return {zip,  sido, sigungu,   road,     building, buildingName,
+            dong, lot,  adminDong, eupmyeon, ri,       underground};
 }
 
 inline QString roadFileHeader() {
@@ -99,13 +100,17 @@ inline QVector<RoadLine> smallRoadBook() {
         roadLine("03170", "서울특별시", "종로구", "새문안로", "3", "", "신문로1가", "1-1", "사직동"),
         roadLine("03172", "서울특별시", "종로구", "새문안로", "5-1", "가나빌딩", "신문로1가", "2", "사직동"),
         roadLine("03172", "서울특별시", "종로구", "새문안로", "7", "", "신문로1가", "3-4", "사직동"),
-        roadLine("03188", "서울특별시", "종로구", "누리대로", "209", "정부누리청사", "누리로", "77-6", "누리동"),
+        roadLine("03188", "서울특별시", "종로구", "누리대로", "209", "정부누리청사", "누리로", "77-6",
+                 "누리동"),
         roadLine("06236", "서울특별시", "강남구", "누리대로", "12", "역삼타워", "역삼동", "123-4", "역삼1동"),
         roadLine("06236", "서울특별시", "강남구", "역삼로", "20", "", "역삼동", "125", "역삼1동"),
-        roadLine("06237", "서울특별시", "강남구", "역삼로", "22", "", "역삼동", "126-1", "역삼1동", "", "", true),
+        roadLine("06237", "서울특별시", "강남구", "역삼로", "22", "", "역삼동", "126-1", "역삼1동", "", "",
+                 true),
         roadLine("48058", "부산광역시", "해운대구", "누리대로", "12", "", "우동", "5", "우1동"),
-        roadLine("28116", "충청북도", "청주시 청원구", "중신길", "8", "", "", "산 12", "", "오창읍", "중신리"),
-        roadLine("28116", "충청북도", "청주시 청원구", "중신길", "10", "중신마을회관", "", "15-2", "", "오창읍", "중신리"),
+        roadLine("28116", "충청북도", "청주시 청원구", "중신길", "8", "", "", "산 12", "", "오창읍",
+                 "중신리"),
+        roadLine("28116", "충청북도", "청주시 청원구", "중신길", "10", "중신마을회관", "", "15-2", "",
+                 "오창읍", "중신리"),
     };
 }
 
