@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -47,8 +48,11 @@ bool FrmPost::searchesRoadBook() const {
 
 void FrmPost::useBook(bool road) {
     if (road) {
+        // Chosen before any road-name book was loaded: the hint says where one comes from.
         const QString hint =
-            QStringLiteral("도로명, 건물명, 읍/면/동이나 지번으로 검색하세요. [전체검색 : 빈칸]");
+            QFileInfo::exists(RoadBookFile())
+                ? QStringLiteral("도로명, 건물명, 읍/면/동이나 지번으로 검색하세요. [전체검색 : 빈칸]")
+                : QStringLiteral("도로명 우편번호가 없습니다. 기초등록 → 우편번호 가져오기로 가져오십시오.");
         setHints(hint, hint);
         grdList()->setModel(m_road);
         placeFirstColumnWidths({60, 230, 210, 120});

@@ -353,6 +353,22 @@ private Q_SLOTS:
         QVERIFY(again.searchesRoadBook());
         QVERIFY(again.chkRoadBook()->isChecked());
     }
+    void theRoadBookChosenBeforeAnyWasLoadedSaysWhereOneComesFrom() {
+        TestHome home;
+        QVERIFY(openStores());
+        script();
+        SaveEnv(kRoadBookSetting, "도로명");
+        QLineEdit zip, addr;
+        FrmPost form;
+        QVERIFY(form.searchesRoadBook());
+        form.SetObject(&zip, &addr);
+        int result = -1;
+        form.InitForm("새문안로", result);
+        QCOMPARE(result, 0);
+        QCOMPARE(form.hintPanel()->text(),
+                 QStringLiteral("도로명 우편번호가 없습니다. 기초등록 → 우편번호 가져오기로 가져오십시오."));
+        QVERIFY(zip.text().isEmpty());
+    }
     void aFiveDigitPostcodeKeepsItsShapeWhenLeft() {
         QCOMPARE(ShapePostCode("03172"), QStringLiteral("03172"));
         QCOMPARE(ShapePostCode("135080"), QStringLiteral("135-080"));
