@@ -191,8 +191,9 @@ QStringList indexStatements() {
         QStringLiteral("CREATE INDEX RoadAddr_place ON RoadAddr (PLACE_T, SAN, JIBUN_MAIN, JIBUN_SUB)"),
         QStringLiteral("CREATE INDEX RoadAddr_adminDong ON RoadAddr (HDONG_T, SAN, JIBUN_MAIN, JIBUN_SUB)"),
         QStringLiteral("CREATE INDEX RoadAddr_zip ON RoadAddr (ZIPCODE)"),
-        QStringLiteral("CREATE INDEX RoadAddr_number ON RoadAddr (BLDG_MAIN, BLDG_SUB)"),
-        QStringLiteral("CREATE INDEX RoadAddr_lot ON RoadAddr (JIBUN_MAIN, SAN, JIBUN_SUB)"),
+        QStringLiteral("CREATE INDEX RoadAddr_number ON RoadAddr (BLDG_MAIN, BLDG_SUB, ROAD_T, BLDG_T)"),
+        QStringLiteral(
+            "CREATE INDEX RoadAddr_lot ON RoadAddr (JIBUN_MAIN, SAN, JIBUN_SUB, PLACE_T, HDONG_T)"),
         QStringLiteral("CREATE TABLE RoadZip (ZIPCODE TEXT PRIMARY KEY) WITHOUT ROWID"),
         QStringLiteral("INSERT INTO RoadZip SELECT DISTINCT ZIPCODE FROM RoadAddr ORDER BY ZIPCODE")};
     for (const SearchIndexDef* def : {&RoadNameIndex(), &BuildingNameIndex(), &PlaceNameIndex()})

@@ -85,32 +85,32 @@ void notAlready(Branch& b, const QStringList& columns, const RoadSearchWords& w)
         b.add(QStringLiteral("a.") + column + QStringLiteral(" NOT") + kLike, LikeContains(w.text));
 }
 
-// The same kinds walked number first: the addresses of the number, each checked for the name.
-Branch numberBranch(const QString& index, const QString& numberCondition, const QString& nameCondition,
-                    const RoadSearchWords& w) {
+// A kind's name of an address read from the small table of names by the number the address
+// index carries, so an address that does not hold the text is never read itself.
+QString nameOf(const QString& table, const QString& rowColumn) {
+    return QStringLiteral("(SELECT n.NAME FROM %1 n WHERE n.id = a.%2)").arg(table, rowColumn);
+}
+
+// A kind walked number first: the addresses of the building or lot number in the book's order,
+// each checked for the name, and for the names of the kinds listed before it.
+Branch numberFirst(bool lot, const QString& name, const QStringList& listedBefore, const RoadSearchWords& w) {
     Branch b;
-    b.sql = kColumns + QStringLiteral("FROM RoadAddr a INDEXED BY %1 WHERE ").arg(index) + numberCondition;
-    b.add(nameCondition + kLike, LikeContains(w.text));
+    if (lot) {
+        b.sql = kColumns + QStringLiteral("FROM RoadAddr a INDEXED BY RoadAddr_lot WHERE a.JIBUN_MAIN = ?");
+        b.values << w.main;
+        b.add(QStringLiteral("a.SAN = ?"), w.mountain ? 1 : 0);
+        if (w.sub >= 0) b.add(QStringLiteral("a.JIBUN_SUB = ?"), w.sub);
+    } else {
+        b.sql = kColumns + QStringLiteral("FROM RoadAddr a INDEXED BY RoadAddr_number WHERE a.BLDG_MAIN = ?");
+        b.values << w.main;
+        if (w.sub >= 0) b.add(QStringLiteral("a.BLDG_SUB = ?"), w.sub);
+    }
+    b.add(name + kLike, LikeContains(w.text));
+    for (const QString& before : listedBefore)
+        b.add(QStringLiteral("IFNULL(%1, '') NOT").arg(before) + kLike, LikeContains(w.text));
     for (const QString& region : w.regions)
         b.add(QStringLiteral("(a.SIDO || ' ' || a.SIGUNGU || ' ' || a.EUPMYEON)") + kLike,
               LikeContains(region));
-    return b;
-}
-
-Branch buildingNumberFirst(const QString& nameColumn, const RoadSearchWords& w) {
-    Branch b = numberBranch(QStringLiteral("RoadAddr_number"), QStringLiteral("a.BLDG_MAIN = ?"),
-                            QStringLiteral("a.") + nameColumn, w);
-    b.values.prepend(w.main);
-    if (w.sub >= 0) b.add(QStringLiteral("a.BLDG_SUB = ?"), w.sub);
-    return b;
-}
-
-Branch lotNumberFirst(const QString& nameCondition, const RoadSearchWords& w) {
-    Branch b = numberBranch(QStringLiteral("RoadAddr_lot"), QStringLiteral("a.JIBUN_MAIN = ? AND a.SAN = ?"),
-                            nameCondition, w);
-    b.values.prepend(w.mountain ? 1 : 0);
-    b.values.prepend(w.main);
-    if (w.sub >= 0) b.add(QStringLiteral("a.JIBUN_SUB = ?"), w.sub);
     return b;
 }
 
@@ -133,30 +133,33 @@ SqlPart nameSearch(const QSqlDatabase& book, const RoadSearchWords& w) {
     auto many = [&](const SearchIndexDef& def) {
         return w.hasNumber && namesHolding(book, def, w.text) >= kManyNames;
     };
+    const QString road = nameOf(QStringLiteral("RoadName"), QStringLiteral("ROAD_T"));
+    const QString building = nameOf(QStringLiteral("BuildingName"), QStringLiteral("BLDG_T"));
+    const QString place = nameOf(QStringLiteral("PlaceName"), QStringLiteral("PLACE_T"));
+    const QString adminDong = nameOf(QStringLiteral("PlaceName"), QStringLiteral("HDONG_T"));
     QList<Branch> branches;
     if (!w.mountain) {
-        Branch road = nameBranch(RoadNameIndex(), QStringLiteral("ROAD_T"), w);
-        addBuildingNumber(road, w);
-        if (many(RoadNameIndex())) road = buildingNumberFirst(QStringLiteral("ROADNAME"), w);
-        Branch building = nameBranch(BuildingNameIndex(), QStringLiteral("BLDG_T"), w);
-        addBuildingNumber(building, w);
-        if (many(BuildingNameIndex())) building = buildingNumberFirst(QStringLiteral("BLDG_NAME"), w);
-        notAlready(building, {QStringLiteral("ROADNAME")}, w);
-        branches << road << building;
+        Branch byRoad = nameBranch(RoadNameIndex(), QStringLiteral("ROAD_T"), w);
+        addBuildingNumber(byRoad, w);
+        if (many(RoadNameIndex())) byRoad = numberFirst(false, road, {}, w);
+        Branch byBuilding = nameBranch(BuildingNameIndex(), QStringLiteral("BLDG_T"), w);
+        addBuildingNumber(byBuilding, w);
+        notAlready(byBuilding, {QStringLiteral("ROADNAME")}, w);
+        if (many(BuildingNameIndex())) byBuilding = numberFirst(false, building, {road}, w);
+        branches << byRoad << byBuilding;
     }
-    const bool manyPlaces = many(PlaceNameIndex());
-    Branch place = manyPlaces ? lotNumberFirst(QStringLiteral("a.PLACE"), w)
-                              : nameBranch(PlaceNameIndex(), QStringLiteral("PLACE_T"), w);
-    if (!manyPlaces) addLotNumber(place, w);
-    notAlready(place, {QStringLiteral("ROADNAME"), QStringLiteral("BLDG_NAME")}, w);
-    Branch adminDong =
-        manyPlaces
-            ? lotNumberFirst(QStringLiteral("(SELECT h.NAME FROM PlaceName h WHERE h.id = a.HDONG_T)"), w)
-            : nameBranch(PlaceNameIndex(), QStringLiteral("HDONG_T"), w);
-    if (!manyPlaces) addLotNumber(adminDong, w);
-    notAlready(adminDong, {QStringLiteral("ROADNAME"), QStringLiteral("BLDG_NAME"), QStringLiteral("PLACE")},
-               w);
-    branches << place << adminDong;
+    Branch byPlace = nameBranch(PlaceNameIndex(), QStringLiteral("PLACE_T"), w);
+    addLotNumber(byPlace, w);
+    notAlready(byPlace, {QStringLiteral("ROADNAME"), QStringLiteral("BLDG_NAME")}, w);
+    Branch byAdminDong = nameBranch(PlaceNameIndex(), QStringLiteral("HDONG_T"), w);
+    addLotNumber(byAdminDong, w);
+    notAlready(byAdminDong,
+               {QStringLiteral("ROADNAME"), QStringLiteral("BLDG_NAME"), QStringLiteral("PLACE")}, w);
+    if (many(PlaceNameIndex())) {
+        byPlace = numberFirst(true, place, {road, building}, w);
+        byAdminDong = numberFirst(true, adminDong, {road, building, place}, w);
+    }
+    branches << byPlace << byAdminDong;
     SqlPart part;
     for (const Branch& b : branches) {
         part.sql += (part.sql.isEmpty() ? QString() : QStringLiteral(" UNION ALL ")) + b.sql;
