@@ -132,7 +132,7 @@ int main(int argc, char** argv) {
         form.InitForm(text, result);
         const double screen = bench::medianMs([&] {
             form.InitForm(text, result);
-            form.grdList()->viewport()->repaint();
+            form.roadList()->viewport()->repaint();
         });
         const double cli = bench::cliMs(RoadBookFile(), firstPageSql(RoadSearchQuery(book, text)));
         std::printf("%-16s %7d  %10.2f  %10.2f  %6.2f\n", qPrintable(text.isEmpty() ? "(blank)" : text),
@@ -145,7 +145,7 @@ int main(int argc, char** argv) {
         form.show();
         int result = 0;
         form.InitForm(QStringLiteral("가나로"), result);
-        form.grdList()->viewport()->repaint();
+        form.roadList()->viewport()->repaint();
     });
     std::printf("a new window's first search (가나로), window included: %.2f ms\n", fresh);
     return 0;

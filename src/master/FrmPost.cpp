@@ -1,13 +1,16 @@
 #include "master/FrmPost.h"
 
 #include "common/input/FormPlacement.h"
+#include "master/EntryForm.h"
 #include "master/PostSearch.h"
 #include "master/RoadSearch.h"
 
 #include <QApplication>
+#include <QBoxLayout>
 #include <QCheckBox>
 #include <QFileInfo>
-#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -32,7 +35,7 @@ FrmPost::FrmPost(QWidget* parent)
     m_roadBook->setFocusPolicy(Qt::NoFocus);
     m_roadBook->setChecked(UsesRoadBook());
     buttonRow()->insertWidget(1, m_roadBook);
-    m_road = new RoadListModel(this);
+    buildRoadList();
     connect(m_find, &QPushButton::clicked, this, &FrmPost::findAgain);
     connect(m_roadBook, &QCheckBox::toggled, this, [this](bool road) {
         SetUsesRoadBook(road);
@@ -40,6 +43,48 @@ FrmPost::FrmPost(QWidget* parent)
         search(txtinput()->text().trimmed());
     });
     useBook(m_roadBook->isChecked());
+}
+
+// The road-name book's list: its own view over rows read as it is scrolled, in the place of the
+// six-digit book's list.
+void FrmPost::buildRoadList() {
+    m_road = new RoadListModel(this);
+    m_roadList = new QTableView(this);
+    m_roadList->setObjectName(QStringLiteral("grdRoadList"));
+    m_roadList->setModel(m_road);
+    m_roadList->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_roadList->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_roadList->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_roadList->verticalHeader()->setDefaultSectionSize(20);
+    m_roadList->horizontalHeader()->setStretchLastSection(true);
+    const QList<int> widths = {60, 230, 210};
+    for (int c = 0; c < widths.size(); ++c)
+        m_roadList->setColumnWidth(c, widths[c]);
+    if (auto* box = qobject_cast<QBoxLayout*>(layout()))
+        box->insertWidget(box->indexOf(grdList()) + 1, m_roadList, 1);
+    m_roadList->hide();
+    m_roadList->installEventFilter(this);
+    connect(m_roadList, &QTableView::doubleClicked, this, [this] { chooseActiveRow(); });
+}
+
+int FrmPost::activeRoadRow() const {
+    const QModelIndex current = m_roadList->currentIndex();
+    return current.isValid() ? current.row() : -1;
+}
+
+bool FrmPost::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress && searchesRoadBook()) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (watched == m_roadList && isEnterKey(key)) {
+            chooseActiveRow();
+            return true;
+        }
+        if (watched == txtinput() && (key == Qt::Key_Up || key == Qt::Key_Down)) {
+            m_roadList->setFocus();
+            return true;
+        }
+    }
+    return MasterListForm::eventFilter(watched, event);
 }
 
 bool FrmPost::searchesRoadBook() const {
@@ -54,15 +99,14 @@ void FrmPost::useBook(bool road) {
                 ? QStringLiteral("도로명, 건물명, 읍/면/동이나 지번으로 검색하세요. [전체검색 : 빈칸]")
                 : QStringLiteral("도로명 우편번호가 없습니다. 기초등록 → 우편번호 가져오기로 가져오십시오.");
         setHints(hint, hint);
-        grdList()->setModel(m_road);
-        placeFirstColumnWidths({60, 230, 210, 120});
         resize(760, height());
     } else {
         const QString hint = QStringLiteral("읍/면/동으로 검색하세요. [전체검색 : 빈칸]");
         setHints(hint, hint);
-        grdList()->setModel(model());
         placeFirstColumnWidths({70, 60, 90, 120, 150});
     }
+    grdList()->setVisible(!road);
+    m_roadList->setVisible(road);
 }
 
 int FrmPost::search(const QString& text) {
@@ -80,10 +124,12 @@ int FrmPost::search(const QString& text) {
 }
 
 void FrmPost::selectFirst() {
-    QAbstractItemModel* shown = grdList()->model();
-    if (shown->rowCount() == 0) return;
-    grdList()->setCurrentIndex(shown->index(0, 0));
-    grdList()->selectRow(0);
+    if (!searchesRoadBook()) {
+        selectRow(0);
+    } else if (m_road->rowCount() > 0) {
+        m_roadList->setCurrentIndex(m_road->index(0, 0));
+        m_roadList->selectRow(0);
+    }
 }
 
 void FrmPost::SetObject(QLineEdit* zipTarget, QLineEdit* addrTarget) {
@@ -105,13 +151,15 @@ void FrmPost::InitForm(const QString& text, int& result) {
 }
 
 void FrmPost::chooseActiveRow() {
-    const int row = activeRow();
-    if (row < 0) return;
     if (searchesRoadBook()) {
+        const int row = activeRoadRow();
+        if (row < 0) return;
         deliverRoad(row);
         accept();
         return;
     }
+    const int row = activeRow();
+    if (row < 0) return;
     QStringList values;
     for (int c = 0; c < 5; ++c)
         values << model()->text(row, c);

@@ -7,6 +7,7 @@
 #include "master/MasterListForm.h"
 
 class QCheckBox;
+class QTableView;
 
 namespace nb {
 
@@ -19,8 +20,10 @@ public:
 
     QPushButton* btnFind() const { return m_find; }
     QCheckBox* chkRoadBook() const { return m_roadBook; }
-    // The rows of the road-name book's search (read as the list is scrolled).
+    // The rows of the road-name book's search (read as the list is scrolled), and the list that
+    // shows them in place of grdList while that book is chosen.
     RoadListModel* roadModel() const { return m_road; }
+    QTableView* roadList() const { return m_roadList; }
     bool searchesRoadBook() const;
     // Keeps each target unless one is held.
     void SetObject(QLineEdit* zipTarget, QLineEdit* addrTarget);
@@ -35,6 +38,8 @@ public Q_SLOTS:
 protected:
     int keyColumn() const override { return 1; }
     void searchFromEntry() override { findAgain(); }
+    // The road list's keys: Enter chooses; Up or Down in the entry box goes to it.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void deliver(const QString& zip, const QStringList& row);
@@ -43,7 +48,10 @@ private:
     void useBook(bool road);
     int search(const QString& text);
     void selectFirst();
+    void buildRoadList();
+    int activeRoadRow() const;
     QPushButton* m_find = nullptr;
+    QTableView* m_roadList = nullptr;
     QCheckBox* m_roadBook = nullptr;
     RoadListModel* m_road = nullptr;
     QPointer<QLineEdit> m_addrTarget;

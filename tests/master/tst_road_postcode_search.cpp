@@ -280,11 +280,11 @@ private Q_SLOTS:
         QCOMPARE(form.roadModel()->rowCount(), RoadListModel::kPage);
         QVERIFY(form.roadModel()->canFetchMore({}));
         showActive(&form);
-        form.grdList()->setFocus();
-        pressKey(form.grdList(), Qt::Key_End, Qt::ControlModifier);
+        form.roadList()->setFocus();
+        pressKey(form.roadList(), Qt::Key_End, Qt::ControlModifier);
         QTRY_VERIFY(form.roadModel()->rowCount() > RoadListModel::kPage);
         for (int i = 0; i < 10 && form.roadModel()->canFetchMore({}); ++i)
-            pressKey(form.grdList(), Qt::Key_End, Qt::ControlModifier);
+            pressKey(form.roadList(), Qt::Key_End, Qt::ControlModifier);
         QCOMPARE(form.roadModel()->rowCount(), 450);
         QVERIFY(!form.roadModel()->canFetchMore({}));
     }
@@ -325,9 +325,12 @@ private Q_SLOTS:
         QCOMPARE(form.hintPanel()->text(),
                  QStringLiteral("도로명, 건물명, 읍/면/동이나 지번으로 검색하세요. [전체검색 : 빈칸]"));
         saveScreenshot(&form, "frm_post_road");
+        QVERIFY(form.roadList()->isVisible());
+        QVERIFY(!form.grdList()->isVisible());
         pressKey(form.txtinput(), Qt::Key_Down);
-        pressKey(form.grdList(), Qt::Key_Down);
-        pressKey(form.grdList(), Qt::Key_Return);
+        QCOMPARE(focused(), form.roadList());
+        pressKey(form.roadList(), Qt::Key_Down);
+        pressKey(form.roadList(), Qt::Key_Return);
         QVERIFY(!form.isVisible());
         QCOMPARE(zip.text(), QStringLiteral("06236"));
         QCOMPARE(addr.text(), QStringLiteral("서울특별시 강남구 누리대로 12"));
@@ -358,7 +361,8 @@ private Q_SLOTS:
             QCOMPARE(addr.text(), QStringLiteral("서울 강남구 역삼동"));
             form.chkRoadBook()->setChecked(true);
             QCOMPARE(GetEnv(kRoadBookSetting), QStringLiteral("도로명"));
-            QCOMPARE(form.grdList()->model(), static_cast<QAbstractItemModel*>(form.roadModel()));
+            QVERIFY(!form.roadList()->isHidden());
+            QVERIFY(form.grdList()->isHidden());
         }
         FrmPost again;
         QVERIFY(again.searchesRoadBook());
