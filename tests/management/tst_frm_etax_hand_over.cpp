@@ -6,11 +6,14 @@
 #include "core/Clock.h"
 #include "management/etax/EtaxExportRun.h"
 #include "management/etax/FrmEtaxHandOver.h"
+#include "management/etax/FrmEtaxPeriod.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QLabel>
 #include <QPushButton>
 #include <QTemporaryDir>
+#include <QTimer>
 
 using namespace nb;
 
@@ -109,6 +112,28 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo::exists(path));
         QCOMPARE(form.grdFiles->Text(6, 1), QStringLiteral("철회 2026-11-03 (철회)"));
         QVERIFY(!form.btnWithdraw->isEnabled());
+    }
+    void thePeriodWindowOpensTheRecordByItsKey() {
+        Fixture f;
+        QString opened;
+        int filesShown = 0;
+        // Alt+R in the period window opens the record; Alt+X closes it; Esc leaves the period.
+        QTimer::singleShot(100, [&] {
+            QWidget* period = QApplication::activeModalWidget();
+            QTimer::singleShot(100, [&, period] {
+                auto* record = qobject_cast<FrmEtaxHandOver*>(QApplication::activeModalWidget());
+                if (record) {
+                    opened = record->objectName();
+                    filesShown = record->grdFiles->DataRowCnt();
+                    QTest::keyClick(record, Qt::Key_X, Qt::AltModifier);
+                }
+                QTimer::singleShot(50, [period] { QTest::keyClick(period, Qt::Key_Escape); });
+            });
+            QTest::keyClick(period, Qt::Key_R, Qt::AltModifier);
+        });
+        QVERIFY(!ChooseEtaxPeriod(nullptr, {"2026-07-01", "2026-09-30"}));
+        QCOMPARE(opened, QStringLiteral("FrmEtaxHandOver"));
+        QCOMPARE(filesShown, 2);
     }
 };
 

@@ -68,7 +68,9 @@ private Q_SLOTS:
         });
         test::showActive(&form);
         QCOMPARE(form.windowTitle(), QStringLiteral("전자세금계산서 엑셀 작성 결과"));
-        QVERIFY(form.summary()->text().endsWith(QStringLiteral("저장 폴더: /tmp/e")));
+        QVERIFY(
+            form.summary()->text().endsWith(QStringLiteral("\n홈택스에 올린 뒤 전송 기록에서 업로드 표시를 "
+                                                           "하십시오.\n저장 폴더: /tmp/e")));
         QCOMPARE(form.list()->Text(1, 0), QStringLiteral("계산서번호"));
         QCOMPARE(form.list()->Text(4, 0), QStringLiteral("제외 사유"));
         QCOMPARE(form.list()->Text(1, 2), QStringLiteral("100019"));

@@ -31,8 +31,13 @@ QString etaxSummaryText(const EtaxExport& result) {
 FrmEtaxReport::FrmEtaxReport(const EtaxExport& result, QString folder, QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("FrmEtaxReport"));
     setWindowTitle(QStringLiteral("전자세금계산서 엑셀 작성 결과"));
-    m_summary = new QLabel(
-        etaxSummaryText(result) + QStringLiteral("\n저장 폴더: ") + QDir::toNativeSeparators(folder), this);
+    // A file counts as issued only once the operator says it was uploaded.
+    const QString reminder = result.files.isEmpty()
+                                 ? QString()
+                                 : QStringLiteral("\n홈택스에 올린 뒤 전송 기록에서 업로드 표시를 하십시오.");
+    m_summary = new QLabel(etaxSummaryText(result) + reminder + QStringLiteral("\n저장 폴더: ") +
+                               QDir::toNativeSeparators(folder),
+                           this);
     m_summary->setObjectName(QStringLiteral("pnlSummary"));
     m_summary->setWordWrap(true);
     m_summary->setTextInteractionFlags(Qt::TextSelectableByMouse);
