@@ -14,6 +14,7 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <functional>
 
 using namespace nb;
 
@@ -46,6 +47,23 @@ struct Fixture {
     }
     ~Fixture() { setClock({}); }
 };
+
+// Acts on the window of type T once it is the modal one (looked for every 20 ms, as a loaded
+// machine may be slow to show it); after ten seconds whatever is modal is closed, so that the
+// test fails instead of waiting for ever.
+template <typename T> void whenModal(std::function<void(T*)> act, int triesLeft = 500) {
+    QTimer::singleShot(20, [act, triesLeft] {
+        if (auto* window = qobject_cast<T*>(QApplication::activeModalWidget())) {
+            act(window);
+            return;
+        }
+        if (triesLeft > 0) {
+            whenModal<T>(act, triesLeft - 1);
+            return;
+        }
+        if (QWidget* stuck = QApplication::activeModalWidget()) stuck->close();
+    });
+}
 
 } // namespace
 
@@ -113,23 +131,19 @@ private Q_SLOTS:
         QCOMPARE(form.grdFiles->Text(6, 1), QStringLiteral("철회 2026-11-03 (철회)"));
         QVERIFY(!form.btnWithdraw->isEnabled());
     }
-    void thePeriodWindowOpensTheRecordByItsKey() {
+    void thePeriodWindowOpensTheRecordByItsButton() {
         Fixture f;
         QString opened;
         int filesShown = 0;
-        // Alt+R in the period window opens the record; Alt+X closes it; Esc leaves the period.
-        QTimer::singleShot(100, [&] {
-            QWidget* period = QApplication::activeModalWidget();
-            QTimer::singleShot(100, [&, period] {
-                auto* record = qobject_cast<FrmEtaxHandOver*>(QApplication::activeModalWidget());
-                if (record) {
-                    opened = record->objectName();
-                    filesShown = record->grdFiles->DataRowCnt();
-                    QTest::keyClick(record, Qt::Key_X, Qt::AltModifier);
-                }
-                QTimer::singleShot(50, [period] { QTest::keyClick(period, Qt::Key_Escape); });
+        // 전송 기록(&R) in the period window opens the record; 닫기(&X) closes it; 취소 leaves.
+        whenModal<FrmEtaxPeriod>([&](FrmEtaxPeriod* period) {
+            whenModal<FrmEtaxHandOver>([&](FrmEtaxHandOver* record) {
+                opened = record->objectName();
+                filesShown = record->grdFiles->DataRowCnt();
+                whenModal<FrmEtaxPeriod>([](FrmEtaxPeriod* back) { back->btnCancel->click(); });
+                record->btnExit->click();
             });
-            QTest::keyClick(period, Qt::Key_R, Qt::AltModifier);
+            period->btnRecord->click();
         });
         QVERIFY(!ChooseEtaxPeriod(nullptr, {"2026-07-01", "2026-09-30"}));
         QCOMPARE(opened, QStringLiteral("FrmEtaxHandOver"));

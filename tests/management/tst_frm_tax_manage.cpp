@@ -27,6 +27,7 @@
 #include <QRadioButton>
 #include <QStackedWidget>
 #include <QTimer>
+#include <functional>
 
 using namespace nb;
 
@@ -243,22 +244,30 @@ private Q_SLOTS:
         chooser.answers << out.path();
         msgs.answer(AnsYes); // older invoices say neither 영수 nor 청구: take 영수
         QString shown, first;
-        const auto closeReport = [&shown] {
-            if (QWidget* report = QApplication::activeModalWidget()) {
+        // Each window is waited for (every 20 ms, a loaded machine may be slow to show it); the
+        // period window comes first, offering the month just ended, and the screen's quarter is
+        // chosen there; then the result window is closed.
+        std::function<void(int)> closeReport = [&shown, &closeReport](int triesLeft) {
+            QWidget* report = QApplication::activeModalWidget();
+            if (report && report->objectName() != QStringLiteral("FrmEtaxPeriod")) {
                 shown = report->objectName();
                 report->close();
-            }
+            } else if (triesLeft > 0)
+                QTimer::singleShot(20, [&closeReport, triesLeft] { closeReport(triesLeft - 1); });
         };
-        // The period window comes first, offering the month just ended; the screen's quarter is
-        // chosen there.
-        QTimer::singleShot(100, [&first, closeReport] {
+        std::function<void(int)> choosePeriod = [&](int triesLeft) {
             auto* period = qobject_cast<FrmEtaxPeriod*>(QApplication::activeModalWidget());
-            if (!period) return;
+            if (!period) {
+                if (triesLeft > 0)
+                    QTimer::singleShot(20, [&choosePeriod, triesLeft] { choosePeriod(triesLeft - 1); });
+                return;
+            }
             first = period->objectName();
             period->optScreen->setChecked(true);
-            QTimer::singleShot(100, closeReport);
+            QTimer::singleShot(20, [&closeReport] { closeReport(500); });
             period->btnWrite->click();
-        });
+        };
+        QTimer::singleShot(20, [&choosePeriod] { choosePeriod(500); });
         f.btnEtax->click();
         QCOMPARE(first, QStringLiteral("FrmEtaxPeriod"));
         QCOMPARE(chooser.kinds, QStringList{QStringLiteral("folder")});
