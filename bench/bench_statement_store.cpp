@@ -121,25 +121,48 @@ void report(const char* what, int rows, double screenMs, double cli) {
                 cli, cli > 0 ? screenMs / cli : 0.0);
 }
 
+// Counts the paints a widget gets while it lives.
+struct PaintCount : QObject {
+    int count = 0;
+    explicit PaintCount(QWidget* w) { w->installEventFilter(this); }
+    bool eventFilter(QObject*, QEvent* e) override {
+        if (e->type() == QEvent::Paint) ++count;
+        return false;
+    }
+};
+
+QString withDates(QString sql, const QString& from, const QString& to) {
+    sql.replace(sql.indexOf(u'?'), 1, quoted(from));
+    sql.replace(sql.indexOf(u'?'), 1, quoted(to));
+    return sql;
+}
+
 // The list read by the store, and the list as the screen shows it (its search button: the
-// query, spMaster filled, the empty row's lines, the sums), beside the bare query.
+// query, spMaster filled, the empty row's lines, the sums, the first page painted and the
+// window free again), each beside its bare query.
 void timeList(FrmDealList& screen, const char* what, const QString& from, const QString& to) {
     const QString basic = stores().dbBasic.path();
+    const QString attach = QStringLiteral("ATTACH '%1' AS %2;").arg(basic, kBasicAlias);
     int rows = 0;
     const double ms = medianMs([&] {
         rows =
             int(ReadStatementList(stores().dbBill, basic, from, to).value_or(QList<StatementHead>()).size());
     });
-    QString sql = statementListSql(false);
-    sql.replace(sql.indexOf(u'?'), 1, quoted(from));
-    sql.replace(sql.indexOf(u'?'), 1, quoted(to));
-    const double cli =
-        cliMs(stores().dbBill.path(), QStringLiteral("ATTACH '%1' AS %2;").arg(basic, kBasicAlias), sql);
-    report(what, rows, ms, cli);
+    report(what, rows, ms,
+           cliMs(stores().dbBill.path(), attach, withDates(statementListSql(false), from, to)));
     SetDateCellText(screen.spDate[0], from);
     SetDateCellText(screen.spDate[1], to);
-    const double screenMs = medianMs([&] { screen.cmdMaster_Click(); });
-    report("  the same on the screen", screen.spMaster->MaxRows() - 1, screenMs, cli);
+    const double screenMs = bench::medianFirstPaintFreeMs(
+        &screen, [&] { screen.cmdMaster_Click(); }, kRepeats);
+    {
+        PaintCount paints(screen.spMaster->viewport());
+        bench::firstPaintFreeMs(&screen, [&] { screen.cmdMaster_Click(); });
+        std::printf(
+            "   parts: the list painted %d time(s); the search alone %.2f ms, the whole window %.2f ms\n",
+            paints.count, medianMs([&] { screen.cmdMaster_Click(); }), medianMs([&] { screen.repaint(); }));
+    }
+    report("  the same on the screen", screen.spMaster->MaxRows() - 1, screenMs,
+           cliMs(stores().dbBill.path(), attach, withDates(statementListRowsSql(false), from, to)));
 }
 
 // Choosing the 200-line statement in the list (its lines into spDetail, the totals) and going
@@ -183,6 +206,20 @@ int main(int argc, char** argv) {
 
     timeList(screen, "statement list, one month", QStringLiteral("2020-05-01"), QStringLiteral("2020-05-31"));
     timeList(screen, "statement list, one year", QStringLiteral("2020-01-01"), QStringLiteral("2020-12-31"));
+    timeList(screen, "statement list, ten years", QStringLiteral("2015-01-01"), QStringLiteral("2024-12-31"));
+
+    // Memory: the window with an empty list, then with every statement of the ten years.
+    SetDateCellText(screen.spDate[0], QStringLiteral("1990-01-01"));
+    SetDateCellText(screen.spDate[1], QStringLiteral("1990-01-31"));
+    screen.cmdMaster_Click();
+    const double emptyMB = bench::residentMB();
+    SetDateCellText(screen.spDate[0], QStringLiteral("2015-01-01"));
+    SetDateCellText(screen.spDate[1], QStringLiteral("2024-12-31"));
+    screen.cmdMaster_Click();
+    screen.repaint();
+    const double fullMB = bench::residentMB();
+    std::printf("resident size: empty list %.1f MB, %d statements listed %.1f MB (%.1f MB more)\n", emptyMB,
+                screen.spMaster->MaxRows() - 1, fullMB, fullMB - emptyMB);
 
     const QString big = code(100000);
     int rows = 0;

@@ -202,16 +202,26 @@ QString ListPriceText(double price) {
 }
 
 QVector<QStringList> ProductListRows(Recordset& rs, int kind) {
+    // Each column found by its name once, not on every row.
+    const int name = rs.fieldIndex(QStringLiteral("pName")), norm = rs.fieldIndex(QStringLiteral("pNorm"));
+    const int tax = rs.fieldIndex(QStringLiteral("PTax")), unit = rs.fieldIndex(QStringLiteral("Unit"));
+    const int code = rs.fieldIndex(QStringLiteral("PCode"));
+    int price = -1;
+    if (kind == 0) price = rs.fieldIndex(QStringLiteral("PBuyPrice"));
+    if (kind == 1 || kind == 3) price = rs.fieldIndex(QStringLiteral("PSalePrice"));
+    const auto text = [&rs](int column) {
+        const QVariant v = rs.field(column);
+        return v.isNull() ? QStringLiteral("") : v.toString();
+    };
     QVector<QStringList> rows;
+    rows.reserve(rs.RecordCount());
     for (rs.MoveFirst(); !rs.EOF_(); rs.MoveNext()) {
-        const bool taxFree = !rs.isNull(QStringLiteral("PTax")) && rs.number(QStringLiteral("PTax")) == 0;
-        QString price;
-        if (kind == 0) price = ListPriceText(rs.number(QStringLiteral("PBuyPrice")));
-        if (kind == 1 || kind == 3) price = ListPriceText(rs.number(QStringLiteral("PSalePrice")));
-        rows.push_back({NameWithNorm(rs.text(QStringLiteral("pName")), rs.field(QStringLiteral("pNorm"))),
-                        rs.text(QStringLiteral("Unit")),
-                        taxFree ? QStringLiteral("면세") : QStringLiteral("과세"), price, QString(),
-                        rs.text(QStringLiteral("PCode")), QString()});
+        const QVariant taxValue = rs.field(tax);
+        const bool taxFree = !taxValue.isNull() && taxValue.toDouble() == 0;
+        const QString priceText = price >= 0 ? ListPriceText(rs.field(price).toDouble()) : QString();
+        rows.push_back({NameWithNorm(text(name), rs.field(norm)), text(unit),
+                        taxFree ? QStringLiteral("면세") : QStringLiteral("과세"), priceText, QString(),
+                        text(code), QString()});
     }
     rs.MoveFirst();
     return rows;

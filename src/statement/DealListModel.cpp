@@ -1,18 +1,72 @@
 #include "statement/DealListModel.h"
 
+#include "storage/CrossFileQueries.h"
+
+#include <QSqlQuery>
+
 namespace nb {
+
+namespace {
+
+// The list's own rows when no grid shows them: the columns and number types of spMaster.
+std::unique_ptr<GridModel> ownListRows() {
+    auto rows = std::make_unique<GridModel>();
+    rows->setMaxCols(ColSumTotal);
+    CellFormat number;
+    number.type = CellType::Float;
+    number.separator = true;
+    rows->setFormat(ColNumBill, kAllCells, number);
+    rows->setFormat(ColTotal, kAllCells, number);
+    return rows;
+}
+
+} // namespace
+
+DealListModel::DealListModel(Database& dbBill) : m_db(dbBill), m_ownRows(ownListRows()) {
+    showListIn(nullptr);
+}
+
+DealListModel::~DealListModel() = default;
+
+void DealListModel::showListIn(GridModel* rows) {
+    m_rows = rows ? rows : m_ownRows.get();
+    if (!m_rows->isList()) {
+        m_rows->showList(nullptr, 0);
+        m_rows->setMaxRows(1);
+    }
+}
 
 void DealListModel::setTrader(const QString& cCode, const QString& cName) {
     m_cCode = cCode;
     m_cName = cName;
 }
 
+// The list needs every row at once (it stands on the empty row after the last), so the rows
+// are read through while the basic file is attached; they stay in the cells as values.
 bool DealListModel::masterList(const QString& basicFile, const QString& from, const QString& to,
                                bool onlyTrader) {
-    const auto heads = ReadStatementList(m_db, basicFile, from, to, onlyTrader ? m_cCode : QString());
-    m_masters = heads.value_or(QList<StatementHead>());
-    showMasterRow(int(m_masters.size()) + 1);
-    return heads.has_value();
+    const bool ok = ReadStatementListRows(m_db, basicFile, from, to, onlyTrader ? m_cCode : QString(),
+                                          [this](QSqlQuery& query) {
+                                              m_rows->showList(std::make_unique<QueryRows>(query), -1);
+                                              m_rows->finishReading();
+                                          });
+    if (!ok) m_rows->showList(nullptr, 0);
+    m_rows->setMaxRows(m_rows->maxRows() + 1); // the empty last row
+    showMasterRow(masterRowCount());
+    return ok;
+}
+
+ListedStatement DealListModel::listed(int row) const {
+    ListedStatement head;
+    if (row < 1 || row > masterCount()) return head;
+    const GridModel& rows = *m_rows;
+    head.billDate = rows.text(ColBillDate, row);
+    head.cName = rows.text(ColCName, row);
+    head.numBill = int(rows.value(ColNumBill, row));
+    head.total = rows.value(ColTotal, row);
+    head.billNo = rows.text(ColMasterBillNo, row);
+    head.cCode = rows.text(ColCCode, row);
+    return head;
 }
 
 void DealListModel::showMasterRow(int row) {
@@ -22,9 +76,8 @@ void DealListModel::showMasterRow(int row) {
 
 void DealListModel::chooseMaster(int row) {
     m_activeMaster = qBound(1, row, masterRowCount());
-    const StatementHead* head = activeHead();
-    const QString cCode = head ? head->cCode : QString();
-    if (cCode != m_cCode) setTrader(cCode, head ? head->cName : QString());
+    const ListedStatement head = listed(m_activeMaster);
+    if (head.cCode != m_cCode) setTrader(head.cCode, head.cName);
     detailList(selectedBillNo());
 }
 
@@ -45,12 +98,27 @@ void DealListModel::detailList(const QString& billNo) {
     m_activeDetail = int(m_lines.size()) + 1;
 }
 
-StatementHead* DealListModel::activeHead() {
-    return m_activeMaster <= m_masters.size() ? &m_masters[m_activeMaster - 1] : nullptr;
+QString DealListModel::selectedBillNo() const {
+    return onListedRow() ? m_rows->text(ColMasterBillNo, m_activeMaster) : QString();
 }
 
-QString DealListModel::selectedBillNo() const {
-    return m_activeMaster <= m_masters.size() ? m_masters[m_activeMaster - 1].billNo : QString();
+void DealListModel::moveActiveHead(int numBill, double total) {
+    if (!onListedRow()) return;
+    m_rows->setListValue(ColNumBill, m_activeMaster, m_rows->value(ColNumBill, m_activeMaster) + numBill);
+    m_rows->setListValue(ColTotal, m_activeMaster, m_rows->value(ColTotal, m_activeMaster) + total);
+}
+
+// A new statement takes the empty last row, and a new empty row follows it.
+void DealListModel::appendHead(const QString& billNo) {
+    const int row = masterRowCount();
+    m_rows->setText(ColBillDate, row, billDateFromBox(m_txtDate));
+    m_rows->setText(ColCName, row, m_cName);
+    m_rows->setText(ColNumBill, row, QStringLiteral("0"));
+    m_rows->setText(ColTotal, row, QStringLiteral("0"));
+    m_rows->setText(ColMasterBillNo, row, billNo);
+    m_rows->setText(ColCCode, row, m_cCode);
+    m_rows->setMaxRows(row + 1);
+    m_activeMaster = row;
 }
 
 int DealListModel::selectedBillSeq() const {
@@ -58,28 +126,19 @@ int DealListModel::selectedBillSeq() const {
 }
 
 int DealListModel::periodCount() const {
-    int count = 0;
-    for (const StatementHead& head : m_masters)
-        count += head.numBill;
-    return count;
+    return int(m_rows->columnTotal(ColNumBill));
 }
 
 double DealListModel::periodTotal() const {
-    double total = 0;
-    for (const StatementHead& head : m_masters)
-        total += head.total();
-    return total;
+    return m_rows->columnTotal(ColTotal);
 }
 
 bool DealListModel::insertLine(const QString& pName) {
     const InsertedLine saved =
         DetailInsert(m_db, {selectedBillNo(), billDateFromBox(m_txtDate), m_cCode, pName});
     if (!saved.ok) return false;
-    if (saved.newHead) {
-        m_masters.append({saved.billNo, billDateFromBox(m_txtDate), m_cCode, m_cName, 0, 0, 0});
-        m_activeMaster = int(m_masters.size());
-    }
-    activeHead()->numBill += 1;
+    if (saved.newHead) appendHead(saved.billNo);
+    moveActiveHead(1, 0);
     StatementLine line;
     line.billNo = saved.billNo;
     line.billSeq = saved.billSeq;
@@ -105,11 +164,11 @@ bool DealListModel::updateField(const QString& field, const QVariant& value) {
     else if (saved.field == QLatin1String("AMOUNT")) {
         line.amount = value.toDouble();
         m_gong -= saved.diff;
-        activeHead()->totAmount -= saved.diff;
+        moveActiveHead(0, -saved.diff);
     } else if (saved.field == QLatin1String("VAT")) {
         line.vat = value.toDouble();
         m_se -= saved.diff;
-        activeHead()->totVat -= saved.diff;
+        moveActiveHead(0, -saved.diff);
     }
     return true;
 }
@@ -122,10 +181,7 @@ LineDeleteOutcome DealListModel::deleteLine() {
         m_lines.removeAt(m_activeDetail - 1);
         m_gong -= gone.amount;
         m_se -= gone.vat;
-        StatementHead* head = activeHead();
-        head->totAmount -= gone.amount;
-        head->totVat -= gone.vat;
-        head->numBill -= 1;
+        moveActiveHead(-1, -(gone.amount + gone.vat));
     }
     return gone.outcome;
 }
@@ -139,13 +195,25 @@ StatementDeleteOutcome DealListModel::deleteStatement(bool skipPrompt) {
 // The screen moves to the row that takes the removed one's place and to its trader (none for
 // the empty row).
 void DealListModel::removeActiveMaster() {
-    m_masters.removeAt(m_activeMaster - 1);
+    m_rows->deleteRows(m_activeMaster, 1);
+    m_rows->setMaxRows(m_rows->dataRowCnt());
+    m_rows->setMaxRows(m_rows->maxRows() + 1); // the empty last row stands again
     chooseMaster(m_activeMaster);
 }
 
 ShownStatement DealListModel::shown() const {
     ShownStatement statement;
-    if (m_activeMaster <= m_masters.size()) statement.head = m_masters[m_activeMaster - 1];
+    if (onListedRow()) {
+        const ListedStatement row = listed(m_activeMaster);
+        statement.head.billNo = row.billNo;
+        statement.head.billDate = row.billDate;
+        statement.head.cCode = row.cCode;
+        statement.head.cName = row.cName;
+        statement.head.numBill = row.numBill;
+        // The head's totals are its lines' (a save moves both in one transaction).
+        statement.head.totAmount = m_gong;
+        statement.head.totVat = m_se;
+    }
     statement.lines = m_lines;
     return statement;
 }

@@ -4,9 +4,34 @@
 // is typed, the three totals, and every save moving them as the store moved. The screen draws
 // this; tests and the print read it.
 
+#include "common/grid/GridModel.h"
 #include "statement/StatementStore.h"
 
+#include <memory>
+
 namespace nb {
+
+// The columns of spMaster, the list of statements.
+enum MasterCol : int {
+    ColBillDate = 1,
+    ColCName,
+    ColNumBill,
+    ColTotal,
+    ColMasterBillNo,
+    ColCCode,
+    ColSumCount,
+    ColSumTotal,
+};
+
+// One statement of the list as its row shows it.
+struct ListedStatement {
+    QString billDate;
+    QString cName;
+    int numBill = 0;
+    double total = 0; // TotAmount + TotVat
+    QString billNo;
+    QString cCode;
+};
 
 // The statement the screen stands on, as the print needs it.
 struct ShownStatement {
@@ -16,7 +41,14 @@ struct ShownStatement {
 
 class DealListModel {
 public:
-    explicit DealListModel(Database& dbBill) : m_db(dbBill) {}
+    // Until showListIn gives it the screen's list, the model keeps the list's rows itself.
+    explicit DealListModel(Database& dbBill);
+    ~DealListModel();
+    // The statement list lives in the cells of the grid that shows it (spMaster, columns as
+    // MasterCol, one empty last row): the model fills them from the query and writes the
+    // changes its saves make, so the list is held once.
+    void showListIn(GridModel* rows);
+    GridModel& masterRows() { return *m_rows; }
 
     // The trader and date the next new statement is made with.
     void setTrader(const QString& cCode, const QString& cName);
@@ -31,8 +63,10 @@ public:
     void chooseMaster(int row);
     // btnNewMaster: no trader, the empty row, no lines.
     void newMaster();
-    const QList<StatementHead>& masters() const { return m_masters; }
-    int masterRowCount() const { return int(m_masters.size()) + 1; } // with the empty row
+    // Statements listed, and one of them by its row (1-based; empty outside).
+    int masterCount() const { return std::max(0, m_rows->maxRows() - 1); }
+    ListedStatement listed(int row) const;
+    int masterRowCount() const { return masterCount() + 1; } // with the empty row
     int activeMasterRow() const { return m_activeMaster; }
 
     // spDetail: the lines, the pending row after them when a trader is chosen, at least 15 rows.
@@ -74,14 +108,18 @@ public:
 private:
     void detailList(const QString& billNo);
     void showMasterRow(int row);
-    StatementHead* activeHead();
+    bool onListedRow() const { return m_activeMaster >= 1 && m_activeMaster <= masterCount(); }
+    // Moves the active statement's count and total as a save moved its head.
+    void moveActiveHead(int numBill, double total);
+    void appendHead(const QString& billNo);
     void removeActiveMaster();
 
     Database& m_db;
     QString m_cCode;
     QString m_cName;
     QString m_txtDate;
-    QList<StatementHead> m_masters;
+    std::unique_ptr<GridModel> m_ownRows;
+    GridModel* m_rows = nullptr;
     int m_activeMaster = 1;
     QList<StatementLine> m_lines;
     int m_activeDetail = 1;

@@ -157,6 +157,7 @@ void FrmDealList::setupMasterGrid() {
     SetFloatCell(*spTotal, ColTotal, 0, false);
     LinkTotalGrid(*spTotal, *spMaster, {{ColSumCount, ColNumBill}, {ColSumTotal, ColTotal}});
     spTotal->move(spMaster->x(), spMaster->y() + spMaster->height() + 2);
+    m_model.showListIn(&spMaster->cells());
 }
 
 void FrmDealList::firstActivate() {
@@ -289,30 +290,14 @@ void FrmDealList::searchTrader() {
 
 void FrmDealList::MasterList(const QString& cCode) {
     m_model.setTrader(txtCCode->text(), CName2->text());
+    m_listing = true;
     m_model.masterList(stores().dbBasic.path(), DateCellText(spDate[0]), DateCellText(spDate[1]),
                        !cCode.isEmpty());
-    m_listing = true;
-    spMaster->setMaxRows(0);
-    spMaster->setMaxRows(m_model.masterRowCount());
-    spMaster->fillQuietly([this] {
-        for (int row = 1; row < m_model.masterRowCount(); ++row)
-            showMasterRow(row);
-    });
     spMaster->SetActiveCell(ColBillDate, m_model.activeMasterRow());
     m_listing = false;
     DetailList();
     if (isVisible()) (txtCCode->text().isEmpty() ? static_cast<QWidget*>(CName2) : spDetail)->setFocus();
     MasterTotalShow();
-}
-
-void FrmDealList::showMasterRow(int row) {
-    const StatementHead& head = m_model.masters().at(row - 1);
-    spMaster->SetText(ColBillDate, row, head.billDate);
-    spMaster->SetText(ColCName, row, head.cName);
-    spMaster->SetText(ColNumBill, row, QString::number(head.numBill));
-    spMaster->SetText(ColTotal, row, FormatNumber(head.total(), kMaskSum));
-    spMaster->SetText(ColMasterBillNo, row, head.billNo);
-    spMaster->SetText(ColCCode, row, head.cCode);
 }
 
 void FrmDealList::DetailClear() {
@@ -355,7 +340,7 @@ void FrmDealList::showTotals() {
 }
 
 void FrmDealList::MasterTotalShow() {
-    if (m_model.masters().isEmpty()) {
+    if (m_model.masterCount() == 0) {
         spTotal->SetText(ColNumBill, 1, QString());
         spTotal->SetText(ColTotal, 1, QString());
         return;

@@ -30,18 +30,6 @@ class DealPaper;
 
 // The columns of spDetail; their identifiers are the field names of Detail.
 enum DetailCol : int { ColPName = 1, ColUnit, ColQuant, ColPrice, ColAmount, ColVat, ColBillNo, ColBillSeq };
-// The columns of spMaster.
-enum MasterCol : int {
-    ColBillDate = 1,
-    ColCName,
-    ColNumBill,
-    ColTotal,
-    ColMasterBillNo,
-    ColCCode,
-    ColSumCount,
-    ColSumTotal,
-};
-
 inline const QString kDealListTitle = QStringLiteral("거래명세표 발행");
 inline const QString kDealListHelp =
     QStringLiteral("*삭제:[F4] *신규등록.검색:[상호]에서 [엔터] *검색이동:[F3]");
@@ -137,7 +125,6 @@ private:
     void setupMasterGrid();
     void chooseMasterRow(int row);
     void followTrader(const QString& cCode);
-    void showMasterRow(int row);
     void showTotals();
     void showMisu();
     void fillTerms(int kind);

@@ -241,7 +241,6 @@ void FrmDealList::deleteLine() {
         DeleteGridRow(*spDetail, row, true, false);
         m_listing = false;
         showTotals();
-        showMasterRow(m_model.activeMasterRow());
         PeriodTotalShow();
     }
     spDetail->setFocus();
@@ -260,9 +259,10 @@ void FrmDealList::deleteStatement() {
 // trader and lines show.
 void FrmDealList::afterStatementGone() {
     const QString before = txtCCode->text();
+    // The model took the row out of the list (the rows below moved up, the empty row stands).
     m_listing = true;
-    DeleteGridRow(*spMaster, spMaster->ActiveRow(), true, true);
-    spMaster->setMaxRows(m_model.masterRowCount());
+    spMaster->Refresh();
+    ShowFloatMsg(QString::fromUtf8(kRowDeletedText), 500, true, kDeletedFloatColor);
     spMaster->SetActiveCell(ColBillDate, m_model.activeMasterRow());
     m_listing = false;
     MasterTotalShow();

@@ -165,19 +165,14 @@ bool FrmDealList::productSearch(int row, QString& text) {
 
 bool FrmDealList::insertLine(int row, const QString& text) {
     m_model.setDateBox(txtDate->text());
-    const int before = int(m_model.masters().size());
+    const int before = m_model.masterCount();
     if (!m_model.insertLine(text)) return false;
-    const int masterRow = m_model.activeMasterRow();
-    m_listing = true;
-    if (int(m_model.masters().size()) > before) { // the first line brought its statement
-        showMasterRow(masterRow);
-        spMaster->SetActiveCell(ColBillDate, masterRow);
-        spMaster->setMaxRows(masterRow + 1);
+    if (m_model.masterCount() > before) { // the first line brought its statement into the list
+        m_listing = true;
+        spMaster->SetActiveCell(ColBillDate, m_model.activeMasterRow());
+        m_listing = false;
         MasterTotalShow();
-    } else {
-        showMasterRow(masterRow);
     }
-    m_listing = false;
     const StatementLine& line = m_model.lines().last();
     setCell(ColBillNo, row, line.billNo);
     setCell(ColBillSeq, row, QString::number(line.billSeq));
@@ -193,7 +188,6 @@ bool FrmDealList::updateCell(int col, int row, const QString& field, const QVari
     const QString upper = field.toUpper();
     if (upper == u"AMOUNT" || upper == u"VAT") {
         showTotals();
-        showMasterRow(m_model.activeMasterRow());
         PeriodTotalShow();
     }
     return true;

@@ -45,6 +45,41 @@ bool OpenStatementList(Recordset& rs, const QString& from, const QString& to, co
     return OpenStatementList(stores().dbBill, app().DbBasicFile, rs, from, to, traderCode);
 }
 
+QString statementListRowsSql(bool withTrader) {
+    return QStringLiteral(
+               "Select master.BillDate, trader.C_Name, master.NumBill, master.TotAmount + master.TotVat, "
+               "master.BillNo, master.CCode from master Left Join ") +
+           kBasicAlias +
+           QStringLiteral(".Trader On master.ccode = trader.code where billdate between ? and ?") +
+           (withTrader ? QStringLiteral(" AND CCode = ?") : QString()) +
+           QStringLiteral(" order by BillDate, billno");
+}
+
+bool ReadStatementListRows(Database& bill, const QString& basicFile, const QString& from, const QString& to,
+                           const QString& traderCode, const std::function<void(QSqlQuery&)>& read) {
+    const bool withTrader = !traderCode.isEmpty();
+    QVariantList values{from, to};
+    if (withTrader) values << traderCode;
+    const QString sql = statementListRowsSql(withTrader);
+    if (!bill.isOpen()) {
+        ReportQueryFailure(ErrNotOpened, QString(), sqlForDisplay(sql, values));
+        return false;
+    }
+    if (!bill.attach(basicFile, kBasicAlias)) {
+        ReportQueryFailure(-1, QStringLiteral("unable to open database: ") + basicFile,
+                           sqlForDisplay(sql, values));
+        return false;
+    }
+    bool ok = false;
+    {
+        QSqlQuery query(bill.connection());
+        ok = OpenForwardOnly(bill, query, sql, values);
+        if (ok) read(query);
+    } // the statement ends here, so the file can be let go
+    bill.detach(kBasicAlias);
+    return ok;
+}
+
 QString tradersLastDealSql(const TraderDealFilter& filter) {
     QString sql = QStringLiteral("SELECT C_Name, Phone, Fax, HPhone, Trader.Code, MAX(BillDate) as lastdate"
                                  "  FROM Trader LEFT JOIN ") +

@@ -10,6 +10,8 @@
 
 #include "storage/Database.h"
 
+#include <functional>
+
 namespace nb {
 
 // Aliases the other file is attached under.
@@ -25,6 +27,13 @@ bool OpenStatementList(Database& bill, const QString& basicFile, Recordset& rs, 
                        const QString& to, const QString& traderCode = QString());
 bool OpenStatementList(Recordset& rs, const QString& from, const QString& to,
                        const QString& traderCode = QString());
+// The same rows in the columns of the list on the screen (BillDate, C_Name, NumBill,
+// TotAmount + TotVat, BillNo, CCode), run forward-only with the basic file attached: read gets
+// the running query and reads what it needs before the file is let go. False when the query
+// failed (its box shown); read is then not called.
+QString statementListRowsSql(bool withTrader);
+bool ReadStatementListRows(Database& bill, const QString& basicFile, const QString& from, const QString& to,
+                           const QString& traderCode, const std::function<void(QSqlQuery&)>& read);
 
 // Traders not dealt with since a date, on dbBasic: C_Name, Phone, Fax, HPhone, Code and
 // lastdate (MAX(BillDate), empty for a trader with no statement) of the traders whose C_Name
