@@ -4,6 +4,7 @@
 // (what an export asks), beside the same statement through the sqlite3 command line on the same
 // file; and the record of one file of 100 invoices, one transaction.
 #include "BenchSupport.h"
+#include "BenchWindow.h"
 #include "management/etax/HandOverRecord.h"
 
 #include <QApplication>
@@ -58,25 +59,6 @@ QString standingSql(bool uploadedOnly) {
                          {QStringLiteral("2025-01-01"), QStringLiteral("2025-12-31")});
 }
 
-// Several statements through the sqlite3 program: the sum of their own timers, median of five.
-double cliSumMs(const QString& file, const QString& sql) {
-    std::vector<double> times;
-    const QRegularExpression real(QStringLiteral("Run Time: real ([0-9.]+)"));
-    for (int i = 0; i < 5; ++i) {
-        QProcess p;
-        p.start(QStringLiteral("sqlite3"), {file});
-        p.write((".timer on\n.output /dev/null\n" + sql + ";\n").toUtf8());
-        p.closeWriteChannel();
-        p.waitForFinished(120000);
-        double sum = 0;
-        for (auto it = real.globalMatch(QString::fromUtf8(p.readAllStandardOutput())); it.hasNext();)
-            sum += it.next().captured(1).toDouble() * 1000;
-        times.push_back(sum);
-    }
-    std::sort(times.begin(), times.end());
-    return times[times.size() / 2];
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -119,6 +101,7 @@ int main(int argc, char** argv) {
                            "1000 FROM EtaxFile;")
                 .arg(300000 + i);
     inserts += QStringLiteral("COMMIT");
-    report("RecordHandOverFile, one file of 100", 100, recordMs, cliSumMs(stores().dbTax.path(), inserts));
+    report("RecordHandOverFile, one file of 100", 100, recordMs,
+           bench::cliScriptMs(stores().dbTax.path(), inserts + QStringLiteral(";")));
     return 0;
 }
