@@ -133,7 +133,10 @@ private Q_SLOTS:
         addInvoice("100000", "2026-10-05", 1000);
         f.record("/tmp/a_1.xlsx", {entry("100000", "2026-10-05", 1000)});
         const int up = f.record("/tmp/b_1.xlsx", {entry("100000", "2026-10-05", 1000)});
-        QCOMPARE(HandedOverInvoices(stores().dbTax, "2026-10-01", "2026-10-31")->value("100000").files.first().fileNo,
+        QCOMPARE(HandedOverInvoices(stores().dbTax, "2026-10-01", "2026-10-31")
+                     ->value("100000")
+                     .files.first()
+                     .fileNo,
                  1);
         QVERIFY(MarkFileUploaded(stores().dbTax, up, "2026-11-05", nullptr));
         const HandOverMark mark =
@@ -180,6 +183,25 @@ private Q_SLOTS:
         QCOMPARE(count("select count(*) from EtaxFile"), 0);
         QCOMPARE(count("select count(*) from EtaxHandOver"), 0);
         QVERIFY(!stores().dbTax.inTransaction());
+    }
+    void aRecordTheStoreWillNotForgetIsKeptWholeAndSaysWhy() {
+        Fixture f;
+        QString why;
+        const auto no = RecordHandOverFile(stores().dbTax, "/tmp/a_1.xlsx", "2026-10-01", "2026-10-31",
+                                           {entry("100000", "2026-10-05", 1000)}, &why);
+        QVERIFY(no);
+        QVERIFY(test::exec(stores().dbTax, "create trigger keep before delete on EtaxFile "
+                                           "begin select raise(abort, 'kept'); end"));
+        QVERIFY(!ForgetHandOverFile(stores().dbTax, *no, &why));
+        QVERIFY(why.startsWith(
+            QStringLiteral("작성하지 못한 파일의 전송 기록(%1번)을 지우지 못했습니다.").arg(*no)));
+        QCOMPARE(count("select count(*) from EtaxFile"), 1);
+        QCOMPARE(count("select count(*) from EtaxHandOver"), 1);
+        QVERIFY(!stores().dbTax.inTransaction());
+        QVERIFY(test::exec(stores().dbTax, "drop trigger keep"));
+        QVERIFY(ForgetHandOverFile(stores().dbTax, *no, &why));
+        QCOMPARE(count("select count(*) from EtaxFile"), 0);
+        QCOMPARE(count("select count(*) from EtaxHandOver"), 0);
     }
     void aFailedReadGivesNoDatesAndSaysSo() {
         Fixture f;

@@ -256,8 +256,9 @@ EtaxExport exportEtax(const QList<EtaxInvoice>& invoices, const QString& folder,
         };
         QString error;
         if (!writeEtaxWorkbook(path, part, plan.assumed, guidanceFor(from, to, f + 1, files), &error, keep)) {
-            if (recorded) ForgetHandOverFile(*plan.record, *recorded);
             result.failures << error;
+            QString kept;
+            if (recorded && !ForgetHandOverFile(*plan.record, *recorded, &kept)) result.failures << kept;
             continue;
         }
         // The older record of this name is of a file that is no more.

@@ -189,14 +189,17 @@ std::optional<int> RecordHandOverFile(Database& dbTax, const QString& path, cons
     return fileNo;
 }
 
-bool ForgetHandOverFile(Database& dbTax, int fileNo) {
-    if (!dbTax.beginTransaction()) return false;
+bool ForgetHandOverFile(Database& dbTax, int fileNo, QString* why) {
+    const QString headline =
+        QStringLiteral(
+            "작성하지 못한 파일의 전송 기록(%1번)을 지우지 못했습니다. 전송 기록에서 철회하십시오.")
+            .arg(fileNo);
+    if (!dbTax.beginTransaction()) return fail(why, headline + u' ' + faultOf(dbTax));
     if (!dbTax.tryExecute(QStringLiteral("DELETE FROM EtaxHandOver WHERE FileNo = ?"), {fileNo}) ||
-        !dbTax.tryExecute(QStringLiteral("DELETE FROM EtaxFile WHERE FileNo = ?"), {fileNo})) {
-        dbTax.rollback();
-        return false;
-    }
-    return dbTax.commit();
+        !dbTax.tryExecute(QStringLiteral("DELETE FROM EtaxFile WHERE FileNo = ?"), {fileNo}))
+        return abandon(dbTax, why, headline);
+    if (!dbTax.commit()) return fail(why, headline + u' ' + faultOf(dbTax));
+    return true;
 }
 
 bool RetireHandOverPath(Database& dbTax, const QString& path, const QString& note, QString* why,

@@ -69,8 +69,9 @@ struct HandOverMark {
 std::optional<int> RecordHandOverFile(Database& dbTax, const QString& path, const QString& fromDate,
                                       const QString& toDate, const QList<HandOverEntry>& entries,
                                       QString* why);
-// Takes a record back out when its file could not take its name after all.
-bool ForgetHandOverFile(Database& dbTax, int fileNo);
+// Takes a record back out when its file could not take its name after all; false with the reason
+// in why when the store kept it.
+bool ForgetHandOverFile(Database& dbTax, int fileNo, QString* why);
 // Withdraws the standing, not uploaded records of a path, other than `keepFileNo`, with the note:
 // the file there was overwritten by a newer one (kReplacedNote) or removed by the program.
 bool RetireHandOverPath(Database& dbTax, const QString& path, const QString& note, QString* why,
