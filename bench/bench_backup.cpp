@@ -3,6 +3,7 @@
 // the zip) beside the bare route of the sqlite3 program's .backup of each store and the zip
 // program at its fastest level. Also the time of a restore of the same backup.
 #include "BackupKit.h"
+#include "BenchBooks.h"
 #include "BenchSupport.h"
 #include "core/AppFolder.h"
 #include "storage/Backup.h"
@@ -18,53 +19,6 @@
 using namespace nb;
 
 namespace {
-
-QString code(int i) {
-    return QStringLiteral("%1").arg(i, 6, 10, QChar(u'0'));
-}
-
-void fillTraders(int count) {
-    Database& db = stores().dbBasic;
-    db.beginTransaction();
-    QSqlQuery q(db.connection());
-    q.prepare(QStringLiteral("INSERT INTO Trader (Code, C_Name) VALUES (?, ?)"));
-    for (int i = 1; i <= count; ++i) {
-        q.addBindValue(code(i));
-        q.addBindValue(QStringLiteral("가나상사%1").arg(i));
-        q.exec();
-    }
-    db.commit();
-}
-
-// Statements spread evenly over 2015-2024, lines / statements lines each.
-void fillStatements(int statements, int lines) {
-    Database& db = stores().dbBill;
-    db.beginTransaction();
-    QSqlQuery head(db.connection());
-    head.prepare(QStringLiteral("INSERT INTO Master VALUES (?, ?, ?, ?, ?, ?)"));
-    QSqlQuery line(db.connection());
-    line.prepare(QStringLiteral("INSERT INTO Detail VALUES (?, ?, ?, 'EA', 2, 5000, 0, 10000, 1000)"));
-    const QDate first(2015, 1, 1);
-    const int days = int(first.daysTo(QDate(2024, 12, 31))) + 1;
-    const int perStatement = lines / statements;
-    for (int i = 1; i <= statements; ++i) {
-        const QString no = code(i);
-        head.addBindValue(no);
-        head.addBindValue(first.addDays(qint64(i - 1) * days / statements).toString(Qt::ISODate));
-        head.addBindValue(code(1 + i % 50000));
-        head.addBindValue(10000.0 * perStatement);
-        head.addBindValue(1000.0 * perStatement);
-        head.addBindValue(perStatement);
-        head.exec();
-        for (int s = 1; s <= perStatement; ++s) {
-            line.addBindValue(no);
-            line.addBindValue(s);
-            line.addBindValue(QStringLiteral("품목%1").arg(s));
-            line.exec();
-        }
-    }
-    db.commit();
-}
 
 bool run(const QString& program, const QStringList& arguments, const QString& folder = QString()) {
     QProcess p;
@@ -98,8 +52,8 @@ int main(int argc, char** argv) {
     test::TestHome home;
     test::script();
     if (!test::openStores()) return 1;
-    fillTraders(50000);
-    fillStatements(100000, 1000000);
+    bench::fillTraders(50000);
+    bench::fillStatements(100000, 1000000);
     closeStores();
     OpenDatabases(); // the journal folded into the store, as after a start
     qint64 storeBytes = 0;

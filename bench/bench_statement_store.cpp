@@ -2,6 +2,7 @@
 // 50,000 traders): the list of one month and of one year, the lines of a 200-line statement,
 // one new line and one changed line; beside each, the same query through the sqlite3 command
 // line on the same file.
+#include "BenchBooks.h"
 #include "BenchSupport.h"
 #include "StoreFixture.h"
 #include "common/dates/DateCells.h"
@@ -22,6 +23,7 @@
 #include <functional>
 
 using namespace nb;
+using bench::code;
 
 namespace {
 
@@ -29,54 +31,6 @@ constexpr int kRepeats = 15;
 
 double medianMs(const std::function<void()>& run) {
     return bench::medianMs(run, kRepeats);
-}
-
-QString code(int i) {
-    return QStringLiteral("%1").arg(i, 6, 10, QChar(u'0'));
-}
-
-void fillTraders(int count) {
-    Database& db = stores().dbBasic;
-    db.beginTransaction();
-    QSqlQuery q(db.connection());
-    q.prepare(QStringLiteral("INSERT INTO Trader (Code, C_Name) VALUES (?, ?)"));
-    for (int i = 1; i <= count; ++i) {
-        q.addBindValue(code(i));
-        q.addBindValue(QStringLiteral("가나상사%1").arg(i));
-        q.exec();
-    }
-    db.commit();
-}
-
-// Statements spread evenly over 2015-2024, lines / statements each, but the last one has 200.
-void fillStatements(int statements, int lines) {
-    Database& db = stores().dbBill;
-    db.beginTransaction();
-    QSqlQuery head(db.connection());
-    head.prepare(QStringLiteral("INSERT INTO Master VALUES (?, ?, ?, ?, ?, ?)"));
-    QSqlQuery line(db.connection());
-    line.prepare(QStringLiteral("INSERT INTO Detail VALUES (?, ?, ?, 'EA', 2, 5000, 0, 10000, 1000)"));
-    const QDate first(2015, 1, 1);
-    const int days = int(first.daysTo(QDate(2024, 12, 31))) + 1;
-    const int perStatement = lines / statements;
-    for (int i = 1; i <= statements; ++i) {
-        const int count = i == statements ? 200 : perStatement;
-        const QString no = code(i);
-        head.addBindValue(no);
-        head.addBindValue(first.addDays(qint64(i - 1) * days / statements).toString(Qt::ISODate));
-        head.addBindValue(code(1 + i % 50000));
-        head.addBindValue(10000.0 * count);
-        head.addBindValue(1000.0 * count);
-        head.addBindValue(count);
-        head.exec();
-        for (int s = 1; s <= count; ++s) {
-            line.addBindValue(no);
-            line.addBindValue(s);
-            line.addBindValue(QStringLiteral("품목%1").arg(s));
-            line.exec();
-        }
-    }
-    db.commit();
 }
 
 // The run time the command line reports for sql run kRepeats times: the median of one
@@ -194,8 +148,8 @@ int main(int argc, char** argv) {
     test::script();
     if (!test::openStores()) return 1;
 
-    fillTraders(50000);
-    fillStatements(100000, 1000000);
+    bench::fillTraders(50000);
+    bench::fillStatements(100000, 1000000, 200);
     std::printf("store: 50000 traders, 100000 statements, 1000000 lines over 2015-2024\n");
 
     QSqlQuery(stores().dbBasic.connection())
