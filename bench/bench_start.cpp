@@ -2,7 +2,8 @@
 // import: 62,000 statements, 508,710 lines, 20,000 invoices): from starting the process to its
 // first window (the two-second splash, shown when the start's work is done) and to the main
 // window, both as the X server maps them, in an Xvfb of the benchmark's own. The first start of
-// the day (with the day's backup) apart from the later ones (median of seven). Beside it the
+// the day (with the day's backup, taken while the splash shows; median of five) apart from the
+// later ones (median of seven). Beside it the
 // bare figure: the sqlite3 command line opening each store and running the same quick check the
 // start runs, and the time Qt itself takes to map a bare window (the program's own binary asked
 // for its version, which opens no window, is no measure of that, so a one-line Qt program).
@@ -224,9 +225,20 @@ int main(int argc, char** argv) {
         return 1;
     }
     const QString title = mainWindowTitle();
-    const StartTimes first = timeStart(screen, program, {}, kSplashTitle, title);
-    std::printf("first start of the day: splash mapped %.0f ms, main window mapped %.0f ms\n",
-                first.firstWindow, first.mainWindow);
+    // Each first start of the day finds no backup of the day: the one before it is removed.
+    std::vector<double> daySplash, dayMain;
+    for (int run = 0; run < 5; ++run) {
+        for (const QFileInfo& zip :
+             QDir(home.file(QStringLiteral("Backup"))).entryInfoList({"*.zip"}, QDir::Files))
+            QFile::remove(zip.absoluteFilePath());
+        const StartTimes t = timeStart(screen, program, {}, kSplashTitle, title);
+        daySplash.push_back(t.firstWindow);
+        dayMain.push_back(t.mainWindow);
+    }
+    std::printf(
+        "first start of the day, with the day's backup (median of 5): splash mapped %.0f ms, main window "
+        "mapped %.0f ms\n",
+        median(daySplash), median(dayMain));
     std::vector<double> splash, main;
     for (int run = 0; run < 7; ++run) {
         const StartTimes t = timeStart(screen, program, {}, kSplashTitle, title);

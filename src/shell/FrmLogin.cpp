@@ -30,8 +30,15 @@ void FrmLogin::SetLoginBackground() {
     if (!picture.isEmpty()) m_picture.load(picture);
 }
 
-// Without a picture of the user's the splash draws the program's name on its own colours.
 void FrmLogin::paintEvent(QPaintEvent*) {
+    paintSplash();
+    if (m_painted) return;
+    m_painted = true;
+    Q_EMIT painted();
+}
+
+// Without a picture of the user's the splash draws the program's name on its own colours.
+void FrmLogin::paintSplash() {
     QPainter p(this);
     if (!m_picture.isNull()) {
         p.drawPixmap(rect(), m_picture);

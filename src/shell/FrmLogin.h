@@ -14,12 +14,18 @@ public:
     QTimer* Timer1;
     static constexpr int kShowMillis = 2000;
 
+Q_SIGNALS:
+    // Once, when the splash has been drawn on the screen for the first time.
+    void painted();
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
     void SetLoginBackground();
+    void paintSplash();
     QPixmap m_picture;
+    bool m_painted = false;
 };
 
 } // namespace nb

@@ -9,6 +9,7 @@
 #include "core/Clock.h"
 #include "core/ScreenRegistry.h"
 #include "shell/ChildMnemonics.h"
+#include "shell/DayBackupAside.h"
 #include "shell/FrmLogin.h"
 #include "shell/ModalReturn.h"
 #include "shell/Startup.h"
@@ -156,11 +157,30 @@ bool Nubella::load(bool showSplash) {
         ShowTypeMismatch();
         return false;
     }
-    StartProgram();
-    if (showSplash) {
+    if (!showSplash) {
+        StartProgram();
+        noteStartStep(StartStep::Loaded);
+        return true;
+    }
+    // The day's first backup runs beside the splash, begun once the splash is drawn; the main
+    // window waits for it only when it outlasts the splash.
+    DayBackup dayBackup;
+    StartProgram(&dayBackup);
+    DayBackupAside aside(std::move(dayBackup));
+    {
         FrmLogin splash(this);
+        connect(
+            &splash, &FrmLogin::painted, &aside,
+            [&aside] {
+                noteStartStep(StartStep::SplashPainted);
+                aside.start();
+            },
+            Qt::QueuedConnection);
         splash.exec();
     }
+    noteStartStep(StartStep::SplashClosed);
+    aside.finish();
+    noteStartStep(StartStep::Loaded);
     return true;
 }
 

@@ -78,9 +78,9 @@ void ReadSettings() {
 }
 
 QString mainWindowTitle() {
-    return QStringLiteral("하르문 거래명세표 & 세금계산서발행 Ver.") + QString::number(versionMajor()) + u'.' +
-           QString::number(versionMinor()) + u'.' + QString::number(versionRevision()) + QStringLiteral(" - ") +
-           kMakerAddress;
+    return QStringLiteral("하르문 거래명세표 & 세금계산서발행 Ver.") + QString::number(versionMajor()) +
+           u'.' + QString::number(versionMinor()) + u'.' + QString::number(versionRevision()) +
+           QStringLiteral(" - ") + kMakerAddress;
 }
 
 QString datePanelText(const QDate& date) {
@@ -92,7 +92,7 @@ std::optional<int> toInteger16(const QString& text) {
     bool ok = false;
     const double value = text.trimmed().toDouble(&ok);
     if (!ok || !std::isfinite(value)) return std::nullopt;
-    const double rounded = std::nearbyint(value);  // the default rounding mode is half to even
+    const double rounded = std::nearbyint(value); // the default rounding mode is half to even
     if (rounded < -32768 || rounded > 32767) return std::nullopt;
     return int(rounded);
 }
@@ -107,12 +107,12 @@ bool LoadDecimalSettings() {
     return true;
 }
 
-void StartProgram() {
+void StartProgram(DayBackup* dayBackup) {
     ForceDateFormat(0);
     ReadSettings();
-    // Backups: a restore cut short is finished, and the day's first backup taken, before any
-    // store is laid down or opened.
-    RunStartupSafeguards();
+    // Backups: a restore cut short is finished, and the backup before an upgrade taken, before
+    // any store is laid down or opened; the day's first too, unless the caller takes it aside.
+    RunStartupSafeguards(dayBackup);
     // The store files are laid down before anything reads them, so the old statement store's
     // move always finds the store it moves into.
     CreateMissingStoreFiles();

@@ -7,6 +7,8 @@
 
 namespace nb {
 
+class DayBackup;
+
 // Reads and repairs the paths and flags of the settings store into the shared state, then
 // saves the repaired paths back (so a repair is remembered from the first run on).
 void ReadSettings();
@@ -26,7 +28,9 @@ bool LoadDecimalSettings();
 
 // The steps after the decimals: ReadSettings; the store files laid down where missing or
 // empty and each checked on its own; the old statement store's move; the whole stores opened
-// and the damaged ones named in one box; the upgrades. The splash is shown by the caller.
-void StartProgram();
+// and the damaged ones named in one box; the upgrades. The splash is shown by the caller. The
+// day's first backup is taken first, or, given `dayBackup`, left prepared there for the caller
+// to take beside the splash.
+void StartProgram(DayBackup* dayBackup = nullptr);
 
 } // namespace nb

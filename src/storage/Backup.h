@@ -3,7 +3,12 @@
 // while the program (or a second copy) runs; the automatic ones in the backup folder; and a
 // restore that puts a checked backup in place of the stores as a whole.
 
+#include "storage/backup/BackupParts.h"
+
+#include <QDateTime>
+#include <QList>
 #include <QString>
+#include <functional>
 
 namespace nb {
 
@@ -26,9 +31,40 @@ bool backupBeforeChange(const QString& reason);
 // False with the reason; then nothing changed.
 bool RestoreBackup(const QString& zipPath, QString* why);
 
-// At start, before any store is opened: finishes a restore that was cut short, then takes the
-// day's first backup. Never stops the program; a failure is said once.
-void RunStartupSafeguards();
+// The day's first backup when it is taken beside the window: prepared at start on the window's
+// thread (whether one is due, the stores, the folder, the name), taken on a worker thread of its
+// own connections, which reads nothing of the program's state and says nothing, and its failure
+// said afterwards on the window's thread. A store the engine finds damaged fails it silently:
+// the start names that store in its own box.
+class DayBackup {
+public:
+    bool due() const { return m_due; }
+    int storeCount() const { return int(m_stores.size()); }
+    // Takes the backup (on any thread); `storeTaken` is called after each store copied.
+    void take(const std::function<void()>& storeTaken = {});
+    // True once take() has written the backup.
+    bool taken() const { return m_taken; }
+    // Says a failure of take(), once; nothing when it succeeded, was not due, or met damage.
+    void sayFailure() const;
+
+private:
+    friend void RunStartupSafeguards(DayBackup* aside);
+    bool m_due = false;
+    bool m_taken = false;
+    bool m_sawDamage = false;
+    QString m_folder;
+    QString m_zipPath;
+    QString m_settingsPath;
+    QDateTime m_moment;
+    QList<StoreRole> m_stores;
+    QString m_why;
+};
+
+// At start, before any store is opened: finishes a restore that was cut short, clears what a
+// killed backup left, backs the books up before a new version's upgrade, then takes the day's
+// first backup, or, given `aside`, prepares it there to be taken while the splash shows. Never
+// stops the program; a failure is said once.
+void RunStartupSafeguards(DayBackup* aside = nullptr);
 
 // The command line's --backup FILE and --restore FILE.
 void registerBackupCommand();

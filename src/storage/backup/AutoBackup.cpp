@@ -5,6 +5,7 @@
 #include "core/Clock.h"
 #include "core/Settings.h"
 #include "storage/Backup.h"
+#include "storage/backup/BackupArchive.h"
 #include "storage/backup/BackupParts.h"
 
 #include <QDir>
@@ -23,6 +24,13 @@ bool anyStoreHasContent() {
     for (const StoreRole& store : storeRoles())
         if (QFileInfo(store.path).size() > 0) return true;
     return false;
+}
+
+// Before a change every store is kept, a damaged one as its bytes lie.
+BackupRun keepingDamaged() {
+    BackupRun run;
+    run.keepDamaged = true;
+    return run;
 }
 
 void removeUnkept(const QString& folder) {
@@ -127,7 +135,7 @@ bool backupBeforeChange(const QString& reason) {
     if (!anyStoreHasContent()) return true; // no books yet: nothing to keep
     // Before a change every store is kept, a damaged one as its bytes lie: a restore is what
     // repairs a damaged store, and must not be barred by it.
-    if (takeAutomaticBackup(reason, {true, nullptr}, &why)) return true;
+    if (takeAutomaticBackup(reason, keepingDamaged(), &why)) return true;
     sayAutomaticFailure(why);
     return false;
 }
@@ -137,12 +145,34 @@ bool backupBeforeChange(const QString& reason) {
 bool backupBeforeUpgrade(QString* why) {
     const QString mine = programVersion();
     if (GetEnv(kStartedVersionKey) == mine) return true;
-    if (!takeAutomaticBackup(QStringLiteral("판올림전"), {true, nullptr}, why)) return false;
+    if (!takeAutomaticBackup(QStringLiteral("판올림전"), keepingDamaged(), why)) return false;
     SaveEnv(kStartedVersionKey, mine);
     return true;
 }
 
-void RunStartupSafeguards() {
+void DayBackup::take(const std::function<void()>& storeTaken) {
+    if (!m_due || m_taken) return;
+    if (!QDir().mkpath(m_folder)) {
+        m_why = QStringLiteral("백업 폴더를 만들 수 없습니다: %1").arg(m_folder);
+        return;
+    }
+    BackupRun run;
+    run.sawDamage = &m_sawDamage;
+    run.stores = m_stores;
+    run.settingsPath = m_settingsPath;
+    run.taken = m_moment;
+    run.storeTaken = storeTaken;
+    m_taken = writeBackupFile(m_zipPath, run, &m_why);
+    if (m_taken) removeUnkept(m_folder);
+}
+
+// A damaged store is named by the start's own box, with what to do; the day's backup waits for
+// the whole books.
+void DayBackup::sayFailure() const {
+    if (m_due && !m_taken && !m_sawDamage) sayAutomaticFailure(m_why);
+}
+
+void RunStartupSafeguards(DayBackup* aside) {
     finishPendingRestore();
     removeLeftOvers(backupFolder());
     if (!anyStoreHasContent()) {
@@ -150,13 +180,20 @@ void RunStartupSafeguards() {
         return;
     }
     QString why;
-    bool sawDamage = false;
     // At most one box: the first failure is the one said.
     if (!backupBeforeUpgrade(&why)) return sayAutomaticFailure(why);
     if (!dailyBackupDue(backupFolder(), today())) return;
-    // A damaged store is named by the start's own box, with what to do; the day's backup waits
-    // for the whole books.
-    if (!takeAutomaticBackup(QString(), {false, &sawDamage}, &why) && !sawDamage) sayAutomaticFailure(why);
+    DayBackup here;
+    DayBackup& day = aside ? *aside : here;
+    day.m_due = true;
+    day.m_folder = backupFolder();
+    day.m_moment = nb::now();
+    day.m_zipPath = day.m_folder + u'/' + automaticBackupName(day.m_moment, QString());
+    day.m_settingsPath = appFolderFile(kSettingsEntry);
+    day.m_stores = storeRoles();
+    if (aside) return;
+    day.take();
+    day.sayFailure();
 }
 
 } // namespace nb

@@ -6,6 +6,8 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <functional>
+#include <optional>
 
 namespace nb {
 
@@ -23,10 +25,16 @@ QString programVersion();
 inline const QString kStartedVersionKey = QStringLiteral("최근실행판");
 
 // How one backup meets a damaged store: refused (the backup fails, `sawDamage` is set), or, for
-// a backup before a change, kept as its bytes lie.
+// a backup before a change, kept as its bytes lie. A backup taken on a worker thread is handed
+// what it would otherwise read from the program's state (the stores, settings.ini, the moment),
+// and is told after each store it copied.
 struct BackupRun {
     bool keepDamaged = false;
     bool* sawDamage = nullptr;
+    std::optional<QList<StoreRole>> stores;
+    QString settingsPath;
+    QDateTime taken;
+    std::function<void()> storeTaken;
 };
 bool writeBackupFile(const QString& zipPath, const BackupRun& run, QString* why);
 

@@ -53,8 +53,8 @@ bool takeStore(const StoreRole& store, const QString& folder, const BackupRun& r
 }
 
 // settings.ini as it stands (it is only ever replaced whole, so a read sees one version).
-bool takeSettings(const QString& folder, QList<ArchiveFile>* files, Manifest* manifest, QString* why) {
-    const QString settings = appFolderFile(kSettingsEntry);
+bool takeSettings(const QString& settings, const QString& folder, QList<ArchiveFile>* files,
+                  Manifest* manifest, QString* why) {
     if (!QFileInfo(settings).isFile()) return true;
     const QString copy = folder + u'/' + kSettingsEntry;
     if (!QFile::copy(settings, copy)) {
@@ -98,16 +98,20 @@ bool writeBackupFile(const QString& zipPath, const BackupRun& run, QString* why)
         *why = QStringLiteral("임시 폴더를 만들 수 없습니다: %1").arg(QDir::tempPath());
         return false;
     }
-    Manifest manifest{kBackupProgram, programVersion(), now(), {}, QString()};
+    Manifest manifest{
+        kBackupProgram, programVersion(), run.taken.isValid() ? run.taken : now(), {}, QString()};
     QList<ArchiveFile> files;
-    for (const StoreRole& store : storeRoles())
+    for (const StoreRole& store : run.stores ? *run.stores : storeRoles()) {
         if (QFileInfo(store.path).size() > 0 && !takeStore(store, work.path(), run, &files, &manifest, why))
             return false;
+        if (run.storeTaken) run.storeTaken();
+    }
     if (manifest.stores.isEmpty()) {
         *why = QStringLiteral("백업할 자료 파일이 없습니다.");
         return false;
     }
-    if (!takeSettings(work.path(), &files, &manifest, why)) return false;
+    const QString settings = run.settingsPath.isEmpty() ? appFolderFile(kSettingsEntry) : run.settingsPath;
+    if (!takeSettings(settings, work.path(), &files, &manifest, why)) return false;
     if (!writeArchive(output.tempPath(), files, manifestJson(manifest), why)) return false;
     if (!output.commit(isWholeArchive, &failure)) {
         *why = QStringLiteral("백업 파일을 쓰지 못했습니다: %1 - %2").arg(zipPath, failure.sentence());
