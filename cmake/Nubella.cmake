@@ -27,7 +27,56 @@ function(nb_tests)
     add_executable(${test_name} ${test_source})
     target_link_libraries(${test_name} PRIVATE nb_testsupport ${ARG_DEPS})
     add_test(NAME ${test_name} COMMAND ${test_name})
+    # NUBELLA_PG emptied: a server named in the caller's shell never receives a test's books.
     set_tests_properties(${test_name} PROPERTIES TIMEOUT 300
-      ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LANG=C.UTF-8;LC_ALL=C.UTF-8")
+      ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LANG=C.UTF-8;LC_ALL=C.UTF-8;NUBELLA_PG=;NUBELLA_TEST_PG=")
   endforeach()
+endfunction()
+
+# nb_test_both(test ...): each test (registered by nb_tests in the calling folder) runs a second
+# time as <test>_pg on the run's throwaway PostgreSQL cluster: label "pg", the cluster started
+# before it (fixture "pg", tests/CMakeLists.txt), NUBELLA_TEST_PG naming the cluster so that every
+# fresh application folder of the test gets a fresh database. Its other properties are the
+# first run's; call it after they are set.
+function(nb_test_both)
+  if(NOT NB_TEST_PG_CONNINFO)
+    message(FATAL_ERROR "nb_test_both: the test cluster is named in tests/CMakeLists.txt")
+  endif()
+  foreach(test_name ${ARGN})
+    if(NOT TEST ${test_name})
+      message(FATAL_ERROR "nb_test_both: no test ${test_name} in ${CMAKE_CURRENT_SOURCE_DIR}")
+    endif()
+    add_test(NAME ${test_name}_pg COMMAND ${test_name})
+    foreach(property TIMEOUT RUN_SERIAL RESOURCE_LOCK PROCESSORS)
+      get_test_property(${test_name} ${property} value)
+      if(value)
+        set_tests_properties(${test_name}_pg PROPERTIES ${property} "${value}")
+      endif()
+    endforeach()
+    get_test_property(${test_name} LABELS labels)
+    if(NOT labels)
+      set(labels "")
+    endif()
+    get_test_property(${test_name} ENVIRONMENT environment)
+    if(NOT environment)
+      set(environment "")
+    endif()
+    list(FILTER environment EXCLUDE REGEX "^NUBELLA_(TEST_)?PG=")
+    list(APPEND environment "NUBELLA_TEST_PG=${NB_TEST_PG_CONNINFO}")
+    list(APPEND labels pg)
+    set_tests_properties(${test_name}_pg PROPERTIES FIXTURES_REQUIRED pg LABELS "${labels}"
+      ENVIRONMENT "${environment}")
+  endforeach()
+endfunction()
+
+# nb_test_on_server(test source DEPS ...): a test that is about the server alone (seats sharing
+# one database, the test cluster itself), run only on the run's cluster as nb_test_both's twins
+# are; its source is not named tst_*, so that nb_tests leaves it out.
+function(nb_test_on_server test_name source)
+  cmake_parse_arguments(ARG "" "" "DEPS" ${ARGN})
+  add_executable(${test_name} ${source})
+  target_link_libraries(${test_name} PRIVATE nb_testsupport ${ARG_DEPS})
+  add_test(NAME ${test_name} COMMAND ${test_name})
+  set_tests_properties(${test_name} PROPERTIES FIXTURES_REQUIRED pg LABELS pg TIMEOUT 300
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LANG=C.UTF-8;LC_ALL=C.UTF-8;NUBELLA_TEST_PG=${NB_TEST_PG_CONNINFO}")
 endfunction()

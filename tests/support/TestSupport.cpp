@@ -96,6 +96,13 @@ void prepareApplication(QApplication& app) {
     // Keep every test away from the operator's own folder even before a TestHome exists.
     static QTemporaryDir fallback;
     if (qEnvironmentVariableIsEmpty("NUBELLA_HOME")) qputenv("NUBELLA_HOME", fallback.path().toUtf8());
+    // Likewise on the server: a database for the whole program until the first TestHome names
+    // its own, so that no program copy of a server run falls back to store files.
+    if (testOnServer() && qEnvironmentVariableIsEmpty("NUBELLA_PG")) {
+        static ServerDatabase* programDatabase = nullptr;
+        programDatabase = new ServerDatabase;
+        qAddPostRoutine([] { delete programDatabase; });
+    }
     nb::scriptMessages();
 }
 

@@ -2,6 +2,7 @@
 // What every test of the program shares: a fresh application folder, scripted messages,
 // typing Korean the way an operator does, and screenshots under build/screenshots/.
 
+#include "ServerDatabase.h"
 #include "common/Messages.h"
 
 #include <QString>
@@ -15,7 +16,8 @@ class QApplication;
 namespace nb::test {
 
 // A fresh, empty application folder, set as NUBELLA_HOME for as long as it lives; the
-// settings, the shared state and every open store are let go of on the way in and out.
+// settings, the shared state and every open store are let go of on the way in and out. In a
+// test's server run it brings a fresh database of its own as well (ServerDatabase).
 class TestHome {
 public:
     TestHome();
@@ -23,8 +25,12 @@ public:
     QString path() const { return m_dir.path(); }
     QString file(const QString& relative) const { return m_dir.path() + u'/' + relative; }
 
+    // The database of a server run; inactive on files.
+    const ServerDatabase& server() const { return m_server; }
+
 private:
     QTemporaryDir m_dir;
+    ServerDatabase m_server; // dropped after the stores were let go of
 };
 
 // Installs a fresh script for the message boxes and returns it.
