@@ -54,7 +54,8 @@ std::optional<TaxSums> readSums(Database& dbTax, const QString& sql, const QVari
 
 std::optional<QString> NextTaxCode(Database& dbTax) {
     Recordset rs;
-    if (!OpenSnapshot(dbTax, rs, QStringLiteral("SELECT TaxCode FROM NewAcount ORDER BY TaxCode")))
+    if (!OpenSnapshot(dbTax, rs,
+                      QStringLiteral("SELECT TaxCode FROM NewAcount ORDER BY TaxCode NULLS FIRST")))
         return std::nullopt;
     QString next = kFirstTaxCode;
     if (rs.RecordCount() > 0) {
@@ -196,17 +197,22 @@ WritingDate writingDateOf(const QString& dealDate) {
 }
 
 // One row an invoice: the date of its first row, the item of its last with the count of the
-// others, its sums and its number, in number order.
+// others, its sums and its number, in number order (the invoice without a number first). Its
+// lines are told apart by the order they were written in, the table's row number: NewAcount has
+// no key of its own.
 const QString kIssuedListQuery = QStringLiteral(
-    "SELECT IFNULL(f.DealDate, ''), IFNULL(l.PName, '') || CASE WHEN g.Rows > 1 THEN ' 외 ' || (g.Rows - 1) "
-    "ELSE '' END, g.Supply, g.Tax, IFNULL(g.TaxCode, '') FROM "
-    "(SELECT TaxCode, MIN(rowid) AS FirstRow, MAX(rowid) AS LastRow, COUNT(*) AS Rows, TOTAL(TradeKum) AS "
-    "Supply, TOTAL(VatKum) AS Tax FROM NewAcount WHERE CCode = ? GROUP BY TaxCode) g "
-    "JOIN NewAcount f ON f.rowid = g.FirstRow JOIN NewAcount l ON l.rowid = g.LastRow ORDER BY g.TaxCode");
+    "SELECT COALESCE(f.DealDate, ''), COALESCE(l.PName, '') || CASE WHEN g.Rows > 1 THEN ' 외 ' || "
+    "(g.Rows - 1) ELSE '' END, g.Supply, g.Tax, COALESCE(g.TaxCode, '') FROM "
+    "(SELECT TaxCode, MIN(rowid) AS FirstRow, MAX(rowid) AS LastRow, COUNT(*) AS Rows, "
+    "COALESCE(SUM(TradeKum), 0.0) AS Supply, COALESCE(SUM(VatKum), 0.0) AS Tax FROM NewAcount "
+    "WHERE CCode = ? GROUP BY TaxCode) g "
+    "JOIN NewAcount f ON f.rowid = g.FirstRow JOIN NewAcount l ON l.rowid = g.LastRow "
+    "ORDER BY g.TaxCode NULLS FIRST");
 // The invoices (a null number is one invoice as well) and the sums of a customer.
-const QString kIssuedSumsQuery =
-    QStringLiteral("SELECT COUNT(DISTINCT TaxCode) + IFNULL(MAX(TaxCode IS NULL), 0) AS invoices, "
-                   "TOTAL(TradeKum) AS supply, TOTAL(VatKum) AS tax FROM NewAcount WHERE CCode = ?");
+const QString kIssuedSumsQuery = QStringLiteral(
+    "SELECT COUNT(DISTINCT TaxCode) + COALESCE(MAX(CASE WHEN TaxCode IS NULL THEN 1 ELSE 0 END), 0) AS "
+    "invoices, COALESCE(SUM(TradeKum), 0.0) AS supply, COALESCE(SUM(VatKum), 0.0) AS tax FROM NewAcount "
+    "WHERE CCode = ?");
 
 std::optional<IssuedSums> ReadIssuedSums(Database& dbTax, const QString& cCode) {
     Recordset rs;

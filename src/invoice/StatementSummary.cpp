@@ -6,11 +6,13 @@ namespace nb {
 
 std::optional<StatementSummary> SummarizeStatements(Database& dbBill, const QString& cCode,
                                                     const QString& from, const QString& to) {
-    // A bare column beside the aggregates gives one row of the group, as First() did.
-    static const QString sql =
-        QStringLiteral("Select detail.PName AS name, Count(*) AS lines, Sum(Amount+vat) AS total from detail "
-                       "Inner Join master On detail.billno = master.billno "
-                       "Where CCode = ? and BillDate Between ? and ? Group by CCode");
+    // The item of the period's first line (the earliest statement's first line), the count of
+    // the lines and their sum, in one row: the counts are taken over the whole period.
+    static const QString sql = QStringLiteral(
+        "Select detail.PName AS name, Count(*) Over () AS lines, Sum(detail.Amount + detail.VAT) Over () AS "
+        "total from detail Inner Join master On detail.billno = master.billno "
+        "Where master.CCode = ? and master.BillDate Between ? and ? "
+        "Order by master.BillDate, detail.BillNo, detail.BillSEQ Limit 1");
     Recordset rs;
     if (!OpenSnapshot(dbBill, rs, sql, {cCode, from, to})) return std::nullopt;
     std::optional<StatementSummary> summary;

@@ -18,23 +18,24 @@ const char* const kQuarterEnds[4][2] = {
 const char* const kHalfEnds[2][2] = {{"-01-01", "-06-30"}, {"-07-01", "-12-31"}};
 
 // One SaleTotal row a trader of the period: the first invoice of the trader (the lowest row,
-// as the store keeps them in the order they were issued), the trader's sums, the blank cells
-// before the supply value (11 minus its digits) and the trader's name from the basic file.
-// Whole sums go in as whole numbers.
+// as the store keeps them in the order they were issued; NewAcount has no key of its own), the
+// trader's sums, the blank cells before the supply value (11 minus the digits of its whole part)
+// and the trader's name from the basic file. Whole sums go in as whole numbers. BIGINT, as a
+// year's sums pass what a 32-bit number holds; trunc, as a cast rounds on some engines.
 const QString kFillSaleTotal = QStringLiteral(
     "INSERT INTO SaleTotal (Serial, CCode, TradeKum, VatKum, Blank, CName, UserCode) "
     "SELECT f.TaxCode, g.CCode, "
-    "CASE WHEN g.TradeKum = CAST(g.TradeKum AS INTEGER) THEN CAST(g.TradeKum AS INTEGER) ELSE g.TradeKum "
-    "END, "
-    "CASE WHEN g.VatKum = CAST(g.VatKum AS INTEGER) THEN CAST(g.VatKum AS INTEGER) ELSE g.VatKum END, "
-    "11 - length(CAST(CAST(g.TradeKum AS INTEGER) AS TEXT)), t.C_Name, f.UserCode FROM "
+    "CASE WHEN g.TradeKum = trunc(g.TradeKum) THEN CAST(g.TradeKum AS BIGINT) ELSE g.TradeKum END, "
+    "CASE WHEN g.VatKum = trunc(g.VatKum) THEN CAST(g.VatKum AS BIGINT) ELSE g.VatKum END, "
+    "11 - length(CAST(CAST(trunc(g.TradeKum) AS BIGINT) AS TEXT)), t.C_Name, f.UserCode FROM "
     "(SELECT CCode, MIN(rowid) AS FirstRow, SUM(TradeKum) AS TradeKum, SUM(VatKum) AS VatKum "
     "FROM NewAcount WHERE DealDate BETWEEN ? AND ? GROUP BY CCode) g "
-    "JOIN NewAcount f ON f.rowid = g.FirstRow LEFT JOIN basic.Trader t ON t.Code = g.CCode ORDER BY g.CCode");
+    "JOIN NewAcount f ON f.rowid = g.FirstRow LEFT JOIN basic.Trader t ON t.Code = g.CCode "
+    "ORDER BY g.CCode NULLS FIRST");
 
 const QString kRefillHeadline = QStringLiteral("기간 합계를 만들지 못했습니다.");
-const QString kCountSaleTotal =
-    QStringLiteral("SELECT COUNT(*), TOTAL(TradeKum), TOTAL(VatKum) FROM SaleTotal");
+const QString kCountSaleTotal = QStringLiteral(
+    "SELECT COUNT(*), COALESCE(SUM(TradeKum), 0.0), COALESCE(SUM(VatKum), 0.0) FROM SaleTotal");
 
 // A failed step of the refill, kept to be shown on the window's thread: a statement the engine
 // refused (the query box), or a transaction that could not begin or commit (the save box).

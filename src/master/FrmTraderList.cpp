@@ -97,7 +97,7 @@ void FrmTraderList::searchFromEntry() {
     const QString text = txtinput()->text();
     if (text.isEmpty()) return;
     selectFirstMatch(QStringLiteral("SELECT * FROM Trader WHERE C_Name LIKE ?") + kLikeEscape +
-                         QStringLiteral(" ORDER BY C_Name;"),
+                         QStringLiteral(" ORDER BY C_Name NULLS FIRST;"),
                      LikePrefix(text), QStringLiteral("Code"), 4,
                      QStringLiteral("검색된 거래처가 없습니다."));
 }

@@ -26,7 +26,7 @@ SqlPart UserListQuery(const QString& text) {
             break;
         }
     }
-    part.sql += QStringLiteral(" ORDER BY Company");
+    part.sql += QStringLiteral(" ORDER BY Company NULLS FIRST");
     return part;
 }
 
@@ -66,7 +66,7 @@ void FrmUserList::searchFromEntry() {
     const QString text = txtinput()->text();
     if (text.isEmpty()) return;
     selectFirstMatch(QStringLiteral("SELECT Serial FROM User WHERE Company LIKE ?") + kLikeEscape +
-                         QStringLiteral(" ORDER BY Company;"),
+                         QStringLiteral(" ORDER BY Company NULLS FIRST;"),
                      LikePrefix(text), QStringLiteral("Serial"), 4,
                      QStringLiteral("검색된 사용자가 없습니다."));
 }

@@ -12,7 +12,7 @@ namespace nb {
 namespace {
 
 const QString kSelectTraders = QStringLiteral("SELECT C_Name, U_Name, Phone, Addr1, Code FROM Trader ");
-const QString kOrderTraders = QStringLiteral("ORDER BY C_Name, Trader.rowid;");
+const QString kOrderTraders = QStringLiteral("ORDER BY C_Name NULLS FIRST, Trader.rowid;");
 
 // The byte conversion of the VAT kind: a number rounded half to even, 0 to 255.
 bool toByte(const QString& text, quint8& out) {

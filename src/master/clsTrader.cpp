@@ -66,9 +66,9 @@ void clsTrader::Update_Charge() {
 }
 
 void clsTrader::TraderList(Recordset& rs, bool& found) {
-    const bool opened =
-        OpenSnapshot(db(), rs, QStringLiteral("SELECT * FROM Trader WHERE bDeled = ? ORDER BY C_Name;"),
-                     {storedBool(false)});
+    const bool opened = OpenSnapshot(
+        db(), rs, QStringLiteral("SELECT * FROM Trader WHERE bDeled = ? ORDER BY C_Name NULLS FIRST;"),
+        {storedBool(false)});
     found = opened && rs.RecordCount() > 0;
 }
 

@@ -26,7 +26,7 @@ EstiListQuery estiListQuery(int FindField, const QString& FindText) {
         q.sql += QStringLiteral("WHERE ") + columns[FindField] + QStringLiteral(" LIKE ? ESCAPE '\\' ");
         q.values << u'%' + likeLiteral(FindText) + u'%';
     }
-    q.sql += QStringLiteral("ORDER BY EstiDate, CName");
+    q.sql += QStringLiteral("ORDER BY EstiDate NULLS FIRST, CName NULLS FIRST");
     return q;
 }
 

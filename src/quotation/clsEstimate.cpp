@@ -198,7 +198,7 @@ void clsEstimate::NextCode(QString& code) {
             m_db, rs,
             QStringLiteral("SELECT MAX(c) AS MCode FROM (SELECT MAX(EstiCode) AS c FROM EstiBase WHERE "
                            "EstiCode >= ? AND EstiCode < ? UNION ALL SELECT MAX(Code) FROM Estimate "
-                           "WHERE Code >= ? AND Code < ?)"),
+                           "WHERE Code >= ? AND Code < ?) AS codes"),
             {prefix, prefix + kHighestChar, prefix, prefix + kHighestChar})) {
         code.clear();
         return;

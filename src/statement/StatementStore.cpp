@@ -157,7 +157,7 @@ std::optional<QString> NextBillNo(Database& dbBill) {
     // Above every line's number too: a line whose head is gone must never join a new statement.
     if (!OpenSnapshot(dbBill, rs,
                       QStringLiteral("SELECT MAX(last) AS last FROM (SELECT MAX(BillNo) AS last FROM Master "
-                                     "UNION ALL SELECT MAX(BillNo) FROM Detail)")))
+                                     "UNION ALL SELECT MAX(BillNo) FROM Detail) AS numbers")))
         return std::nullopt;
     QString next = kFirstBillNo;
     if (!rs.isNull(QStringLiteral("last")))

@@ -41,6 +41,34 @@ private Q_SLOTS:
                                     1, 0));
         QCOMPARE(NextTaxCode(stores().dbTax), QStringLiteral("100124"));
     }
+    void anInvoiceWithoutANumberDoesNotHideTheHighest() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        QVERIFY(test::addInvoiceRow(QStringLiteral("100123"), QStringLiteral("000001"), QStringLiteral("a"),
+                                    1, 0));
+        QVERIFY(test::addInvoiceRow(QString(), QStringLiteral("000001"), QStringLiteral("b"), 1, 0));
+        QCOMPARE(NextTaxCode(stores().dbTax), QStringLiteral("100124"));
+    }
+    void theInvoiceWithoutANumberIsListedFirstAndCountedOnce() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        const QString c = QStringLiteral("000001");
+        QVERIFY(test::addInvoiceRow(QStringLiteral("100001"), c, QStringLiteral("볼트"), 1000, 100));
+        QVERIFY(test::addInvoiceRow(QString(), c, QStringLiteral("너트"), 2000, 200));
+        QVERIFY(test::addInvoiceRow(QString(), c, QStringLiteral("와셔"), 3000, 300));
+        const auto list = ReadIssuedList(stores().dbTax, c);
+        QVERIFY(list);
+        QCOMPARE(list->rows.size(), 2);
+        QCOMPARE(list->rows[0].taxCode, QString());
+        QCOMPARE(list->rows[0].item, QStringLiteral("와셔 외 1"));
+        QCOMPARE(list->rows[0].supply, 5000.0);
+        QCOMPARE(list->rows[1].taxCode, QStringLiteral("100001"));
+        const auto sums = ReadIssuedSums(stores().dbTax, c);
+        QVERIFY(sums);
+        QCOMPARE(sums->invoices, 2);
+        QCOMPARE(sums->supply, 6000.0);
+        QCOMPARE(ReadIssuedSums(stores().dbTax, QStringLiteral("000009"))->supply, 0.0);
+    }
     void pastNineHundredNinetyNineThousandTheNumberStopsGrowing() {
         test::TestHome home;
         QVERIFY(test::openStores());

@@ -47,6 +47,20 @@ private Q_SLOTS:
         QVERIFY(s);
         QVERIFY(s->name == u"가" || s->name == u"나");
     }
+    void theNameIsThatOfTheEarliestStatementsFirstLine() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        test::addStatement(QStringLiteral("000001"), QStringLiteral("2024-05-20"), QStringLiteral("000007"),
+                           {{QStringLiteral("나중"), 1000, 100}});
+        test::addStatement(QStringLiteral("000002"), QStringLiteral("2024-05-03"), QStringLiteral("000007"),
+                           {{QStringLiteral("먼저"), 2000, 200}, {QStringLiteral("둘째"), 3000, 300}});
+        const auto s = SummarizeStatements(stores().dbBill, QStringLiteral("000007"),
+                                           QStringLiteral("2024-05-01"), QStringLiteral("2024-05-31"));
+        QVERIFY(s);
+        QCOMPARE(s->name, QStringLiteral("먼저"));
+        QCOMPARE(s->count, 3);
+        QCOMPARE(s->sum, 6600.0);
+    }
     void noStatementInThePeriodGivesNothing() {
         test::TestHome home;
         QVERIFY(test::openStores());

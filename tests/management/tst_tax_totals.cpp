@@ -129,6 +129,35 @@ private Q_SLOTS:
         QCOMPARE(test::scalar(stores().dbTax, "select count(*) from BuyTotal").toInt(), 0);
     }
 
+    void aFractionalSumCountsTheBlanksOfItsWholePart() {
+        Store s;
+        test::script();
+        addInvoice("100000", "000001", 99999.6, 0, "2024-01-05"); // five digits, not 100000's six
+        addInvoice("100001", "000002", -1.6, 0, "2024-01-06");
+        const auto rows = SearchTotals(stores().dbTax, stores().dbBasic.path(), {"2024-01-01", "2024-03-31"});
+        QVERIFY(rows);
+        QCOMPARE(test::scalar(stores().dbTax, "select Blank from SaleTotal where CCode = '000001'").toInt(),
+                 11 - 5);
+        QCOMPARE(test::scalar(stores().dbTax, "select Blank from SaleTotal where CCode = '000002'").toInt(),
+                 11 - 2);
+        // The whole-number column rounds the fraction half to even.
+        QCOMPARE(test::scalar(stores().dbTax, "select TradeKum from SaleTotal where CCode = '000001'").toDouble(),
+                 100000.0);
+    }
+
+    void sumsPastTwoBillionStayWholeAndExact() {
+        Store s;
+        test::script();
+        addInvoice("100000", "000001", 1800000000, 180000000, "2024-01-05");
+        addInvoice("100001", "000001", 1800000001, 180000000, "2024-02-05");
+        const auto rows = SearchTotals(stores().dbTax, stores().dbBasic.path(), {"2024-01-01", "2024-03-31"});
+        QVERIFY(rows);
+        QCOMPARE(rows->size(), 1);
+        QCOMPARE(rows->at(0).tradeKum, 3600000001.0);
+        QCOMPARE(test::scalar(stores().dbTax, "select TradeKum from SaleTotal").toLongLong(), 3600000001LL);
+        QCOMPARE(test::scalar(stores().dbTax, "select Blank from SaleTotal").toInt(), 11 - 10);
+    }
+
     void theTwoPeriodSumsReadSalesOrPurchases() {
         Store s;
         test::script();

@@ -74,7 +74,8 @@ std::optional<QList<EtaxInvoice>> readInvoiceRows(Database& dbTax, const QString
     Recordset rs;
     if (!OpenSnapshot(
             dbTax, rs,
-            QStringLiteral("select * from NewAcount where DealDate between ? and ? order by TaxCode, rowid"),
+            QStringLiteral(
+                "select * from NewAcount where DealDate between ? and ? order by TaxCode NULLS FIRST, rowid"),
             {from, to}))
         return std::nullopt;
     QList<EtaxInvoice> invoices;

@@ -99,8 +99,9 @@ QString standingInvoicesSql(bool uploadedOnly) {
            (uploadedOnly ? QStringLiteral("AND COALESCE(f.UploadedDate, '') <> '' ") : QString()) +
            QStringLiteral(
                "AND (SELECT MIN(n.DealDate) = h.DealDate AND MIN(COALESCE(n.CCode, '')) = "
-               "COALESCE(h.CCode, '') AND abs(TOTAL(n.TradeKum) - h.TradeKum) < 0.005 "
-               "AND abs(TOTAL(n.VatKum) - h.VatKum) < 0.005 FROM NewAcount n WHERE n.TaxCode = h.TaxCode)");
+               "COALESCE(h.CCode, '') AND abs(COALESCE(SUM(n.TradeKum), 0.0) - h.TradeKum) < 0.005 "
+               "AND abs(COALESCE(SUM(n.VatKum), 0.0) - h.VatKum) < 0.005 FROM NewAcount n WHERE n.TaxCode = "
+               "h.TaxCode)");
 }
 
 std::optional<QHash<QString, QDate>> UploadedInvoiceDates(Database& dbTax, const QString& fromDate,
@@ -237,7 +238,7 @@ std::optional<QList<HandOverEntry>> ReadHandOverEntries(Database& dbTax, int fil
     if (!OpenSnapshot(
             dbTax, rs,
             QStringLiteral("SELECT TaxCode, DealDate, CCode, CName, TradeKum, VatKum FROM EtaxHandOver "
-                           "WHERE FileNo = ? ORDER BY TaxCode"),
+                           "WHERE FileNo = ? ORDER BY TaxCode NULLS FIRST"),
             {fileNo}))
         return std::nullopt;
     QList<HandOverEntry> entries;
