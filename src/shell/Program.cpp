@@ -8,6 +8,7 @@
 #include "core/Lifecycle.h"
 #include "core/ScreenRegistry.h"
 #include "shell/BackupMenu.h"
+#include "shell/FrmServer.h"
 #include "shell/JetImportMenu.h"
 #include "shell/Nubella.h"
 #include "shell/Startup.h"
@@ -28,6 +29,7 @@ void registerShellScreens() {
         form->activateWindow();
     });
     registerBackupMenu();
+    registerServerMenu();
 }
 
 bool loadAndShow(Nubella& window, bool showSplash) {
