@@ -142,10 +142,10 @@ void timeYearReport() {
     for (const TotalsLayout layout : {TotalsLayout::Official, TotalsLayout::List}) {
         const bool official = layout == TotalsLayout::Official;
         const QString name = official ? QStringLiteral("official") : QStringLiteral("list");
-        const int pages =
-            official ? officialform::pagesFor(
-                           int(ReadOfficialTotals(year.span(), {}, QDate::currentDate())->receivers.size()))
-                     : totalslayout::pagesFor(saleTotalRows());
+        const int pages = official
+                              ? officialform::pagesFor(
+                                    ReadOfficialTotals(year.span(), QDate::currentDate())->listedReceivers())
+                              : totalslayout::pagesFor(saleTotalRows());
         double cpuMs = 0;
         const double printMs = bench::medianMs(
             [&] {

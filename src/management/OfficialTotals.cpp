@@ -10,6 +10,7 @@
 
 #include <QSet>
 #include <QSqlQuery>
+#include <limits>
 
 namespace nb {
 
@@ -27,10 +28,34 @@ QString receiverKey(const InvoiceOfPeriod& invoice) {
     return digits.size() >= 10 ? QStringLiteral("#") + digits : QStringLiteral("@") + invoice.cCode;
 }
 
-struct Bucket {
-    IssueLine* line;
-    QSet<QString> receivers;
-};
+// The form in one statement, its parts named by what they hold:
+// - Sent: the invoices of the period marked uploaded, not withdrawn, on a day up to the deadline.
+// - Traders: per trader, its invoices sent in time (Part 0) and the others (Part 2), counted and
+//   summed.
+// - Receivers: each trader's rows under its receiver (the number's digits, or "@" and the trader
+//   code without a number of at least ten digits), a resident number's one part further (1, 3).
+// Then the four parts' lines (Kind 0-3, their receivers counted) and the listed receivers of
+// part 2 (Kind 4) from a given one, in the order of their first trader codes, with that trader's
+// number and name.
+const QString kFormRead = QStringLiteral(
+    "WITH Sent AS (SELECT u.TaxCode FROM (%1) u WHERE TRIM(u.UploadedDate) LIKE '____-__-__' "
+    "AND TRIM(u.UploadedDate) <= ?), "
+    "Traders AS (SELECT n.CCode, CASE WHEN n.TaxCode IN (SELECT TaxCode FROM Sent) THEN 0 ELSE 2 END AS "
+    "Part, "
+    "COUNT(DISTINCT n.TaxCode) AS Invoices, SUM(n.TradeKum) AS Supply, SUM(n.VatKum) AS Tax "
+    "FROM NewAcount n WHERE n.DealDate BETWEEN ? AND ? GROUP BY n.CCode, Part), "
+    "Numbers AS (SELECT g.CCode, g.Part, g.Invoices, g.Supply, g.Tax, "
+    "REPLACE(REPLACE(REPLACE(REPLACE(REPLACE(TRIM(COALESCE(t.Serial, '')), '-', ''), ' ', ''), '\t', ''), "
+    "'\u3000', ''), '\u00a0', '') AS Digits FROM Traders g LEFT JOIN basic.Trader t ON t.Code = g.CCode), "
+    "Receivers AS (SELECT Part + CASE WHEN length(Digits) = 13 THEN 1 ELSE 0 END AS Part, "
+    "CASE WHEN length(Digits) >= 10 THEN '#' || Digits ELSE '@' || CCode END AS Receiver, "
+    "MIN(CCode) AS FirstCode, SUM(Invoices) AS Invoices, SUM(Supply) AS Supply, SUM(Tax) AS Tax "
+    "FROM Numbers GROUP BY 1, 2) "
+    "SELECT Part AS Kind, '' AS Serial, '' AS Company, COUNT(*) AS Receivers, SUM(Invoices) AS Invoices, "
+    "SUM(Supply) AS Supply, SUM(Tax) AS Tax FROM Receivers GROUP BY Part "
+    "UNION ALL SELECT * FROM (SELECT 4 AS Kind, t.Serial, t.C_Name, 1, r.Invoices, r.Supply, r.Tax "
+    "FROM Receivers r LEFT JOIN basic.Trader t ON t.Code = r.FirstCode WHERE r.Part = 2 "
+    "ORDER BY r.FirstCode LIMIT ? OFFSET ?) Listed");
 
 } // namespace
 
@@ -40,6 +65,11 @@ IssueLine& IssueLine::operator+=(const IssueLine& other) {
     supply += other.supply;
     tax += other.tax;
     return *this;
+}
+
+const ReceiverLine* OfficialTotals::receiverAt(int index) const {
+    const qsizetype at = qsizetype(index) - firstReceiver;
+    return at >= 0 && at < receivers.size() ? &receivers.at(at) : nullptr;
 }
 
 IssueLine OfficialTotals::electronic() const {
@@ -147,17 +177,54 @@ std::optional<UploadedDates> uploadedDatesOf(const TotalsPeriod& period) {
     return UploadedInvoiceDates(stores().dbTax, period.from, period.to);
 }
 
-std::optional<OfficialTotals> ReadOfficialTotals(const TotalsPeriod& period, const UploadedDates& uploaded,
-                                                 const QDate& today) {
+namespace {
+
+// The totals block and the stretch of receivers from the store, into `form`.
+bool readForm(OfficialTotals& form, const TotalsPeriod& period, int first, int count) {
+    Database& tax = stores().dbTax;
+    const QString sql = kFormRead.arg(standingInvoicesSql(true));
+    if (!tax.attach(stores().dbBasic.path(), kBasicAlias)) {
+        ReportQueryFailure(-1, QStringLiteral("unable to open database: ") + stores().dbBasic.path(), sql);
+        return false;
+    }
+    const QString deadline =
+        form.deadline.isValid() ? form.deadline.toString(QStringLiteral("yyyy-MM-dd")) : QString();
+    QSqlQuery rs(tax.connection());
+    rs.setForwardOnly(true);
+    const bool read = OpenForwardOnly(tax, rs, sql,
+                                      {period.from, period.to, deadline, period.from, period.to,
+                                       count < 0 ? std::numeric_limits<int>::max() : count, qMax(0, first)});
+    IssueLine* parts[4] = {&form.electronicBusiness, &form.electronicResident, &form.paperBusiness,
+                           &form.paperResident};
+    form.firstReceiver = qMax(0, first);
+    for (; read && rs.next();) {
+        const int kind = rs.value(0).toInt();
+        if (kind < 0 || kind > 4) continue;
+        if (kind < 4) {
+            *parts[kind] = IssueLine{rs.value(3).toInt(), rs.value(4).toInt(), rs.value(5).toDouble(),
+                                     rs.value(6).toDouble()};
+            continue;
+        }
+        form.receivers.append(ReceiverLine{rs.value(1).toString().trimmed(), rs.value(2).toString(),
+                                           rs.value(4).toInt(), rs.value(5).toDouble(),
+                                           rs.value(6).toDouble()});
+    }
+    rs.finish();
+    tax.detach(kBasicAlias);
+    return read;
+}
+
+} // namespace
+
+std::optional<OfficialTotals> ReadOfficialTotals(const TotalsPeriod& period, const QDate& today, int first,
+                                                 int count) {
     Recordset user;
     const QString serial = app().DefaultSerial;
     if (!(serial.isEmpty() ? OpenSnapshot(stores().dbBasic, user, QStringLiteral("SELECT * FROM User"))
                            : OpenSnapshot(stores().dbBasic, user,
                                           QStringLiteral("SELECT * FROM User WHERE Serial = ?"), {serial})))
         return std::nullopt;
-    const std::optional<QList<InvoiceOfPeriod>> invoices = ReadInvoicesOfPeriod(period);
-    if (!invoices) return std::nullopt;
-    OfficialTotals form = sumOfficialTotals(*invoices, uploaded, electronicDeadline(period.to));
+    OfficialTotals form;
     if (!user.EOF_()) {
         form.serial = user.text(QStringLiteral("Serial"));
         form.company = user.text(QStringLiteral("Company"));
@@ -168,6 +235,8 @@ std::optional<OfficialTotals> ReadOfficialTotals(const TotalsPeriod& period, con
     form.period = period;
     form.term = officialTerm(period);
     form.issueDate = today.toString(QStringLiteral("yyyy년 M월 d일"));
+    form.deadline = electronicDeadline(period.to);
+    if (!readForm(form, period, first, count)) return std::nullopt;
     return form;
 }
 

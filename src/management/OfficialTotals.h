@@ -43,8 +43,15 @@ struct OfficialTotals {
     QString issueDate; // "2024년 7월 2일"
     QDate deadline;    // the last day an upload counts as electronic
     IssueLine electronicBusiness, electronicResident, paperBusiness, paperResident;
-    QList<ReceiverLine> receivers; // of paperBusiness, in the order of their trader codes
+    // The receivers of paperBusiness, in the order of their first trader codes: every one, or a
+    // stretch of them beginning with the one numbered firstReceiver + 1.
+    QList<ReceiverLine> receivers;
+    int firstReceiver = 0;
 
+    // How many receivers the form lists over all its sheets.
+    int listedReceivers() const { return paperBusiness.receivers; }
+    // The receiver numbered index + 1, or null when it is not among those read.
+    const ReceiverLine* receiverAt(int index) const;
     IssueLine electronic() const;
     IssueLine paper() const;
     IssueLine total() const; // the two subtotals added, column by column
@@ -71,6 +78,8 @@ struct InvoiceOfPeriod {
 // The invoices summed up into the form: each in the electronic or the other rows by its upload
 // day, in the resident rows by its receiver's number. A receiver is its number's digits (two
 // trader codes with one number are one receiver), or its trader code when it has no number.
+// These are the rules the store's own statement (ReadOfficialTotals) follows; it is checked
+// against them.
 OfficialTotals sumOfficialTotals(const QList<InvoiceOfPeriod>& invoices, const UploadedDates& uploaded,
                                  const QDate& deadline);
 
@@ -83,8 +92,11 @@ std::optional<QList<InvoiceOfPeriod>> ReadInvoicesOfPeriod(const TotalsPeriod& p
 // with the day, from the record of hand-overs; nothing when the read failed (its box shown).
 std::optional<UploadedDates> uploadedDatesOf(const TotalsPeriod& period);
 
-// The whole form of a period: the invoices read, split by `uploaded`, with the default supplier.
-std::optional<OfficialTotals> ReadOfficialTotals(const TotalsPeriod& period, const UploadedDates& uploaded,
-                                                 const QDate& today);
+// The form of a period with the default supplier, summed and split by the store in one statement
+// (the record of hand-overs decides what was sent in time): the totals block, and the listed
+// receivers from the one numbered first + 1, at most `count` of them (every one from there when
+// count is negative). Nothing when the read failed (its box shown).
+std::optional<OfficialTotals> ReadOfficialTotals(const TotalsPeriod& period, const QDate& today,
+                                                 int first = 0, int count = -1);
 
 } // namespace nb

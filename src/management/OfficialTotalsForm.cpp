@@ -231,8 +231,9 @@ void printReceivers(Sheet& s, const OfficialTotals& form, int first, int rows, d
         const double y = top + h * r;
         if (r > 0) s.hline(kLeft, kRight, y);
         const int index = first + r;
-        if (index >= form.receivers.size()) continue;
-        const ReceiverLine& line = form.receivers.at(index);
+        const ReceiverLine* read = form.receiverAt(index);
+        if (!read) continue;
+        const ReceiverLine& line = *read;
         s.right(kNumber, y, h, count(index + 1));
         s.left(kSerial, y, h, CutBytes(shownSerial(line.serial), serialColumns));
         s.left(kCompany, y, h, CutBytes(line.company, companyColumns));
@@ -280,8 +281,7 @@ void printLaterSheet(Sheet& s, const OfficialTotals& form, int page) {
     const double headTop = kLaterBodyTop - kHeadRowHeight - kGroupRowHeight;
     const double bottom = kLaterBodyTop + kLaterRowHeight * kLaterSheetRows;
     printDetailHead(s, headTop, bottom);
-    const int first = kFirstSheetRows + (page - 2) * kLaterSheetRows;
-    printReceivers(s, form, first, kLaterSheetRows, kLaterBodyTop, kLaterRowHeight);
+    printReceivers(s, form, linesOfSheet(page).first, kLaterSheetRows, kLaterBodyTop, kLaterRowHeight);
 }
 
 } // namespace
@@ -295,6 +295,11 @@ officialform::LinePlace officialform::placeOfLine(int index) {
     if (index < kFirstSheetRows) return {1, kFirstBodyTop + kFirstRowHeight * index};
     const int later = index - kFirstSheetRows;
     return {2 + later / kLaterSheetRows, kLaterBodyTop + kLaterRowHeight * (later % kLaterSheetRows)};
+}
+
+officialform::SheetLines officialform::linesOfSheet(int page) {
+    if (page <= 1) return {0, kFirstSheetRows};
+    return {kFirstSheetRows + (page - 2) * kLaterSheetRows, kLaterSheetRows};
 }
 
 QStringList officialform::digitGroups(double amount) {
@@ -327,7 +332,7 @@ void printOfficialTotalsPage(PrintJob& job, const OfficialTotals& form, int page
 
 void printOfficialTotals(PrintJob& job, const OfficialTotals& form,
                          const std::function<void(int page, int pages)>& pageDone) {
-    const int pages = pagesFor(int(form.receivers.size()));
+    const int pages = pagesFor(form.listedReceivers());
     for (int page = 1; page <= pages; ++page) {
         if (page > 1) job.newPage();
         printOfficialTotalsPage(job, form, page, pages);

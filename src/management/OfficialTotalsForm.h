@@ -57,6 +57,12 @@ struct LinePlace {
     double y;
 };
 LinePlace placeOfLine(int index);
+// The receiver lines a sheet holds: the first (0-based over the whole form) and how many.
+struct SheetLines {
+    int first;
+    int count;
+};
+SheetLines linesOfSheet(int page);
 
 // An amount in the form's digit groups, highest first: 조, 십억, 백만, 천, 일. Leading empty
 // groups are empty texts, inner groups keep their zeros ("1", "234", "005"); a negative

@@ -34,6 +34,21 @@ const QString kRowsRead = QStringLiteral(
     "FROM NewAcount WHERE DealDate >= ? AND DealDate <= ? GROUP BY CCode) g ON g.CCode = s.CCode "
     "LEFT JOIN basic.Trader t ON t.Code = s.CCode ORDER BY s.rowid");
 
+// The same rows from a given one, in one statement that sums each trader once: the list's count
+// and invoices (Kind 0), what the rows before the first carry (Kind 1), then the rows (Kind 2),
+// so a page of a long list reads only its own rows.
+const QString kStretchRead = QStringLiteral(
+    "WITH Listed AS (SELECT s.rowid AS Seq, s.CCode, s.CName, g.Invoices, g.Supply, g.Tax FROM SaleTotal s "
+    "JOIN (SELECT CCode, COUNT(DISTINCT TaxCode) AS Invoices, SUM(TradeKum) AS Supply, SUM(VatKum) AS Tax "
+    "FROM NewAcount WHERE DealDate >= ? AND DealDate <= ? GROUP BY CCode) g ON g.CCode = s.CCode) "
+    "SELECT 0 AS Kind, '' AS CName, '' AS Serial, COUNT(*) AS Invoices, COALESCE(SUM(Invoices), 0) AS "
+    "Supply, "
+    "0 AS Tax FROM Listed "
+    "UNION ALL SELECT 1, '', '', COALESCE(SUM(Invoices), 0), COALESCE(SUM(Supply), 0), COALESCE(SUM(Tax), 0) "
+    "FROM (SELECT Invoices, Supply, Tax FROM Listed ORDER BY Seq LIMIT ?) b "
+    "UNION ALL SELECT * FROM (SELECT 2, l.CName, t.Serial, l.Invoices, l.Supply, l.Tax FROM Listed l "
+    "LEFT JOIN basic.Trader t ON t.Code = l.CCode ORDER BY l.Seq LIMIT ? OFFSET ?) r");
+
 QString cell(const QString& text, const Column& column) {
     return column.right ? PadBytes(text, column.width) : CutBytes(text, column.width);
 }
@@ -73,7 +88,7 @@ void printSummary(PrintJob& job, const TotalsReport& report) {
     for (int k = 0; k < 4; ++k)
         job.printAtTab(11, heads[k], captions[k]);
     setFont(job, 10, false);
-    job.printAtTab(12, heads[0], PadBytes(QString::number(report.rows.size()), 8));
+    job.printAtTab(12, heads[0], PadBytes(QString::number(report.receivers()), 8));
     job.printAtTab(12, heads[1], PadBytes(QString::number(report.invoices()), 8));
     job.printAtTab(12, heads[2], PadBytes(report.values.dSumKum, 18));
     job.printAtTab(12, heads[3], PadBytes(report.values.dSumVat, 16));
@@ -92,13 +107,7 @@ void printTableHeads(PrintJob& job, int row) {
     setFont(job, kBasePrintSize, false);
 }
 
-struct Carried {
-    int invoices = 0;
-    double supply = 0;
-    double tax = 0;
-};
-
-void printCarried(PrintJob& job, int row, const QString& caption, const Carried& carried) {
+void printCarried(PrintJob& job, int row, const QString& caption, const TotalsCarried& carried) {
     setFont(job, kBasePrintSize, true);
     job.printAtTab(row, kCompany.tab, caption);
     job.printAtTab(row, kInvoices.tab, cell(QString::number(carried.invoices), kInvoices));
@@ -109,11 +118,28 @@ void printCarried(PrintJob& job, int row, const QString& caption, const Carried&
 
 } // namespace
 
+TotalsCarried& TotalsCarried::operator+=(const TotalsReportRow& row) {
+    invoices += row.invoices;
+    supply += row.supply;
+    tax += row.tax;
+    return *this;
+}
+
+int TotalsReport::receivers() const {
+    return receiverCount >= 0 ? receiverCount : int(rows.size());
+}
+
 int TotalsReport::invoices() const {
+    if (invoiceCount >= 0) return invoiceCount;
     int n = 0;
     for (const TotalsReportRow& row : rows)
         n += row.invoices;
     return n;
+}
+
+const TotalsReportRow* TotalsReport::rowAt(int index) const {
+    const qsizetype at = qsizetype(index) - first;
+    return at >= 0 && at < rows.size() ? &rows.at(at) : nullptr;
 }
 
 int totalslayout::rowsOnPage(int page) {
@@ -127,15 +153,16 @@ int totalslayout::pagesFor(int rows) {
     return pages;
 }
 
-std::optional<TotalsReport> ReadTotalsReport(const TotalsReportValues& values) {
-    TotalsReport report;
-    report.values = values;
+namespace {
+
+// The default supplier (the first one when none is set) into the report.
+bool readSupplier(TotalsReport& report) {
     Recordset user;
     const QString serial = app().DefaultSerial;
     if (!(serial.isEmpty() ? OpenSnapshot(stores().dbBasic, user, QStringLiteral("SELECT * FROM User"))
                            : OpenSnapshot(stores().dbBasic, user,
                                           QStringLiteral("SELECT * FROM User WHERE Serial = ?"), {serial})))
-        return std::nullopt;
+        return false;
     if (!user.EOF_()) {
         report.supplierSerial = user.text(QStringLiteral("Serial"));
         report.supplierCompany = user.text(QStringLiteral("Company"));
@@ -143,13 +170,24 @@ std::optional<TotalsReport> ReadTotalsReport(const TotalsReportValues& values) {
         report.supplierAddr = user.text(QStringLiteral("Addr"));
     }
     CloseRs(user);
+    return true;
+}
+
+bool attachBasic(const QString& sql) {
+    if (stores().dbTax.attach(stores().dbBasic.path(), kBasicAlias)) return true;
+    ReportQueryFailure(-1, QStringLiteral("unable to open database: ") + stores().dbBasic.path(), sql);
+    return false;
+}
+
+} // namespace
+
+std::optional<TotalsReport> ReadTotalsReport(const TotalsReportValues& values) {
+    TotalsReport report;
+    report.values = values;
+    if (!readSupplier(report)) return std::nullopt;
     Recordset rs;
     Database& tax = stores().dbTax;
-    if (!tax.attach(stores().dbBasic.path(), kBasicAlias)) {
-        ReportQueryFailure(-1, QStringLiteral("unable to open database: ") + stores().dbBasic.path(),
-                           kRowsRead);
-        return std::nullopt;
-    }
+    if (!attachBasic(kRowsRead)) return std::nullopt;
     const bool read = OpenSnapshot(tax, rs, kRowsRead, {values.selectFrom, values.selectTo});
     tax.detach(kBasicAlias);
     if (!read) return std::nullopt;
@@ -167,10 +205,41 @@ std::optional<TotalsReport> ReadTotalsReport(const TotalsReportValues& values) {
     return report;
 }
 
+std::optional<TotalsReport> ReadTotalsReportStretch(const TotalsReportValues& values, int first, int count) {
+    TotalsReport report;
+    report.values = values;
+    report.first = qMax(0, first);
+    if (!readSupplier(report) || !attachBasic(kStretchRead)) return std::nullopt;
+    Database& tax = stores().dbTax;
+    QSqlQuery rs(tax.connection());
+    rs.setForwardOnly(true);
+    const bool read =
+        OpenForwardOnly(tax, rs, kStretchRead,
+                        {values.selectFrom, values.selectTo, report.first, qMax(0, count), report.first});
+    for (; read && rs.next();) {
+        const int kind = rs.value(0).toInt();
+        if (kind == 0) {
+            report.receiverCount = rs.value(3).toInt();
+            report.invoiceCount = rs.value(4).toInt();
+        } else if (kind == 1) {
+            report.before =
+                TotalsCarried{rs.value(3).toInt(), rs.value(4).toDouble(), rs.value(5).toDouble()};
+        } else {
+            report.rows.append(TotalsReportRow{rs.value(2).toString(), rs.value(1).toString(),
+                                               rs.value(3).toInt(), rs.value(4).toDouble(),
+                                               rs.value(5).toDouble()});
+        }
+    }
+    rs.finish();
+    tax.detach(kBasicAlias);
+    if (!read) return std::nullopt;
+    return report;
+}
+
 namespace {
 
 // One page of the list, with what the pages before it carried.
-void printListPage(PrintJob& job, const TotalsReport& report, int page, int pages, Carried& carried) {
+void printListPage(PrintJob& job, const TotalsReport& report, int page, int pages, TotalsCarried& carried) {
     printHead(job, report, page, pages);
     int row = page == 1 ? kTableTop : kLaterTableTop;
     if (page == 1) printSummary(job, report);
@@ -179,34 +248,38 @@ void printListPage(PrintJob& job, const TotalsReport& report, int page, int page
     int index = 0;
     for (int p = 1; p < page; ++p)
         index += rowsOnPage(p);
-    for (int n = 0; n < rowsOnPage(page) && index < report.rows.size(); ++n, ++index, ++row) {
-        const TotalsReportRow& r = report.rows.at(index);
+    for (int n = 0; n < rowsOnPage(page) && index < report.receivers(); ++n, ++index, ++row) {
+        const TotalsReportRow* read = report.rowAt(index);
+        if (!read) break;
+        const TotalsReportRow& r = *read;
         job.printAtTab(row, kNumber.tab, cell(QString::number(index + 1), kNumber));
         job.printAtTab(row, kSerial.tab, cell(r.serial, kSerial));
         job.printAtTab(row, kCompany.tab, cell(r.company, kCompany));
         job.printAtTab(row, kInvoices.tab, cell(QString::number(r.invoices), kInvoices));
         job.printAtTab(row, kSupply.tab, cell(amount(r.supply), kSupply));
         job.printAtTab(row, kTax.tab, cell(amount(r.tax), kTax));
-        carried.invoices += r.invoices;
-        carried.supply += r.supply;
-        carried.tax += r.tax;
+        carried += r;
     }
     job.line(job.tabX(1), job.rowY(kTotalRow), job.tabX(96), job.rowY(kTotalRow));
     printCarried(job, kTotalRow,
                  page < pages ? QStringLiteral("다음 면으로 이월") : QStringLiteral("합      계"), carried);
 }
 
-// What the pages before `page` carry to it.
-Carried carriedBefore(const TotalsReport& report, int page) {
+// The receiver (0-based) that opens `page`.
+int firstRowOf(int page) {
     int rows = 0;
     for (int p = 1; p < page; ++p)
         rows += rowsOnPage(p);
-    Carried carried;
-    for (int i = 0; i < rows && i < report.rows.size(); ++i) {
-        carried.invoices += report.rows.at(i).invoices;
-        carried.supply += report.rows.at(i).supply;
-        carried.tax += report.rows.at(i).tax;
-    }
+    return rows;
+}
+
+// What the pages before `page` carry to it: what the rows before the report's first carry, and
+// the report's rows up to the page.
+TotalsCarried carriedBefore(const TotalsReport& report, int page) {
+    TotalsCarried carried = report.before;
+    const int rows = firstRowOf(page);
+    for (int i = report.first; i < rows; ++i)
+        if (const TotalsReportRow* row = report.rowAt(i)) carried += *row;
     return carried;
 }
 
@@ -214,8 +287,8 @@ Carried carriedBefore(const TotalsReport& report, int page) {
 
 void printTotalsReport(PrintJob& job, const TotalsReport& report,
                        const std::function<void(int page, int pages)>& pageDone) {
-    const int pages = pagesFor(int(report.rows.size()));
-    Carried carried;
+    const int pages = pagesFor(report.receivers());
+    TotalsCarried carried = report.before;
     for (int page = 1; page <= pages; ++page) {
         if (page > 1) job.newPage();
         printListPage(job, report, page, pages, carried);
@@ -237,21 +310,20 @@ void saveTotalsLayout(TotalsLayout layout) {
 
 namespace {
 
-// The report of a search as the button makes it: nothing when a read failed.
-std::optional<TotalsReport> listOf(const TotalsSearch& search) {
+// The six values of a search as the button makes them: nothing when a read failed.
+std::optional<TotalsReportValues> valuesOf(const TotalsSearch& search) {
     const TotalsPeriod p = search.span();
     const std::optional<double> sumKum = GetSumKum(stores().dbTax, true, p);
     const std::optional<double> sumVat = GetSumVat(stores().dbTax, true, p);
     if (!sumKum || !sumVat) return std::nullopt;
-    return ReadTotalsReport(totalsReportValues(search.kind, search.period, search.year, search.date0,
-                                               search.date1, *sumKum, *sumVat, today()));
+    return totalsReportValues(search.kind, search.period, search.year, search.date0, search.date1, *sumKum,
+                              *sumVat, today());
 }
 
-std::optional<OfficialTotals> formOf(const TotalsSearch& search) {
-    const TotalsPeriod p = search.span();
-    const std::optional<UploadedDates> uploaded = uploadedDatesOf(p);
-    if (!uploaded) return std::nullopt;
-    return ReadOfficialTotals(p, *uploaded, today());
+std::optional<TotalsReport> listOf(const TotalsSearch& search) {
+    const std::optional<TotalsReportValues> values = valuesOf(search);
+    if (!values) return std::nullopt;
+    return ReadTotalsReport(*values);
 }
 
 // The list stands in the middle of an A4 sheet: its own indent and top under the document's
@@ -309,9 +381,9 @@ void printWithProgress(const Data& data, int pages, TotalsLayout layout, PrintAl
 
 void PrintTotalsReport(const TotalsSearch& search, TotalsLayout layout) {
     if (layout == TotalsLayout::Official) {
-        const std::optional<OfficialTotals> form = formOf(search);
+        const std::optional<OfficialTotals> form = ReadOfficialTotals(search.span(), today());
         if (!form) return;
-        printWithProgress(*form, officialform::pagesFor(int(form->receivers.size())), layout,
+        printWithProgress(*form, officialform::pagesFor(form->listedReceivers()), layout,
                           [](PrintJob& job, const OfficialTotals& f, const auto& done) {
                               printOfficialTotals(job, f, done);
                           });
@@ -320,7 +392,7 @@ void PrintTotalsReport(const TotalsSearch& search, TotalsLayout layout) {
     const std::optional<TotalsReport> report = listOf(search);
     if (!report) return;
     printWithProgress(
-        *report, pagesFor(int(report->rows.size())), layout,
+        *report, pagesFor(report->receivers()), layout,
         [](PrintJob& job, const TotalsReport& r, const auto& done) { printTotalsReport(job, r, done); });
 }
 
@@ -331,24 +403,88 @@ struct PreviewPages {
     PageRoutine print;
 };
 
-// The data of the search read once, and the routine that draws one page of it.
+// A preview reads its receivers a stretch at a time: the page shown and the sheets after it, up
+// to this many, so that paging on reads nothing new for a while and a jump to the end reads
+// only the end. The first page is drawn from the first stretch alone.
+constexpr int kStretchSheets = 25;
+
+// The official form's sheets: the totals block and a stretch of receivers.
+class OfficialPages {
+public:
+    OfficialPages(const TotalsPeriod& period, const QDate& day, OfficialTotals first)
+        : m_period(period), m_day(day), m_form(std::move(first)) {}
+
+    // The form holding the sheet's lines; null when their read failed (its box shown).
+    const OfficialTotals* sheet(int page) {
+        const officialform::SheetLines lines = officialform::linesOfSheet(page);
+        const int end = qMin(lines.first + lines.count, m_form.listedReceivers());
+        const int readEnd = m_form.firstReceiver + int(m_form.receivers.size());
+        if (lines.first >= m_form.firstReceiver && end <= readEnd) return &m_form;
+        std::optional<OfficialTotals> read =
+            ReadOfficialTotals(m_period, m_day, lines.first, stretchOf(page));
+        if (!read) return nullptr;
+        m_form = std::move(*read);
+        return &m_form;
+    }
+    static int stretchOf(int page) {
+        return officialform::linesOfSheet(page + kStretchSheets).first -
+               officialform::linesOfSheet(page).first;
+    }
+
+private:
+    TotalsPeriod m_period;
+    QDate m_day;
+    OfficialTotals m_form;
+};
+
+// The list's pages: a stretch of its rows with what the rows before them carry.
+class ListPages {
+public:
+    explicit ListPages(TotalsReport first) : m_report(std::move(first)) {}
+
+    const TotalsReport* page(int page) {
+        const int first = firstRowOf(page);
+        const int end = qMin(firstRowOf(page + 1), m_report.receivers());
+        if (first >= m_report.first && end <= m_report.first + int(m_report.rows.size())) return &m_report;
+        std::optional<TotalsReport> read = ReadTotalsReportStretch(m_report.values, first, stretchOf(page));
+        if (!read) return nullptr;
+        m_report = std::move(*read);
+        return &m_report;
+    }
+    static int stretchOf(int page) { return firstRowOf(page + kStretchSheets) - firstRowOf(page); }
+
+private:
+    TotalsReport m_report;
+};
+
+// The first stretch of the search read, and the routine that draws one page, reading further
+// stretches as pages beyond it are asked for.
 std::optional<PreviewPages> previewOf(const TotalsSearch& search, TotalsLayout layout) {
     if (layout == TotalsLayout::Official) {
-        const std::optional<OfficialTotals> form = formOf(search);
+        const TotalsPeriod period = search.span();
+        const QDate day = today();
+        std::optional<OfficialTotals> form = ReadOfficialTotals(period, day, 0, OfficialPages::stretchOf(1));
         if (!form) return std::nullopt;
-        const int pages = officialform::pagesFor(int(form->receivers.size()));
-        return PreviewPages{pages, [form, pages](PrintJob& job, int page) {
+        const int pages = officialform::pagesFor(form->listedReceivers());
+        auto sheets = std::make_shared<OfficialPages>(period, day, std::move(*form));
+        return PreviewPages{pages, [sheets, pages](PrintJob& job, int page) {
                                 prepareJob(job, TotalsLayout::Official);
-                                printOfficialTotalsPage(job, *form, page, pages);
+                                if (const OfficialTotals* f = sheets->sheet(page))
+                                    printOfficialTotalsPage(job, *f, page, pages);
                             }};
     }
-    const std::optional<TotalsReport> report = listOf(search);
+    const std::optional<TotalsReportValues> values = valuesOf(search);
+    if (!values) return std::nullopt;
+    std::optional<TotalsReport> report = ReadTotalsReportStretch(*values, 0, ListPages::stretchOf(1));
     if (!report) return std::nullopt;
-    const int pages = pagesFor(int(report->rows.size()));
-    return PreviewPages{pages, [report, pages](PrintJob& job, int page) {
+    const int pages = pagesFor(report->receivers());
+    auto list = std::make_shared<ListPages>(std::move(*report));
+    return PreviewPages{pages, [list, pages](PrintJob& job, int page) {
                             prepareJob(job, TotalsLayout::List);
-                            Carried carried = carriedBefore(*report, page);
-                            printListPage(job, *report, page, pages, carried);
+                            const TotalsReport* r = list->page(page);
+                            if (!r) return;
+                            TotalsCarried carried = carriedBefore(*r, page);
+                            printListPage(job, *r, page, pages, carried);
                         }};
 }
 

@@ -28,16 +28,37 @@ struct TotalsReportRow {
     double tax = 0;
 };
 
+// What the receivers before a row carry to it.
+struct TotalsCarried {
+    int invoices = 0;
+    double supply = 0;
+    double tax = 0;
+    TotalsCarried& operator+=(const TotalsReportRow& row);
+};
+
 struct TotalsReport {
     TotalsReportValues values;
     QString supplierSerial, supplierCompany, supplierDelegate, supplierAddr;
-    QList<TotalsReportRow> rows; // the receivers of SaleTotal with invoices in the selection
+    // The receivers of SaleTotal with invoices in the selection: every one, or a stretch of
+    // them from the one numbered first + 1, with what the receivers before it carry and the
+    // whole list's count of receivers and invoices.
+    QList<TotalsReportRow> rows;
+    int first = 0;
+    TotalsCarried before;
+    int receiverCount = -1; // -1: rows holds every receiver
+    int invoiceCount = -1;
+    int receivers() const;
     int invoices() const;
+    // The receiver numbered index + 1, or null when it is not among those read.
+    const TotalsReportRow* rowAt(int index) const;
 };
 
 // The report's data: the rows from SaleTotal and the selected NewAcount rows, the default
 // supplier (the first one when none is set). Nothing when a read failed (its box shown).
 std::optional<TotalsReport> ReadTotalsReport(const TotalsReportValues& values);
+// The same with the rows from the one numbered first + 1, at most `count`: the store counts and
+// sums the whole list, so only the stretch's rows are read.
+std::optional<TotalsReport> ReadTotalsReportStretch(const TotalsReportValues& values, int first, int count);
 
 // Where the report stands: rows of the page, tabs of the base font.
 namespace totalslayout {

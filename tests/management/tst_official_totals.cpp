@@ -51,6 +51,54 @@ InvoiceOfPeriod invoice(const QString& taxCode, const QString& cCode, const QStr
 
 const TotalsPeriod kSecondQuarter{QStringLiteral("2024-04-01"), QStringLiteral("2024-06-30")};
 
+// A file of the record of hand-overs holding one invoice, written on `written` and marked uploaded
+// on `uploaded` (not marked when empty); its number, or -1.
+int handOverFile(const test::TestHome& home, const QString& taxCode, const QString& cCode, double supply,
+                 const QString& date, const QString& uploaded) {
+    setClock([] { return QDateTime(QDate(2024, 7, 1), QTime(10, 0)); });
+    QString why;
+    const HandOverEntry entry{taxCode, date, cCode, QStringLiteral("상대"), supply, supply / 10};
+    const int file = RecordHandOverFile(stores().dbTax, home.file(taxCode + QStringLiteral(".xlsx")),
+                                        kSecondQuarter.from, kSecondQuarter.to, {entry}, &why)
+                         .value_or(-1);
+    setClock([] { return QDateTime(QDate(2024, 7, 20), QTime(10, 0)); });
+    if (file > 0 && !uploaded.isEmpty() && !MarkFileUploaded(stores().dbTax, file, uploaded, &why)) return -1;
+    setClock({});
+    return file;
+}
+
+// `count` traders numbered from 000001, each with one invoice of the second quarter.
+void addManyReceivers(int count) {
+    QVERIFY(test::exec(stores().dbBasic,
+                       "insert into Trader (Code, C_Name, Serial) with recursive n(i) as (select 1 union all "
+                       "select i + 1 from n where i < ?) select printf('%06d', i), '매출처' || i, "
+                       "printf('2%02d-00-%05d', i % 100, i) from n",
+                       {count}));
+    QVERIFY(
+        test::exec(stores().dbTax,
+                   "insert into NewAcount (TaxCode, CCode, PName, Quantity, UnitCost, TradeKum, VatKum, "
+                   "DealDate, TradeDate, UserCode) with recursive n(i) as (select 1 union all select i + 1 "
+                   "from n where i < ?) select printf('1%05d', i), printf('%06d', i), '볼트', 1, i * 10, "
+                   "i * 10, i, '2024-04-10', '04-10', '123-45-67891' from n",
+                   {count}));
+}
+
+void compareLines(const IssueLine& engine, const IssueLine& rules, const char* what) {
+    QVERIFY2(engine.receivers == rules.receivers, what);
+    QVERIFY2(engine.invoices == rules.invoices, what);
+    QVERIFY2(engine.supply == rules.supply, what);
+    QVERIFY2(engine.tax == rules.tax, what);
+}
+
+// What a job printed, text by text, page by page.
+QStringList printedTexts(const PrintRecord& record) {
+    QStringList texts;
+    for (const PrintedText& t : record.texts)
+        texts
+            << QStringLiteral("%1|%2|%3|%4").arg(t.page).arg(t.x, 0, 'f', 4).arg(t.y, 0, 'f', 4).arg(t.text);
+    return texts;
+}
+
 QString printToPdf(const QString& path, const OfficialTotals& form) {
     PrintJob job(makePdfSurface(path), kPdfPrinterName, kTotalsDocument);
     PrinterPrepare(job);
@@ -165,7 +213,7 @@ private Q_SLOTS:
         addInvoice("100001", "000002", 8000, 800, "2024-06-30");
         addInvoice("100002", "000003", 5000, 500, "2024-05-05");
         addInvoice("100003", "000002", 9000, 900, "2024-07-01"); // another quarter
-        const auto form = ReadOfficialTotals(kSecondQuarter, {}, QDate(2024, 7, 2));
+        const auto form = ReadOfficialTotals(kSecondQuarter, QDate(2024, 7, 2));
         QVERIFY(form);
         QCOMPARE(form->total().invoices, 3);
         QCOMPARE(form->company, QStringLiteral("하르문상사"));
@@ -206,7 +254,7 @@ private Q_SLOTS:
                       QStringLiteral("2%1-00-00000").arg(i, 2, 10, QChar(u'0')));
             addInvoice(QStringLiteral("1%1").arg(i, 5, 10, QChar(u'0')), code, 1000, 100, "2024-04-10");
         }
-        const auto form = ReadOfficialTotals(kSecondQuarter, {}, QDate(2024, 7, 2));
+        const auto form = ReadOfficialTotals(kSecondQuarter, QDate(2024, 7, 2));
         QVERIFY(form);
         QCOMPARE(form->receivers.size(), receivers);
         const QString pdf = s.home.file(QStringLiteral("long.pdf"));
@@ -309,10 +357,121 @@ private Q_SLOTS:
         addTrader("000001", "가나철강", "234-56-78904");
         addInvoice("100000", "000001", 1000, 100, "2024-08-05");
         TotalsSearch half{TotalsKind::Half, 1, QStringLiteral("2024"), {}, {}};
-        const auto form = ReadOfficialTotals(half.span(), {}, QDate(2025, 1, 2));
+        const auto form = ReadOfficialTotals(half.span(), QDate(2025, 1, 2));
         QVERIFY(form);
         QCOMPARE(form->receivers.size(), 1);
         QCOMPARE(form->term, QStringLiteral("2024년 제2기 (7월 1일 ~ 12월 31일)"));
+    }
+
+    // The store sums and splits the form in one statement; it follows the rules above for every
+    // kind of receiver: one number written two ways, blanks in a number, a resident number, no
+    // number, a trader code the basic file does not hold, and files on time, late and withdrawn.
+    void theStoresSplitFollowsTheRulesForEveryKindOfReceiver() {
+        Store s;
+        test::script();
+        addTrader("000001", "가나철강", "234-56-78904");
+        addTrader("000002", "가나철강2", "2345678904");
+        addTrader("000003", "김개인", "800101-1234567");
+        addTrader("000004", "번호없음", "");
+        addTrader("000005", "다라상회", " 345 67 89013 ");
+        addTrader("000006", "다라상회2", "345-67-89013");
+        addTrader("000008", "이개인", "8001011234568");
+        addInvoice("100000", "000001", 1000, 100, "2024-04-02");
+        addInvoice("100001", "000001", 2000, 200, "2024-04-03");
+        addInvoice("100002", "000002", 3000, 300, "2024-05-02");
+        addInvoice("100003", "000003", 4000, 400, "2024-05-03");
+        addInvoice("100004", "000004", 5000, 500, "2024-05-04");
+        addInvoice("100005", "000004", 6000, 600, "2024-05-05");
+        addInvoice("100005", "000004", 500, 50, "2024-05-05"); // a second line of one invoice
+        addInvoice("100006", "000005", 7000, 700, "2024-06-06");
+        addInvoice("100007", "000006", 8000, 800, "2024-06-07");
+        addInvoice("100008", "000099", 9000, 900, "2024-06-08");
+        addInvoice("100009", "000008", 1100, 110, "2024-06-09");
+        addInvoice("100010", "000006", 1200, 120, "2024-06-10");
+        addInvoice("100011", "000001", 9900, 990, "2024-07-01"); // another quarter
+        QVERIFY(handOverFile(s.home, "100000", "000001", 1000, "2024-04-02", "2024-07-11") > 0); // on time
+        QVERIFY(handOverFile(s.home, "100001", "000001", 2000, "2024-04-03", "2024-07-12") > 0); // late
+        QVERIFY(handOverFile(s.home, "100009", "000008", 1100, "2024-06-09", "2024-07-01") > 0);
+        const int withdrawn = handOverFile(s.home, "100010", "000006", 1200, "2024-06-10", "2024-07-01");
+        QVERIFY(withdrawn > 0);
+        QString why;
+        QVERIFY2(WithdrawFile(stores().dbTax, withdrawn, QStringLiteral("잘못 올림"), &why), qPrintable(why));
+
+        const auto engine = ReadOfficialTotals(kSecondQuarter, QDate(2024, 7, 20));
+        const auto invoices = ReadInvoicesOfPeriod(kSecondQuarter);
+        const auto uploaded = uploadedDatesOf(kSecondQuarter);
+        QVERIFY(engine && invoices && uploaded);
+        const OfficialTotals rules =
+            sumOfficialTotals(*invoices, *uploaded, electronicDeadline(kSecondQuarter.to));
+        compareLines(engine->electronicBusiness, rules.electronicBusiness, "electronic, business");
+        compareLines(engine->electronicResident, rules.electronicResident, "electronic, resident");
+        compareLines(engine->paperBusiness, rules.paperBusiness, "other, business");
+        compareLines(engine->paperResident, rules.paperResident, "other, resident");
+        QCOMPARE(engine->receivers.size(), rules.receivers.size());
+        for (int i = 0; i < rules.receivers.size(); ++i) {
+            QCOMPARE(engine->receivers.at(i).serial, rules.receivers.at(i).serial);
+            QCOMPARE(engine->receivers.at(i).company, rules.receivers.at(i).company);
+            QCOMPARE(engine->receivers.at(i).invoices, rules.receivers.at(i).invoices);
+            QCOMPARE(engine->receivers.at(i).supply, rules.receivers.at(i).supply);
+            QCOMPARE(engine->receivers.at(i).tax, rules.receivers.at(i).tax);
+        }
+        // What the rules give here: the number of 000001 and 000002 is one receiver of three
+        // invoices not sent in time, the blanks of 000005 do not part it from 000006, the
+        // trader code without a record is a receiver of its own.
+        QCOMPARE(engine->electronicBusiness.invoices, 1);
+        QCOMPARE(engine->electronicResident.invoices, 1);
+        QCOMPARE(engine->paperResident.receivers, 1);
+        QCOMPARE(engine->paperBusiness.receivers, 4);
+        QCOMPARE(engine->paperBusiness.invoices, 8);
+        QCOMPARE(engine->receivers.at(0).serial, QStringLiteral("234-56-78904"));
+        QCOMPARE(engine->receivers.at(0).invoices, 2);
+        QCOMPARE(engine->receivers.at(1).invoices, 2);
+        QCOMPARE(engine->receivers.at(1).supply, 11500.0);
+        QCOMPARE(engine->receivers.at(2).serial, QStringLiteral("345 67 89013"));
+        QCOMPARE(engine->receivers.at(2).supply, 16200.0);
+        QCOMPARE(engine->receivers.at(3).company, QString());
+        QCOMPARE(engine->total().invoices, 11);
+    }
+
+    void aStretchOfReceiversCarriesTheWholeFormsTotals() {
+        Store s;
+        test::script();
+        addManyReceivers(12);
+        const auto whole = ReadOfficialTotals(kSecondQuarter, QDate(2024, 7, 2));
+        const auto stretch = ReadOfficialTotals(kSecondQuarter, QDate(2024, 7, 2), 7, 3);
+        QVERIFY(whole && stretch);
+        QCOMPARE(whole->receivers.size(), 12);
+        QCOMPARE(stretch->firstReceiver, 7);
+        QCOMPARE(stretch->receivers.size(), 3);
+        QCOMPARE(stretch->listedReceivers(), 12);
+        QCOMPARE(stretch->paperBusiness.supply, whole->paperBusiness.supply);
+        QCOMPARE(stretch->receiverAt(7)->company, QStringLiteral("매출처8"));
+        QCOMPARE(stretch->receiverAt(9)->company, QStringLiteral("매출처10"));
+        QVERIFY(stretch->receiverAt(6) == nullptr);
+        QVERIFY(stretch->receiverAt(10) == nullptr);
+    }
+
+    // A year's preview reads its receivers a stretch of sheets at a time; every sheet, the last
+    // one too, shows what the print of the whole form shows.
+    void thePreviewReadInStretchesDrawsWhatTheWholePrintDraws() {
+        Store s;
+        test::script();
+        setSystemPrintersForTesting({}, QString());
+        const int receivers = kFirstSheetRows + kLaterSheetRows * 30 + 7; // beyond one stretch
+        addManyReceivers(receivers);
+        const TotalsSearch search{TotalsKind::Quarter, 1, QStringLiteral("2024"), {}, {}};
+        PrintCapture capture;
+        PrintTotalsReport(search, TotalsLayout::Official);
+        PreviewTotalsReport(nullptr, search, TotalsLayout::Official);
+        QCOMPARE(capture.jobs().size(), size_t(2));
+        const PrintRecord& print = *capture.jobs().at(0);
+        const PrintRecord& preview = *capture.jobs().at(1);
+        QCOMPARE(print.pages, pagesFor(receivers));
+        QCOMPARE(preview.pages, print.pages);
+        QCOMPARE(printedTexts(preview), printedTexts(print));
+        const PrintedText* last = preview.find(QStringLiteral("매출처%1").arg(receivers));
+        QVERIFY(last);
+        QCOMPARE(last->page, print.pages);
     }
 
     void thePreviewDrawsOnlyThePageItShows() {

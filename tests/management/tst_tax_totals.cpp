@@ -245,6 +245,47 @@ private Q_SLOTS:
         QCOMPARE(total->y, printRowY(0, totalslayout::kTotalRow));
     }
 
+    // The preview reads the list a stretch of pages at a time (the store counts it and sums what
+    // the rows before a stretch carry); every page, past the first stretch to the last, shows
+    // what the print of the whole list shows, the carried totals too.
+    void thePreviewReadInStretchesDrawsWhatTheWholePrintDraws() {
+        Store s;
+        test::script();
+        setSystemPrintersForTesting({}, QString());
+        const int receivers = 45 + 52 * 30 + 9; // beyond one stretch
+        QVERIFY(test::exec(stores().dbBasic,
+                           "insert into Trader (Code, C_Name, Serial) with recursive n(i) as (select 1 union "
+                           "all select i + 1 from n where i < ?) select printf('1%05d', i), '매출처' || i, "
+                           "printf('2%02d-00-%05d', i % 100, i) from n",
+                           {receivers}));
+        QVERIFY(
+            test::exec(stores().dbTax,
+                       "insert into NewAcount (TaxCode, CCode, PName, Quantity, UnitCost, TradeKum, VatKum, "
+                       "DealDate, TradeDate, UserCode) with recursive n(i) as (select 1 union all select "
+                       "i + 1 from n where i < ?) select printf('2%05d', i), printf('1%05d', i), '볼트', 1, "
+                       "i * 10, i * 10, i, '2024-04-10', '04-10', '123-45-67890' from n",
+                       {receivers}));
+        QVERIFY(SearchTotals(stores().dbTax, stores().dbBasic.path(), {"2024-04-01", "2024-06-30"}));
+        const TotalsSearch search{TotalsKind::Quarter, 1, QStringLiteral("2024"), {}, {}};
+        PrintCapture capture;
+        PrintTotalsReport(search, TotalsLayout::List);
+        PreviewTotalsReport(nullptr, search, TotalsLayout::List);
+        QCOMPARE(capture.jobs().size(), size_t(2));
+        const PrintRecord& print = *capture.jobs().at(0);
+        const PrintRecord& preview = *capture.jobs().at(1);
+        QCOMPARE(print.pages, totalslayout::pagesFor(receivers));
+        QCOMPARE(preview.pages, print.pages);
+        QCOMPARE(preview.allTexts(), print.allTexts());
+        for (size_t i = 0; i < print.texts.size(); ++i) {
+            QCOMPARE(preview.texts.at(i).page, print.texts.at(i).page);
+            QCOMPARE(preview.texts.at(i).y, print.texts.at(i).y);
+        }
+        const PrintedText* last = preview.find(QStringLiteral("매출처%1").arg(receivers));
+        QVERIFY(last);
+        QCOMPARE(last->page, print.pages);
+        QVERIFY(preview.find(QStringLiteral("- %1 / %1 -").arg(print.pages)));
+    }
+
     void theReportAsAPdfPutsItsWordsWhereTheLayoutSays() {
         if (!test::havePdfTools()) QSKIP("pdftotext or pdftoppm missing");
         Store s;
