@@ -1,28 +1,32 @@
 #include "master/FrmPost.h"
 
 #include "common/input/FormPlacement.h"
+#include "core/AppState.h"
 #include "master/EntryForm.h"
 #include "master/PostSearch.h"
 #include "master/RoadSearch.h"
 
 #include <QApplication>
-#include <QBoxLayout>
 #include <QCheckBox>
 #include <QFileInfo>
-#include <QHeaderView>
-#include <QKeyEvent>
-#include <QLabel>
+#include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTableView>
 #include <QTimer>
 
 namespace nb {
+namespace {
 
-FrmPost::FrmPost(QWidget* parent)
-    : MasterListForm({QStringLiteral("ZIPCODE"), QStringLiteral("SIDO"), QStringLiteral("GUGUN"),
-                      QStringLiteral("DONG"), QStringLiteral("BUNJI")},
-                     parent) {
+const QStringList& postHeadings() {
+    static const QStringList headings = {QStringLiteral("ZIPCODE"), QStringLiteral("SIDO"),
+                                         QStringLiteral("GUGUN"), QStringLiteral("DONG"),
+                                         QStringLiteral("BUNJI")};
+    return headings;
+}
+
+} // namespace
+
+FrmPost::FrmPost(QWidget* parent) : MasterListForm(postHeadings(), parent) {
     setObjectName(QStringLiteral("FrmPost"));
     setWindowTitle(QStringLiteral("우편번호 검색"));
     btnSelect()->hide();
@@ -35,7 +39,8 @@ FrmPost::FrmPost(QWidget* parent)
     m_roadBook->setFocusPolicy(Qt::NoFocus);
     m_roadBook->setChecked(UsesRoadBook());
     buttonRow()->insertWidget(1, m_roadBook);
-    buildRoadList();
+    // The whole road-name book is millions of addresses: the list reads only what is seen.
+    grdList()->setReadsAhead(false);
     connect(m_find, &QPushButton::clicked, this, &FrmPost::findAgain);
     connect(m_roadBook, &QCheckBox::toggled, this, [this](bool road) {
         SetUsesRoadBook(road);
@@ -45,46 +50,9 @@ FrmPost::FrmPost(QWidget* parent)
     useBook(m_roadBook->isChecked());
 }
 
-// The road-name book's list: its own view over rows read as it is scrolled, in the place of the
-// six-digit book's list.
-void FrmPost::buildRoadList() {
-    m_road = new RoadListModel(this);
-    m_roadList = new QTableView(this);
-    m_roadList->setObjectName(QStringLiteral("grdRoadList"));
-    m_roadList->setModel(m_road);
-    m_roadList->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_roadList->setSelectionMode(QAbstractItemView::SingleSelection);
-    m_roadList->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_roadList->verticalHeader()->setDefaultSectionSize(20);
-    m_roadList->horizontalHeader()->setStretchLastSection(true);
-    const QList<int> widths = {60, 230, 210};
-    for (int c = 0; c < widths.size(); ++c)
-        m_roadList->setColumnWidth(c, widths[c]);
-    if (auto* box = qobject_cast<QBoxLayout*>(layout()))
-        box->insertWidget(box->indexOf(grdList()) + 1, m_roadList, 1);
-    m_roadList->hide();
-    m_roadList->installEventFilter(this);
-    connect(m_roadList, &QTableView::doubleClicked, this, [this] { chooseActiveRow(); });
-}
-
-int FrmPost::activeRoadRow() const {
-    const QModelIndex current = m_roadList->currentIndex();
-    return current.isValid() ? current.row() : -1;
-}
-
-bool FrmPost::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::KeyPress && searchesRoadBook()) {
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if (watched == m_roadList && isEnterKey(key)) {
-            chooseActiveRow();
-            return true;
-        }
-        if (watched == txtinput() && (key == Qt::Key_Up || key == Qt::Key_Down)) {
-            m_roadList->setFocus();
-            return true;
-        }
-    }
-    return MasterListForm::eventFilter(watched, event);
+// The lists read from an open statement: let it go before the book it reads is closed.
+FrmPost::~FrmPost() {
+    model()->clear();
 }
 
 bool FrmPost::searchesRoadBook() const {
@@ -99,37 +67,39 @@ void FrmPost::useBook(bool road) {
                 ? QStringLiteral("도로명, 건물명, 읍/면/동이나 지번으로 검색하세요. [전체검색 : 빈칸]")
                 : QStringLiteral("도로명 우편번호가 없습니다. 기초등록 → 우편번호 가져오기로 가져오십시오.");
         setHints(hint, hint);
+        model()->setHeadings(RoadHeadings());
+        placeFirstColumnWidths({60, 230, 210});
         resize(760, height());
     } else {
         const QString hint = QStringLiteral("읍/면/동으로 검색하세요. [전체검색 : 빈칸]");
         setHints(hint, hint);
+        model()->setHeadings(postHeadings());
         placeFirstColumnWidths({70, 60, 90, 120, 150});
     }
-    grdList()->setVisible(!road);
-    m_roadList->setVisible(road);
 }
 
 int FrmPost::search(const QString& text) {
     QApplication::setOverrideCursor(Qt::WaitCursor);
-    int found = 0;
-    if (searchesRoadBook()) {
-        m_road->search(text);
-        found = m_road->rowCount();
-    } else {
-        model()->setRows(SearchPostBook(text));
-        found = model()->rowCount();
-    }
+    if (searchesRoadBook())
+        searchRoadBook(text);
+    else
+        searchPostBook(text);
     QApplication::restoreOverrideCursor();
-    return found;
+    return model()->rowCount();
 }
 
-void FrmPost::selectFirst() {
-    if (!searchesRoadBook()) {
-        selectRow(0);
-    } else if (m_road->rowCount() > 0) {
-        m_roadList->setCurrentIndex(m_road->index(0, 0));
-        m_roadList->selectRow(0);
-    }
+// Without the book's file the list stays empty, as it did before any book was loaded.
+void FrmPost::searchPostBook(const QString& text) {
+    model()->clear();
+    if (!m_postBook.isOpen() && !OpenDb(m_postBook, app().DbPostFile, 0)) return;
+    if (std::unique_ptr<QSqlQuery> rows = OpenPostSearch(m_postBook, text))
+        model()->fillFrom(std::move(rows));
+}
+
+void FrmPost::searchRoadBook(const QString& text) {
+    model()->clear();
+    auto rows = std::make_unique<RoadRows>();
+    if (rows->search(text)) model()->fillFrom(std::move(rows));
 }
 
 void FrmPost::SetObject(QLineEdit* zipTarget, QLineEdit* addrTarget) {
@@ -147,12 +117,12 @@ void FrmPost::InitForm(const QString& text, int& result) {
                 {model()->text(0, 0), model()->text(0, 1), model()->text(0, 2), model()->text(0, 3),
                  model()->text(0, 4)});
     }
-    selectFirst();
+    selectRow(0);
 }
 
 void FrmPost::chooseActiveRow() {
     if (searchesRoadBook()) {
-        const int row = activeRoadRow();
+        const int row = activeRow();
         if (row < 0) return;
         deliverRoad(row);
         accept();
@@ -171,14 +141,14 @@ void FrmPost::findAgain() {
     const QString text = txtinput()->text().trimmed();
     if (text.isEmpty()) return;
     search(text);
-    selectFirst();
+    selectRow(0);
 }
 
+// The list's row holds what is handed over: the postcode and the road-name address.
 void FrmPost::deliverRoad(int row) {
-    if (row < 0 || row >= m_road->rowCount()) return;
-    const RoadAddress& a = m_road->address(row);
-    writeTarget(a.zip);
-    if (m_addrTarget) m_addrTarget->setText(RoadAddressText(a));
+    if (row < 0 || row >= model()->rowCount()) return;
+    writeTarget(model()->text(row, 0));
+    if (m_addrTarget) m_addrTarget->setText(model()->text(row, 1));
 }
 
 void FrmPost::deliver(const QString& zip, const QStringList& row) {

@@ -7,23 +7,19 @@
 #include "master/MasterListForm.h"
 
 class QCheckBox;
-class QTableView;
 
 namespace nb {
 
-class RoadListModel;
-
+// Both books stand in grdList, in the grid's list mode: the search runs once and its rows are
+// read a page at a time as the list is scrolled to them.
 class FrmPost : public MasterListForm {
     Q_OBJECT
 public:
     explicit FrmPost(QWidget* parent = nullptr);
+    ~FrmPost() override;
 
     QPushButton* btnFind() const { return m_find; }
     QCheckBox* chkRoadBook() const { return m_roadBook; }
-    // The rows of the road-name book's search (read as the list is scrolled), and the list that
-    // shows them in place of grdList while that book is chosen.
-    RoadListModel* roadModel() const { return m_road; }
-    QTableView* roadList() const { return m_roadList; }
     bool searchesRoadBook() const;
     // Keeps each target unless one is held.
     void SetObject(QLineEdit* zipTarget, QLineEdit* addrTarget);
@@ -38,8 +34,6 @@ public Q_SLOTS:
 protected:
     int keyColumn() const override { return 1; }
     void searchFromEntry() override { findAgain(); }
-    // The road list's keys: Enter chooses; Up or Down in the entry box goes to it.
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void deliver(const QString& zip, const QStringList& row);
@@ -47,14 +41,13 @@ private:
     // Shows the book the box chooses, and searches it again with the text in the entry box.
     void useBook(bool road);
     int search(const QString& text);
-    void selectFirst();
-    void buildRoadList();
-    int activeRoadRow() const;
+    void searchPostBook(const QString& text);
+    void searchRoadBook(const QString& text);
     QPushButton* m_find = nullptr;
-    QTableView* m_roadList = nullptr;
     QCheckBox* m_roadBook = nullptr;
-    RoadListModel* m_road = nullptr;
     QPointer<QLineEdit> m_addrTarget;
+    // The six-digit book, opened by the first search and kept while its rows are read.
+    Database m_postBook;
 };
 
 // The caller's side, the same in the supplier and trader screens: search with the trimmed

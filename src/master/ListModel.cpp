@@ -33,6 +33,14 @@ void ListModel::setHeading(int column, const QString& heading) {
     m_grid->SetText(column + 1, 0, heading);
 }
 
+void ListModel::setHeadings(const QStringList& headings) {
+    m_grid->showList(nullptr, 0);
+    m_headings = headings;
+    m_grid->setMaxCols(int(headings.size()));
+    for (int c = 0; c < headings.size(); ++c)
+        m_grid->SetText(c + 1, 0, headings.at(c));
+}
+
 void ListModel::setRows(QVector<QStringList> rows) {
     QVector<QVariantList> values;
     values.reserve(rows.size());
@@ -65,6 +73,10 @@ int ListModel::findRow(int column, const QString& value) {
 
 void ListModel::fillFrom(std::unique_ptr<QSqlQuery> query) {
     m_grid->showList(std::make_unique<QueryRows>(std::move(query)), -1);
+}
+
+void ListModel::fillFrom(std::unique_ptr<GridRowSource> rows) {
+    m_grid->showList(std::move(rows), -1);
 }
 
 bool ListModel::isFilling() const {

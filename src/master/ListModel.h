@@ -4,6 +4,7 @@
 // operator scrolls or between events, rows made by the screen are handed over whole. Rows and
 // columns count from 0 here, as the list screens count them; the grid counts from 1.
 
+#include "common/grid/GridRows.h"
 #include "storage/Database.h"
 
 #include <QObject>
@@ -28,6 +29,8 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const;
 
     void setHeading(int column, const QString& heading); // column from 0
+    // New headings, one column each; the list is emptied.
+    void setHeadings(const QStringList& headings);
     void setRows(QVector<QStringList> rows);
     void clear();
     // The text of a cell as the list shows it; empty outside.
@@ -38,6 +41,8 @@ public:
     // Rows read from an open forward-only query: the first page at once, the rest between
     // events, so a list of every trader opens at once and the window stays free.
     void fillFrom(std::unique_ptr<QSqlQuery> query);
+    // The same from any source of rows (a search that shapes its rows as the list shows them).
+    void fillFrom(std::unique_ptr<GridRowSource> rows);
     bool isFilling() const;
     // Reads what is left now (before anything that needs every row).
     void finishFilling();

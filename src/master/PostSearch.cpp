@@ -51,18 +51,24 @@ SqlPart PostSearchQuery(Database& db, const QString& text, const PostLimits& lim
     return part;
 }
 
+std::unique_ptr<QSqlQuery> OpenPostSearch(Database& postDb, const QString& text) {
+    const SqlPart query = PostSearchQuery(postDb, text, postLimits());
+    auto q = std::make_unique<QSqlQuery>(postDb.connection());
+    q->setForwardOnly(true);
+    if (!q->prepare(query.sql)) return nullptr;
+    for (const QVariant& v : query.values)
+        q->addBindValue(v);
+    if (!q->exec()) return nullptr;
+    return q;
+}
+
 QVector<QStringList> SearchPostBook(Database& postDb, const QString& text) {
     QVector<QStringList> rows;
-    const SqlPart query = PostSearchQuery(postDb, text, postLimits());
-    QSqlQuery q(postDb.connection());
-    q.setForwardOnly(true);
-    q.prepare(query.sql);
-    for (const QVariant& v : query.values)
-        q.addBindValue(v);
-    if (!q.exec()) return rows;
-    while (q.next())
-        rows.push_back({q.value(0).toString(), q.value(1).toString(), q.value(2).toString(),
-                        q.value(3).toString(), q.value(4).toString()});
+    const std::unique_ptr<QSqlQuery> q = OpenPostSearch(postDb, text);
+    if (!q) return rows;
+    while (q->next())
+        rows.push_back({q->value(0).toString(), q->value(1).toString(), q->value(2).toString(),
+                        q->value(3).toString(), q->value(4).toString()});
     return rows;
 }
 

@@ -4,9 +4,11 @@
 
 #include "master/SearchIndex.h"
 
+#include <QSqlQuery>
 #include <QString>
 #include <QStringList>
 #include <QVector>
+#include <memory>
 
 namespace nb {
 
@@ -22,6 +24,9 @@ PostLimits& postLimits();
 // postcodes containing them, Hangul finds towns (DONG) containing it, an empty text lists
 // all within the limits. Ordered by postcode, then by the order of the book.
 SqlPart PostSearchQuery(Database& db, const QString& text, const PostLimits& limits);
+// The search run forward-only on the postcode store file, for a list that reads its rows as they
+// are seen; null when the engine refused it.
+std::unique_ptr<QSqlQuery> OpenPostSearch(Database& postDb, const QString& text);
 // The rows (ZIPCODE, SIDO, GUGUN, DONG, BUNJI) from the postcode store file, opened for this
 // search; none when the file is missing.
 QVector<QStringList> SearchPostBook(const QString& text);

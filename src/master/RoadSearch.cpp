@@ -228,17 +228,17 @@ RoadAddress RoadAddressOfRow(const QSqlQuery& q) {
     return a;
 }
 
-RoadListModel::RoadListModel(QObject* parent) : QAbstractTableModel(parent), m_connection(connectionName()) {}
+RoadRows::RoadRows() : m_connection(connectionName()) {}
 
-RoadListModel::~RoadListModel() {
-    closeQuery();
+RoadRows::~RoadRows() {
+    m_query.reset();
     if (QSqlDatabase::contains(m_connection)) {
         QSqlDatabase::database(m_connection, false).close();
         QSqlDatabase::removeDatabase(m_connection);
     }
 }
 
-bool RoadListModel::openBook() {
+bool RoadRows::openBook() {
     QSqlDatabase db = QSqlDatabase::contains(m_connection)
                           ? QSqlDatabase::database(m_connection, false)
                           : QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
@@ -249,79 +249,54 @@ bool RoadListModel::openBook() {
     return db.open();
 }
 
-void RoadListModel::closeQuery() {
+bool RoadRows::search(const QString& text) {
     m_query.reset();
-}
-
-bool RoadListModel::search(const QString& text) {
-    beginResetModel();
-    closeQuery();
-    m_rows.clear();
-    bool ok = openBook();
-    if (ok) {
-        const SqlPart part = RoadSearchQuery(QSqlDatabase::database(m_connection, false), text);
-        m_query = std::make_unique<QSqlQuery>(QSqlDatabase::database(m_connection, false));
-        m_query->setForwardOnly(true);
-        ok = m_query->prepare(part.sql);
-        for (const QVariant& v : part.values)
-            m_query->addBindValue(v);
-        ok = ok && m_query->exec();
-        if (!ok) closeQuery();
-    }
-    endResetModel();
-    if (ok) readAtLeast(kPage);
+    if (!openBook()) return false;
+    const QSqlDatabase book = QSqlDatabase::database(m_connection, false);
+    const SqlPart part = RoadSearchQuery(book, text);
+    auto query = std::make_unique<QSqlQuery>(book);
+    query->setForwardOnly(true);
+    bool ok = query->prepare(part.sql);
+    for (const QVariant& v : part.values)
+        query->addBindValue(v);
+    ok = ok && query->exec();
+    if (ok) m_query = std::move(query);
     return ok;
 }
 
-void RoadListModel::readAtLeast(int count) {
-    while (m_query && m_rows.size() < count)
-        fetchMore(QModelIndex());
-}
-
-int RoadListModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : int(m_rows.size());
-}
-
-int RoadListModel::columnCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : 4;
-}
-
-QVariant RoadListModel::data(const QModelIndex& index, int role) const {
-    if (role != Qt::DisplayRole || !index.isValid() || index.row() >= m_rows.size()) return {};
-    const RoadAddress& a = m_rows.at(index.row());
-    switch (index.column()) {
-    case 0:
-        return a.zip;
-    case 1:
-        return RoadAddressText(a);
-    case 2:
-        return LotAddressText(a);
-    default:
-        return a.buildingName;
+bool RoadRows::nextAddress(RoadAddress& out) {
+    if (!m_query) return false;
+    if (!m_query->next()) {
+        m_query.reset(); // through: the statement lets go of the book
+        return false;
     }
+    out = RoadAddressOfRow(*m_query);
+    return true;
 }
 
-QVariant RoadListModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (role != Qt::DisplayRole || orientation != Qt::Horizontal) return {};
+bool RoadRows::next(QVariant* out, int count) {
+    RoadAddress a;
+    if (!nextAddress(a)) return false;
+    const QString texts[kRoadColumns] = {a.zip, RoadAddressText(a), LotAddressText(a), a.buildingName};
+    for (int c = 0; c < count && c < kRoadColumns; ++c)
+        out[c] = texts[c].isEmpty() ? QVariant() : QVariant(texts[c]);
+    return true;
+}
+
+const QStringList& RoadHeadings() {
     static const QStringList headings = {QStringLiteral("우편번호"), QStringLiteral("도로명 주소"),
                                          QStringLiteral("지번 주소"), QStringLiteral("건물명")};
-    return headings.value(section);
+    return headings;
 }
 
-bool RoadListModel::canFetchMore(const QModelIndex& parent) const {
-    return !parent.isValid() && m_query != nullptr;
-}
-
-void RoadListModel::fetchMore(const QModelIndex& parent) {
-    if (parent.isValid() || !m_query) return;
-    QVector<RoadAddress> page;
-    while (page.size() < kPage && m_query->next())
-        page << RoadAddressOfRow(*m_query);
-    if (page.size() < kPage) closeQuery(); // the search has no more rows
-    if (page.isEmpty()) return;
-    beginInsertRows(QModelIndex(), int(m_rows.size()), int(m_rows.size() + page.size() - 1));
-    m_rows << page;
-    endInsertRows();
+QVector<RoadAddress> SearchRoadBook(const QString& text, int most) {
+    RoadRows rows;
+    QVector<RoadAddress> found;
+    if (!rows.search(text)) return found;
+    RoadAddress a;
+    while (found.size() < most && rows.nextAddress(a))
+        found << a;
+    return found;
 }
 
 } // namespace nb

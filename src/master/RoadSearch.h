@@ -12,10 +12,10 @@
 // names hold the text ("아파트 12") is walked number first instead: the addresses of that
 // number in the book's order, each checked for the name.
 
+#include "common/grid/GridRows.h"
 #include "master/RoadBook.h"
 #include "master/SearchIndex.h"
 
-#include <QAbstractTableModel>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QVector>
@@ -43,34 +43,35 @@ inline constexpr int kManyNames = 5000;
 // A row of the statement as an address.
 RoadAddress RoadAddressOfRow(const QSqlQuery& q);
 
-// The rows of a search in the list, read a page at a time as the list is scrolled to them.
-class RoadListModel : public QAbstractTableModel {
-    Q_OBJECT
+// The rows of a search as the postcode list shows them (its list mode reads them forward as they
+// are seen): the postcode, the road-name address, the lot address and the building name. It
+// holds its own connection to the book, only reading, for as long as the list lives.
+class RoadRows : public GridRowSource {
 public:
-    explicit RoadListModel(QObject* parent = nullptr);
-    ~RoadListModel() override;
+    RoadRows();
+    ~RoadRows() override;
+    RoadRows(const RoadRows&) = delete;
+    RoadRows& operator=(const RoadRows&) = delete;
 
     // Runs the search; false (and no rows) when the book cannot be read.
     bool search(const QString& text);
-    // The rows read so far reach at least `count` (fewer when the search has no more).
-    void readAtLeast(int count);
-    const RoadAddress& address(int row) const { return m_rows.at(row); }
+    // The next address of the search; false when there are no more.
+    bool nextAddress(RoadAddress& out);
 
-    int rowCount(const QModelIndex& parent = QModelIndex()) const override;
-    int columnCount(const QModelIndex& parent = QModelIndex()) const override;
-    QVariant data(const QModelIndex& index, int role) const override;
-    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
-    bool canFetchMore(const QModelIndex& parent) const override;
-    void fetchMore(const QModelIndex& parent) override;
-
-    static constexpr int kPage = 100;
+    int width() const override { return kRoadColumns; }
+    bool next(QVariant* out, int count) override;
+    static constexpr int kRoadColumns = 4;
 
 private:
     bool openBook();
-    void closeQuery();
     QString m_connection;
     std::unique_ptr<QSqlQuery> m_query;
-    QVector<RoadAddress> m_rows;
 };
+// The list's headings, one a column of RoadRows.
+const QStringList& RoadHeadings();
+
+// The first `most` addresses a search finds, in the list's order; none when the book cannot be
+// read.
+QVector<RoadAddress> SearchRoadBook(const QString& text, int most);
 
 } // namespace nb

@@ -12,6 +12,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QScrollBar>
 #include <QTableView>
 
 using namespace nb;
@@ -52,6 +53,15 @@ QStringList plainZips(Database& db, const QString& text) {
     while (q.next())
         out << q.value(0).toString();
     return out;
+}
+
+// Towns 역삼1동 .. 역삼<count>동 under the postcodes 135001 ...
+void addManyTowns(int count) {
+    QList<QStringList> rows;
+    for (int i = 1; i <= count; ++i)
+        rows << QStringList{QString::number(135000 + i), "서울", "강남구", QStringLiteral("역삼%1동").arg(i),
+                            ""};
+    addPostRows(rows);
 }
 
 } // namespace
@@ -231,6 +241,56 @@ private Q_SLOTS:
         QCOMPARE(zip.text(), ChosenZip(chosen));
         QVERIFY(addr.text().startsWith(QStringLiteral("서울 강남구 역삼")));
         QVERIFY(!form.isVisible());
+    }
+    void theLastRowOfAListLongerThanAPageIsChosenByKeys() {
+        TestHome home;
+        QVERIFY(openStores());
+        script();
+        addManyTowns(300);
+        QLineEdit zip, addr;
+        FrmPost form;
+        form.SetObject(&zip, &addr);
+        int result = -1;
+        form.InitForm("역삼", result);
+        QCOMPARE(result, 2);
+        QCOMPARE(form.model()->rowCount(), ListModel::kFirstPage); // the rest read when seen
+        QVERIFY(form.model()->isFilling());
+        showActive(&form);
+        form.txtinput()->setFocus();
+        pressKey(form.txtinput(), Qt::Key_Down);
+        pressKey(form.grdList(), Qt::Key_End, Qt::ControlModifier);
+        QCOMPARE(form.model()->rowCount(), 300);
+        QCOMPARE(form.activeRow(), 299);
+        pressKey(form.grdList(), Qt::Key_Up);
+        pressKey(form.grdList(), Qt::Key_Down);
+        pressKey(form.grdList(), Qt::Key_Return);
+        QVERIFY(!form.isVisible());
+        QCOMPARE(zip.text(), QStringLiteral("135-300"));
+        QCOMPARE(addr.text(), QStringLiteral("서울 강남구 역삼300동"));
+    }
+    void theLastRowOfAListLongerThanAPageIsChosenByADoubleClick() {
+        TestHome home;
+        QVERIFY(openStores());
+        script();
+        addManyTowns(300);
+        QLineEdit zip, addr;
+        FrmPost form;
+        form.SetObject(&zip, &addr);
+        int result = -1;
+        form.InitForm("역삼", result);
+        showActive(&form);
+        QScrollBar* bar = form.grdList()->verticalScrollBar();
+        for (int i = 0; i < 50 && (form.model()->isFilling() || bar->value() < bar->maximum()); ++i) {
+            bar->setValue(bar->maximum());
+            QApplication::processEvents();
+        }
+        QCOMPARE(form.model()->rowCount(), 300);
+        const QRect last = form.grdList()->visualRect(form.grdList()->model()->index(299, 0));
+        QVERIFY(form.grdList()->viewport()->rect().contains(last.center()));
+        QTest::mouseDClick(form.grdList()->viewport(), Qt::LeftButton, {}, last.center());
+        QVERIFY(!form.isVisible());
+        QCOMPARE(zip.text(), QStringLiteral("135-300"));
+        QCOMPARE(addr.text(), QStringLiteral("서울 강남구 역삼300동"));
     }
     void escClosesWithoutWriting() {
         TestHome home;

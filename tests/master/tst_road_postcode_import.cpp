@@ -18,12 +18,9 @@ namespace {
 
 // Every road address a search lists, in its order.
 QStringList found(const QString& text) {
-    RoadListModel model;
-    model.search(text);
-    model.readAtLeast(100000);
     QStringList out;
-    for (int r = 0; r < model.rowCount(); ++r)
-        out << model.address(r).zip + u' ' + RoadAddressText(model.address(r));
+    for (const RoadAddress& a : SearchRoadBook(text, 100000))
+        out << a.zip + u' ' + RoadAddressText(a);
     return out;
 }
 

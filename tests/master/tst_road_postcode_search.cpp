@@ -18,6 +18,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QScrollBar>
 #include <QTableView>
 #include <functional>
 
@@ -32,14 +33,21 @@ void loadSmallBook(const TestHome& home) {
     QCOMPARE(ImportRoadBook({path}), 10);
 }
 
+// 450 addresses of one road: more than the list's first page.
+void loadLongRoad(const TestHome& home) {
+    QVector<RoadLine> lines;
+    for (int i = 1; i <= 450; ++i)
+        lines << roadLine("04524", "서울특별시", "중구", "세종대로", QString::number(i), "", "태평로1가", "",
+                          "명동");
+    QVERIFY(writeRoadFile(home.file("long.txt"), lines));
+    QCOMPARE(ImportRoadBook({home.file("long.txt")}), 450);
+}
+
 // Every address a search lists, in its order: "postcode road-name address".
 QStringList found(const QString& text) {
-    RoadListModel model;
-    model.search(text);
-    model.readAtLeast(1000000);
     QStringList out;
-    for (int r = 0; r < model.rowCount(); ++r)
-        out << model.address(r).zip + u' ' + RoadAddressText(model.address(r));
+    for (const RoadAddress& a : SearchRoadBook(text, 1000000))
+        out << a.zip + u' ' + RoadAddressText(a);
     return out;
 }
 
@@ -187,10 +195,12 @@ private Q_SLOTS:
         loadSmallBook(home);
         for (const char* text : {"로", "동", "역", "삼", "누리", "신문", "중신", "대로", "빌딩", "새문안",
                                  "중신마을", "없는길"}) {
-            RoadListModel model;
-            QVERIFY(model.search(QString::fromUtf8(text)));
-            model.readAtLeast(1000);
-            QCOMPARE(model.rowCount(), int(plainFound(QString::fromUtf8(text)).size()));
+            RoadRows rows;
+            QVERIFY(rows.search(QString::fromUtf8(text)));
+            int count = 0;
+            for (RoadAddress a; rows.nextAddress(a);)
+                ++count;
+            QCOMPARE(count, int(plainFound(QString::fromUtf8(text)).size()));
         }
         QCOMPARE(found("로").size(), 8); // all but the two of 중신길
     }
@@ -266,27 +276,74 @@ private Q_SLOTS:
         TestHome home;
         QVERIFY(openStores());
         script();
-        QVector<RoadLine> lines;
-        for (int i = 1; i <= 450; ++i)
-            lines << roadLine("04524", "서울특별시", "중구", "세종대로", QString::number(i), "", "태평로1가",
-                              "", "명동");
-        QVERIFY(writeRoadFile(home.file("long.txt"), lines));
-        QCOMPARE(ImportRoadBook({home.file("long.txt")}), 450);
+        loadLongRoad(home);
         FrmPost form;
         QVERIFY(form.searchesRoadBook());
         int result = -1;
         form.InitForm("세종대로", result);
         QCOMPARE(result, 2);
-        QCOMPARE(form.roadModel()->rowCount(), RoadListModel::kPage);
-        QVERIFY(form.roadModel()->canFetchMore({}));
+        QCOMPARE(form.model()->rowCount(), ListModel::kFirstPage);
+        QVERIFY(form.model()->isFilling());
         showActive(&form);
-        form.roadList()->setFocus();
-        pressKey(form.roadList(), Qt::Key_End, Qt::ControlModifier);
-        QTRY_VERIFY(form.roadModel()->rowCount() > RoadListModel::kPage);
-        for (int i = 0; i < 10 && form.roadModel()->canFetchMore({}); ++i)
-            pressKey(form.roadList(), Qt::Key_End, Qt::ControlModifier);
-        QCOMPARE(form.roadModel()->rowCount(), 450);
-        QVERIFY(!form.roadModel()->canFetchMore({}));
+        for (int i = 0; i < 20; ++i)
+            QApplication::processEvents();
+        QCOMPARE(form.model()->rowCount(), ListModel::kFirstPage); // nothing read that is not seen
+        QScrollBar* bar = form.grdList()->verticalScrollBar();
+        for (int i = 0; i < 50 && form.model()->isFilling(); ++i) {
+            bar->setValue(bar->maximum());
+            QApplication::processEvents();
+        }
+        QCOMPARE(form.model()->rowCount(), 450);
+        QVERIFY(!form.model()->isFilling());
+        QCOMPARE(form.model()->text(449, 1), QStringLiteral("서울특별시 중구 세종대로 450"));
+    }
+    void theLastRowOfAListLongerThanAPageIsChosenByKeys() {
+        TestHome home;
+        QVERIFY(openStores());
+        script();
+        loadLongRoad(home);
+        QLineEdit zip, addr;
+        FrmPost form;
+        form.SetObject(&zip, &addr);
+        int result = -1;
+        form.InitForm("세종대로", result);
+        QCOMPARE(result, 2);
+        showActive(&form);
+        form.txtinput()->setFocus();
+        pressKey(form.txtinput(), Qt::Key_Down);
+        QCOMPARE(focused(), form.grdList());
+        pressKey(form.grdList(), Qt::Key_End, Qt::ControlModifier);
+        QCOMPARE(form.activeRow(), 449);
+        pressKey(form.grdList(), Qt::Key_Up);
+        pressKey(form.grdList(), Qt::Key_Down);
+        pressKey(form.grdList(), Qt::Key_Return);
+        QVERIFY(!form.isVisible());
+        QCOMPARE(zip.text(), QStringLiteral("04524"));
+        QCOMPARE(addr.text(), QStringLiteral("서울특별시 중구 세종대로 450"));
+    }
+    void theLastRowOfAListLongerThanAPageIsChosenByADoubleClick() {
+        TestHome home;
+        QVERIFY(openStores());
+        script();
+        loadLongRoad(home);
+        QLineEdit zip, addr;
+        FrmPost form;
+        form.SetObject(&zip, &addr);
+        int result = -1;
+        form.InitForm("세종대로", result);
+        showActive(&form);
+        QScrollBar* bar = form.grdList()->verticalScrollBar();
+        for (int i = 0; i < 50 && (form.model()->isFilling() || bar->value() < bar->maximum()); ++i) {
+            bar->setValue(bar->maximum());
+            QApplication::processEvents();
+        }
+        QCOMPARE(form.model()->rowCount(), 450);
+        const QRect last = form.grdList()->visualRect(form.grdList()->model()->index(449, 0));
+        QVERIFY(form.grdList()->viewport()->rect().contains(last.center()));
+        QTest::mouseDClick(form.grdList()->viewport(), Qt::LeftButton, {}, last.center());
+        QVERIFY(!form.isVisible());
+        QCOMPARE(zip.text(), QStringLiteral("04524"));
+        QCOMPARE(addr.text(), QStringLiteral("서울특별시 중구 세종대로 450"));
     }
 
     // ---- the screen ----
@@ -321,16 +378,16 @@ private Q_SLOTS:
         form.txtinput()->setFocus();
         typeText(form.txtinput(), "누리대로");
         pressKey(form.txtinput(), Qt::Key_Return);
-        QCOMPARE(form.roadModel()->rowCount(), 3);
+        QCOMPARE(form.model()->rowCount(), 3);
+        QCOMPARE(form.model()->headerData(1, Qt::Horizontal), QVariant(QStringLiteral("도로명 주소")));
         QCOMPARE(form.hintPanel()->text(),
                  QStringLiteral("도로명, 건물명, 읍/면/동이나 지번으로 검색하세요. [전체검색 : 빈칸]"));
         saveScreenshot(&form, "frm_post_road");
-        QVERIFY(form.roadList()->isVisible());
-        QVERIFY(!form.grdList()->isVisible());
+        QVERIFY(form.grdList()->isVisible());
         pressKey(form.txtinput(), Qt::Key_Down);
-        QCOMPARE(focused(), form.roadList());
-        pressKey(form.roadList(), Qt::Key_Down);
-        pressKey(form.roadList(), Qt::Key_Return);
+        QCOMPARE(focused(), form.grdList());
+        pressKey(form.grdList(), Qt::Key_Down);
+        pressKey(form.grdList(), Qt::Key_Return);
         QVERIFY(!form.isVisible());
         QCOMPARE(zip.text(), QStringLiteral("06236"));
         QCOMPARE(addr.text(), QStringLiteral("서울특별시 강남구 누리대로 12"));
@@ -361,8 +418,8 @@ private Q_SLOTS:
             QCOMPARE(addr.text(), QStringLiteral("서울 강남구 역삼동"));
             form.chkRoadBook()->setChecked(true);
             QCOMPARE(GetEnv(kRoadBookSetting), QStringLiteral("도로명"));
-            QVERIFY(!form.roadList()->isHidden());
-            QVERIFY(form.grdList()->isHidden());
+            QCOMPARE(form.model()->columnCount(), RoadRows::kRoadColumns);
+            QCOMPARE(form.model()->headerData(0, Qt::Horizontal), QVariant(QStringLiteral("우편번호")));
         }
         FrmPost again;
         QVERIFY(again.searchesRoadBook());

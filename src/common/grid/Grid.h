@@ -94,6 +94,8 @@ public:
 
     // ---- list mode (see the top of this file) ----------------------------------------------
     void showList(std::unique_ptr<GridRowSource> rows, int knownRows = -1);
+    // See GridModel::setReadsAhead; for the lists shown after it.
+    void setReadsAhead(bool on) { m_model->setReadsAhead(on); }
     bool isList() const { return m_model->isList(); }
     // Whether rows of the list are still to be read.
     bool isReading() const { return m_model->isReading(); }

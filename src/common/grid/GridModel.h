@@ -87,6 +87,10 @@ public:
     // knownRows, when the screen counted them, gives MaxRows at once; -1 lets MaxRows grow as
     // the rows come.
     void showList(std::unique_ptr<GridRowSource> source, int knownRows);
+    // Whether the rows after the first page are also read between events (the default), or
+    // only as the view scrolls to them or a cell asks: for a list that may hold more rows than
+    // memory should.
+    void setReadsAhead(bool on) { m_readsAhead = on; }
     bool isReading() const { return m_list && m_list->reading(); }
     // Whether maxRows() already counts every row (always outside list mode).
     bool rowsKnown() const { return !m_list || m_list->countKnown(); }
@@ -175,6 +179,7 @@ private:
     std::unique_ptr<GridList> m_list;
     int m_viewRows = 0; // the rows the view has been told of, in list mode
     QTimer* m_pager = nullptr;
+    bool m_readsAhead = true;
 };
 
 } // namespace nb

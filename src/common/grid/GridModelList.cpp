@@ -15,7 +15,7 @@ void GridModel::showList(std::unique_ptr<GridRowSource> source, int knownRows) {
     m_list->readPage(kFirstPage);
     m_viewRows = m_list->rows();
     endResetModel();
-    if (m_list->reading()) m_pager->start();
+    if (m_list->reading() && m_readsAhead) m_pager->start();
 }
 
 // Tells the view how many rows there are now, by the book: it is told before it asks again.
