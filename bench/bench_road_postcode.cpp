@@ -89,7 +89,7 @@ QString firstPageSql(const SqlPart& part) {
         sql.replace(at, 1, literal);
         from = at + literal.size();
     }
-    return sql + QStringLiteral(" LIMIT %1").arg(RoadListModel::kPage);
+    return sql + QStringLiteral(" LIMIT %1").arg(ListModel::kFirstPage);
 }
 
 } // namespace
@@ -130,13 +130,10 @@ int main(int argc, char** argv) {
         form.show();
         int result = 0;
         form.InitForm(text, result);
-        const double screen = bench::medianMs([&] {
-            form.InitForm(text, result);
-            form.roadList()->viewport()->repaint();
-        });
+        const double screen = bench::medianFirstPaintFreeMs(&form, [&] { form.InitForm(text, result); });
         const double cli = bench::cliMs(RoadBookFile(), firstPageSql(RoadSearchQuery(book, text)));
         std::printf("%-16s %7d  %10.2f  %10.2f  %6.2f\n", qPrintable(text.isEmpty() ? "(blank)" : text),
-                    form.roadModel()->rowCount(), screen, cli, cli > 0 ? screen / cli : 0.0);
+                    form.model()->rowCount(), screen, cli, cli > 0 ? screen / cli : 0.0);
     }
     // A window opened afresh: the book's connection is made by its first search.
     const double fresh = bench::medianMs([&] {
@@ -145,7 +142,7 @@ int main(int argc, char** argv) {
         form.show();
         int result = 0;
         form.InitForm(QStringLiteral("가나로"), result);
-        form.roadList()->viewport()->repaint();
+        form.grdList()->viewport()->repaint();
     });
     std::printf("a new window's first search (가나로), window included: %.2f ms\n", fresh);
     return 0;

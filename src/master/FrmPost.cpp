@@ -50,7 +50,7 @@ FrmPost::FrmPost(QWidget* parent) : MasterListForm(postHeadings(), parent) {
     useBook(m_roadBook->isChecked());
 }
 
-// The lists read from an open statement: let it go before the book it reads is closed.
+// The list reads from an open statement: it lets go before the book it reads is closed.
 FrmPost::~FrmPost() {
     model()->clear();
 }
@@ -98,7 +98,7 @@ void FrmPost::searchPostBook(const QString& text) {
 
 void FrmPost::searchRoadBook(const QString& text) {
     model()->clear();
-    auto rows = std::make_unique<RoadRows>();
+    auto rows = std::make_unique<RoadRows>(m_roadBookFile.database());
     if (rows->search(text)) model()->fillFrom(std::move(rows));
 }
 

@@ -5,6 +5,7 @@
 // and hands over the five-digit postcode and the road-name address.
 
 #include "master/MasterListForm.h"
+#include "master/RoadSearch.h"
 
 class QCheckBox;
 
@@ -46,8 +47,9 @@ private:
     QPushButton* m_find = nullptr;
     QCheckBox* m_roadBook = nullptr;
     QPointer<QLineEdit> m_addrTarget;
-    // The six-digit book, opened by the first search and kept while its rows are read.
+    // The two books, each opened by its first search and kept while the list reads its rows.
     Database m_postBook;
+    RoadBookConnection m_roadBookFile;
 };
 
 // The caller's side, the same in the supplier and trader screens: search with the trimmed

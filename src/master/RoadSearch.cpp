@@ -228,33 +228,31 @@ RoadAddress RoadAddressOfRow(const QSqlQuery& q) {
     return a;
 }
 
-RoadRows::RoadRows() : m_connection(connectionName()) {}
+RoadBookConnection::RoadBookConnection() : m_name(connectionName()) {}
 
-RoadRows::~RoadRows() {
-    m_query.reset();
-    if (QSqlDatabase::contains(m_connection)) {
-        QSqlDatabase::database(m_connection, false).close();
-        QSqlDatabase::removeDatabase(m_connection);
-    }
+RoadBookConnection::~RoadBookConnection() {
+    if (!QSqlDatabase::contains(m_name)) return;
+    QSqlDatabase::database(m_name, false).close();
+    QSqlDatabase::removeDatabase(m_name);
 }
 
-bool RoadRows::openBook() {
-    QSqlDatabase db = QSqlDatabase::contains(m_connection)
-                          ? QSqlDatabase::database(m_connection, false)
-                          : QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
-    if (db.isOpen()) return true;
-    // Only read: the book is replaced whole by the next import, never changed in place.
-    db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
-    db.setDatabaseName(RoadBookFile());
-    return db.open();
+QSqlDatabase RoadBookConnection::database() {
+    QSqlDatabase db = QSqlDatabase::contains(m_name)
+                          ? QSqlDatabase::database(m_name, false)
+                          : QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
+    if (!db.isOpen()) {
+        db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+        db.setDatabaseName(RoadBookFile());
+        db.open();
+    }
+    return db;
 }
 
 bool RoadRows::search(const QString& text) {
     m_query.reset();
-    if (!openBook()) return false;
-    const QSqlDatabase book = QSqlDatabase::database(m_connection, false);
-    const SqlPart part = RoadSearchQuery(book, text);
-    auto query = std::make_unique<QSqlQuery>(book);
+    if (!m_book.isOpen()) return false;
+    const SqlPart part = RoadSearchQuery(m_book, text);
+    auto query = std::make_unique<QSqlQuery>(m_book);
     query->setForwardOnly(true);
     bool ok = query->prepare(part.sql);
     for (const QVariant& v : part.values)
@@ -290,12 +288,14 @@ const QStringList& RoadHeadings() {
 }
 
 QVector<RoadAddress> SearchRoadBook(const QString& text, int most) {
-    RoadRows rows;
+    RoadBookConnection book;
     QVector<RoadAddress> found;
-    if (!rows.search(text)) return found;
-    RoadAddress a;
-    while (found.size() < most && rows.nextAddress(a))
-        found << a;
+    {
+        RoadRows rows(book.database());
+        RoadAddress a;
+        for (bool more = rows.search(text); more && found.size() < most && rows.nextAddress(a);)
+            found << a;
+    }
     return found;
 }
 

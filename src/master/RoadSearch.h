@@ -43,15 +43,27 @@ inline constexpr int kManyNames = 5000;
 // A row of the statement as an address.
 RoadAddress RoadAddressOfRow(const QSqlQuery& q);
 
+// A connection to the road-name book that only reads (the book is replaced whole by the next
+// import, never changed in place), opened on first use and closed with this object.
+class RoadBookConnection {
+public:
+    RoadBookConnection();
+    ~RoadBookConnection();
+    RoadBookConnection(const RoadBookConnection&) = delete;
+    RoadBookConnection& operator=(const RoadBookConnection&) = delete;
+    // The open connection; a closed one when the book cannot be read.
+    QSqlDatabase database();
+
+private:
+    QString m_name;
+};
+
 // The rows of a search as the postcode list shows them (its list mode reads them forward as they
-// are seen): the postcode, the road-name address, the lot address and the building name. It
-// holds its own connection to the book, only reading, for as long as the list lives.
+// are seen): the postcode, the road-name address, the lot address and the building name. The
+// connection must outlive the rows.
 class RoadRows : public GridRowSource {
 public:
-    RoadRows();
-    ~RoadRows() override;
-    RoadRows(const RoadRows&) = delete;
-    RoadRows& operator=(const RoadRows&) = delete;
+    explicit RoadRows(const QSqlDatabase& book) : m_book(book) {}
 
     // Runs the search; false (and no rows) when the book cannot be read.
     bool search(const QString& text);
@@ -63,8 +75,7 @@ public:
     static constexpr int kRoadColumns = 4;
 
 private:
-    bool openBook();
-    QString m_connection;
+    QSqlDatabase m_book;
     std::unique_ptr<QSqlQuery> m_query;
 };
 // The list's headings, one a column of RoadRows.

@@ -195,7 +195,8 @@ private Q_SLOTS:
         loadSmallBook(home);
         for (const char* text : {"로", "동", "역", "삼", "누리", "신문", "중신", "대로", "빌딩", "새문안",
                                  "중신마을", "없는길"}) {
-            RoadRows rows;
+            RoadBookConnection book;
+            RoadRows rows(book.database());
             QVERIFY(rows.search(QString::fromUtf8(text)));
             int count = 0;
             for (RoadAddress a; rows.nextAddress(a);)
