@@ -55,7 +55,7 @@ const QString kFormRead = QStringLiteral(
     "SUM(Supply) AS Supply, SUM(Tax) AS Tax FROM Receivers GROUP BY Part "
     "UNION ALL SELECT * FROM (SELECT 4 AS Kind, t.Serial, t.C_Name, 1, r.Invoices, r.Supply, r.Tax "
     "FROM Receivers r LEFT JOIN basic.Trader t ON t.Code = r.FirstCode WHERE r.Part = 2 "
-    "ORDER BY r.FirstCode LIMIT ? OFFSET ?) Listed");
+    "ORDER BY r.FirstCode NULLS FIRST LIMIT ? OFFSET ?) Listed");
 
 } // namespace
 
