@@ -1,6 +1,7 @@
 #include "storage/Database.h"
 
 #include "common/Messages.h"
+#include "storage/StoreEngine.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -41,6 +42,9 @@ int engineCodeOf(const QSqlError& error) {
 // Statements a connection runs for itself: answered, never counted.
 bool runInternal(const QSqlDatabase& db, const QString& sql, const QVariantList& values = {}) {
     QSqlQuery q(db);
+    // The server prepares only queries and changes of rows: a statement without values runs
+    // as it is.
+    if (values.isEmpty()) return q.exec(sql);
     if (!q.prepare(sql)) return false;
     for (const QVariant& v : values)
         q.addBindValue(v);
@@ -73,6 +77,7 @@ bool isBusyCode(int engineCode) {
 
 QString storeFaultText(int engineCode, const QString& engineText) {
     const QString text = engineText.toLower();
+    if (engineCode == kServerUnreachableCode) return serverUnreachableText();
     switch (engineCode & 0xFF) {
     case kSqliteFull:
     case kSqliteIoErr:
@@ -97,7 +102,7 @@ QString storeFaultText(int engineCode, const QString& engineText) {
             return QStringLiteral(
                 "같은 번호(코드)의 자료가 이미 있어 저장하지 못했습니다. 번호를 확인하고 다시 "
                 "입력하십시오.");
-        if (text.contains(QStringLiteral("not null")))
+        if (text.contains(QStringLiteral("not null")) || text.contains(QStringLiteral("not-null")))
             return QStringLiteral(
                 "반드시 입력해야 할 값이 비어 있어 저장하지 못했습니다. 빈 칸을 채우고 다시 "
                 "저장하십시오.");
@@ -113,6 +118,7 @@ QString storeFaultText(int engineCode, const QString& engineText) {
 }
 
 void ReportQueryFailure(int errorNumber, const QString& description, const QString& sql, int engineCode) {
+    if (quietRetryWanted()) return;
     switch (errorNumber) {
     case ErrSyntax:
         ShowInfo(QStringLiteral("Jet Data Base Engine의 식을 확인하세요.\r") + sql, QStringLiteral("Query"));
@@ -137,6 +143,7 @@ void ReportSaveFailure(const Database& db, const QString& headline) {
 }
 
 void ReportSaveFailure(int engineCode, const QString& engineText, const QString& headline) {
+    if (quietRetryWanted()) return;
     const QString first = headline.isEmpty() ? QStringLiteral("자료를 저장하지 못했습니다.") : headline;
     ShowInfo(first + u'\r' + storeFaultText(engineCode, engineText) + QStringLiteral("\r\r") + engineText,
              QStringLiteral("저장 오류"));
@@ -187,6 +194,8 @@ QString likeLiteral(const QString& text) {
 }
 
 QString quoteName(const QString& name) {
+    // On the server the statement's quoted names are folded to lower case as its tables and
+    // columns are made (serverStatement), so a quoted and a plain name reach the same.
     return u'"' + QString(name).replace(u'"', QStringLiteral("\"\"")) + u'"';
 }
 
@@ -204,6 +213,10 @@ bool Database::isOpen() const {
 
 QSqlDatabase Database::connection() const {
     return QSqlDatabase::database(m_connection, false);
+}
+
+QString Database::statementFor(const QString& sql, const QVariantList& values) const {
+    return m_server ? serverStatement(sql, values) : sql;
 }
 
 // Opens the connection on path. Reading the schema is the first real read, so a file that is
@@ -232,6 +245,8 @@ bool Database::connect(const QString& path, bool creating) {
 
 bool Database::open(const QString& path, bool exclusive) {
     close();
+    const QString schema = serverSchemaOf(path);
+    if (!schema.isEmpty()) return connectServer(path, schema, false);
     if (!QFileInfo(path).isFile() || !connect(path, false)) return false;
     if (exclusive) runInternal(connection(), QStringLiteral("PRAGMA locking_mode=EXCLUSIVE"));
     return true;
@@ -239,6 +254,10 @@ bool Database::open(const QString& path, bool exclusive) {
 
 bool Database::create(const QString& path) {
     close();
+    const QString schema = serverSchemaOf(path);
+    if (!schema.isEmpty())
+        return connectServer(path, schema, true) &&
+               (runInternal(connection(), QStringLiteral("CREATE SCHEMA ") + schema) || (close(), false));
     return !QFileInfo::exists(path) && connect(path, true);
 }
 
@@ -252,24 +271,39 @@ void Database::close() {
     m_connection.clear();
     m_path.clear();
     m_savepoints.clear();
+    m_server = false;
+    m_schema.clear();
+    m_failedDepth = 0;
 }
 
 void Database::setBusyTimeout(int millis) {
     m_busyWaitMillis = qMax(0, millis);
+    if (m_server && isOpen()) applyLockTimeout();
 }
 
+void clearRetryableFailure(); // DatabaseServer.cpp
+
 void Database::noteFailure(int number, const QString& description, int engineCode) {
+    clearRetryableFailure();
     m_lastErrorNumber = number;
     m_lastErrorDescription = description;
     m_lastEngineCode = engineCode;
+    m_lastSqlState.clear();
 }
 
 void Database::noteFailure(const QSqlError& error) {
+    if (m_server) {
+        noteServerFailure(error);
+        return;
+    }
     const int code = engineCodeOf(error);
     noteFailure(errorNumberFor(error.databaseText(), code), descriptionOf(error), code);
 }
 
 bool Database::run(QSqlQuery& q, const QString& sql, const QVariantList& values) {
+    // After a failed statement the server has dropped the transaction's work: nothing more
+    // runs in it, and the failure that broke it stays the one reported.
+    if (m_server && m_failedDepth > 0) return false;
     noteFailure(ErrNone, QString());
     if (!isOpen()) {
         noteFailure(ErrNotOpened, QStringLiteral("Object variable or With block variable not set"));
@@ -280,15 +314,25 @@ bool Database::run(QSqlQuery& q, const QString& sql, const QVariantList& values)
     // again until the busy wait is over. Inside one the write lock is already held.
     QElapsedTimer waited;
     waited.start();
+    const QString statement = statementFor(sql, values);
+    // The server prepares only queries and changes of rows: a statement without values (a
+    // CREATE, an ALTER) runs as it is.
+    const bool direct = m_server && values.isEmpty();
     for (;;) {
-        bool ok = q.prepare(sql);
-        if (ok) {
-            for (const QVariant& v : values)
-                q.addBindValue(v);
+        bool ok = direct || q.prepare(statement);
+        if (direct) {
+            ok = q.exec(statement);
+        } else if (ok) {
+            bindValues(q, values);
             ok = q.exec();
         }
         if (ok) return true;
         noteFailure(q.lastError());
+        if (m_server) {
+            // The server drops the whole transaction's work at a failed statement.
+            if (inTransaction() && m_failedDepth == 0) m_failedDepth = int(m_savepoints.size());
+            return false;
+        }
         if (inTransaction() || !isBusyCode(m_lastEngineCode) || waited.elapsed() >= m_busyWaitMillis)
             return false;
         q.finish();
@@ -322,12 +366,14 @@ bool Database::Execute(const QString& sql, const QVariantList& values) {
 }
 
 bool Database::attach(const QString& filePath, const QString& alias) {
+    if (m_server) return isOpen() && serverSchemaOf(filePath) == alias;
     if (!isOpen() || !QFileInfo(filePath).isFile()) return false;
     return runInternal(connection(), QStringLiteral("ATTACH DATABASE ? AS ") + quoteName(alias), {filePath});
 }
 
 void Database::detach(const QString& alias) {
-    if (isOpen()) runInternal(connection(), QStringLiteral("DETACH DATABASE ") + quoteName(alias));
+    if (isOpen() && !m_server)
+        runInternal(connection(), QStringLiteral("DETACH DATABASE ") + quoteName(alias));
 }
 
 bool Database::runControl(const QString& sql, bool waitWhileBusy) {
@@ -352,6 +398,7 @@ bool Database::beginTransaction() {
         return false;
     }
     if (m_savepoints.isEmpty()) {
+        if (m_server) return beginOnServer();
         if (!runControl(QStringLiteral("BEGIN IMMEDIATE"), true)) return false;
         m_savepoints << QString();
         return true;
@@ -367,7 +414,8 @@ bool Database::beginTransaction() {
 // every later save would nest in it and vanish with it.
 bool Database::commitOutermost() {
     m_savepoints.clear();
-    if (runControl(QStringLiteral("COMMIT"), true)) return true;
+    if (m_failedDepth > 0) return abandonFailedTransaction();
+    if (runControl(QStringLiteral("COMMIT"), !m_server)) return true;
     const int number = m_lastErrorNumber;
     const int code = m_lastEngineCode;
     const QString description = m_lastErrorDescription;
@@ -380,6 +428,20 @@ bool Database::commitOutermost() {
 bool Database::commit() {
     if (!isOpen() || m_savepoints.isEmpty()) return false;
     if (m_savepoints.size() == 1) return commitOutermost();
+    if (m_failedDepth > 0 && m_failedDepth >= int(m_savepoints.size())) {
+        // The savepoint's work failed on the server: it is rolled back, and the outer part
+        // carries on as a failed savepoint does on the files.
+        const int number = m_lastErrorNumber;
+        const QString description = m_lastErrorDescription;
+        const int code = m_lastEngineCode;
+        const QString state = m_lastSqlState;
+        rollback();
+        m_lastErrorNumber = number;
+        m_lastErrorDescription = description;
+        m_lastEngineCode = code;
+        m_lastSqlState = state;
+        return false;
+    }
     const QString name = m_savepoints.last();
     if (runControl(QStringLiteral("RELEASE ") + name, false)) {
         m_savepoints.removeLast();
@@ -392,6 +454,7 @@ bool Database::commit() {
 void Database::rollback() {
     if (!isOpen() || m_savepoints.isEmpty()) return;
     const QString name = m_savepoints.takeLast();
+    if (m_failedDepth > int(m_savepoints.size())) m_failedDepth = 0;
     QSqlQuery q(connection());
     if (name.isEmpty()) {
         q.exec(QStringLiteral("ROLLBACK"));
@@ -405,6 +468,7 @@ void Database::rollback() {
 
 bool Database::hasTable(const QString& table) const {
     if (!isOpen()) return false;
+    if (m_server) return serverHasTable(table);
     QSqlQuery q(connection());
     q.exec(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'"));
     while (q.next())
@@ -415,6 +479,7 @@ bool Database::hasTable(const QString& table) const {
 QStringList Database::columns(const QString& table) const {
     QStringList out;
     if (!isOpen()) return out;
+    if (m_server) return serverColumns(table);
     QSqlQuery q(connection());
     q.prepare(QStringLiteral("SELECT name FROM pragma_table_info(?)"));
     q.addBindValue(table);
@@ -430,6 +495,7 @@ bool Database::hasColumn(const QString& table, const QString& column) const {
 
 QString Database::columnType(const QString& table, const QString& column) const {
     if (!isOpen()) return {};
+    if (m_server) return serverDeclaredType(table, column);
     QSqlQuery q(connection());
     q.prepare(QStringLiteral("SELECT name, type FROM pragma_table_info(?)"));
     q.addBindValue(table);
@@ -442,6 +508,7 @@ QString Database::columnType(const QString& table, const QString& column) const 
 QList<IndexInfo> Database::indexes(const QString& table) const {
     QList<IndexInfo> out;
     if (!isOpen()) return out;
+    if (m_server) return serverIndexes(table);
     QSqlQuery q(connection());
     q.prepare(QStringLiteral("SELECT name, \"unique\", origin FROM pragma_index_list(?)"));
     q.addBindValue(table);
@@ -461,6 +528,7 @@ QList<IndexInfo> Database::indexes(const QString& table) const {
 
 bool Database::hasIndex(const QString& indexName) const {
     if (!isOpen()) return false;
+    if (m_server) return serverHasRelation(indexName, 'i');
     QSqlQuery q(connection());
     q.prepare(QStringLiteral("SELECT 1 FROM sqlite_master WHERE type = 'index' AND name = ? COLLATE NOCASE"));
     q.addBindValue(indexName);
@@ -469,6 +537,7 @@ bool Database::hasIndex(const QString& indexName) const {
 
 bool Database::hasTrigger(const QString& triggerName) const {
     if (!isOpen()) return false;
+    if (m_server) return serverHasTrigger(triggerName);
     QSqlQuery q(connection());
     q.prepare(
         QStringLiteral("SELECT 1 FROM sqlite_master WHERE type = 'trigger' AND name = ? COLLATE NOCASE"));
@@ -479,6 +548,11 @@ bool Database::hasTrigger(const QString& triggerName) const {
 bool Database::hasPrimaryIndex(const QString& table) const {
     if (!isOpen()) return false;
     // A rowid PRIMARY KEY (INTEGER PRIMARY KEY) has no entry among the indexes.
+    if (m_server) {
+        for (const IndexInfo& index : indexes(table))
+            if (isPrimaryIndex(table, index)) return true;
+        return false;
+    }
     QSqlQuery q(connection());
     q.prepare(QStringLiteral("SELECT 1 FROM pragma_table_info(?) WHERE pk > 0"));
     q.addBindValue(table);

@@ -11,6 +11,7 @@
 #include <QStringList>
 #include <QVariant>
 #include <QVariantList>
+#include <functional>
 #include <vector>
 
 namespace nb {
@@ -62,13 +63,28 @@ public:
     bool isOpen() const;
     QString path() const { return m_path; }
     QSqlDatabase connection() const;
+    // True when this store is a schema of the seat's server database (StoreEngine.h).
+    bool onServer() const { return m_server; }
+    QString serverSchema() const { return m_schema; }
+    // The statement as this connection's engine takes it (the files' as written); for callers
+    // that run a QSqlQuery of their own on connection().
+    QString statementFor(const QString& sql, const QVariantList& values = {}) const;
+    // Binds the values in order as this connection's engine takes them (the files' as given).
+    void bindValues(QSqlQuery& query, const QVariantList& values) const;
 
     // Opens an existing file shared, read and write (exclusive: no other connection may use
-    // it); false (and no box) when it is missing or no store file.
+    // it); false (and no box) when it is missing or no store file. A store of the seat on the
+    // server opens its schema (exclusive does not apply); false when the schema is not there
+    // or the server cannot be reached (lastError...() says which).
     bool open(const QString& path, bool exclusive = false);
     // Creates a new, empty store file (WAL journal) and opens it; false when it exists. Its
-    // writes are not flushed one by one: whoever creates a file flushes it when complete.
+    // writes are not flushed one by one: whoever creates a file flushes it when complete. On
+    // the server the store's schema is made; false when it exists.
     bool create(const QString& path);
+    // On the server: connects to a store whose schema does not exist yet and begins the one
+    // transaction that makes it, so that its commit lays the store down whole or not at all.
+    // False when the schema exists or the server cannot be reached.
+    bool beginNewServerStore(const QString& path);
     void close();
     // How long a save waits for another connection (another running copy) to finish its
     // write before it is refused as busy. The wait is taken in short slices with the
@@ -89,14 +105,19 @@ public:
     // Number and description of the last failure (0 / empty after a success).
     int lastErrorNumber() const { return m_lastErrorNumber; }
     QString lastErrorDescription() const { return m_lastErrorDescription; }
-    // The engine's own result code of the last failure (SQLITE_FULL, ...), 0 when none.
+    // The engine's own result code of the last failure (SQLITE_FULL, ...), 0 when none. A
+    // server's failure reads as the file engine's code of the same cause (StoreEngine.h).
     int lastEngineCode() const { return m_lastEngineCode; }
+    // The server's SQLSTATE of the last failure ("40P01"); empty on files and after a success.
+    QString lastSqlState() const { return m_lastSqlState; }
     // Statements run through Execute, tryExecute and the recordset helpers since the file was
     // opened. Schema questions below and transaction control are not counted.
     int statementsRun() const { return m_statementsRun; }
 
     // Makes another store file's tables reachable as alias.Table in this connection's
-    // statements (the two cross-file queries). The file must exist.
+    // statements (the two cross-file queries). The file must exist. On the server every store
+    // is a schema of the same database, reachable already: the path must name the store whose
+    // schema is alias.
     bool attach(const QString& filePath, const QString& alias);
     void detach(const QString& alias);
 
@@ -106,6 +127,9 @@ public:
     // Transactions nest (an inner one is a savepoint of the outer). A failed commit rolls the
     // transaction back and answers false: nothing of the save stays, nothing stays open.
     // Failures are noted in lastError...() and show no box: the caller shows the save's.
+    // On the server the outermost one takes the store's writer lock (an advisory lock held to
+    // the transaction's end) right after BEGIN, waiting at most the busy timeout; a statement
+    // that failed inside it makes its commit fail, as the server has dropped its work.
     bool beginTransaction();
     bool commit();
     void rollback();
@@ -127,10 +151,23 @@ private:
     friend bool openRecordset(Database&, Recordset&, const QString&, const QVariantList&, bool);
     friend bool OpenForwardOnly(Database&, QSqlQuery&, const QString&, const QVariantList&);
     bool connect(const QString& path, bool creating);
+    // The server's side (DatabaseServer.cpp).
+    bool connectServer(const QString& path, const QString& schema, bool creating);
+    bool schemaExists() const;
+    bool beginOnServer();
+    bool abandonFailedTransaction();
+    void applyLockTimeout();
+    bool serverHasTable(const QString& table) const;
+    QStringList serverColumns(const QString& table) const;
+    QString serverDeclaredType(const QString& table, const QString& column) const;
+    QList<IndexInfo> serverIndexes(const QString& table) const;
+    bool serverHasRelation(const QString& name, char kind) const;
+    bool serverHasTrigger(const QString& name) const;
     // Prepares and runs one counted statement; a failure is noted in lastError...().
     bool run(QSqlQuery& query, const QString& sql, const QVariantList& values);
     void noteFailure(int number, const QString& description, int engineCode = 0);
     void noteFailure(const QSqlError& error);
+    void noteServerFailure(const QSqlError& error);
     // Runs a transaction statement, retrying while the store is busy (see setBusyTimeout).
     bool runControl(const QString& sql, bool waitWhileBusy);
     bool commitOutermost();
@@ -143,8 +180,24 @@ private:
     int m_lastEngineCode = 0;
     int m_busyWaitMillis = kDefaultBusyWaitMillis;
     QString m_lastErrorDescription;
+    QString m_lastSqlState;
     QStringList m_savepoints;
+    bool m_server = false;
+    QString m_schema;
+    // The transaction depth at which a statement failed on the server (0 when none): from
+    // there up the server has dropped the work, and only a rollback to below it goes on.
+    int m_failedDepth = 0;
 };
+
+// Runs a whole save; when the server broke it off to settle a deadlock or a conflict of two
+// seats (SQLSTATE 40P01, 40001) it is run again, quietly, up to kSaveTries times in all: the
+// failure boxes of the tries before the last are not shown. On files it runs once. save
+// answers whether it saved; so does this.
+inline constexpr int kSaveTries = 4;
+bool RetryingSave(const std::function<bool()>& save);
+// True inside RetryingSave while a failure of the current try is to be met by another try
+// rather than a box (the failure boxes ask it).
+bool quietRetryWanted();
 
 // The one rule for what counts as a table's primary index: the table's own PRIMARY KEY, or a
 // unique index the program created as primary, named by primaryIndexName.
@@ -222,8 +275,9 @@ bool OpenForwardOnly(Database& db, QSqlQuery& query, const QString& sql, const Q
 // the width to the engine; allowZero false makes a text column refuse the empty text.
 bool DAO_AddField(Database& db, const QString& table, const QString& field, int type, int size,
                   bool allowZero, const QString& sql);
-// The declared column text DAO_AddField and the store layout use for a type and size.
-QString declaredType(int type, int size);
+// The declared column text DAO_AddField and the store layout use for a type and size; on the
+// server its type (StoreEngine.h), where the width is not declared.
+QString declaredType(int type, int size, bool server = false);
 
 // The box a failed statement shows, chosen by error number (exposed for tests). Above the
 // engine's own words stands a Korean sentence saying what happened and what to do.
@@ -247,7 +301,8 @@ QString sqlForDisplay(const QString& sql, const QVariantList& values);
 // A LIKE pattern that matches the typed text literally (its %, _ and \ escaped with \);
 // use with "LIKE ? ESCAPE '\'".
 QString likeLiteral(const QString& text);
-// Identifier between double quotes, for names built into statements.
+// Identifier between double quotes, for names built into statements (the server folds it to
+// lower case, as it makes its names: see serverStatement).
 QString quoteName(const QString& name);
 
 } // namespace nb

@@ -1,6 +1,8 @@
 #include "storage/Database.h"
 
+#include <QSqlField>
 #include <QSqlRecord>
+#include <cmath>
 
 namespace nb {
 namespace {
@@ -12,6 +14,25 @@ QString tableOf(const QString& sql) {
         if (words[i].compare(QStringLiteral("FROM"), Qt::CaseInsensitive) == 0)
             return QString(words[i + 1]).remove(u';');
     return sql.simplified().section(u' ', 0, 0); // a plain table name
+}
+
+// The server's NUMERIC (what a sum of whole numbers comes back as): the columns to read back
+// as the files' sums are, whole ones as integers.
+constexpr int kServerNumericType = 1700;
+
+QList<int> numericColumns(const Database& db, const QSqlRecord& rec) {
+    QList<int> out;
+    if (!db.onServer()) return out;
+    for (int i = 0; i < rec.count(); ++i)
+        if (rec.field(i).typeID() == kServerNumericType) out << i;
+    return out;
+}
+
+QVariant asStoredNumber(const QVariant& value) {
+    if (value.isNull()) return value;
+    const double d = value.toDouble();
+    if (d == double(qint64(d)) && std::abs(d) < 9.0e15) return QVariant(qint64(d));
+    return value;
 }
 
 } // namespace
@@ -103,11 +124,14 @@ bool openRecordset(Database& db, Recordset& rs, const QString& sql, const QVaria
     const QSqlRecord rec = q.record();
     for (int i = 0; i < rec.count(); ++i)
         rs.m_names << rec.fieldName(i);
+    const QList<int> numeric = numericColumns(db, rec);
     while (q.next()) {
         QVariantList row;
         row.reserve(rec.count());
         for (int i = 0; i < rec.count(); ++i)
             row << q.value(i);
+        for (int i : numeric)
+            row[i] = asStoredNumber(row[i]);
         rs.m_rows.push_back(std::move(row));
     }
     rs.m_open = true;

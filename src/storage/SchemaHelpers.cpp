@@ -2,6 +2,7 @@
 // rule, and DAO_AddField, the one live helper that adds a column.
 #include "common/Messages.h"
 #include "storage/Database.h"
+#include "storage/StoreEngine.h"
 
 namespace nb {
 namespace {
@@ -14,9 +15,10 @@ void reportAddFieldFailure(const Database& db, const QString& table, const QStri
                       QStringLiteral("[TABLE]: ") + table + QStringLiteral(",    [FIELD]: ") + field);
 }
 
-QString addColumnSql(const QString& table, const QString& field, int type, int size, bool allowZero) {
+QString addColumnSql(const Database& db, const QString& table, const QString& field, int type, int size,
+                     bool allowZero) {
     QString sql = QStringLiteral("ALTER TABLE ") + quoteName(table) + QStringLiteral(" ADD COLUMN ") +
-                  quoteName(field) + u' ' + declaredType(type, size);
+                  quoteName(field) + u' ' + declaredType(type, size, db.onServer());
     // A text column refuses the empty text unless told otherwise, as the original's fields do.
     if ((type == dbText || type == dbMemo) && !allowZero)
         sql += QStringLiteral(" CHECK (") + quoteName(field) + QStringLiteral(" <> '')");
@@ -27,7 +29,8 @@ QString addColumnSql(const QString& table, const QString& field, int type, int s
 
 } // namespace
 
-QString declaredType(int type, int size) {
+QString declaredType(int type, int size, bool server) {
+    if (server) return serverColumnType(type);
     switch (type) {
     case dbBoolean:
         return QStringLiteral("BOOLEAN");
@@ -69,7 +72,7 @@ bool DAO_AddField(Database& db, const QString& table, const QString& field, int 
     // The column and its statement are one step: a failure leaves neither behind, so the next
     // start tries both again.
     const bool began = db.beginTransaction();
-    const bool added = began && db.tryExecute(addColumnSql(table, field, type, size, allowZero)) &&
+    const bool added = began && db.tryExecute(addColumnSql(db, table, field, type, size, allowZero)) &&
                        (sql.isEmpty() || db.tryExecute(sql));
     if (added && db.commit()) return true;
     // A failed commit has rolled back already and noted its cause.

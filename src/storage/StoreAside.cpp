@@ -35,9 +35,8 @@ bool readAside(const AsideRead& read, const std::function<void(const QSqlQuery& 
         }
         QSqlQuery query(db.connection());
         query.setForwardOnly(true);
-        bool ok = query.prepare(read.sql);
-        for (const QVariant& value : read.values)
-            query.addBindValue(value);
+        bool ok = query.prepare(db.statementFor(read.sql, read.values));
+        db.bindValues(query, read.values);
         ok = ok && query.exec();
         while (ok && query.next())
             take(query);

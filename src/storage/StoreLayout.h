@@ -50,13 +50,17 @@ QList<TableDef> postTables();     // Post
 TableDef tableDef(const QString& name);
 
 // "CREATE TABLE ..." then one "CREATE [UNIQUE] INDEX ..." per index; nothing is created that
-// exists already.
-QStringList createStatements(const TableDef& table);
+// exists already. On the server (server true) the names are in lower case, the types the
+// server's, and every table ends with a row number, rowid, as the files' tables have one
+// unseen: the order rows were written in (kept out of Database::columns).
+QStringList createStatements(const TableDef& table, bool server = false);
 // Creates the table with its indexes in one transaction; a failure shows the query box and
 // leaves the file as it was.
 bool createTable(Database& db, const TableDef& table);
 // The triggers that round fractions written into a table's whole-number columns half to even
-// (SaleTotal, BuyTotal, Estimate); none for other tables.
+// (SaleTotal, BuyTotal, Estimate); none for other tables. The files need them; the server's
+// whole-number columns round a fraction written into them half to even by themselves (the
+// fraction is bound as double precision, see serverStatement).
 QStringList wholeNumberTriggers(const QString& table);
 
 // Creates, for each store path of the application state that is set and names no existing
@@ -64,7 +68,8 @@ QStringList wholeNumberTriggers(const QString& table);
 // tables. The file appears whole or not at all. A file with any content is never touched.
 void CreateMissingStoreFiles();
 // Creates one store file with the given tables; false when a file with content is there or it
-// cannot be written. An empty file in its place is replaced.
+// cannot be written. An empty file in its place is replaced. A store of the seat on the server
+// is its schema, made with its tables in one transaction.
 bool createStoreFile(const QString& path, const QList<TableDef>& tables);
 // A file of zero bytes with no journal content beside it: nothing was ever stored in it (a copy
 // or an installation cut short), so it is laid down like a missing one.

@@ -31,7 +31,7 @@ bool addInvoiceSupplierColumn(Database& tax, Database& basic) {
         return true;
     }
     if (!tax.Execute(QStringLiteral("ALTER TABLE \"NewAcount\" ADD COLUMN \"UserCode\" ") +
-                     declaredType(dbText, 15))) {
+                     declaredType(dbText, 15, tax.onServer()))) {
         tax.rollback();
         return true;
     }
@@ -81,9 +81,12 @@ void addSupplierPrimaryIndex(Database& basic) {
                   QStringLiteral(" ON \"User\" (\"Serial\")"));
 }
 
-// Files from before the rounding triggers gain them; a file that has them runs nothing.
+// Files from before the rounding triggers gain them; a file that has them runs nothing. The
+// server's whole-number columns round by themselves.
 void addWholeNumberTriggers(Database& db, const QString& table) {
-    if (!db.isOpen() || !db.hasTable(table) || db.hasTrigger(table + QStringLiteral("_whole_au"))) return;
+    if (db.onServer() || !db.isOpen() || !db.hasTable(table) ||
+        db.hasTrigger(table + QStringLiteral("_whole_au")))
+        return;
     for (const QString& sql : wholeNumberTriggers(table))
         db.Execute(sql);
 }

@@ -49,20 +49,20 @@ private Q_SLOTS:
         test::TestHome home;
         test::useStoreFolder(home);
         CreateMissingStoreFiles();
-        QVERIFY(QFile::remove(app().DbTaxFile));
+        QVERIFY(test::removeStore(app().DbTaxFile));
         auto& msgs = test::script();
         QVERIFY(!OpenDatabases());
         QVERIFY(stores().dbBasic.isOpen());
         QVERIFY(!stores().dbTax.isOpen());
         QVERIFY(!stores().dbBill.isOpen()); // the file is there, but behind the failure
         QVERIFY(msgs.records().empty());
-        QVERIFY(!QFile::exists(app().DbTaxFile));
+        QVERIFY(!test::storeExists(app().DbTaxFile));
     }
     void missingBasicStoreOpensNothing() {
         test::TestHome home;
         test::useStoreFolder(home);
         CreateMissingStoreFiles();
-        QVERIFY(QFile::remove(app().DbBasicFile));
+        QVERIFY(test::removeStore(app().DbBasicFile));
         QVERIFY(!OpenDatabases());
         QVERIFY(!stores().dbBasic.isOpen());
         QVERIFY(!stores().dbTax.isOpen());

@@ -23,7 +23,7 @@ void addDeferredCheck(Database& db) {
     QVERIFY(db.tryExecute(QStringLiteral("CREATE TABLE Parent (Id INTEGER PRIMARY KEY)")));
     QVERIFY(db.tryExecute(QStringLiteral(
         "CREATE TABLE Child (ParentId INTEGER REFERENCES Parent(Id) DEFERRABLE INITIALLY DEFERRED)")));
-    QVERIFY(db.tryExecute(QStringLiteral("PRAGMA foreign_keys=ON")));
+    if (!test::onServerEngine()) QVERIFY(db.tryExecute(QStringLiteral("PRAGMA foreign_keys=ON")));
 }
 
 int childRows(const QString& path) {
@@ -44,7 +44,7 @@ private Q_SLOTS:
         QVERIFY(db.tryExecute(QStringLiteral("INSERT INTO Child VALUES (7)")));
         QVERIFY(!db.commit());
         QVERIFY(!db.inTransaction());
-        QVERIFY(db.lastErrorDescription().contains(QStringLiteral("FOREIGN KEY")));
+        QVERIFY(db.lastErrorDescription().contains(QStringLiteral("FOREIGN KEY"), Qt::CaseInsensitive));
         QCOMPARE(childRows(app().DbBasicFile), 0);
         // The next save is a save of its own: another connection sees it at once.
         QVERIFY(db.beginTransaction());
@@ -150,7 +150,9 @@ private Q_SLOTS:
         const QStringList lines = msgs.last().text.split(u'\r');
         QCOMPARE(lines.first(), QStringLiteral("세금계산서를 저장하지 못했습니다."));
         QVERIFY(lines.at(1).contains(QStringLiteral("저장하지 못했습니다")));
-        QCOMPARE(lines.last(), QStringLiteral("FOREIGN KEY constraint failed"));
+        QCOMPARE(lines.last(), test::engineWords("FOREIGN KEY constraint failed",
+                                                 "insert or update on table \"child\" violates foreign key "
+                                                 "constraint \"child_parentid_fkey\""));
     }
     void anEngineTextNeverStandsAloneInTheQueryBox() {
         test::TestHome home;
@@ -161,7 +163,9 @@ private Q_SLOTS:
         QVERIFY(!db.Execute(QStringLiteral("INSERT INTO User (Serial, Company) VALUES ('1', '나')")));
         const QStringList lines = msgs.last().text.split(u'\r');
         QVERIFY(lines.first().contains(QStringLiteral("같은 번호(코드)의 자료가 이미 있어")));
-        QCOMPARE(lines.at(1), QStringLiteral("UNIQUE constraint failed: User.Serial"));
+        QCOMPARE(lines.at(1),
+                 test::engineWords("UNIQUE constraint failed: User.Serial",
+                                   "duplicate key value violates unique constraint \"user_pk\""));
     }
 };
 

@@ -42,6 +42,17 @@ void layDownOldFiles(const test::TestHome& home, const QStringList& basicExtra =
     QVERIFY(test::runRaw(app().DbBillFile, {QStringLiteral("CREATE TABLE Master (BillNo TEXT(6))")}));
 }
 
+// A trigger that refuses every change of the table's rows with the words "blocked".
+QStringList stopUpdatesOf(const QString& table) {
+    if (!test::onServerEngine())
+        return {QStringLiteral("CREATE TRIGGER stop BEFORE UPDATE ON ") + table +
+                QStringLiteral(" BEGIN SELECT RAISE(ABORT, 'blocked'); END")};
+    return {QStringLiteral("CREATE FUNCTION stop() RETURNS trigger LANGUAGE plpgsql AS "
+                           "$$BEGIN RAISE EXCEPTION 'blocked'; END$$"),
+            QStringLiteral("CREATE TRIGGER stop BEFORE UPDATE ON ") + table +
+                QStringLiteral(" FOR EACH ROW EXECUTE FUNCTION stop()")};
+}
+
 void startUpSteps() {
     QVERIFY(OpenDatabases());
     UpgradeTables();
@@ -69,7 +80,7 @@ private Q_SLOTS:
         startUpSteps();
         QVERIFY(stores().dbBasic.hasColumn("User", "Email"));
         QVERIFY(stores().dbBasic.hasColumn("Trader", "Email"));
-        QCOMPARE(stores().dbBasic.columnType("Trader", "Email"), QStringLiteral("TEXT(100)"));
+        QCOMPARE(stores().dbBasic.columnType("Trader", "Email"), test::declared(QStringLiteral("TEXT(100)")));
         // The trader on file is still there, its address empty.
         QCOMPARE(column(app().DbBasicFile, "SELECT C_Name FROM Trader WHERE Email IS NULL"),
                  QStringList{QStringLiteral("가나상사")});
@@ -82,7 +93,7 @@ private Q_SLOTS:
         QVERIFY(stores().dbTax.hasTable("EtaxFile"));
         QVERIFY(stores().dbTax.hasTable("EtaxHandOver"));
         QCOMPARE(stores().dbTax.columns("EtaxHandOver"),
-                 (QStringList{"FileNo", "TaxCode", "DealDate", "CCode", "CName", "TradeKum", "VatKum"}));
+                 test::named({"FileNo", "TaxCode", "DealDate", "CCode", "CName", "TradeKum", "VatKum"}));
         // A second start runs nothing more.
         const int before = stores().dbTax.statementsRun();
         UpgradeTables();
@@ -130,21 +141,21 @@ private Q_SLOTS:
              {QStringLiteral("BuyTax"), QStringLiteral("BuyTotal"), QStringLiteral("SaleTotal")}) {
             QVERIFY(tax.hasTable(table));
             QCOMPARE(tax.columns(table).count(), tableDef(table).columns.count());
-            QVERIFY(hasIndexNamed(tax, table, table + QStringLiteral("_PrimaryKey")));
-            QVERIFY(hasIndexNamed(tax, table, table + QStringLiteral("_PK")));
+            QVERIFY(hasIndexNamed(tax, table, test::named(table + QStringLiteral("_PrimaryKey"))));
+            QVERIFY(hasIndexNamed(tax, table, test::named(table + QStringLiteral("_PK"))));
             QVERIFY(tax.hasPrimaryIndex(table));
         }
         QCOMPARE(tax.columns(QStringLiteral("NewAcount")).mid(6),
-                 (QStringList{QStringLiteral("UserCode"), QStringLiteral("Receipt")}));
+                 test::named({QStringLiteral("UserCode"), QStringLiteral("Receipt")}));
         QCOMPARE(tax.columnType(QStringLiteral("NewAcount"), QStringLiteral("UserCode")),
-                 QStringLiteral("TEXT(15)"));
+                 test::declared(QStringLiteral("TEXT(15)")));
         Database& basic = stores().dbBasic;
-        QVERIFY(hasIndexNamed(basic, QStringLiteral("User"), QStringLiteral("User_PK")));
+        QVERIFY(hasIndexNamed(basic, QStringLiteral("User"), test::named(QStringLiteral("User_PK"))));
         QVERIFY(basic.hasPrimaryIndex(QStringLiteral("User")));
         QCOMPARE(basic.columnType(QStringLiteral("Trader"), QStringLiteral("HPhone")),
-                 QStringLiteral("TEXT(14)"));
+                 test::declared(QStringLiteral("TEXT(14)")));
         QCOMPARE(basic.columnType(QStringLiteral("Product"), QStringLiteral("Unit")),
-                 QStringLiteral("TEXT(10)"));
+                 test::declared(QStringLiteral("TEXT(10)")));
     }
     void secondStartRunsNoStatement() {
         test::TestHome home;
@@ -193,7 +204,7 @@ private Q_SLOTS:
         layDownOldFiles(home, {QStringLiteral("INSERT INTO User (Serial) VALUES ('111-11-11111')")});
         startUpSteps();
         QCOMPARE(stores().dbTax.columnType(QStringLiteral("NewAcount"), QStringLiteral("Receipt")),
-                 QStringLiteral("TEXT(4)"));
+                 test::declared(QStringLiteral("TEXT(4)")));
         QCOMPARE(column(app().DbTaxFile, QStringLiteral("SELECT Receipt FROM NewAcount ORDER BY TaxCode")),
                  (QStringList{QStringLiteral("<null>"), QStringLiteral("<null>")}));
     }
@@ -201,23 +212,30 @@ private Q_SLOTS:
         test::TestHome home;
         test::useStoreFolder(home);
         CreateMissingStoreFiles();
-        QVERIFY(test::runRaw(app().DbTaxFile,
-                             {QStringLiteral("INSERT INTO SaleTotal (Serial, CCode, TradeKum, VatKum, Blank) "
-                                             "VALUES ('1', 'a', 2.5, 3.5, -3.5)"),
-                              QStringLiteral("INSERT INTO BuyTotal (Serial, CCode, TradeKum, VatKum, Blank) "
-                                             "VALUES ('1', 'a', 10.4, -2.5, NULL)"),
-                              QStringLiteral("UPDATE BuyTotal SET TradeKum = 10.6")}));
+        // The amounts are bound, as the program writes them (on the server a fraction bound as
+        // double precision goes into a whole-number column rounded half to even).
+        Database tax;
+        QVERIFY(tax.open(app().DbTaxFile));
+        QVERIFY(
+            tax.tryExecute(QStringLiteral("INSERT INTO SaleTotal (Serial, CCode, TradeKum, VatKum, Blank) "
+                                          "VALUES ('1', 'a', ?, ?, ?)"),
+                           {2.5, 3.5, -3.5}));
+        QVERIFY(tax.tryExecute(QStringLiteral("INSERT INTO BuyTotal (Serial, CCode, TradeKum, VatKum, Blank) "
+                                              "VALUES ('1', 'a', ?, ?, NULL)"),
+                               {10.4, -2.5}));
+        QVERIFY(tax.tryExecute(QStringLiteral("UPDATE BuyTotal SET TradeKum = ?"), {10.6}));
         QCOMPARE(column(app().DbTaxFile,
                         QStringLiteral("SELECT TradeKum || '/' || VatKum || '/' || Blank FROM SaleTotal")),
                  QStringList{QStringLiteral("2/4/-4")});
         QCOMPARE(
-            column(app().DbTaxFile,
-                   QStringLiteral("SELECT TradeKum || '/' || VatKum || '/' || typeof(Blank) FROM BuyTotal")),
+            column(app().DbTaxFile, QStringLiteral("SELECT TradeKum || '/' || VatKum || '/' || "
+                                                   "COALESCE(CAST(Blank AS TEXT), 'null') FROM BuyTotal")),
             QStringList{QStringLiteral("11/-2/null")});
-        QVERIFY(test::runRaw(app().DbEstimateFile,
-                             {QStringLiteral("INSERT INTO Estimate (Seq, EstiKum) VALUES (1, 1500.5)"),
-                              QStringLiteral("INSERT INTO Estimate (Seq, EstiKum) VALUES (2, 1501.5)"),
-                              QStringLiteral("INSERT INTO Estimate (Seq, EstiKum) VALUES (3, 2000)")}));
+        Database estimate;
+        QVERIFY(estimate.open(app().DbEstimateFile));
+        for (const auto& [seq, amount] : {std::pair{1, 1500.5}, {2, 1501.5}, {3, 2000.0}})
+            QVERIFY(estimate.tryExecute(QStringLiteral("INSERT INTO Estimate (Seq, EstiKum) VALUES (?, ?)"),
+                                        {seq, amount}));
         QCOMPARE(column(app().DbEstimateFile, QStringLiteral("SELECT EstiKum FROM Estimate ORDER BY Seq")),
                  (QStringList{QStringLiteral("1500"), QStringLiteral("1502"), QStringLiteral("2000")}));
     }
@@ -228,9 +246,10 @@ private Q_SLOTS:
             {QStringLiteral("CREATE TABLE SaleTotal (Serial TEXT(8), CCode TEXT(6), TradeKum INTEGER, "
                             "VatKum INTEGER, Blank INTEGER, CName TEXT(30), UserCode TEXT(15))")});
         startUpSteps();
-        QVERIFY(stores().dbTax.hasTrigger(QStringLiteral("SaleTotal_whole_ai")));
+        // The server's whole-number columns round by themselves: no trigger there.
+        QCOMPARE(stores().dbTax.hasTrigger(QStringLiteral("SaleTotal_whole_ai")), !test::onServerEngine());
         QVERIFY(stores().dbTax.Execute(
-            QStringLiteral("INSERT INTO SaleTotal (Serial, CCode, TradeKum) VALUES ('1', 'a', 0.5)")));
+            QStringLiteral("INSERT INTO SaleTotal (Serial, CCode, TradeKum) VALUES ('1', 'a', ?)"), {0.5}));
         QCOMPARE(column(app().DbTaxFile, QStringLiteral("SELECT TradeKum FROM SaleTotal")),
                  QStringList{QStringLiteral("0")});
         closeStores();
@@ -267,9 +286,9 @@ private Q_SLOTS:
         startUpSteps();
         const QList<IndexInfo> indexes = stores().dbBasic.indexes(QStringLiteral("User"));
         QCOMPARE(indexes.size(), 1);
-        QCOMPARE(indexes.first().name, QStringLiteral("User_PK"));
+        QCOMPARE(indexes.first().name, test::named(QStringLiteral("User_PK")));
         QVERIFY(indexes.first().unique);
-        QCOMPARE(indexes.first().columns, QStringList{QStringLiteral("Serial")});
+        QCOMPARE(indexes.first().columns, test::named(QStringList{QStringLiteral("Serial")}));
     }
     void userWithPrimaryIndexOfAnotherNameGainsNoPK_data() {
         QTest::addColumn<QStringList>("layout");
@@ -288,7 +307,8 @@ private Q_SLOTS:
         QVERIFY(test::runRaw(app().DbBillFile, {QStringLiteral("CREATE TABLE Master (BillNo TEXT(6))")}));
         QVERIFY(OpenDatabases());
         UpgradeTables();
-        QVERIFY(!hasIndexNamed(stores().dbBasic, QStringLiteral("User"), QStringLiteral("User_PK")));
+        QVERIFY(
+            !hasIndexNamed(stores().dbBasic, QStringLiteral("User"), test::named(QStringLiteral("User_PK"))));
         QVERIFY(stores().dbBasic.hasPrimaryIndex(QStringLiteral("User")));
     }
     void uniqueIndexNotMadeAsPrimaryDoesNotCount() {
@@ -297,7 +317,8 @@ private Q_SLOTS:
         QVERIFY(OpenDatabases());
         QVERIFY(!stores().dbBasic.hasPrimaryIndex(QStringLiteral("User")));
         UpgradeTables();
-        QVERIFY(hasIndexNamed(stores().dbBasic, QStringLiteral("User"), QStringLiteral("User_PK")));
+        QVERIFY(
+            hasIndexNamed(stores().dbBasic, QStringLiteral("User"), test::named(QStringLiteral("User_PK"))));
     }
     void duplicateSerialsStopThePrimaryIndexWithABox() {
         test::TestHome home;
@@ -307,9 +328,10 @@ private Q_SLOTS:
         startUpSteps();
         QCOMPARE(msgs.boxes().size(), size_t(1));
         QCOMPARE(msgs.last().text,
-                 storeFaultText(19, QStringLiteral("UNIQUE")) +
-                     QStringLiteral("\rUNIQUE constraint failed: User.Serial\r"
-                                    "CREATE UNIQUE INDEX \"User_PK\" ON \"User\" (\"Serial\")"));
+                 storeFaultText(19, QStringLiteral("UNIQUE")) + u'\r' +
+                     test::engineWords("UNIQUE constraint failed: User.Serial",
+                                       "could not create unique index \"user_pk\"") +
+                     QStringLiteral("\rCREATE UNIQUE INDEX \"User_PK\" ON \"User\" (\"Serial\")"));
         QCOMPARE(msgs.last().title, QStringLiteral("ERROR"));
         QVERIFY(!stores().dbBasic.hasPrimaryIndex(QStringLiteral("User")));
         // The other steps went on.
@@ -322,7 +344,7 @@ private Q_SLOTS:
         startUpSteps();
         QVERIFY(msgs.records().empty());
         QCOMPARE(stores().dbTax.columns(QStringLiteral("BuyTax")),
-                 (QStringList{QStringLiteral("Serial"), QStringLiteral("CCode")}));
+                 test::named({QStringLiteral("Serial"), QStringLiteral("CCode")}));
         QVERIFY(stores().dbTax.indexes(QStringLiteral("BuyTax")).isEmpty());
         QVERIFY(stores().dbTax.hasTable(QStringLiteral("SaleTotal")));
     }
@@ -359,8 +381,7 @@ private Q_SLOTS:
     void failedInvoiceMoveTakesTheColumnBackAndIsTriedAgain() {
         test::TestHome home;
         layDownOldFiles(home, {QStringLiteral("INSERT INTO User (Serial) VALUES ('111-11-11111')")},
-                        {QStringLiteral("CREATE TRIGGER stop BEFORE UPDATE ON NewAcount "
-                                        "BEGIN SELECT RAISE(ABORT, 'blocked'); END")});
+                        stopUpdatesOf(QStringLiteral("NewAcount")));
         auto& msgs = test::script();
         startUpSteps();
         QCOMPARE(msgs.boxes().size(), size_t(1));
@@ -369,7 +390,9 @@ private Q_SLOTS:
                      QStringLiteral("\rblocked\rUpdate NewAcount Set UserCode = '111-11-11111'"));
         QCOMPARE(msgs.last().title, QStringLiteral("ERROR"));
         QVERIFY(!stores().dbTax.hasColumn(QStringLiteral("NewAcount"), QStringLiteral("UserCode")));
-        QVERIFY(stores().dbTax.Execute(QStringLiteral("DROP TRIGGER stop")));
+        QVERIFY(stores().dbTax.Execute(test::onServerEngine()
+                                           ? QStringLiteral("DROP TRIGGER stop ON NewAcount")
+                                           : QStringLiteral("DROP TRIGGER stop")));
         closeStores();
         startUpSteps();
         QCOMPARE(column(app().DbTaxFile, QStringLiteral("SELECT UserCode FROM NewAcount")),
@@ -377,8 +400,7 @@ private Q_SLOTS:
     }
     void failedProductMoveKeepsPNormAndNoUnit() {
         test::TestHome home;
-        layDownOldFiles(home, {QStringLiteral("CREATE TRIGGER stop BEFORE UPDATE ON Product "
-                                              "BEGIN SELECT RAISE(ABORT, 'blocked'); END")});
+        layDownOldFiles(home, stopUpdatesOf(QStringLiteral("Product")));
         auto& msgs = test::script();
         startUpSteps();
         QCOMPARE(msgs.boxes().size(), size_t(1));

@@ -1,0 +1,295 @@
+// The store on the seat's PostgreSQL server: the connection to its schema, the writer lock of
+// its transactions, its failures in the files' terms, and the schema questions answered from
+// the server's catalog. Database.cpp decides which engine a store is on (StoreEngine.h).
+#include "storage/Database.h"
+#include "storage/ServerSettings.h"
+#include "storage/StoreEngine.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QThread>
+#include <QUuid>
+
+namespace nb {
+namespace {
+
+// The writers of one store take this lock with the store's schema: two seats saving into the
+// same store wait for each other, seats saving into different stores do not. The first key
+// marks the program's locks among any others on the server.
+constexpr int kWriterLockClass = 0x4E42; // "NB"
+constexpr int kBusyCode = 5;             // the files' "busy", which the busy box is chosen by
+constexpr int kBusySliceMillis = 50;
+
+thread_local int t_triesLeft = 0;      // tries after the current one, inside RetryingSave
+thread_local bool t_retryable = false; // the last failure noted on this thread may be retried
+thread_local bool t_retryWanted = false;
+
+// Statements without values run unprepared: the server prepares only queries and changes of
+// rows, never SET or CREATE.
+bool runOn(const QSqlDatabase& db, const QString& sql, const QVariantList& values = {}) {
+    QSqlQuery q(db);
+    if (values.isEmpty()) return q.exec(sql);
+    if (!q.prepare(sql)) return false;
+    for (const QVariant& v : values)
+        q.addBindValue(v);
+    return q.exec();
+}
+
+// The catalog's rows of this store's schema, first column of each.
+QStringList firstColumn(QSqlQuery& q) {
+    QStringList out;
+    while (q.next())
+        out << q.value(0).toString();
+    return out;
+}
+
+} // namespace
+
+void clearRetryableFailure() {
+    t_retryable = false;
+}
+
+bool quietRetryWanted() {
+    if (t_triesLeft <= 0 || !t_retryable) return false;
+    t_retryWanted = true;
+    return true;
+}
+
+bool RetryingSave(const std::function<bool()>& save) {
+    if (t_triesLeft > 0) return save(); // an inner save is retried with the outer one
+    bool saved = false;
+    for (int tries = kSaveTries; tries > 0; --tries) {
+        t_triesLeft = tries - 1;
+        t_retryWanted = false;
+        t_retryable = false;
+        saved = save();
+        const bool again = !saved && t_retryWanted;
+        t_triesLeft = 0;
+        if (!again) break;
+    }
+    t_retryable = false;
+    return saved;
+}
+
+void Database::bindValues(QSqlQuery& query, const QVariantList& values) const {
+    for (const QVariant& v : values) {
+        // A yes/no is bound as the files' driver binds it, as 1 / 0.
+        if (m_server && v.typeId() == QMetaType::Bool && !v.isNull())
+            query.addBindValue(v.toBool() ? 1 : 0);
+        else
+            query.addBindValue(v);
+    }
+}
+
+void Database::noteServerFailure(const QSqlError& error) {
+    const ServerFault fault = serverFaultOf(error);
+    // The server's first line, without its "ERROR:" mark; the details below it name tables
+    // and keys the operator does not need.
+    QString description = error.databaseText().trimmed();
+    if (description.isEmpty()) description = error.text().trimmed();
+    description = description.section(u'\n', 0, 0).trimmed();
+    if (description.startsWith(QStringLiteral("ERROR:"))) description = description.mid(6).trimmed();
+    m_lastErrorNumber = fault.errorNumber;
+    m_lastErrorDescription = description;
+    m_lastEngineCode = fault.engineCode;
+    m_lastSqlState = error.nativeErrorCode();
+    t_retryable = fault.retryable;
+    if (fault.retryable && t_triesLeft > 0) t_retryWanted = true;
+}
+
+void Database::applyLockTimeout() {
+    // The wait for another seat's writer lock is bounded as the files' busy wait is; zero
+    // would mean "wait for ever" to the server.
+    runOn(connection(), QStringLiteral("SET lock_timeout = ") + QString::number(qMax(1, m_busyWaitMillis)));
+}
+
+bool Database::connectServer(const QString& path, const QString& schema, bool creating) {
+    m_connection = QStringLiteral("nb-pg-") + QUuid::createUuid().toString(QUuid::WithoutBraces);
+    m_server = true;
+    m_schema = schema;
+    bool ok = false;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), m_connection);
+        db.setConnectOptions(serverConnInfo());
+        // NUMERIC (a sum of whole numbers) is read as a double; Recordset gives whole ones
+        // back as integers, as the files' sums are.
+        db.setNumericalPrecisionPolicy(QSql::LowPrecisionDouble);
+        ok = db.open();
+        if (!ok) noteServerFailure(db.lastError());
+        // The store's schema first; the shared extensions (pg_trgm) live in public.
+        ok = ok && runOn(db, QStringLiteral("SET search_path TO ") + schema + QStringLiteral(", public"));
+    }
+    if (ok) applyLockTimeout();
+    if (!ok || schemaExists() == creating) {
+        const int number = m_lastErrorNumber;
+        const int code = m_lastEngineCode;
+        const QString description = m_lastErrorDescription;
+        const QString state = m_lastSqlState;
+        close();
+        m_lastErrorNumber = number;
+        m_lastEngineCode = code;
+        m_lastErrorDescription = description;
+        m_lastSqlState = state;
+        return false;
+    }
+    m_path = path;
+    m_statementsRun = 0;
+    return true;
+}
+
+bool Database::schemaExists() const {
+    QSqlQuery q(connection());
+    q.prepare(QStringLiteral("SELECT 1 FROM pg_catalog.pg_namespace WHERE nspname = ?"));
+    q.addBindValue(m_schema);
+    return q.exec() && q.next();
+}
+
+bool Database::beginNewServerStore(const QString& path) {
+    close();
+    const QString schema = serverSchemaOf(path);
+    if (schema.isEmpty() || !connectServer(path, schema, true)) return false;
+    // Under the store's writer lock: a seat that made it meanwhile is seen here.
+    if (!beginTransaction()) return false;
+    if (schemaExists() || !tryExecute(QStringLiteral("CREATE SCHEMA ") + schema)) {
+        rollback();
+        return false;
+    }
+    return true;
+}
+
+bool Database::beginOnServer() {
+    if (!runControl(QStringLiteral("BEGIN"), false)) return false;
+    m_savepoints << QString();
+    m_failedDepth = 0;
+    // The writer lock is asked for in short slices with the window's events handled between
+    // them, as the files' busy wait is, and given up when the busy wait is over.
+    QElapsedTimer waited;
+    waited.start();
+    for (;;) {
+        QSqlQuery q(connection());
+        q.prepare(QStringLiteral("SELECT pg_try_advisory_xact_lock(?, hashtext(?))"));
+        q.addBindValue(kWriterLockClass);
+        q.addBindValue(m_schema);
+        if (!q.exec() || !q.next()) {
+            noteFailure(q.lastError());
+            break;
+        }
+        if (q.value(0).toBool()) return true;
+        if (waited.elapsed() >= m_busyWaitMillis) {
+            noteFailure(ErrEngine,
+                        QStringLiteral("store ") + m_schema + QStringLiteral(" is locked by another seat"),
+                        kBusyCode);
+            break;
+        }
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        QThread::msleep(kBusySliceMillis);
+    }
+    const int number = m_lastErrorNumber;
+    const int code = m_lastEngineCode;
+    const QString description = m_lastErrorDescription;
+    const QString state = m_lastSqlState;
+    rollback();
+    m_lastErrorNumber = number;
+    m_lastEngineCode = code;
+    m_lastErrorDescription = description;
+    m_lastSqlState = state;
+    return false;
+}
+
+bool Database::abandonFailedTransaction() {
+    // The server answers COMMIT of a failed transaction by rolling it back; say so plainly.
+    QSqlQuery(connection()).exec(QStringLiteral("ROLLBACK"));
+    m_failedDepth = 0;
+    return false;
+}
+
+// ---- Schema questions from the catalog ------------------------------------------------
+// Names are compared in lower case, as the server's tables, columns, indexes are made.
+
+bool Database::serverHasTable(const QString& table) const {
+    QSqlQuery q(connection());
+    q.prepare(QStringLiteral("SELECT 1 FROM pg_catalog.pg_tables WHERE schemaname = ? AND tablename = ?"));
+    q.addBindValue(m_schema);
+    q.addBindValue(table.toLower());
+    return q.exec() && q.next();
+}
+
+namespace {
+// The columns of a table in order, without the row number every server table ends with.
+const char* const kColumnsSql =
+    "SELECT a.attname, format_type(a.atttypid, a.atttypmod) || "
+    "CASE WHEN co.collname = 'ucs_basic' THEN ' COLLATE ucs_basic' ELSE '' END "
+    "FROM pg_catalog.pg_attribute a JOIN pg_catalog.pg_class c ON c.oid = a.attrelid "
+    "JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
+    "LEFT JOIN pg_catalog.pg_collation co ON co.oid = a.attcollation "
+    "WHERE n.nspname = ? AND c.relname = ? AND c.relkind = 'r' AND a.attnum > 0 AND NOT a.attisdropped "
+    "AND a.attname <> 'rowid' ORDER BY a.attnum";
+} // namespace
+
+QStringList Database::serverColumns(const QString& table) const {
+    QSqlQuery q(connection());
+    q.prepare(QLatin1String(kColumnsSql));
+    q.addBindValue(m_schema);
+    q.addBindValue(table.toLower());
+    if (!q.exec()) return {};
+    return firstColumn(q);
+}
+
+QString Database::serverDeclaredType(const QString& table, const QString& column) const {
+    QSqlQuery q(connection());
+    q.prepare(QLatin1String(kColumnsSql));
+    q.addBindValue(m_schema);
+    q.addBindValue(table.toLower());
+    if (!q.exec()) return {};
+    while (q.next())
+        if (q.value(0).toString().compare(column, Qt::CaseInsensitive) == 0) return q.value(1).toString();
+    return {};
+}
+
+QList<IndexInfo> Database::serverIndexes(const QString& table) const {
+    QList<IndexInfo> out;
+    QSqlQuery q(connection());
+    q.prepare(QStringLiteral(
+        "SELECT i.relname, x.indisunique, CASE WHEN x.indisprimary THEN 'pk' WHEN EXISTS (SELECT 1 FROM "
+        "pg_catalog.pg_constraint k WHERE k.conindid = x.indexrelid AND k.contype = 'u') THEN 'u' ELSE 'c' "
+        "END, "
+        "array_to_string(ARRAY(SELECT a.attname FROM unnest(x.indkey::int2[]) WITH ORDINALITY k(num, ord) "
+        "JOIN pg_catalog.pg_attribute a ON a.attrelid = x.indrelid AND a.attnum = k.num ORDER BY k.ord), "
+        "',') "
+        "FROM pg_catalog.pg_index x JOIN pg_catalog.pg_class t ON t.oid = x.indrelid "
+        "JOIN pg_catalog.pg_class i ON i.oid = x.indexrelid "
+        "JOIN pg_catalog.pg_namespace n ON n.oid = t.relnamespace "
+        "WHERE n.nspname = ? AND t.relname = ? ORDER BY i.relname"));
+    q.addBindValue(m_schema);
+    q.addBindValue(table.toLower());
+    if (!q.exec()) return out;
+    while (q.next())
+        out.push_back({q.value(0).toString(), q.value(1).toBool(), q.value(2).toString(),
+                       q.value(3).toString().split(u',', Qt::SkipEmptyParts)});
+    return out;
+}
+
+bool Database::serverHasRelation(const QString& name, char kind) const {
+    QSqlQuery q(connection());
+    q.prepare(QStringLiteral("SELECT 1 FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = "
+                             "c.relnamespace WHERE n.nspname = ? AND c.relname = ? AND c.relkind::text = ?"));
+    q.addBindValue(m_schema);
+    q.addBindValue(name.toLower());
+    q.addBindValue(QString(QLatin1Char(kind)));
+    return q.exec() && q.next();
+}
+
+bool Database::serverHasTrigger(const QString& name) const {
+    QSqlQuery q(connection());
+    q.prepare(QStringLiteral("SELECT 1 FROM pg_catalog.pg_trigger t JOIN pg_catalog.pg_class c ON c.oid = "
+                             "t.tgrelid JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
+                             "WHERE n.nspname = ? AND t.tgname = ?"));
+    q.addBindValue(m_schema);
+    q.addBindValue(name.toLower());
+    return q.exec() && q.next();
+}
+
+} // namespace nb

@@ -1,0 +1,165 @@
+#include "storage/StoreEngine.h"
+
+#include "core/AppState.h"
+#include "storage/Database.h"
+#include "storage/ServerSettings.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSqlError>
+
+namespace nb {
+namespace {
+
+// File engine result codes the failure boxes are chosen by (Database.cpp tells them apart).
+constexpr int kBusy = 5;
+constexpr int kReadOnly = 8;
+constexpr int kFull = 13;
+constexpr int kConstraint = 19;
+constexpr int kConstraintNotNull = 19 | (5 << 8);
+constexpr int kConstraintUnique = 19 | (8 << 8);
+constexpr int kConstraintTrigger = 19 | (7 << 8);
+constexpr int kGenericError = 1;
+
+QString samePath(const QString& path) {
+    return path.isEmpty() ? QString() : QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+}
+
+bool isWordChar(QChar c) {
+    return c.isLetterOrNumber() || c == u'_';
+}
+
+bool isFractional(const QVariant& value) {
+    const int type = value.typeId();
+    return !value.isNull() && (type == QMetaType::Double || type == QMetaType::Float);
+}
+
+// "INSERT OR IGNORE INTO" at the start of the statement, as the words stand.
+bool startsInsertOrIgnore(const QString& sql) {
+    return sql.simplified().startsWith(QStringLiteral("INSERT OR IGNORE INTO"), Qt::CaseInsensitive);
+}
+
+} // namespace
+
+QString serverSchemaOf(const QString& path) {
+    if (path.isEmpty() || !onServer()) return QString();
+    const AppState& a = app();
+    const QString wanted = samePath(path);
+    const std::pair<const QString*, const char*> stores[] = {{&a.DbBasicFile, "basic"},
+                                                             {&a.DbBillFile, "bill"},
+                                                             {&a.DbTaxFile, "tax"},
+                                                             {&a.DbEstimateFile, "estimate"},
+                                                             {&a.DbInOutFile, "inout"}};
+    for (const auto& [storePath, schema] : stores)
+        if (!storePath->isEmpty() && samePath(*storePath) == wanted) return QLatin1String(schema);
+    return QString();
+}
+
+QString serverStatement(const QString& sql, const QVariantList& values) {
+    QString out;
+    out.reserve(sql.size() + 16);
+    const bool orIgnore = startsInsertOrIgnore(sql);
+    int mark = 0;
+    int i = 0;
+    const int n = int(sql.size());
+    while (i < n) {
+        const QChar c = sql[i];
+        if (c == u'\'') { // a text: as written
+            const int end = sql.indexOf(u'\'', i + 1);
+            const int stop = end < 0 ? n : end + 1;
+            out += QStringView(sql).mid(i, stop - i);
+            i = stop;
+        } else if (c == u'"') { // a quoted name: folded as the server's names are
+            const int end = sql.indexOf(u'"', i + 1);
+            const int stop = end < 0 ? n : end + 1;
+            out += QStringView(sql).mid(i, stop - i).toString().toLower();
+            i = stop;
+        } else if (c == u'?') {
+            out += isFractional(values.value(mark)) ? QStringLiteral("CAST(? AS double precision)")
+                                                    : QStringLiteral("?");
+            ++mark;
+            ++i;
+        } else if (isWordChar(c)) {
+            int end = i;
+            while (end < n && isWordChar(sql[end]))
+                ++end;
+            const QStringView word = QStringView(sql).mid(i, end - i);
+            const bool qualified = i > 0 && sql[i - 1] == u'.';
+            if (word.compare(u"LIKE", Qt::CaseInsensitive) == 0 && !qualified)
+                out += QStringLiteral("ILIKE");
+            else if (word.compare(u"USER", Qt::CaseInsensitive) == 0)
+                out += QStringLiteral("\"user\"");
+            else if (orIgnore &&
+                     (word.compare(u"OR", Qt::CaseInsensitive) == 0 ||
+                      word.compare(u"IGNORE", Qt::CaseInsensitive) == 0) &&
+                     out.trimmed().compare(QStringLiteral("INSERT"), Qt::CaseInsensitive) == 0)
+                ; // dropped: the conflict clause at the end says it
+            else
+                out += word;
+            i = end;
+        } else {
+            out += c;
+            ++i;
+        }
+    }
+    if (orIgnore) {
+        while (out.endsWith(u';') || out.endsWith(u' '))
+            out.chop(1);
+        out += QStringLiteral(" ON CONFLICT DO NOTHING");
+    }
+    return out;
+}
+
+QString serverColumnType(int daoType) {
+    switch (daoType) {
+    case dbBoolean:
+    case dbByte:
+        return QStringLiteral("smallint");
+    case dbInteger:
+        return QStringLiteral("integer");
+    case dbLong:
+        return QStringLiteral("bigint");
+    case dbSingle:
+    case dbDouble:
+        return QStringLiteral("double precision");
+    case dbText:
+    case dbMemo:
+        // ucs_basic: code point order, the byte order of UTF-8 texts (a quoted "C" would be folded
+        // by serverStatement).
+        return QStringLiteral("text COLLATE ucs_basic");
+    default:
+        return QStringLiteral("double precision");
+    }
+}
+
+ServerFault serverFaultOf(const QSqlError& error) {
+    const QString state = error.nativeErrorCode();
+    auto fault = [](int code, int number = 0, bool retry = false) {
+        return ServerFault{code, number ? number : code, retry};
+    };
+    if (state.startsWith(QStringLiteral("08")) || state == QStringLiteral("57P01") ||
+        state == QStringLiteral("57P02") || state == QStringLiteral("57P03") ||
+        (state.isEmpty() && error.type() == QSqlError::ConnectionError))
+        return fault(kServerUnreachableCode);
+    if (state == QStringLiteral("23505")) return fault(kConstraintUnique);
+    if (state == QStringLiteral("23502")) return fault(kConstraintNotNull);
+    if (state.startsWith(QStringLiteral("23"))) return fault(kConstraint);
+    // A trigger that refuses a change raises its own exception.
+    if (state == QStringLiteral("P0001")) return fault(kConstraintTrigger);
+    if (state.startsWith(QStringLiteral("53"))) return fault(kFull);
+    if (state == QStringLiteral("25006")) return fault(kReadOnly);
+    if (state == QStringLiteral("40P01") || state == QStringLiteral("40001"))
+        return fault(kBusy, ErrEngine, true);
+    if (state == QStringLiteral("55P03")) return fault(kBusy, ErrEngine);
+    if (state == QStringLiteral("42P01") || state == QStringLiteral("42703") ||
+        state == QStringLiteral("42601") || state == QStringLiteral("42883"))
+        return fault(kGenericError, ErrSyntax);
+    return fault(kGenericError);
+}
+
+QString serverUnreachableText() {
+    return QStringLiteral("자료 서버에 연결할 수 없어 처리하지 못했습니다. 서버 컴퓨터가 켜져 있는지, "
+                          "네트워크와 서버 설정(주소, 포트, 데이터베이스, 사용자)이 맞는지 확인하십시오.");
+}
+
+} // namespace nb

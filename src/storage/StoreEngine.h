@@ -1,0 +1,48 @@
+#pragma once
+// Where the engine choice lives. A seat keeps its books either in store files (SQLite, the
+// default) or in one PostgreSQL database shared by several seats (ServerSettings.h). On the
+// server each store the program opens by its file path is a schema of that one database, named
+// as the cross-store queries call it ("basic", "bill", "tax", "estimate", "inout"), so that
+// basic.Trader reads the same on both engines. Everything else stays a file of the seat: the
+// postcode books, the old per-month and old-format files, the files an import builds aside.
+//
+// The differences the two engines cannot share in one statement text are settled here, in one
+// small function each: the server's statement text, its column types, the key its writers are
+// serialised by, and its failures in the words of the files' failure boxes.
+
+#include <QString>
+#include <QVariantList>
+
+class QSqlError;
+
+namespace nb {
+
+// The schema of the seat's store at path when the seat works on the server; empty when the
+// path stays a file (the seat works on files, or the path is none of its stores).
+QString serverSchemaOf(const QString& path);
+
+// The statement as the server takes it: LIKE compares without regard to ASCII case as on the
+// files (ILIKE); INSERT OR IGNORE becomes ON CONFLICT DO NOTHING; the table User (a reserved
+// word there) is quoted; quoted names are folded to lower case as the server's tables are; a
+// fractional value is bound as double precision, so that a whole-number column it is written
+// into rounds it half to even. Quoted texts are left alone.
+QString serverStatement(const QString& sql, const QVariantList& values);
+
+// The server's type of a column of the given DAO type (texts in code point order, which is the
+// byte order the files sort by).
+QString serverColumnType(int daoType);
+
+// Engine codes the server's failures are told by, as the files' failure boxes know them
+// (the file engine's own numbers), plus one the files never meet.
+inline constexpr int kServerUnreachableCode = 1008;
+struct ServerFault {
+    int engineCode = 0;     // a file engine code (busy, full, read-only, constraint ...) or the above
+    int errorNumber = 0;    // the original's error number (ErrSyntax, ErrEngine) or engineCode
+    bool retryable = false; // a deadlock or a conflict of two seats: the whole save may run again
+};
+ServerFault serverFaultOf(const QSqlError& error);
+
+// What the operator reads when the server cannot be reached.
+QString serverUnreachableText();
+
+} // namespace nb
