@@ -196,6 +196,8 @@ void DropSearchIndex(Database& db, const SearchIndexDef& def) {
 
 bool EnsureSearchIndex(Database& db, const SearchIndexDef& def) {
     if (!db.isOpen() || !db.hasTable(def.table)) return false;
+    // A store on the server searches by its own trigram indexes (StoreEngine.h): nothing beside.
+    if (db.onServer()) return true;
     if (HasSearchIndex(db, def) && db.hasTable(gramsTable(def)) && hasAllTriggers(db, def) &&
         indexMatchesTable(db, def)) {
         readyIndexes().insert(readyKey(db, def));
@@ -216,7 +218,7 @@ void EnsureSearchIndexes(Database& db) {
 
 SqlPart SearchCandidates(Database& db, const SearchIndexDef& def, const QString& text,
                          const QStringList& columns) {
-    if (text.isEmpty() || !db.isOpen()) return {};
+    if (text.isEmpty() || !db.isOpen() || db.onServer()) return {};
     if (!readyIndexes().contains(readyKey(db, def)) && !EnsureSearchIndex(db, def)) return {};
     if (UsesTrigramIndex(text))
         return {QStringLiteral("%1.rowid IN (SELECT rowid FROM %2 WHERE %2 MATCH ?) AND ")

@@ -3,7 +3,9 @@
 // by name, telephone or last address word; the postcode book by postcode or town). Each index
 // is an FTS5 table kept in step with its table by triggers; it only narrows the rows that the
 // exact LIKE conditions then test, so results and order are those of the plain queries.
-// A text shorter than three characters cannot use a trigram index: the plain query runs.
+// A text shorter than three characters cannot use a trigram index: the plain query runs. A
+// store on a server keeps none of these: its ILIKE conditions use the server's own trigram
+// indexes (storage/StoreEngine.h), and SearchCandidates gives nothing to narrow by.
 
 #include "storage/Database.h"
 

@@ -23,6 +23,9 @@ constexpr int kSqliteCorrupt = 11;
 constexpr int kSqliteFull = 13;
 constexpr int kSqliteCantOpen = 14;
 constexpr int kSqliteConstraint = 19;
+constexpr int kSqliteConstraintNotNull = 19 | (5 << 8);
+constexpr int kSqliteConstraintPrimaryKey = 19 | (6 << 8);
+constexpr int kSqliteConstraintUnique = 19 | (8 << 8);
 constexpr int kSqliteNotADb = 26;
 
 // A busy store is asked again after this slice of waiting; between slices the window's
@@ -98,11 +101,14 @@ QString storeFaultText(int engineCode, const QString& engineText) {
         return QStringLiteral("자료 파일을 열 수 없어 처리하지 못했습니다. 자료 파일이 있는지, 경로 설정이 "
                               "맞는지 확인하십시오.");
     case kSqliteConstraint:
-        if (text.contains(QStringLiteral("unique")))
+        // By the engine's extended code where it gives one (the server's always do), else by its words.
+        if (engineCode == kSqliteConstraintUnique || engineCode == kSqliteConstraintPrimaryKey ||
+            text.contains(QStringLiteral("unique")))
             return QStringLiteral(
                 "같은 번호(코드)의 자료가 이미 있어 저장하지 못했습니다. 번호를 확인하고 다시 "
                 "입력하십시오.");
-        if (text.contains(QStringLiteral("not null")) || text.contains(QStringLiteral("not-null")))
+        if (engineCode == kSqliteConstraintNotNull || text.contains(QStringLiteral("not null")) ||
+            text.contains(QStringLiteral("not-null")))
             return QStringLiteral(
                 "반드시 입력해야 할 값이 비어 있어 저장하지 못했습니다. 빈 칸을 채우고 다시 "
                 "저장하십시오.");

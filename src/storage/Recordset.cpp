@@ -28,6 +28,13 @@ QList<int> numericColumns(const Database& db, const QSqlRecord& rec) {
     return out;
 }
 
+// A server table's row number stands last among its columns, where the files keep it unseen:
+// a "*" brings it along, and the recordset leaves it out so that its fields are the files'.
+bool hiddenRowNumber(const Database& db, const QString& sql, const QSqlRecord& rec) {
+    return db.onServer() && rec.count() > 0 && rec.fieldName(rec.count() - 1) == QStringLiteral("rowid") &&
+           sql.contains(u'*');
+}
+
 QVariant asStoredNumber(const QVariant& value) {
     if (value.isNull()) return value;
     const double d = value.toDouble();
@@ -122,16 +129,17 @@ bool openRecordset(Database& db, Recordset& rs, const QString& sql, const QVaria
         return false;
     }
     const QSqlRecord rec = q.record();
-    for (int i = 0; i < rec.count(); ++i)
+    const int width = int(rec.count()) - (hiddenRowNumber(db, statement, rec) ? 1 : 0);
+    for (int i = 0; i < width; ++i)
         rs.m_names << rec.fieldName(i);
     const QList<int> numeric = numericColumns(db, rec);
     while (q.next()) {
         QVariantList row;
-        row.reserve(rec.count());
-        for (int i = 0; i < rec.count(); ++i)
+        row.reserve(width);
+        for (int i = 0; i < width; ++i)
             row << q.value(i);
         for (int i : numeric)
-            row[i] = asStoredNumber(row[i]);
+            if (i < width) row[i] = asStoredNumber(row[i]);
         rs.m_rows.push_back(std::move(row));
     }
     rs.m_open = true;

@@ -2,6 +2,7 @@
 
 #include "common/Messages.h"
 #include "core/AppState.h"
+#include "storage/StoreEngine.h"
 #include "storage/StoreLayout.h"
 #include "storage/Stores.h"
 
@@ -95,6 +96,8 @@ QStringList requiredTables(const QList<TableDef>& tables) {
 }
 
 QString CheckStoreFile(const QString& path, const QStringList& required) {
+    // A store on the server is no file of the seat (it keeps its pages whole by its own journal);
+    // a missing schema is laid down at start like a missing file.
     if (!QFileInfo(path).isFile()) return QString();
     ReadOnlyFile file(path);
     QStringList tables;
@@ -135,6 +138,13 @@ bool OpenWholeStores(const QList<DamagedStore>& damaged) {
     openUnlessDamaged(s.dbBasic, a.DbBasicFile, damaged);
     openUnlessDamaged(s.dbTax, a.DbTaxFile, damaged);
     openUnlessDamaged(s.dbBill, a.DbBillFile, damaged);
+    // A seat on a server that cannot be reached is told so once, with the connection's words.
+    for (const Database* db : {&s.dbBasic, &s.dbTax, &s.dbBill})
+        if (db->lastEngineCode() == kServerUnreachableCode) {
+            ShowWarning(serverUnreachableText() + QStringLiteral("\r\r") + db->lastErrorDescription(),
+                        kServerUnreachableTitle);
+            break;
+        }
     return s.dbBasic.isOpen() && s.dbTax.isOpen() && s.dbBill.isOpen();
 }
 

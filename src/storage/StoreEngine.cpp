@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSqlError>
 
 namespace nb {
@@ -55,10 +56,15 @@ QString serverSchemaOf(const QString& path) {
     return QString();
 }
 
-QString serverStatement(const QString& sql, const QVariantList& values) {
+QString serverStatement(const QString& written, const QVariantList& values) {
+    // "INSERT OR IGNORE INTO" loses its middle words: the conflict clause at the end says it.
+    static const QRegularExpression orIgnoreWords(QStringLiteral("^\\s*INSERT\\s+OR\\s+IGNORE\\s+INTO\\b"),
+                                                  QRegularExpression::CaseInsensitiveOption);
+    const bool orIgnore = startsInsertOrIgnore(written);
+    const QString sql =
+        orIgnore ? QString(written).replace(orIgnoreWords, QStringLiteral("INSERT INTO")) : written;
     QString out;
     out.reserve(sql.size() + 16);
-    const bool orIgnore = startsInsertOrIgnore(sql);
     int mark = 0;
     int i = 0;
     const int n = int(sql.size());
@@ -130,6 +136,20 @@ QString serverColumnType(int daoType) {
     default:
         return QStringLiteral("double precision");
     }
+}
+
+QStringList serverTrigramIndexes(const QString& table) {
+    if (table.compare(QStringLiteral("Trader"), Qt::CaseInsensitive) != 0) return {};
+    QStringList out;
+    for (const char* column : {"c_name", "phone", "addr2"})
+        out << QStringLiteral(
+                   "CREATE INDEX IF NOT EXISTS trader_%1_trgm ON trader USING gin (%1 gin_trgm_ops)")
+                   .arg(QLatin1String(column));
+    return out;
+}
+
+QString serverTrigramExtension() {
+    return QStringLiteral("CREATE EXTENSION IF NOT EXISTS pg_trgm SCHEMA public");
 }
 
 ServerFault serverFaultOf(const QSqlError& error) {

@@ -32,6 +32,14 @@ QString serverStatement(const QString& sql, const QVariantList& values);
 // byte order the files sort by).
 QString serverColumnType(int daoType);
 
+// The trigram indexes (pg_trgm, GIN) that let the server's ILIKE '%text%' on the columns the
+// lists search inside (traders by name, telephone, last address word) read an index instead of
+// the whole table for texts of three characters and more; none for other tables. Shorter texts
+// read the table, which is small enough. The files keep their own search tables instead.
+QStringList serverTrigramIndexes(const QString& table);
+// The statement that makes pg_trgm available to the stores (in public, on their search path).
+QString serverTrigramExtension();
+
 // Engine codes the server's failures are told by, as the files' failure boxes know them
 // (the file engine's own numbers), plus one the files never meet.
 inline constexpr int kServerUnreachableCode = 1008;
@@ -42,7 +50,8 @@ struct ServerFault {
 };
 ServerFault serverFaultOf(const QSqlError& error);
 
-// What the operator reads when the server cannot be reached.
+// What the operator reads when the server cannot be reached, and the title of its box at start.
 QString serverUnreachableText();
+inline const QString kServerUnreachableTitle = QStringLiteral("자료 서버 연결");
 
 } // namespace nb

@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <algorithm>
 #include <cstdio>
 #include <unistd.h>
 
@@ -313,7 +314,10 @@ QStringList createStatements(const TableDef& table, bool server) {
                     QStringLiteral(" (") + columns.join(QStringLiteral(", ")) + u')'};
     for (const IndexDef& index : table.indexes)
         out << indexSql(table, index);
-    if (!server) out << wholeNumberTriggers(table.name);
+    if (server)
+        out << serverTrigramIndexes(table.name);
+    else
+        out << wholeNumberTriggers(table.name);
     return out;
 }
 
@@ -343,6 +347,13 @@ namespace {
 bool createServerStore(const QString& path, const QList<TableDef>& tables) {
     Database db;
     if (!db.beginNewServerStore(path)) return false;
+    const bool searched = std::any_of(tables.begin(), tables.end(), [](const TableDef& table) {
+        return !serverTrigramIndexes(table.name).isEmpty();
+    });
+    if (searched && !db.Execute(serverTrigramExtension())) {
+        db.rollback();
+        return false;
+    }
     for (const TableDef& table : tables)
         if (!createTable(db, table)) {
             db.rollback();
