@@ -5,6 +5,7 @@
 #include "core/AppFolder.h"
 #include "core/Settings.h"
 #include "storage/Database.h"
+#include "storage/ServerSettings.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -90,6 +91,9 @@ bool alreadyConverted(const QString& newPath, const QString& oldPath) {
 } // namespace
 
 void UpdateBill() {
+    // A seat on the server leaves an old statement file where it is: the move is made into the
+    // store files of a seat that works on files, before its books go to the server.
+    if (onServer()) return;
     const QString folder = updateBillFolder();
     const QString oldPath = folder + u'/' + kOldFile;
     if (!QFileInfo(oldPath).isFile()) return;
