@@ -7,6 +7,7 @@
 #include "printing/PrintingScreens.h"
 #include "quotation/QuotationCommand.h"
 #include "quotation/QuotationScreens.h"
+#include "shell/MoveToServer.h"
 #include "shell/Program.h"
 #include "statement/StatementCommand.h"
 #include "statement/StatementScreens.h"
@@ -23,6 +24,7 @@ int main(int argc, char** argv) {
     nb::registerQuotationCommand();
     nb::registerEtaxCommand();
     nb::registerBackupCommand();
+    nb::registerMoveToServer();
     nb::registerMasterScreens();
     nb::registerPrintingScreens();
     nb::registerInvoiceScreens();

@@ -95,6 +95,7 @@ void Nubella::buildMenus() {
     addItem(insert, QStringLiteral("mnu_sosu"), QStringLiteral("소수점설정(&U)"));
     addItem(insert, QStringLiteral("mnu_printer"), QStringLiteral("프린터설정(&P)"));
     addItem(insert, QStringLiteral("mnu_server"), QStringLiteral("데이터 서버 설정(&V)..."));
+    addItem(insert, QStringLiteral("mnu_moveToServer"), QStringLiteral("데이터 서버로 옮기기(&O)..."));
     addItem(insert, QStringLiteral("mnu_backup"), QStringLiteral("백업(&B)..."));
     addItem(insert, QStringLiteral("mnu_restore"), QStringLiteral("복원(&R)..."));
     insert->addSeparator()->setObjectName(QStringLiteral("mnu_line1"));

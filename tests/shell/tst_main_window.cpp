@@ -59,11 +59,11 @@ private Q_SLOTS:
     }
     void registrationMenuItemsWithSeparators() {
         Nubella w;
-        QCOMPARE(
-            captionsOf(barMenu(w, "mnu_insert")->actions()),
-            (QStringList{"사용자등록(&S)", "거래처등록(&T)", "상품   등록(&M)", "우편번호 가져오기(&Z)...",
-                         "옛 자료 가져오기(&I)...", "-", "소수점설정(&U)", "프린터설정(&P)",
-                         "데이터 서버 설정(&V)...", "백업(&B)...", "복원(&R)...", "-", "종료(&X)"}));
+        QCOMPARE(captionsOf(barMenu(w, "mnu_insert")->actions()),
+                 (QStringList{"사용자등록(&S)", "거래처등록(&T)", "상품   등록(&M)",
+                              "우편번호 가져오기(&Z)...", "옛 자료 가져오기(&I)...", "-", "소수점설정(&U)",
+                              "프린터설정(&P)", "데이터 서버 설정(&V)...", "데이터 서버로 옮기기(&O)...",
+                              "백업(&B)...", "복원(&R)...", "-", "종료(&X)"}));
     }
     void outputMenuItems() {
         Nubella w;
