@@ -33,14 +33,14 @@ void loadSmallBook(const TestHome& home) {
     QCOMPARE(ImportRoadBook({path}), 10);
 }
 
-// 450 addresses of one road: more than the list's first page.
-void loadLongRoad(const TestHome& home) {
+// `count` addresses of one road (450: more than the list's first page).
+void loadLongRoad(const TestHome& home, int count = 450) {
     QVector<RoadLine> lines;
-    for (int i = 1; i <= 450; ++i)
+    for (int i = 1; i <= count; ++i)
         lines << roadLine("04524", "서울특별시", "중구", "세종대로", QString::number(i), "", "태평로1가", "",
                           "명동");
     QVERIFY(writeRoadFile(home.file("long.txt"), lines));
-    QCOMPARE(ImportRoadBook({home.file("long.txt")}), 450);
+    QCOMPARE(ImportRoadBook({home.file("long.txt")}), count);
 }
 
 // Every address a search lists, in its order: "postcode road-name address".
@@ -321,6 +321,28 @@ private Q_SLOTS:
         QVERIFY(!form.isVisible());
         QCOMPARE(zip.text(), QStringLiteral("04524"));
         QCOMPARE(addr.text(), QStringLiteral("서울특별시 중구 세종대로 450"));
+    }
+    // The whole book is millions of addresses: Ctrl+End goes a page of rows further each time
+    // instead of reading them all.
+    void ctrlEndReadsAPageMoreEachTime() {
+        TestHome home;
+        QVERIFY(openStores());
+        script();
+        loadLongRoad(home, 6000);
+        FrmPost form;
+        int result = -1;
+        form.InitForm("세종대로", result);
+        showActive(&form);
+        form.grdList()->setFocus();
+        pressKey(form.grdList(), Qt::Key_End, Qt::ControlModifier);
+        QVERIFY(form.model()->isFilling());
+        QVERIFY(form.model()->rowCount() < 6000);
+        QVERIFY(form.activeRow() >= ListModel::kFirstPage + GridModel::kPage - 1);
+        for (int i = 0; i < 10 && form.model()->isFilling(); ++i)
+            pressKey(form.grdList(), Qt::Key_End, Qt::ControlModifier);
+        QCOMPARE(form.model()->rowCount(), 6000);
+        QCOMPARE(form.activeRow(), 5999);
+        QCOMPARE(form.model()->text(5999, 1), QStringLiteral("서울특별시 중구 세종대로 6000"));
     }
     void theLastRowOfAListLongerThanAPageIsChosenByADoubleClick() {
         TestHome home;

@@ -235,9 +235,13 @@ void Grid::handleEnter() {
 
 bool Grid::handleNavigationKey(int key, Qt::KeyboardModifiers modifiers) {
     if (m_activeCol == 0 || m_activeRow == 0) return false;
-    // Ctrl+Home and Ctrl+End: the first and the last row (a list still being read is read through).
+    // Ctrl+Home and Ctrl+End: the first and the last row (a list still being read is read through;
+    // one that reads only what is seen reads a page more, as it may be longer than memory holds).
     if ((key == Qt::Key_Home || key == Qt::Key_End) && (modifiers & Qt::ControlModifier) && !m_editing) {
-        if (key == Qt::Key_End) m_model->finishReading();
+        if (key == Qt::Key_End && m_model->readsAhead())
+            m_model->finishReading();
+        else if (key == Qt::Key_End)
+            m_model->fetchMore({});
         const int row = key == Qt::Key_Home ? 1 : MaxRows();
         m_block = QRect();
         if (row != m_activeRow) moveActiveCell(m_activeCol, row);

@@ -91,6 +91,7 @@ public:
     // only as the view scrolls to them or a cell asks: for a list that may hold more rows than
     // memory should.
     void setReadsAhead(bool on) { m_readsAhead = on; }
+    bool readsAhead() const { return m_readsAhead; }
     bool isReading() const { return m_list && m_list->reading(); }
     // Whether maxRows() already counts every row (always outside list mode).
     bool rowsKnown() const { return !m_list || m_list->countKnown(); }
