@@ -34,9 +34,11 @@ public:
     int InitForm(QLineEdit* target, const QString& text, const QString&, int) override {
         m_target = target;
         lookupLog().calls << m_kind + u':' + text;
-        QSqlQuery q(stores().dbBasic.connection());
-        q.prepare(m_sql);
-        q.addBindValue(text + u'%');
+        Database& db = stores().dbBasic;
+        QSqlQuery q(db.connection());
+        const QVariantList values{text + u'%'};
+        q.prepare(db.statementFor(m_sql, values));
+        db.bindValues(q, values);
         q.exec();
         QStringList keys;
         while (q.next())

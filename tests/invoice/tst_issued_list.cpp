@@ -25,9 +25,10 @@ void addManyInvoices() {
                                   "CAST(200000 + i / 2 AS TEXT), '000002', CASE WHEN i % 2 = 0 THEN '품목' "
                                   "|| (i / 2) ELSE '덤' END, 'EA', 1, 0, CASE WHEN i % 2 = 0 THEN 1000 * "
                                   "(i / 2 + 1) ELSE 100 END, CASE WHEN i % 2 = 0 THEN 100 * (i / 2 + 1) "
-                                  "ELSE 10 END, date('2023-01-01', '+' || (i / 2) || ' days'), '01-01', '' "
-                                  "FROM n")
-                       .arg(2 * kInvoices - 1)));
+                                  "ELSE 10 END, %2, '01-01', '' FROM n")
+                       .arg(2 * kInvoices - 1)
+                       .arg(test::dayAfterSql(stores().dbTax, QStringLiteral("2023-01-01"),
+                                              QStringLiteral("i / 2")))));
 }
 
 struct Screen {

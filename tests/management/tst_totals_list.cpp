@@ -28,13 +28,14 @@ void addTradersWithInvoices(int count) {
         test::exec(stores().dbBasic,
                    QStringLiteral("INSERT INTO Trader (Code, C_Name, Serial) WITH RECURSIVE n(i) AS "
                                   "(SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < %1) SELECT "
-                                  "printf('%06d', i), '거래처' || i, '101-01-' || printf('%05d', i) FROM n")
+                                  "substr(CAST(1000000 + i AS TEXT), 2), '거래처' || i, "
+                                  "'101-01-' || substr(CAST(100000 + i AS TEXT), 2) FROM n")
                        .arg(count)));
     QVERIFY(test::exec(stores().dbTax,
                        QStringLiteral("INSERT INTO NewAcount (TaxCode, CCode, PName, Quantity, UnitCost, "
                                       "TradeKum, VatKum, DealDate, TradeDate, UserCode) WITH RECURSIVE n(i) "
                                       "AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < %1) SELECT "
-                                      "printf('%06d', 100000 + i), printf('%06d', 1 + i % %2), '볼트', 1, 0, "
+                                      "CAST(100000 + i AS TEXT), substr(CAST(1000001 + i % %2 AS TEXT), 2), '볼트', 1, 0, "
                                       "CASE WHEN i < %2 THEN 1000 * (1 + i) ELSE 500 END, "
                                       "CASE WHEN i < %2 THEN 100 * (1 + i) ELSE 50 END, "
                                       "CASE WHEN i < 2 * %2 THEN '2024-05-10' ELSE '2024-08-01' END, "

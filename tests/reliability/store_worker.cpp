@@ -5,6 +5,8 @@
 //
 //   nb_store_worker invoice|statement|quotation COUNT [TAG]
 //   nb_store_worker bump BILLNO SEQ COUNT           changes one statement line's amount
+//   nb_store_worker mixed SECONDS TAG               an invoice, a statement, a quotation in turn
+//                                                   until the time is up
 //   nb_store_worker full invoice|statement|quotation one save refused by a full disk, then one
 //                                                   more after space returns
 #include "common/Messages.h"
@@ -19,6 +21,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QRandomGenerator>
 #include <QThread>
 #include <csignal>
@@ -154,9 +157,24 @@ int fullDisk(const QString& kind) {
     return saveOne(kind, 1, QStringLiteral("000002")) ? 0 : 1;
 }
 
+// The three kinds of save in turn for a while, as a seat of a busy shop makes them.
+int mixed(int seconds, const QString& tag) {
+    static const QString kinds[] = {QStringLiteral("invoice"), QStringLiteral("statement"),
+                                    QStringLiteral("quotation")};
+    QElapsedTimer clock;
+    clock.start();
+    int failed = 0;
+    for (int i = 0; clock.elapsed() < seconds * 1000LL; ++i) {
+        failed += saveOne(kinds[i % 3], i, tag) ? 0 : 1;
+        QThread::msleep(kPauseMillis);
+    }
+    return failed == 0 ? 0 : 1;
+}
+
 int work(const QStringList& args) {
     const QString kind = args.at(0);
     if (kind == u"bump") return bump(args.at(1), args.value(2).toInt(), args.value(3).toInt());
+    if (kind == u"mixed") return mixed(args.at(1).toInt(), args.value(2, QStringLiteral("000001")));
     if (kind == u"full") return fullDisk(args.at(1));
     const int count = args.at(1).toInt();
     const QString tag = args.value(2, QStringLiteral("000001"));

@@ -22,21 +22,29 @@ inline bool openStores() {
     return OpenDatabases();
 }
 
-// Runs a statement with bound values on a store; false on failure.
+// Runs a statement with bound values on a store, in the words of the store's engine; false on
+// failure.
 inline bool exec(Database& db, const QString& sql, const QVariantList& values = {}) {
     QSqlQuery q(db.connection());
-    q.prepare(sql);
-    for (const QVariant& v : values) q.addBindValue(v);
+    q.prepare(db.statementFor(sql, values));
+    db.bindValues(q, values);
     return q.exec();
 }
 
 // The first column of the first row of a query, invalid when there is none.
 inline QVariant scalar(Database& db, const QString& sql, const QVariantList& values = {}) {
     QSqlQuery q(db.connection());
-    q.prepare(sql);
-    for (const QVariant& v : values) q.addBindValue(v);
+    q.prepare(db.statementFor(sql, values));
+    db.bindValues(q, values);
     if (!q.exec() || !q.next()) return {};
     return q.value(0);
+}
+
+// An SQL expression for the day `days` (an SQL expression) after `first` ("YYYY-MM-DD"), as a
+// "YYYY-MM-DD" text, in the words of the store's engine: for test rows made by a statement.
+inline QString dayAfterSql(const Database& db, const QString& first, const QString& days) {
+    return db.onServer() ? QStringLiteral("to_char(DATE '%1' + (%2), 'YYYY-MM-DD')").arg(first, days)
+                         : QStringLiteral("date('%1', '+' || (%2) || ' days')").arg(first, days);
 }
 
 } // namespace nb::test
