@@ -1,0 +1,149 @@
+#include "common/grid/SqliteRows.h"
+
+#include <QSqlDriver>
+#include <cstring>
+#include <sqlite3.h>
+
+namespace nb {
+namespace {
+
+sqlite3* engineHandle(const QSqlDatabase& db) {
+    if (db.driverName() != QLatin1String("QSQLITE") || !db.driver()) return nullptr;
+    const QVariant handle = db.driver()->handle();
+    if (!handle.isValid() || qstrcmp(handle.typeName(), "sqlite3*") != 0) return nullptr;
+    return *static_cast<sqlite3* const*>(handle.constData());
+}
+
+} // namespace
+
+bool SqliteRows::canStep(const QSqlDatabase& db) {
+    return db.isOpen() && engineHandle(db) != nullptr;
+}
+
+SqliteRows::SqliteRows(const QSqlDatabase& db, const QString& sql, const QVariantList& values)
+    : m_statement(std::make_shared<SqliteStatement>(db, sql, values)) {}
+
+SqliteStatement::SqliteStatement(const QSqlDatabase& db, const QString& sql, const QVariantList& values)
+    : m_db(engineHandle(db)) {
+    if (!m_db) {
+        m_code = SQLITE_MISUSE;
+        m_text = QStringLiteral("no SQLite connection");
+        return;
+    }
+    const QByteArray text = sql.toUtf8();
+    if (sqlite3_prepare_v2(m_db, text.constData(), int(text.size()), &m_stmt, nullptr) != SQLITE_OK) {
+        fail(sqlite3_errcode(m_db));
+        return;
+    }
+    if (!m_stmt) return; // only blanks or a comment: no rows
+    m_width = sqlite3_column_count(m_stmt);
+    bind(values);
+}
+
+SqliteStatement::~SqliteStatement() {
+    finish();
+}
+
+void SqliteStatement::finish() {
+    if (m_stmt) sqlite3_finalize(m_stmt);
+    m_stmt = nullptr;
+}
+
+void SqliteStatement::fail(int code) {
+    m_code = code == SQLITE_OK ? SQLITE_ERROR : code;
+    m_text = QString::fromUtf8(sqlite3_errmsg(m_db));
+    finish();
+}
+
+bool SqliteStatement::bind(const QVariantList& values) {
+    if (values.size() != sqlite3_bind_parameter_count(m_stmt)) {
+        m_code = SQLITE_RANGE;
+        m_text = QStringLiteral("parameter count mismatch");
+        finish();
+        return false;
+    }
+    for (int i = 0; i < values.size(); ++i) {
+        const QVariant& v = values.at(i);
+        const int at = i + 1;
+        int rc = SQLITE_OK;
+        if (v.isNull()) {
+            rc = sqlite3_bind_null(m_stmt, at);
+        } else {
+            switch (v.typeId()) {
+            case QMetaType::Bool:
+            case QMetaType::Int:
+            case QMetaType::UInt:
+            case QMetaType::LongLong:
+                rc = sqlite3_bind_int64(m_stmt, at, v.toLongLong());
+                break;
+            case QMetaType::Double:
+            case QMetaType::Float:
+                rc = sqlite3_bind_double(m_stmt, at, v.toDouble());
+                break;
+            case QMetaType::QByteArray: {
+                const QByteArray bytes = v.toByteArray();
+                rc = sqlite3_bind_blob(m_stmt, at, bytes.constData(), int(bytes.size()), SQLITE_TRANSIENT);
+                break;
+            }
+            default: {
+                const QByteArray utf8 = v.toString().toUtf8();
+                rc = sqlite3_bind_text(m_stmt, at, utf8.constData(), int(utf8.size()), SQLITE_TRANSIENT);
+            }
+            }
+        }
+        if (rc != SQLITE_OK) {
+            fail(rc);
+            return false;
+        }
+    }
+    return true;
+}
+
+// A text the column held on the row before (a date down a list in date order, a trader's name
+// over his statements) is shared with that row instead of made again.
+QVariant SqliteStatement::text(int column) {
+    const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(m_stmt, column));
+    const int size = sqlite3_column_bytes(m_stmt, column);
+    if (size_t(column) >= m_lastTexts.size()) m_lastTexts.resize(size_t(m_width));
+    LastText& last = m_lastTexts[size_t(column)];
+    if (!last.value.isValid() || last.bytes.size() != size_t(size) ||
+        std::memcmp(last.bytes.data(), bytes, size_t(size)) != 0) {
+        last.bytes.assign(bytes, size_t(size));
+        last.value = QString::fromUtf8(bytes, size);
+    }
+    return last.value;
+}
+
+bool SqliteStatement::next(QVariant* out, int count) {
+    if (!m_stmt) return false;
+    const int rc = sqlite3_step(m_stmt);
+    if (rc != SQLITE_ROW) {
+        if (rc == SQLITE_DONE)
+            finish(); // through: let go of it at once
+        else
+            fail(rc);
+        return false;
+    }
+    for (int c = 0; c < count && c < m_width; ++c) {
+        switch (sqlite3_column_type(m_stmt, c)) {
+        case SQLITE_INTEGER:
+            out[c] = QVariant(qlonglong(sqlite3_column_int64(m_stmt, c)));
+            break;
+        case SQLITE_FLOAT:
+            out[c] = QVariant(sqlite3_column_double(m_stmt, c));
+            break;
+        case SQLITE_NULL:
+            out[c] = QVariant(QMetaType::fromType<QString>());
+            break;
+        case SQLITE_BLOB:
+            out[c] = QByteArray(static_cast<const char*>(sqlite3_column_blob(m_stmt, c)),
+                                sqlite3_column_bytes(m_stmt, c));
+            break;
+        default:
+            out[c] = text(c);
+        }
+    }
+    return true;
+}
+
+} // namespace nb

@@ -1,0 +1,76 @@
+#pragma once
+// The rows of one statement stepped through SQLite's own interface on the handle of a Qt
+// connection, for the lists that read many rows at once. Each value is made once, straight
+// from the engine's row: a text from its UTF-8 bytes, an integer as qlonglong, a real as double,
+// a null as a null text, a blob as bytes (the values Qt's SQLite driver gives, without its
+// record and cache around every value).
+//
+// Only for a connection whose driver is SQLite (canStep); any other engine keeps QueryRows.
+
+#include "common/grid/GridRows.h"
+
+#include <QSqlDatabase>
+#include <QString>
+#include <QVariantList>
+#include <memory>
+#include <string>
+#include <vector>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace nb {
+
+// One prepared statement and what became of it. The list owns the rows; whoever ran the
+// statement may keep this to end it (before letting an attached file go) and to ask how it
+// went after the rows were read.
+class SqliteStatement {
+public:
+    SqliteStatement(const QSqlDatabase& db, const QString& sql, const QVariantList& values);
+    ~SqliteStatement();
+    SqliteStatement(const SqliteStatement&) = delete;
+    SqliteStatement& operator=(const SqliteStatement&) = delete;
+
+    // False when preparing, binding or a step failed; then the engine's code and words.
+    bool ok() const { return m_code == 0; }
+    int engineCode() const { return m_code; }
+    QString engineText() const { return m_text; }
+    // Lets go of the statement; rows not read yet are dropped.
+    void finish();
+
+    int width() const { return m_width; }
+    bool next(QVariant* out, int count);
+
+private:
+    void fail(int code);
+    bool bind(const QVariantList& values);
+    QVariant text(int column);
+
+    struct LastText {
+        std::string bytes;
+        QVariant value;
+    };
+    std::vector<LastText> m_lastTexts;
+
+    sqlite3* m_db = nullptr;
+    sqlite3_stmt* m_stmt = nullptr;
+    int m_width = 0;
+    int m_code = 0;
+    QString m_text;
+};
+
+class SqliteRows : public GridRowSource {
+public:
+    // Whether the connection is SQLite's (by its driver's name) with its engine handle at hand.
+    static bool canStep(const QSqlDatabase& db);
+
+    SqliteRows(const QSqlDatabase& db, const QString& sql, const QVariantList& values);
+    int width() const override { return m_statement->width(); }
+    bool next(QVariant* out, int count) override { return m_statement->next(out, count); }
+    const std::shared_ptr<SqliteStatement>& statement() const { return m_statement; }
+
+private:
+    std::shared_ptr<SqliteStatement> m_statement;
+};
+
+} // namespace nb

@@ -1,0 +1,187 @@
+// The rows a list reads through SQLite's own interface: every value as Qt's SQLite driver gives
+// it, the values bound, the engine's words when it refuses a statement or fails while stepping,
+// a repeated text shared down the rows, and the statement let go at once when asked.
+#include "TestSupport.h"
+#include "common/grid/SqliteRows.h"
+
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace nb;
+
+namespace {
+
+// A connection of its own on a fresh file, removed with the test.
+struct Connection {
+    QTemporaryDir dir;
+    QString name = QStringLiteral("sqlite_rows_test");
+    QSqlDatabase db;
+    Connection() {
+        db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        db.setDatabaseName(dir.filePath(QStringLiteral("rows.db")));
+        db.open();
+    }
+    ~Connection() {
+        db.close();
+        db = QSqlDatabase();
+        QSqlDatabase::removeDatabase(name);
+    }
+    bool exec(const QString& sql) {
+        QSqlQuery q(db);
+        const bool ok = q.exec(sql);
+        if (!ok) qWarning() << q.lastError().text();
+        return ok;
+    }
+};
+
+QList<QVariantList> readAll(GridRowSource& rows) {
+    QList<QVariantList> out;
+    QVariant values[16];
+    while (rows.next(values, rows.width())) {
+        QVariantList row;
+        for (int c = 0; c < rows.width(); ++c)
+            row << values[c];
+        out << row;
+    }
+    return out;
+}
+
+QList<QVariantList> readThroughQt(QSqlDatabase& db, const QString& sql, const QVariantList& values = {}) {
+    QSqlQuery query(db);
+    query.setForwardOnly(true);
+    query.prepare(sql);
+    for (const QVariant& v : values)
+        query.addBindValue(v);
+    [&] { QVERIFY2(query.exec(), qPrintable(query.lastError().text())); }();
+    QueryRows rows(query);
+    return readAll(rows);
+}
+
+} // namespace
+
+class TestSqliteRows : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void everyValueIsAsQtsDriverGivesIt() {
+        Connection c;
+        QVERIFY(c.exec("CREATE TABLE T (n INTEGER, r REAL, t TEXT, b BLOB, any)"));
+        QVERIFY(c.exec("INSERT INTO T VALUES (1, 2.5, '가나다', x'00ff10', 'x'), "
+                       "(-1099511627776, 3.0, '', NULL, 7), (NULL, -0.125, 'ASCII 123', x'', 1.5), "
+                       "(0, NULL, NULL, NULL, NULL), (2147483648, 1e300, '똠방각하', x'41', '2024-05-01')"));
+        const QString sql = QStringLiteral("SELECT n, r, t, b, any, n + r, t || '!' FROM T ORDER BY rowid");
+        const QList<QVariantList> expected = readThroughQt(c.db, sql);
+        QCOMPARE(expected.size(), 5);
+        SqliteRows rows(c.db, sql, {});
+        QVERIFY(rows.statement()->ok());
+        QCOMPARE(rows.width(), 7);
+        const QList<QVariantList> got = readAll(rows);
+        QCOMPARE(got.size(), expected.size());
+        for (int r = 0; r < got.size(); ++r)
+            for (int col = 0; col < 7; ++col) {
+                const QVariant& a = got[r][col];
+                const QVariant& b = expected[r][col];
+                QVERIFY2(a.typeId() == b.typeId() && a.isNull() == b.isNull() && a == b,
+                         qPrintable(QStringLiteral("row %1 column %2: %3 / %4")
+                                        .arg(r)
+                                        .arg(col)
+                                        .arg(a.toString(), b.toString())));
+            }
+        QVERIFY(rows.statement()->ok());
+    }
+
+    void theValuesAreBoundInOrder() {
+        Connection c;
+        QVERIFY(c.exec("CREATE TABLE T (k, v)"));
+        QVERIFY(c.exec("INSERT INTO T VALUES ('가', 1), (2, 2), (2.5, 3), (NULL, 4), (x'0102', 5), (1, 6)"));
+        const QString sql = QStringLiteral("SELECT v FROM T WHERE k = ? OR k = ? OR k = ? OR k IS ? OR k = ? "
+                                           "ORDER BY v");
+        const QVariantList values{QStringLiteral("가"), 2, 2.5, QVariant(), QByteArray("\x01\x02", 2)};
+        SqliteRows rows(c.db, sql, values);
+        QCOMPARE(readAll(rows), readThroughQt(c.db, sql, values));
+        SqliteRows again(c.db, QStringLiteral("SELECT v FROM T WHERE k = ?"), {true});
+        QCOMPARE(readAll(again), (QList<QVariantList>{{QVariant(qlonglong(6))}}));
+    }
+
+    void aStatementTheEngineRefusesKeepsItsWordsAndGivesNoRows() {
+        Connection c;
+        SqliteRows rows(c.db, QStringLiteral("SELECT x FROM Missing"), {});
+        QVERIFY(!rows.statement()->ok());
+        QCOMPARE(rows.statement()->engineText(), QStringLiteral("no such table: Missing"));
+        QCOMPARE(rows.statement()->engineCode(), 1); // SQLITE_ERROR
+        QVariant v[1];
+        QVERIFY(!rows.next(v, 1));
+    }
+
+    void aWrongNumberOfValuesIsRefused() {
+        Connection c;
+        SqliteRows rows(c.db, QStringLiteral("SELECT ? + ?"), {1});
+        QVERIFY(!rows.statement()->ok());
+        QVariant v[1];
+        QVERIFY(!rows.next(v, 1));
+    }
+
+    void aFailureMetWhileSteppingEndsTheRowsAndIsKept() {
+        Connection c;
+        QVERIFY(c.exec("CREATE TABLE T (n INTEGER)"));
+        QVERIFY(c.exec("INSERT INTO T VALUES (1), (-9223372036854775807 - 1), (3)"));
+        SqliteRows rows(c.db, QStringLiteral("SELECT abs(n) FROM T ORDER BY rowid"), {});
+        QVERIFY(rows.statement()->ok());
+        QVariant v[1];
+        QVERIFY(rows.next(v, 1));
+        QCOMPARE(v[0], QVariant(qlonglong(1)));
+        QVERIFY(!rows.next(v, 1));
+        QVERIFY(!rows.statement()->ok());
+        QCOMPARE(rows.statement()->engineText(), QStringLiteral("integer overflow"));
+        QVERIFY(!rows.next(v, 1));
+    }
+
+    void aTextRepeatedDownTheRowsIsSharedAndAChangedOneIsNot() {
+        Connection c;
+        QVERIFY(c.exec("CREATE TABLE T (d TEXT)"));
+        QVERIFY(c.exec("INSERT INTO T VALUES ('2024-05-01'), ('2024-05-01'), ('2024-05-02'), ('2024-05-02'), "
+                       "('2024-05-01'), (NULL), ('2024-05-01'), ('')"));
+        SqliteRows rows(c.db, QStringLiteral("SELECT d FROM T ORDER BY rowid"), {});
+        const QList<QVariantList> got = readAll(rows);
+        QCOMPARE(got, readThroughQt(c.db, QStringLiteral("SELECT d FROM T ORDER BY rowid")));
+        const auto data = [&](int r) { return got[r][0].toString().constData(); };
+        QCOMPARE(data(1), data(0));
+        QVERIFY(data(2) != data(1));
+        QCOMPARE(data(3), data(2));
+        QVERIFY(data(4) != data(3));
+        QCOMPARE(got[4][0].toString(), QStringLiteral("2024-05-01"));
+        QVERIFY(got[5][0].isNull());
+        QCOMPARE(got[6][0].toString(), QStringLiteral("2024-05-01"));
+        QVERIFY(!got[7][0].isNull());
+        QCOMPARE(got[7][0].toString(), QString());
+    }
+
+    void finishLetsGoOfTheStatementSoAnAttachedFileCanGo() {
+        Connection c;
+        QVERIFY(c.exec("ATTACH '" + c.dir.filePath("other.db") + "' AS other"));
+        QVERIFY(c.exec("CREATE TABLE other.T (n)"));
+        QVERIFY(c.exec("INSERT INTO other.T VALUES (1), (2), (3)"));
+        SqliteRows rows(c.db, QStringLiteral("SELECT n FROM other.T"), {});
+        QVariant v[1];
+        QVERIFY(rows.next(v, 1));
+        QSqlQuery detach(c.db);
+        QVERIFY(!detach.exec("DETACH other")); // a statement still reads it
+        rows.statement()->finish();
+        QVERIFY(!rows.next(v, 1));
+        QVERIFY2(detach.exec("DETACH other"), qPrintable(detach.lastError().text()));
+    }
+
+    void onlyAnOpenSqliteConnectionIsSteppedDirectly() {
+        Connection c;
+        QVERIFY(SqliteRows::canStep(c.db));
+        QVERIFY(!SqliteRows::canStep(QSqlDatabase()));
+        c.db.close();
+        QVERIFY(!SqliteRows::canStep(c.db));
+        SqliteRows rows(c.db, QStringLiteral("SELECT 1"), {});
+        QVERIFY(!rows.statement()->ok());
+    }
+};
+
+NB_TEST_MAIN(TestSqliteRows)
+#include "tst_sqlite_rows.moc"
