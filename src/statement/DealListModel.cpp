@@ -2,8 +2,6 @@
 
 #include "storage/CrossFileQueries.h"
 
-#include <QSqlQuery>
-
 namespace nb {
 
 namespace {
@@ -46,8 +44,8 @@ void DealListModel::setTrader(const QString& cCode, const QString& cName) {
 bool DealListModel::masterList(const QString& basicFile, const QString& from, const QString& to,
                                bool onlyTrader) {
     const bool ok = ReadStatementListRows(m_db, basicFile, from, to, onlyTrader ? m_cCode : QString(),
-                                          [this](QSqlQuery& query) {
-                                              m_rows->showList(std::make_unique<QueryRows>(query), -1);
+                                          [this](std::unique_ptr<GridRowSource> rows) {
+                                              m_rows->showList(std::move(rows), -1);
                                               m_rows->finishReading();
                                           });
     if (!ok) m_rows->showList(nullptr, 0);

@@ -1,5 +1,6 @@
 #include "storage/CrossFileQueries.h"
 
+#include "common/grid/SqliteRows.h"
 #include "core/AppState.h"
 #include "storage/Stores.h"
 
@@ -55,8 +56,11 @@ QString statementListRowsSql(bool withTrader) {
            QStringLiteral(" order by BillDate, billno");
 }
 
+// A SQLite store steps the statement itself: the list reads every row at once, and the values
+// come straight from the engine instead of through a record per row.
 bool ReadStatementListRows(Database& bill, const QString& basicFile, const QString& from, const QString& to,
-                           const QString& traderCode, const std::function<void(QSqlQuery&)>& read) {
+                           const QString& traderCode,
+                           const std::function<void(std::unique_ptr<GridRowSource>)>& read) {
     const bool withTrader = !traderCode.isEmpty();
     QVariantList values{from, to};
     if (withTrader) values << traderCode;
@@ -71,11 +75,21 @@ bool ReadStatementListRows(Database& bill, const QString& basicFile, const QStri
         return false;
     }
     bool ok = false;
-    {
+    if (SqliteRows::canStep(bill.connection())) {
+        auto rows = std::make_unique<SqliteRows>(bill.connection(), sql, values);
+        const std::shared_ptr<SqliteStatement> statement = rows->statement();
+        if (statement->ok()) read(std::move(rows));
+        statement->finish(); // whatever read left, so the file can be let go
+        ok = statement->ok();
+        if (!ok)
+            ReportQueryFailure(errorNumberFor(statement->engineText(), statement->engineCode()),
+                               statement->engineText(), sqlForDisplay(sql, values), statement->engineCode());
+    } else {
         QSqlQuery query(bill.connection());
         ok = OpenForwardOnly(bill, query, sql, values);
-        if (ok) read(query);
-    } // the statement ends here, so the file can be let go
+        if (ok) read(std::make_unique<QueryRows>(query));
+        query.finish();
+    } // the statement has ended here
     bill.detach(kBasicAlias);
     return ok;
 }

@@ -8,9 +8,11 @@
 // answers false). The openers with a Database take the file to attach; the short ones use
 // the program's open stores and paths.
 
+#include "common/grid/GridRows.h"
 #include "storage/Database.h"
 
 #include <functional>
+#include <memory>
 
 namespace nb {
 
@@ -28,12 +30,15 @@ bool OpenStatementList(Database& bill, const QString& basicFile, Recordset& rs, 
 bool OpenStatementList(Recordset& rs, const QString& from, const QString& to,
                        const QString& traderCode = QString());
 // The same rows in the columns of the list on the screen (BillDate, C_Name, NumBill,
-// TotAmount + TotVat, BillNo, CCode), run forward-only with the basic file attached: read gets
-// the running query and reads what it needs before the file is let go. False when the query
-// failed (its box shown); read is then not called.
+// TotAmount + TotVat, BillNo, CCode), run with the basic file attached. read gets them as a row
+// source (on a SQLite store stepped through the engine's own interface, else the forward-only
+// query) and reads what it needs before it returns; then the statement ends and the file is
+// let go. False when the query failed (its box shown; read is not called when it could not
+// start, and a failure met while reading is shown after it).
 QString statementListRowsSql(bool withTrader);
 bool ReadStatementListRows(Database& bill, const QString& basicFile, const QString& from, const QString& to,
-                           const QString& traderCode, const std::function<void(QSqlQuery&)>& read);
+                           const QString& traderCode,
+                           const std::function<void(std::unique_ptr<GridRowSource>)>& read);
 
 // Traders not dealt with since a date, on dbBasic: C_Name, Phone, Fax, HPhone, Code and
 // lastdate (MAX(BillDate), empty for a trader with no statement) of the traders whose C_Name

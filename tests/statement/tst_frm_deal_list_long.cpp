@@ -1,7 +1,12 @@
 // FrmDealList with a statement list longer than a page: the list opens on its empty row after
 // the last statement, the keys and the mouse reach and choose its last statement, and the sums
-// under it are the statements' own, following a deleted statement.
+// under it are the statements' own, following a deleted statement; the list read through the
+// engine's own interface holds the values the query gives through Qt's SQL layer.
 #include "DealListKit.h"
+#include "common/dates/DateCells.h"
+#include "common/grid/SqliteRows.h"
+#include "management/ExportGrid.h"
+#include "storage/CrossFileQueries.h"
 
 #include <QApplication>
 #include <QHeaderView>
@@ -36,6 +41,30 @@ void addLongList(double& count, double& total) {
         total += 1100.0 * lines.size();
     }
     db.commit();
+}
+
+// The list's statement run through Qt's SQL layer with the basic file attached, as the list
+// was read before it stepped the engine itself.
+QList<QVariantList> listThroughQt(const QString& from, const QString& to) {
+    Database& bill = stores().dbBill;
+    QList<QVariantList> rows;
+    if (!bill.attach(stores().dbBasic.path(), kBasicAlias)) return rows;
+    {
+        QSqlQuery q(bill.connection());
+        q.setForwardOnly(true);
+        q.prepare(statementListRowsSql(false));
+        q.addBindValue(from);
+        q.addBindValue(to);
+        if (q.exec())
+            while (q.next()) {
+                QVariantList row;
+                for (int c = 0; c < 6; ++c)
+                    row << q.value(c);
+                rows << row;
+            }
+    }
+    bill.detach(kBasicAlias);
+    return rows;
 }
 
 int visibleRows(Grid& grid) {
@@ -123,6 +152,61 @@ private Q_SLOTS:
         QCOMPARE(f.spTotal->Value(ColNumBill, 1), count - 2);
         QCOMPARE(f.spTotal->Value(ColTotal, 1), total - 2200);
         QCOMPARE(f.spMaster->Text(ColMasterBillNo, kStatements - 1), billNo(kStatements - 1));
+    }
+
+    void theListHoldsTheQueryValuesItsSumsChoiceAndExportFollowThem() {
+        Screen s;
+        test::script();
+        double count = 0, total = 0;
+        addLongList(count, total);
+        // A trader that is gone (no name) and amounts with a fraction of a won.
+        QVERIFY(test::addDealStatement(billNo(kStatements + 1), QStringLiteral("2024-05-04"),
+                                       QStringLiteral("999999"),
+                                       {{QStringLiteral("반제품"), 1.5, 700.25, 1050.375, 105.0375}}));
+        FrmDealList& f = s.open();
+        QVERIFY(SqliteRows::canStep(stores().dbBill.connection()));
+        const QList<QVariantList> expected =
+            listThroughQt(DateCellText(f.spDate[0]), DateCellText(f.spDate[1]));
+        QCOMPARE(expected.size(), kStatements + 1);
+        QCOMPARE(f.spMaster->MaxRows(), kStatements + 2);
+        double sumCount = 0, sumTotal = 0;
+        int goneRow = 0;
+        for (int r = 1; r <= expected.size(); ++r) {
+            for (int c = ColBillDate; c <= ColCCode; ++c) {
+                const QVariant shown = f.spMaster->ListValue(c, r);
+                const QVariant& want = expected[r - 1][c - 1];
+                QVERIFY2(shown.typeId() == want.typeId() && shown.isNull() == want.isNull() && shown == want,
+                         qPrintable(QStringLiteral("row %1 column %2").arg(r).arg(c)));
+            }
+            sumCount += expected[r - 1][ColNumBill - 1].toDouble();
+            sumTotal += expected[r - 1][ColTotal - 1].toDouble();
+            if (expected[r - 1][ColMasterBillNo - 1].toString() == billNo(kStatements + 1)) goneRow = r;
+        }
+        QVERIFY(goneRow > 0);
+        QCOMPARE(f.spMaster->Text(ColCName, goneRow), QString());
+        QCOMPARE(f.spMaster->Text(ColTotal, goneRow), QStringLiteral("1,155"));
+        QCOMPARE(f.spTotal->Value(ColNumBill, 1), sumCount);
+        QCOMPARE(f.spMaster->cells().columnTotal(ColTotal), sumTotal);
+        QCOMPARE(f.spTotal->Text(ColTotal, 1), QStringLiteral("1,541,155"));
+        QCOMPARE(sumCount, count + 1);
+        // The chosen row: the statement of the gone trader and one deep in the list.
+        f.spMaster->SetActiveCell(ColBillDate, goneRow);
+        QCOMPARE(f.SelectedBillNo(), billNo(kStatements + 1));
+        QCOMPARE(f.spDetail->Text(ColPName, 1), QStringLiteral("반제품"));
+        f.spMaster->SetActiveCell(ColBillDate, 450);
+        QCOMPARE(f.SelectedBillNo(), expected[449][ColMasterBillNo - 1].toString());
+        QCOMPARE(f.txtCCode->text(), expected[449][ColCCode - 1].toString());
+        // What an export of the list writes: every statement, numbers as numbers.
+        const SheetContent sheet =
+            sheetContentOf(*f.spMaster, {1, 2, 3, 4, 5, 6}, {}, QStringLiteral("목록"));
+        QCOMPARE(sheet.rows.size(), expected.size());
+        for (int r = 0; r < sheet.rows.size(); ++r) {
+            QCOMPARE(sheet.rows[r][0].toString(), expected[r][0].toString());
+            QCOMPARE(sheet.rows[r][1].toString(), expected[r][1].toString());
+            QCOMPARE(sheet.rows[r][2].toDouble(), expected[r][2].toDouble());
+            QCOMPARE(sheet.rows[r][3].toDouble(), expected[r][3].toDouble());
+            QCOMPARE(sheet.rows[r][4].toString(), expected[r][4].toString());
+        }
     }
 };
 
