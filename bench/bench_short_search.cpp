@@ -128,7 +128,8 @@ int main(int argc, char** argv) {
     }
 
     fillProducts(20000);
-    std::printf("products: 20000 rows (both statements of the search, beside the same two)\n");
+    std::printf(
+        "products: 20000 rows (first page painted and the window free, beside the list's statement)\n");
     for (const QString& text :
          {QString("볼"), QString("볼트"), QString("볼트1234"), QString("1"), QString()}) {
         FrmProductList form;
@@ -136,8 +137,7 @@ int main(int argc, char** argv) {
         int result = 0;
         form.InitForm(1, text, result);
         const double screen = bench::medianFirstPaintFreeMs(&form, [&] { form.InitForm(1, text, result); });
-        const double cli = bench::cliMs(nb::app().DbBasicFile, literalSql(ProductPrefixQuery(text))) +
-                           bench::cliMs(nb::app().DbBasicFile, literalSql(ProductContainsQuery(text)));
+        const double cli = bench::cliMs(nb::app().DbBasicFile, literalSql(ProductListQuery(text)));
         report("products", text.isEmpty() ? QStringLiteral("(none)") : text, form.model()->rowCount(), screen,
                cli);
     }

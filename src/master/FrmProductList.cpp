@@ -1,6 +1,7 @@
 #include "master/FrmProductList.h"
 
 #include "common/Messages.h"
+#include "common/grid/SqliteRows.h"
 #include "master/FrmNewProduct.h"
 #include "master/ProductRecords.h"
 #include "master/SearchRules.h"
@@ -10,7 +11,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QSet>
 
 namespace nb {
 namespace {
@@ -18,14 +18,6 @@ namespace {
 constexpr int kPriceColumn = 3; // from 0
 constexpr int kCodeColumn = 5;
 constexpr int kOkCancel = 1;
-
-QVector<QStringList> rowsFor(const SqlPart& query, int kind, int& count) {
-    Recordset rs;
-    count = 0;
-    if (!OpenSnapshot(stores().dbBasic, rs, query.sql, query.values)) return {};
-    count = rs.RecordCount();
-    return ProductListRows(rs, kind);
-}
 
 } // namespace
 
@@ -59,18 +51,18 @@ void FrmProductList::InitForm(int kind, const QString& text, int& result) {
     model()->clear();
     if (kind == 0) model()->setHeading(kPriceColumn, QStringLiteral("매입가"));
     if (kind == 1) model()->setHeading(kPriceColumn, QStringLiteral("매출가"));
-    int prefixCount = 0, containsCount = 0;
-    QVector<QStringList> rows = rowsFor(ProductPrefixQuery(text), kind, prefixCount);
-    const QVector<QStringList> inside = rowsFor(ProductContainsQuery(text), kind, containsCount);
-    QSet<QString> shown;
-    for (const QStringList& row : rows)
-        shown.insert(row.value(kCodeColumn));
-    // Names that only contain the text follow those that begin with it; none twice.
-    for (const QStringList& row : inside)
-        if (!shown.contains(row.value(kCodeColumn))) rows << row;
-    model()->setRows(rows);
+    result = 0;
+    // One statement, names that begin with the text first: the first page shows at once and
+    // decides the answer, the rest is read between events or as the operator scrolls.
+    auto count = std::make_shared<ProductListCount>();
+    std::unique_ptr<GridRowSource> rows = OpenProductList(stores().dbBasic, text, kind, count);
+    if (!rows) return;
+    grdList()->showList(std::move(rows), -1);
+    // Another engine's forward-only query may lose its rows when the next statement runs on
+    // the connection: there the list is read whole at once.
+    if (!SqliteRows::canStep(stores().dbBasic.connection())) model()->finishFilling();
     selectRow(0);
-    result = ProductListResult(prefixCount, containsCount);
+    result = ProductListResult(count->first, count->rows);
     if (result == 1) writeTarget(model()->text(0, kCodeColumn));
 }
 

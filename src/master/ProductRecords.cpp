@@ -1,6 +1,7 @@
 #include "master/ProductRecords.h"
 
 #include "common/Messages.h"
+#include "common/grid/SqliteRows.h"
 #include "common/text/Identity.h"
 #include "common/text/NumBox.h"
 #include "common/text/NumberFormat.h"
@@ -11,6 +12,7 @@
 
 #include <QSqlError>
 #include <QSqlQuery>
+#include <algorithm>
 #include <cmath>
 
 namespace nb {
@@ -20,19 +22,25 @@ Database& basic() {
     return stores().dbBasic;
 }
 
-const QString kListSelect =
-    QStringLiteral("SELECT Product.PName AS pName, Product.PNorm AS pNorm, Product.PTax AS PTax, "
-                   "Product.BuyPrice AS PBuyPrice, Product.SalePrice AS PSalePrice, Product.Code AS PCode, "
-                   "Product.Unit FROM Product ");
-
-SqlPart listQuery(const QString& namePattern, const QString& text) {
-    SqlPart part{kListSelect + QStringLiteral("WHERE Product.PName LIKE ?") + kLikeEscape, {namePattern}};
+// A condition on the name, or on the name or the code when the text searches the code too.
+SqlPart nameOrCode(const QString& namePattern, const QString& text) {
+    SqlPart part{QStringLiteral("Product.PName LIKE ?") + kLikeEscape, {namePattern}};
     if (ProductSearchesCode(text)) {
         part.sql += QStringLiteral(" OR Product.Code LIKE ?") + kLikeEscape;
         part.values << LikeContains(text);
     }
-    part.sql += QStringLiteral(" ORDER BY Product.PName, Product.Code");
     return part;
+}
+
+// The statement's columns, as ProductListQuery names them.
+enum ListColumn { LName, LNorm, LTax, LBuyPrice, LSalePrice, LCode, LUnit, LLater, LWidth };
+
+QVariant listText(const QString& text) {
+    return text.isEmpty() ? QVariant() : QVariant(text);
+}
+
+QString textOf(const QVariant& value) {
+    return value.isNull() ? QString() : value.toString();
 }
 
 // The code of a product with this name and norm, empty for none; false when the query failed.
@@ -201,42 +209,72 @@ QString ListPriceText(double price) {
     return FormatNumber(price, kMaskAmount);
 }
 
-QVector<QStringList> ProductListRows(Recordset& rs, int kind) {
-    // Each column found by its name once, not on every row.
-    const int name = rs.fieldIndex(QStringLiteral("pName")), norm = rs.fieldIndex(QStringLiteral("pNorm"));
-    const int tax = rs.fieldIndex(QStringLiteral("PTax")), unit = rs.fieldIndex(QStringLiteral("Unit"));
-    const int code = rs.fieldIndex(QStringLiteral("PCode"));
-    int price = -1;
-    if (kind == 0) price = rs.fieldIndex(QStringLiteral("PBuyPrice"));
-    if (kind == 1 || kind == 3) price = rs.fieldIndex(QStringLiteral("PSalePrice"));
-    const auto text = [&rs](int column) {
-        const QVariant v = rs.field(column);
-        return v.isNull() ? QStringLiteral("") : v.toString();
-    };
-    QVector<QStringList> rows;
-    rows.reserve(rs.RecordCount());
-    for (rs.MoveFirst(); !rs.EOF_(); rs.MoveNext()) {
-        const QVariant taxValue = rs.field(tax);
-        const bool taxFree = !taxValue.isNull() && taxValue.toDouble() == 0;
-        const QString priceText = price >= 0 ? ListPriceText(rs.field(price).toDouble()) : QString();
-        rows.push_back({NameWithNorm(text(name), rs.field(norm)), text(unit),
-                        taxFree ? QStringLiteral("면세") : QStringLiteral("과세"), priceText, QString(),
-                        text(code), QString()});
+SqlPart ProductListQuery(const QString& text) {
+    const SqlPart first = nameOrCode(LikePrefix(text), text);
+    const SqlPart found = nameOrCode(LikeContains(text), text);
+    SqlPart query;
+    query.sql = QStringLiteral("SELECT Product.PName AS pName, Product.PNorm AS pNorm, Product.PTax AS PTax, "
+                               "Product.BuyPrice AS PBuyPrice, Product.SalePrice AS PSalePrice, "
+                               "Product.Code AS PCode, Product.Unit, CASE WHEN ") +
+                first.sql + QStringLiteral(" THEN 0 ELSE 1 END AS later FROM Product WHERE ") + found.sql +
+                QStringLiteral(" ORDER BY later, Product.PName, Product.Code");
+    query.values = first.values + found.values;
+    return query;
+}
+
+ProductListRows::ProductListRows(std::unique_ptr<GridRowSource> rows, int kind,
+                                 std::shared_ptr<ProductListCount> count)
+    : m_rows(std::move(rows)), m_count(std::move(count)) {
+    if (kind == 0) m_price = LBuyPrice;
+    if (kind == 1 || kind == 3) m_price = LSalePrice;
+}
+
+bool ProductListRows::next(QVariant* out, int count) {
+    QVariant row[LWidth];
+    if (!m_rows || !m_rows->next(row, std::min(int(LWidth), m_rows->width()))) {
+        m_rows.reset();
+        return false;
     }
-    rs.MoveFirst();
-    return rows;
+    ++m_count->rows;
+    if (row[LLater].toInt() == 0) ++m_count->first;
+    const bool taxFree = !row[LTax].isNull() && row[LTax].toDouble() == 0;
+    const QVariant shown[kProductListColumns] = {
+        listText(NameWithNorm(textOf(row[LName]), row[LNorm])),
+        listText(textOf(row[LUnit])),
+        listText(taxFree ? QStringLiteral("면세") : QStringLiteral("과세")),
+        m_price >= 0 ? listText(ListPriceText(row[m_price].toDouble())) : QVariant(),
+        QVariant(),
+        listText(textOf(row[LCode])),
+        QVariant()};
+    for (int c = 0; c < count && c < kProductListColumns; ++c)
+        out[c] = shown[c];
+    return true;
 }
 
-SqlPart ProductPrefixQuery(const QString& text) {
-    return listQuery(LikePrefix(text), text);
+std::unique_ptr<GridRowSource> OpenProductList(Database& db, const QString& text, int kind,
+                                               std::shared_ptr<ProductListCount> count) {
+    const SqlPart query = ProductListQuery(text);
+    std::unique_ptr<GridRowSource> rows;
+    if (SqliteRows::canStep(db.connection())) {
+        auto stepped = std::make_unique<SqliteRows>(db.connection(), query.sql, query.values);
+        const SqliteStatement& statement = *stepped->statement();
+        if (!statement.ok()) {
+            ReportQueryFailure(errorNumberFor(statement.engineText(), statement.engineCode()),
+                               statement.engineText(), sqlForDisplay(query.sql, query.values),
+                               statement.engineCode());
+            return nullptr;
+        }
+        rows = std::move(stepped);
+    } else {
+        auto forward = std::make_unique<QSqlQuery>(db.connection());
+        if (!OpenForwardOnly(db, *forward, query.sql, query.values)) return nullptr;
+        rows = std::make_unique<QueryRows>(std::move(forward));
+    }
+    return std::make_unique<ProductListRows>(std::move(rows), kind, std::move(count));
 }
 
-SqlPart ProductContainsQuery(const QString& text) {
-    return listQuery(LikeContains(text), text);
-}
-
-int ProductListResult(int prefixCount, int containsCount) {
-    const int sum = prefixCount + containsCount;
+int ProductListResult(int firstPartRows, int rows) {
+    const int sum = firstPartRows + rows;
     if (sum == 2) return 1;
     return sum > 2 ? 2 : 0;
 }

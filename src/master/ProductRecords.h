@@ -1,13 +1,15 @@
 #pragma once
 // Products: the look-ups all documents share, the numbering, the save of the entry form with
-// its duplicate question, and the two queries of the product list.
+// its duplicate question, and the statement of the product list with its rows.
 
+#include "common/grid/GridRows.h"
 #include "master/SearchIndex.h"
 
 #include <QString>
 #include <QStringList>
 #include <QVector>
 #include <array>
+#include <memory>
 
 namespace nb {
 
@@ -38,15 +40,40 @@ ProductSave SaveProduct(const ProductFields& fields, QString& code, int mode);
 // Deletes the product and says so.
 void DeleteProduct(const QString& code);
 
-// One row of the list: name with norm, unit, tax kind, price text, "", code, "".
-QVector<QStringList> ProductListRows(Recordset& rs, int kind);
-// The two queries of the list: names that begin with the text, names that contain it; a
-// first character coded below 66 or from 122 on also searches the code.
-SqlPart ProductPrefixQuery(const QString& text);
-SqlPart ProductContainsQuery(const QString& text);
-// The list's answer from the two counts: 0 for none or one (a match inside a name only),
-// 1 for two (the product both queries found), 2 above.
-int ProductListResult(int prefixCount, int containsCount);
+// The list's one statement: the products whose name contains the text (or whose code does,
+// when the first character's code is not negative and below 66 or from 122 on), those whose
+// name begins with it (or found by the code) first, each part by name and code. Columns pName,
+// pNorm, PTax, PBuyPrice, PSalePrice, PCode, Unit and later (0 for the first part, 1 after).
+SqlPart ProductListQuery(const QString& text);
+
+// What the list has read of the statement: rows, and how many of them were of the first part.
+struct ProductListCount {
+    int rows = 0;
+    int first = 0;
+};
+// The list's rows from the statement's, as they are read: name with norm, unit, tax kind,
+// price text, "", code, "" (an empty text as no value); kind chooses the price as InitForm's.
+class ProductListRows : public GridRowSource {
+public:
+    ProductListRows(std::unique_ptr<GridRowSource> rows, int kind, std::shared_ptr<ProductListCount> count);
+    int width() const override { return kProductListColumns; }
+    bool next(QVariant* out, int count) override;
+    static constexpr int kProductListColumns = 7;
+
+private:
+    std::unique_ptr<GridRowSource> m_rows;
+    int m_price = -1; // the statement's column of the price shown, -1 for none
+    std::shared_ptr<ProductListCount> m_count;
+};
+// The statement of the text run on the store, its rows ready for the list (stepped through the
+// engine's own interface on a SQLite store); null after the failure box.
+std::unique_ptr<GridRowSource> OpenProductList(Database& db, const QString& text, int kind,
+                                               std::shared_ptr<ProductListCount> count);
+
+// The list's answer from the rows of the two parts, as if each part were counted on its own
+// (a product of the first part counts twice): 0 for none or one (a match inside a name only),
+// 1 for two (the product both parts hold), 2 above. The first page the list reads decides it.
+int ProductListResult(int firstPartRows, int rows);
 // The price as the list shows it: decimals up to two when it has a fraction, "0" for zero,
 // otherwise grouped digits.
 QString ListPriceText(double price);
