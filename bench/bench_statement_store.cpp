@@ -117,6 +117,12 @@ void timeList(FrmDealList& screen, const char* what, const QString& from, const 
     }
     report("  the same on the screen", screen.spMaster->MaxRows() - 1, screenMs,
            cliMs(stores().dbBill.path(), attach, withDates(statementListRowsSql(false), from, to)));
+    const double cpu = bench::medianCpuMs(
+        [&] { bench::firstPaintFreeMs(&screen, [&] { screen.cmdMaster_Click(); }); }, kRepeats);
+    const double cliCpu = bench::cliCpuMs(
+        stores().dbBill.path(), attach + withDates(statementListRowsSql(false), from, to), kRepeats);
+    std::printf("   processor time: program %.2f ms, sqlite3 %.2f ms (user + system), ratio %.2f\n", cpu,
+                cliCpu, cliCpu > 0 ? cpu / cliCpu : 0.0);
 }
 
 // Choosing the 200-line statement in the list (its lines into spDetail, the totals) and going

@@ -18,6 +18,30 @@ std::unique_ptr<GridModel> ownListRows() {
     return rows;
 }
 
+// The statements' counts and totals added up as their rows are read, so the sums under the list
+// are the query's own instead of a walk over the list afterwards.
+class SummedRows : public GridRowSource {
+public:
+    explicit SummedRows(std::unique_ptr<GridRowSource> rows) : m_rows(std::move(rows)) {}
+    int width() const override { return m_rows->width(); }
+    int expectedRows() const override { return m_rows->expectedRows(); }
+    bool next(QVariant* out, int count) override {
+        if (!m_rows->next(out, count)) return false;
+        if (count >= ColTotal) {
+            *m_count += numberOf(out[ColNumBill - 1]);
+            *m_total += numberOf(out[ColTotal - 1]);
+        }
+        return true;
+    }
+    std::shared_ptr<double> count() const { return m_count; }
+    std::shared_ptr<double> total() const { return m_total; }
+
+private:
+    std::unique_ptr<GridRowSource> m_rows;
+    std::shared_ptr<double> m_count = std::make_shared<double>(0);
+    std::shared_ptr<double> m_total = std::make_shared<double>(0);
+};
+
 } // namespace
 
 DealListModel::DealListModel(Database& dbBill) : m_db(dbBill), m_ownRows(ownListRows()) {
@@ -45,8 +69,12 @@ bool DealListModel::masterList(const QString& basicFile, const QString& from, co
                                bool onlyTrader) {
     const bool ok = ReadStatementListRows(m_db, basicFile, from, to, onlyTrader ? m_cCode : QString(),
                                           [this](std::unique_ptr<GridRowSource> rows) {
-                                              m_rows->showList(std::move(rows), -1);
+                                              auto summed = std::make_unique<SummedRows>(std::move(rows));
+                                              const auto count = summed->count(), total = summed->total();
+                                              m_rows->showList(std::move(summed), -1);
                                               m_rows->finishReading();
+                                              m_rows->setListSum(ColNumBill, *count);
+                                              m_rows->setListSum(ColTotal, *total);
                                           });
     if (!ok) m_rows->showList(nullptr, 0);
     m_rows->setMaxRows(m_rows->maxRows() + 1); // the empty last row

@@ -56,6 +56,22 @@ QString statementListRowsSql(bool withTrader) {
            QStringLiteral(" order by BillDate, billno");
 }
 
+namespace {
+
+// How many statements the dates (and the trader) hold, counted on the date index: the list
+// makes room for them once instead of growing as they come. -1 when the count failed; it is
+// only a size to make room for, the rows are what the list statement gives.
+int statementCount(Database& bill, bool withTrader, const QVariantList& values) {
+    SqliteStatement count(bill.connection(),
+                          QStringLiteral("SELECT COUNT(*) FROM master WHERE billdate BETWEEN ? AND ?") +
+                              (withTrader ? QStringLiteral(" AND CCode = ?") : QString()),
+                          values);
+    QVariant rows;
+    return count.next(&rows, 1) ? rows.toInt() : -1;
+}
+
+} // namespace
+
 // A SQLite store steps the statement itself: the list reads every row at once, and the values
 // come straight from the engine instead of through a record per row.
 bool ReadStatementListRows(Database& bill, const QString& basicFile, const QString& from, const QString& to,
@@ -77,6 +93,7 @@ bool ReadStatementListRows(Database& bill, const QString& basicFile, const QStri
     bool ok = false;
     if (SqliteRows::canStep(bill.connection())) {
         auto rows = std::make_unique<SqliteRows>(bill.connection(), sql, values);
+        rows->expectRows(statementCount(bill, withTrader, values));
         const std::shared_ptr<SqliteStatement> statement = rows->statement();
         if (statement->ok()) read(std::move(rows));
         statement->finish(); // whatever read left, so the file can be let go

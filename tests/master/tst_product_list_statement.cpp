@@ -5,6 +5,7 @@
 #include "MasterFixture.h"
 #include "common/grid/SqliteRows.h"
 #include "common/text/Identity.h"
+#include "common/text/NumberFormat.h"
 #include "management/ExportGrid.h"
 #include "master/FrmProductList.h"
 #include "master/ProductRecords.h"
@@ -223,6 +224,24 @@ private Q_SLOTS:
                 QCOMPARE(qtCount->rows, count->rows);
                 QCOMPARE(qtCount->first, count->first);
             }
+        }
+    }
+
+    // The list writes whole prices itself, the common case: as the amount mask writes them.
+    void aWholePriceIsWrittenAsTheAmountMaskWritesIt() {
+        QCOMPARE(ListPriceText(1234567), QStringLiteral("1,234,567"));
+        QCOMPARE(ListPriceText(100), QStringLiteral("100"));
+        QCOMPARE(ListPriceText(0), QStringLiteral("0"));
+        QCOMPARE(ListPriceText(1234.5), QStringLiteral("1,234.5"));
+        QList<double> prices;
+        for (double p = 1; p < 1e13; p = p * 10 + 7)
+            prices << p << p - 1 << p + 1 << std::floor(p / 3);
+        for (int p = 1; p <= 30000; p += 7)
+            prices << p;
+        prices << 999999999999.0 << 1e12 << 1e12 + 1 << -1 << -1234567;
+        for (double p : prices) {
+            if (p == 0) continue;
+            QCOMPARE(ListPriceText(p), FormatNumber(p, kMaskAmount));
         }
     }
 

@@ -63,7 +63,8 @@ double numberOf(const QVariant& value) {
 GridList::GridList(std::unique_ptr<GridRowSource> source, int width, int knownRows)
     : m_source(std::move(source)), m_width(std::max(width, 0)), m_sourceWidth(0), m_known(knownRows) {
     if (m_source) m_sourceWidth = std::min(m_source->width(), m_width);
-    if (m_known >= 0) m_values.reserve(size_t(m_known) * size_t(m_width));
+    const int expected = m_known >= 0 ? m_known : (m_source ? m_source->expectedRows() : -1);
+    if (expected > 0) m_values.reserve(size_t(expected) * size_t(m_width));
     if (m_width == 0 || m_known == 0) endOfSource();
 }
 

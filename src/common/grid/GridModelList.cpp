@@ -276,9 +276,12 @@ void GridModel::listRecalc() {
 void GridModel::listClearBlock(const QRect& block) {
     if (block.isEmpty()) return;
     const bool touchesQueryColumns = block.left() <= m_list->sourceWidth();
+    // The formulas are few: they are looked through once, not for every cell of the block.
+    std::erase_if(m_list->formulas, [&block](const auto& formula) {
+        return block.contains(formula.first.second, formula.first.first);
+    });
     for (int r = block.top(); r <= block.bottom(); ++r) {
         for (int c = block.left(); c <= block.right(); ++c) {
-            m_list->formulas.erase({r, c});
             QVariant* v = touchesQueryColumns ? m_list->at(c, r) : const_cast<QVariant*>(m_list->peek(c, r));
             if (!v || v->isNull()) continue;
             m_list->valueChanged(c, *v, QVariant());

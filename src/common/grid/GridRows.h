@@ -18,6 +18,8 @@ public:
     // Writes the next row's values into out[0 .. count-1] (count is at most width()); false
     // when the rows are through.
     virtual bool next(QVariant* out, int count) = 0;
+    // About how many rows will come, when the source knows (-1 when not): room is made once.
+    virtual int expectedRows() const { return -1; }
 };
 
 // The rows of an executed query, read forward as the list asks for them. Set the query

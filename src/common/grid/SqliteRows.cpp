@@ -99,18 +99,24 @@ bool SqliteStatement::bind(const QVariantList& values) {
     return true;
 }
 
-// A text the column held on the row before (a date down a list in date order, a trader's name
-// over his statements) is shared with that row instead of made again.
+// A text the column held on the row before (a date down a list in date order) is shared with
+// that row instead of made again. A column whose texts seldom repeat (numbers, names) soon
+// stops being compared.
 QVariant SqliteStatement::text(int column) {
     const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(m_stmt, column));
     const int size = sqlite3_column_bytes(m_stmt, column);
     if (size_t(column) >= m_lastTexts.size()) m_lastTexts.resize(size_t(m_width));
     LastText& last = m_lastTexts[size_t(column)];
-    if (!last.value.isValid() || last.bytes.size() != size_t(size) ||
-        std::memcmp(last.bytes.data(), bytes, size_t(size)) != 0) {
-        last.bytes.assign(bytes, size_t(size));
-        last.value = QString::fromUtf8(bytes, size);
+    if (last.tries >= LastText::kTrial && last.repeats * 4 < last.tries)
+        return QString::fromUtf8(bytes, size);
+    ++last.tries;
+    if (last.value.isValid() && last.bytes.size() == size_t(size) &&
+        std::memcmp(last.bytes.data(), bytes, size_t(size)) == 0) {
+        ++last.repeats;
+        return last.value;
     }
+    last.bytes.assign(bytes, size_t(size));
+    last.value = QString::fromUtf8(bytes, size);
     return last.value;
 }
 

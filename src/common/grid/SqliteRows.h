@@ -47,8 +47,11 @@ private:
     QVariant text(int column);
 
     struct LastText {
+        static constexpr int kTrial = 64; // rows a column is compared on before it is judged
         std::string bytes;
         QVariant value;
+        int tries = 0;
+        int repeats = 0;
     };
     std::vector<LastText> m_lastTexts;
 
@@ -68,9 +71,13 @@ public:
     int width() const override { return m_statement->width(); }
     bool next(QVariant* out, int count) override { return m_statement->next(out, count); }
     const std::shared_ptr<SqliteStatement>& statement() const { return m_statement; }
+    // What a count beforehand said the statement gives, for the room the list makes.
+    void expectRows(int rows) { m_expected = rows; }
+    int expectedRows() const override { return m_expected; }
 
 private:
     std::shared_ptr<SqliteStatement> m_statement;
+    int m_expected = -1;
 };
 
 } // namespace nb

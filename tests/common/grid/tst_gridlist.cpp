@@ -56,6 +56,17 @@ struct ListWindow {
     }
 };
 
+// Rows in memory from a source that says how many it expects, rightly or not.
+class ExpectingRows : public RowsInMemory {
+public:
+    ExpectingRows(QVector<QVariantList> rows, int expected)
+        : RowsInMemory(std::move(rows)), m_expected(expected) {}
+    int expectedRows() const override { return m_expected; }
+
+private:
+    int m_expected;
+};
+
 void waitForAllRows(Grid& grid) {
     QTRY_VERIFY_WITH_TIMEOUT(!grid.isReading(), 10000);
 }
@@ -370,6 +381,51 @@ private Q_SLOTS:
         w.grid->ClearRange(6, 1, 7, w.grid->MaxRows());
         QVERIFY(w.grid->isReading());
         QCOMPARE(w.grid->Text(2, 9000), QStringLiteral("거래처9000"));
+    }
+
+    // A source that says how many rows it expects only makes room: the rows are those it gives.
+    void theRowsASourceExpectsAreRoomNotACount() {
+        test::TestHome home;
+        ListWindow w;
+        for (const auto& [expected, given] : {std::pair{5, 8}, std::pair{50, 3}, std::pair{0, 2}}) {
+            w.grid->showList(std::make_unique<ExpectingRows>(statementRows(given), expected), -1);
+            w.grid->finishReading();
+            QCOMPARE(w.grid->MaxRows(), given);
+            QCOMPARE(w.grid->Text(5, given), QStringLiteral("%1").arg(given, 6, 10, QChar(u'0')));
+            QCOMPARE(w.grid->Text(2, given + 1), QString());
+        }
+    }
+
+    // Clearing a block drops the formulas inside it and keeps those around it.
+    void clearingABlockDropsOnlyTheFormulasInsideIt() {
+        test::TestHome home;
+        ListWindow w;
+        w.show(statementRows(30), 30);
+        w.grid->SetFormula(6, 1, QStringLiteral("SUM(R1C3:R30C3)"));
+        w.grid->SetFormula(7, 2, QStringLiteral("SUM(R1C4:R30C4)"));
+        w.grid->SetFormula(7, 20, QStringLiteral("SUM(R1C3:R2C3)"));
+        w.grid->ClearRange(6, 1, 7, 10);
+        QCOMPARE(w.grid->Formula(6, 1), QString());
+        QCOMPARE(w.grid->Formula(7, 2), QString());
+        QCOMPARE(w.grid->Text(6, 1), QString());
+        QCOMPARE(w.grid->Formula(7, 20), QStringLiteral("SUM(R1C3:R2C3)"));
+        QCOMPARE(w.grid->Value(7, 20), 5.0); // 2 + 3
+    }
+
+    // A long list let go when the next one comes keeps what was copied out of it, and the next
+    // list holds its own rows.
+    void aLongListReplacedLeavesItsCopiedValuesAndTheNewRows() {
+        test::TestHome home;
+        ListWindow w;
+        w.show(statementRows(9000), 9000);
+        w.grid->finishReading();
+        const QString kept = w.grid->Text(2, 8999);
+        const QVariant keptValue = w.grid->ListValue(2, 8999);
+        w.show(statementRows(4), 4);
+        QCOMPARE(w.grid->MaxRows(), 4);
+        QCOMPARE(w.grid->Text(2, 4), QStringLiteral("거래처4"));
+        QCOMPARE(kept, QStringLiteral("거래처8999"));
+        QCOMPARE(keptValue.toString(), QStringLiteral("거래처8999"));
     }
 };
 

@@ -157,6 +157,31 @@ private Q_SLOTS:
         QCOMPARE(got[7][0].toString(), QString());
     }
 
+    // Codes that never repeat stop being compared; the dates beside them keep being shared; the
+    // values stay those of Qt's driver either way.
+    void aColumnWhoseTextsSeldomRepeatStopsBeingShared() {
+        Connection c;
+        QVERIFY(c.exec("CREATE TABLE T (d TEXT, code TEXT)"));
+        QSqlQuery insert(c.db);
+        insert.prepare("INSERT INTO T VALUES (?, ?)");
+        QVERIFY(c.db.transaction());
+        for (int i = 0; i < 300; ++i) {
+            insert.addBindValue(QStringLiteral("2024-05-%1").arg(1 + i / 30, 2, 10, QChar(u'0')));
+            // Two rows of one code only at the end, after a long run of codes seen once.
+            insert.addBindValue(QStringLiteral("C%1").arg(i < 298 ? i : 298, 5, 10, QChar(u'0')));
+            QVERIFY(insert.exec());
+        }
+        QVERIFY(c.db.commit());
+        const QString sql = QStringLiteral("SELECT d, code FROM T ORDER BY rowid");
+        SqliteRows rows(c.db, sql, {});
+        const QList<QVariantList> got = readAll(rows);
+        QCOMPARE(got, readThroughQt(c.db, sql));
+        const auto data = [&](int r, int col) { return got[r][col].toString().constData(); };
+        QCOMPARE(got[298][1].toString(), got[299][1].toString());
+        QVERIFY(data(298, 1) != data(299, 1)); // no longer compared: made again
+        QCOMPARE(data(297, 0), data(296, 0));  // still shared
+    }
+
     void finishLetsGoOfTheStatementSoAnAttachedFileCanGo() {
         Connection c;
         QVERIFY(c.exec("ATTACH '" + c.dir.filePath("other.db") + "' AS other"));
