@@ -88,6 +88,29 @@ JetImportReport runImport(const QString& folder, const QString& reader = program
     return importJetFolder(folder, options);
 }
 
+// True when /proc's status of a process shows SIGKILL pending: it will not run another step.
+bool killPending(const QString& pid) {
+    QFile status(QStringLiteral("/proc/%1/status").arg(pid));
+    if (!status.open(QIODevice::ReadOnly)) return true; // gone already
+    for (const QByteArray& line : status.readAll().split('\n')) {
+        if (!line.startsWith("SigPnd:") && !line.startsWith("ShdPnd:")) continue;
+        if (line.mid(7).trimmed().toULongLong(nullptr, 16) & (1ULL << (SIGKILL - 1))) return true;
+    }
+    return false;
+}
+
+// Readers of the given old folder (the children an import starts) still free to write.
+int readersStillWriting(const QString& source) {
+    int found = 0;
+    for (const QString& pid : QDir(QStringLiteral("/proc")).entryList({QStringLiteral("[0-9]*")}, QDir::Dirs)) {
+        QFile cmdline(QStringLiteral("/proc/%1/cmdline").arg(pid));
+        if (!cmdline.open(QIODevice::ReadOnly)) continue;
+        const QByteArray line = cmdline.readAll();
+        if (line.contains("--read-mdb") && line.contains(source.toUtf8()) && !killPending(pid)) ++found;
+    }
+    return found;
+}
+
 QStringList leftoverWorkFolders() {
     return QDir(QFileInfo(app().DbPath).absolutePath())
         .entryList({QStringLiteral("Dbs.import-*")}, QDir::Dirs | QDir::NoDotAndDotDot);
@@ -424,6 +447,8 @@ private slots:
             QThread::msleep(50 + QRandomGenerator::global()->bounded(900));
             ::kill(pid_t(import.processId()), SIGKILL);
             import.waitForFinished(10000);
+            // Its readers end with it: none goes on writing into the folder cleared below.
+            QCOMPARE(readersStillWriting(source), 0);
             recoverInterruptedImports(app().DbPath);
             QVERIFY(leftoverWorkFolders().isEmpty());
             if (storesFingerprint() == before) continue;

@@ -22,6 +22,10 @@
 #include <optional>
 #include <vector>
 
+#include <csignal>
+#include <sys/prctl.h>
+#include <unistd.h>
+
 namespace nb {
 namespace {
 
@@ -222,6 +226,12 @@ private:
         f.raw = m_work + QStringLiteral("/raw/") + f.name + QStringLiteral(".raw");
         auto reader = std::make_unique<QProcess>();
         reader->setProcessChannelMode(QProcess::SeparateChannels);
+        // A reader outliving a killed import would go on writing into the work folder while the
+        // next start clears it away; it ends with the import that started it.
+        reader->setChildProcessModifier([importer = ::getpid()] {
+            ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+            if (::getppid() != importer) ::_exit(1);
+        });
         reader->start(readerProgram(), {kReadMdbOption, f.path, kReadMdbIntoOption, f.raw});
         return reader;
     }
