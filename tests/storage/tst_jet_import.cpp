@@ -102,7 +102,8 @@ bool killPending(const QString& pid) {
 // Readers of the given old folder (the children an import starts) still free to write.
 int readersStillWriting(const QString& source) {
     int found = 0;
-    for (const QString& pid : QDir(QStringLiteral("/proc")).entryList({QStringLiteral("[0-9]*")}, QDir::Dirs)) {
+    for (const QString& pid :
+         QDir(QStringLiteral("/proc")).entryList({QStringLiteral("[0-9]*")}, QDir::Dirs)) {
         QFile cmdline(QStringLiteral("/proc/%1/cmdline").arg(pid));
         if (!cmdline.open(QIODevice::ReadOnly)) continue;
         const QByteArray line = cmdline.readAll();

@@ -17,14 +17,13 @@
 #include <QSqlQuery>
 #include <QThread>
 #include <algorithm>
+#include <csignal>
 #include <memory>
 #include <numeric>
 #include <optional>
-#include <vector>
-
-#include <csignal>
 #include <sys/prctl.h>
 #include <unistd.h>
+#include <vector>
 
 namespace nb {
 namespace {
