@@ -19,7 +19,9 @@ class PreviewSurface : public PainterSurface {
 public:
     PreviewSurface(QPrinter& printer, QPainter& painter)
         : PainterSurface(painter, printer.resolution()), m_printer(printer) {}
-    void newPage() override { m_printer.newPage(); }
+
+protected:
+    void startNextPage() override { m_printer.newPage(); }
 
 private:
     QPrinter& m_printer;

@@ -16,7 +16,8 @@ namespace {
 
 constexpr int kPdfResolution = 1200;
 constexpr double kRowTolerance = 1e-6;
-constexpr int kHalfWidthStretch = 50; // percent of the normal width
+constexpr int kHalfWidthStretch = 50;  // percent of the normal width
+constexpr double kWholeDotsFrom = 600; // dots per inch
 
 QFont painterFont(const PrintFont& font) {
     QFont qfont(printFontFamily(font.name));
@@ -31,75 +32,119 @@ QFont painterFont(const PrintFont& font) {
 PainterSurface::PainterSurface(QPainter& painter, double dotsPerInch)
     : m_painter(painter), m_dpi(dotsPerInch) {}
 
-// The painter's font of a print font, with its condensed twin and its ascent on this device:
-// the last one is kept, as a document prints run after run of texts in one font.
-const PainterSurface::DeviceFont& PainterSurface::deviceFont(const PrintFont& font) {
-    if (m_font && m_font->name == font.name && m_font->size == font.size && m_font->bold == font.bold)
-        return *m_font;
-    DeviceFont made;
-    made.name = font.name;
-    made.size = font.size;
-    made.bold = font.bold;
-    made.font = painterFont(font);
-    made.condensed = made.font;
-    made.condensed.setStretch(kHalfWidthStretch);
-    made.ascent = QFontMetricsF(made.font, m_painter.device()).ascent();
-    made.condensedAscent = QFontMetricsF(made.condensed, m_painter.device()).ascent();
-    made.raw = QRawFont::fromFont(QFont(made.font, m_painter.device()));
-    m_font = std::make_shared<DeviceFont>(std::move(made));
-    return *m_font;
+// The painter's font of a print font, with its condensed twin and its ascent on this device: each
+// is made once, as a form goes back and forth between a few fonts on every page.
+PainterSurface::DeviceFont& PainterSurface::deviceFont(const PrintFont& font) {
+    const auto same = [&font](const DeviceFont& f) {
+        return f.size == font.size && f.bold == font.bold && f.name == font.name;
+    };
+    if (m_font && same(*m_font)) return *m_font;
+    for (const std::unique_ptr<DeviceFont>& f : m_fonts)
+        if (same(*f)) return *(m_font = f.get());
+    auto made = std::make_unique<DeviceFont>();
+    made->name = font.name;
+    made->size = font.size;
+    made->bold = font.bold;
+    made->font = painterFont(font);
+    made->condensed = made->font;
+    made->condensed.setStretch(kHalfWidthStretch);
+    made->ascent = QFontMetricsF(made->font, m_painter.device()).ascent();
+    made->condensedAscent = QFontMetricsF(made->condensed, m_painter.device()).ascent();
+    made->raw = QRawFont::fromFont(QFont(made->font, m_painter.device()));
+    m_fonts.push_back(std::move(made));
+    return *(m_font = m_fonts.back().get());
 }
 
 // A print is made of a few hundred different characters drawn again and again: each is looked
 // up in the font once, and a piece goes to the device as its glyphs, not as text shaped anew.
-bool PainterSurface::drawGlyphs(DeviceFont& font, const QString& text, const QPointF& baseline) {
+bool PainterSurface::addGlyphs(DeviceFont& font, const QString& text, const QPointF& baseline) {
     if (!font.raw.isValid()) return false;
-    QList<quint32> indexes;
-    QList<QPointF> positions;
-    indexes.reserve(text.size());
-    positions.reserve(text.size());
-    double x = 0;
+    const qsizetype start = m_runGlyphs.size();
+    double x = baseline.x();
     for (const QChar ch : text) {
         auto found = font.glyphs.constFind(ch.unicode());
         if (found == font.glyphs.constEnd()) {
-            if (ch.isSurrogate()) return false;
-            const QList<quint32> index = font.raw.glyphIndexesForString(QString(ch));
-            if (index.size() != 1 || index.first() == 0) return false;
+            const QList<quint32> index =
+                ch.isSurrogate() ? QList<quint32>() : font.raw.glyphIndexesForString(QString(ch));
+            if (index.size() != 1 || index.first() == 0) {
+                m_runGlyphs.resize(start);
+                m_runPositions.resize(start);
+                return false;
+            }
             const QList<QPointF> advance = font.raw.advancesForGlyphIndexes(index);
             found = font.glyphs.insert(ch.unicode(), Glyph{index.first(), advance.value(0).x()});
         }
-        indexes.append(found->index);
-        positions.append(QPointF(x, 0));
+        m_runGlyphs.append(found->index);
+        m_runPositions.append(onDevice(QPointF(x, baseline.y())));
         x += found->advance;
     }
-    QGlyphRun run;
-    run.setRawFont(font.raw);
-    run.setGlyphIndexes(indexes);
-    run.setPositions(positions);
-    m_painter.drawGlyphRun(baseline, run);
     return true;
+}
+
+// On paper a glyph goes to the nearest dot of the device (1/1200 inch on a PDF page): the file then
+// says each glyph's place in whole dots, shorter to write and to pack; on a screen, where a dot is
+// a visible step, it stays where its advances put it.
+QPointF PainterSurface::onDevice(const QPointF& point) const {
+    if (m_dpi < kWholeDotsFrom) return point;
+    return QPointF(std::round(point.x()), std::round(point.y()));
+}
+
+void PainterSurface::flushText() {
+    if (m_runGlyphs.isEmpty()) return;
+    if (m_painter.pen().color() != m_runColor || m_painter.pen().style() != Qt::SolidLine)
+        m_painter.setPen(m_runColor);
+    QGlyphRun run;
+    run.setRawFont(m_runFont->raw);
+    run.setGlyphIndexes(m_runGlyphs);
+    run.setPositions(m_runPositions);
+    m_painter.drawGlyphRun(QPointF(0, 0), run);
+    m_runGlyphs.clear();
+    m_runPositions.clear();
+}
+
+void PainterSurface::drawShaped(const QFont& font, const QString& text, const QPointF& baseline) {
+    flushText();
+    if (m_painter.pen().color() != m_runColor || m_painter.pen().style() != Qt::SolidLine)
+        m_painter.setPen(m_runColor);
+    if (m_painter.font() != font) m_painter.setFont(font);
+    m_painter.drawText(baseline, text);
 }
 
 // Each piece is drawn on its baseline, the font's ascent under the text's top: what a
 // top-aligned text in a rectangle gives, without laying the text out in one.
 void PainterSurface::drawText(const PrintedText& text) {
-    DeviceFont& font = const_cast<DeviceFont&>(deviceFont(text.font));
+    DeviceFont& font = deviceFont(text.font);
     if (!text.font.transparent) {
+        flushText();
         const double height = text.font.size * 1.2 / kPointsPerInch;
         m_painter.fillRect(QRectF(toDevice(text.x), toDevice(text.y),
                                   toDevice(printTextWidth(text.text, text.font)), toDevice(height)),
                            Qt::white);
     }
-    if (m_painter.pen().color() != text.font.color || m_painter.pen().style() != Qt::SolidLine)
-        m_painter.setPen(text.font.color);
+    if (m_runFont != &font || m_runColor != text.font.color) {
+        flushText();
+        m_runFont = &font;
+        m_runColor = text.font.color;
+    }
     for (const TextPiece& piece : textPieces(text)) {
-        const QFont& qfont = piece.condensed ? font.condensed : font.font;
-        if (m_painter.font() != qfont) m_painter.setFont(qfont);
         const double ascent = piece.condensed ? font.condensedAscent : font.ascent;
         const QPointF baseline(toDevice(piece.x), toDevice(text.y) + ascent);
-        if (piece.condensed || !drawGlyphs(font, piece.text, baseline))
-            m_painter.drawText(baseline, piece.text);
+        if (piece.condensed)
+            drawShaped(font.condensed, piece.text, baseline);
+        else if (!addGlyphs(font, piece.text, baseline))
+            drawShaped(font.font, piece.text, baseline);
     }
+}
+
+void PainterSurface::newPage() {
+    flushText();
+    startNextPage();
+}
+
+bool PainterSurface::finish() {
+    if (!m_painter.isActive()) return endDocument();
+    flushText();
+    return endDocument();
 }
 
 // A ruled form draws its lines by the thousand in one pen: the pen is set when it changes, and
@@ -117,6 +162,7 @@ void PainterSurface::drawLine(const PrintedLine& line) {
 }
 
 void PainterSurface::drawPicture(const PrintedPicture& picture) {
+    flushText();
     const QRectF& r = picture.rect;
     m_painter.drawImage(QRectF(toDevice(r.x()), toDevice(r.y()), toDevice(r.width()), toDevice(r.height())),
                         picture.image);
@@ -131,11 +177,11 @@ PagedDeviceSurface::~PagedDeviceSurface() {
     finish();
 }
 
-void PagedDeviceSurface::newPage() {
+void PagedDeviceSurface::startNextPage() {
     if (m_painter->isActive()) m_device->newPage();
 }
 
-bool PagedDeviceSurface::finish() {
+bool PagedDeviceSurface::endDocument() {
     if (!m_painter->isActive()) return true;
     return m_painter->end();
 }

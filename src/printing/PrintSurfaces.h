@@ -17,19 +17,28 @@ class QPagedPaintDevice;
 namespace nb {
 
 // Draws in inches on a painter of the given resolution. Text is drawn piece by piece, each at its
-// own computed position, top-aligned at the text's y.
+// own computed position, top-aligned at the text's y. The glyphs of texts that follow one another
+// in one font and colour go to the painter together, as one run, when the font or the colour
+// changes, a picture or a filled text comes, the page ends or the document does: a page of a long
+// form is then a few runs of glyphs instead of hundreds of text objects. Rules are drawn as they
+// come, so a text may land over a rule drawn after it.
 class PainterSurface : public PrintSurface {
 public:
     PainterSurface(QPainter& painter, double dotsPerInch);
     void drawText(const PrintedText& text) override;
     void drawLine(const PrintedLine& line) override;
     void drawPicture(const PrintedPicture& picture) override;
-    void newPage() override {}
-    bool finish() override { return true; }
+    void newPage() final;
+    bool finish() final;
 
 protected:
     double toDevice(double inches) const { return inches * m_dpi; }
     QPainter& painter() { return m_painter; }
+    // What a page's end and the document's end do on the device, after the page's glyphs are drawn.
+    virtual void startNextPage() {}
+    virtual bool endDocument() { return true; }
+    // Draws the glyphs waiting for the painter.
+    void flushText();
 
 private:
     struct Glyph {
@@ -45,13 +54,23 @@ private:
         QRawFont raw;                           // the font at the device's size, for glyph runs
         QHash<char16_t, Glyph> glyphs;          // the characters met so far
     };
-    const DeviceFont& deviceFont(const PrintFont& font);
-    // The piece as a run of glyphs of the font, or false when a character needs another font.
-    bool drawGlyphs(DeviceFont& font, const QString& text, const QPointF& baseline);
+    DeviceFont& deviceFont(const PrintFont& font);
+    QPointF onDevice(const QPointF& point) const;
+    // The piece's glyphs added to the waiting run, or false when a character needs another font.
+    bool addGlyphs(DeviceFont& font, const QString& text, const QPointF& baseline);
+    // The piece through the painter's own text drawing, after whatever waits.
+    void drawShaped(const QFont& font, const QString& text, const QPointF& baseline);
 
     QPainter& m_painter;
     double m_dpi;
-    std::shared_ptr<DeviceFont> m_font;
+    // The fonts of the document, few, each made once.
+    std::vector<std::unique_ptr<DeviceFont>> m_fonts;
+    DeviceFont* m_font = nullptr;
+    // The run of glyphs waiting: its font and colour, glyphs and their baseline points.
+    DeviceFont* m_runFont = nullptr;
+    QColor m_runColor;
+    QList<quint32> m_runGlyphs;
+    QList<QPointF> m_runPositions;
 };
 
 // A printer or a PDF writer: pages and the end of the document.
@@ -60,8 +79,10 @@ public:
     // Takes the device, which must be ready to paint on; `painter` has begun on it.
     PagedDeviceSurface(std::unique_ptr<QPagedPaintDevice> device, std::unique_ptr<QPainter> painter);
     ~PagedDeviceSurface() override;
-    void newPage() override;
-    bool finish() override;
+
+protected:
+    void startNextPage() override;
+    bool endDocument() override;
 
 private:
     std::unique_ptr<QPagedPaintDevice> m_device;

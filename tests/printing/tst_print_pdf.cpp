@@ -11,6 +11,7 @@
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
+#include <tuple>
 
 using namespace nb;
 
@@ -48,6 +49,26 @@ const PdfWord* findWord(const std::vector<PdfWord>& words, const QString& text) 
     for (const PdfWord& w : words)
         if (w.text == text) return &w;
     return nullptr;
+}
+
+// The page descriptions of the file (its compressed streams that draw text), unpacked.
+QList<QByteArray> pageStreams(const QString& pdf) {
+    QFile file(pdf);
+    if (!file.open(QIODevice::ReadOnly)) return {};
+    const QByteArray data = file.readAll();
+    QList<QByteArray> pages;
+    for (qsizetype at = data.indexOf("stream"); at >= 0; at = data.indexOf("stream", at + 1)) {
+        const qsizetype begin = data.indexOf('\n', at) + 1;
+        const qsizetype end = data.indexOf("endstream", begin);
+        if (begin <= 0 || end < 0) break;
+        // qUncompress wants the size first; it grows its buffer when the guess is short.
+        QByteArray packed("\x00\x10\x00\x00", 4);
+        packed += data.mid(begin, end - begin);
+        const QByteArray page = qUncompress(packed);
+        if (page.contains("BT")) pages << page;
+        at = end;
+    }
+    return pages;
 }
 
 constexpr double kTolerancePt = 0.5;
@@ -170,6 +191,103 @@ private Q_SLOTS:
         QVERIFY(seal.red() > 240 && seal.green() < 16 && seal.blue() < 16);
         const QColor paper = page.pixelColor(int(6.5 * 100), int(10.5 * 100));
         QCOMPARE(paper, QColor(Qt::white));
+    }
+    void textsOfOneFontOnAPageGoAsOneRun() {
+        test::TestHome home;
+        const QString pdf = home.file(QStringLiteral("runs.pdf"));
+        {
+            PrintJob job(makePdfSurface(pdf));
+            PrinterPrepare(job);
+            job.setFontSize(10);
+            for (int row = 1; row <= 50; ++row) {
+                job.printAtTab(row, 1, QStringLiteral("가나%1").arg(row));
+                job.printAtTab(row, 20, QString::number(row * 1000));
+                job.line(0.5, job.rowY(row), 7.5, job.rowY(row));
+            }
+            job.setFontSize(7);
+            job.printAtTab(52, 1, QStringLiteral("작은글"));
+            job.setFontSize(10);
+            job.printAtTab(54, 1, QStringLiteral("다시큰글"));
+        }
+        const QList<QByteArray> pages = pageStreams(pdf);
+        QCOMPARE(pages.size(), 1);
+        // One run for the hundred texts of 10 pt, one for 7 pt, one for 10 pt again.
+        QCOMPARE(pages.first().count("BT"), 3);
+        const auto words = pdfWords(pdf);
+        const double column10 = printColumnWidth(10), column7 = printColumnWidth(7);
+        for (const auto& [word, x, row] : {std::tuple{QStringLiteral("가나50"), 0 * column10, 50},
+                                           std::tuple{QStringLiteral("50000"), 19 * column10, 50},
+                                           std::tuple{QStringLiteral("작은글"), 0 * column7, 52},
+                                           std::tuple{QStringLiteral("다시큰글"), 0 * column10, 54}}) {
+            const PdfWord* w = findWord(words, word);
+            QVERIFY2(w, qPrintable(word));
+            QVERIFY2(std::abs(w->xMin - points(x)) < kTolerancePt, qPrintable(word));
+            QVERIFY2(std::abs(w->yMin - points(double(row) / 6)) < kTolerancePt, qPrintable(word));
+        }
+    }
+    void glyphsStandOnWholeDotsOfThePdf() {
+        test::TestHome home;
+        const QString pdf = home.file(QStringLiteral("dots.pdf"));
+        {
+            PrintJob job(makePdfSurface(pdf));
+            PrinterPrepare(job);
+            job.setFontSize(8); // half-width advances of 66.67 dots at 1200 dots an inch
+            job.printAt(1.2345, 2.3456, QStringLiteral("123,456,789 가나다라"));
+        }
+        const QList<QByteArray> pages = pageStreams(pdf);
+        QCOMPARE(pages.size(), 1);
+        static const QRegularExpression move(QStringLiteral("(\\S+) (\\S+) Td"));
+        int moves = 0;
+        for (auto it = move.globalMatch(QString::fromLatin1(pages.first())); it.hasNext(); ++moves) {
+            const auto m = it.next();
+            QVERIFY2(!m.captured(1).contains(u'.') && !m.captured(2).contains(u'.'),
+                     qPrintable(m.captured(0)));
+        }
+        QVERIFY(moves >= 15);
+        const PdfWord* w = findWord(pdfWords(pdf), QStringLiteral("123,456,789"));
+        QVERIFY(w);
+        QVERIFY(std::abs(w->xMin - points(1.2345)) < 0.1);
+    }
+    void aFilledTextHidesWhatWasPrintedUnderIt() {
+        QImage image(400, 200, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        {
+            QPainter painter(&image);
+            PrintJob job(std::make_unique<PainterSurface>(painter, 96));
+            job.setFontSize(20);
+            job.printAt(0.5, 0.5, QStringLiteral("가나다라"));
+            PrintFont cover = job.font();
+            cover.transparent = false;
+            job.setFont(cover);
+            job.printAt(0.5, 0.5, QStringLiteral("        "));
+            job.setFontTransparent(true);
+            job.printAt(0.5, 1.2, QStringLiteral("가나다라"));
+        }
+        const auto inked = [&image](int top) {
+            int dark = 0;
+            for (int y = top; y < top + 30; ++y)
+                for (int x = 48; x < 48 + 150; ++x)
+                    dark += qGray(image.pixel(x, y)) < 128 ? 1 : 0;
+            return dark;
+        };
+        QVERIFY(inked(int(1.2 * 96)) > 100); // the text as it prints
+        QCOMPARE(inked(int(0.5 * 96)), 0);   // the same text under the filled one
+    }
+    void aPictureCoversTheTextPrintedBeforeIt() {
+        QImage image(400, 200, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        {
+            QPainter painter(&image);
+            PrintJob job(std::make_unique<PainterSurface>(painter, 96));
+            job.setFontSize(20);
+            job.printAt(0.5, 0.5, QStringLiteral("가나다라"));
+            QImage red(10, 10, QImage::Format_RGB32);
+            red.fill(Qt::red);
+            job.paintPicture(red, 0.4, 0.4, 2.0, 0.6);
+        }
+        for (int y = 48; y < 48 + 30; ++y)
+            for (int x = 48; x < 48 + 150; ++x)
+                QCOMPARE(QColor(image.pixel(x, y)), QColor(Qt::red));
     }
     void pagesFollowNewPage() {
         test::TestHome home;
