@@ -15,6 +15,7 @@
 #include "storage/Stores.h"
 
 #include <QElapsedTimer>
+#include <limits>
 
 namespace nb {
 
@@ -402,10 +403,14 @@ struct PreviewPages {
     PageRoutine print;
 };
 
-// A preview reads its receivers a stretch at a time: the page shown and the sheets after it, up
-// to this many, so that paging on reads nothing new for a while and a jump to the end reads
-// only the end. The first page is drawn from the first stretch alone.
+// A preview shows its first page from a first stretch of receivers: that page and the sheets
+// after it, up to this many. A page beyond what was read reads every receiver from its own to the
+// end: a read costs the store the grouping of the whole period whatever it returns, so paging on
+// reads nothing more, and a jump to the end reads only the end.
 constexpr int kStretchSheets = 25;
+// Every receiver from the first asked for.
+constexpr int kToTheEnd = std::numeric_limits<int>::max();
+int previewReads = 0;
 
 // The official form's sheets: the totals block and a stretch of receivers.
 class OfficialPages {
@@ -419,8 +424,8 @@ public:
         const int end = qMin(lines.first + lines.count, m_form.listedReceivers());
         const int readEnd = m_form.firstReceiver + int(m_form.receivers.size());
         if (lines.first >= m_form.firstReceiver && end <= readEnd) return &m_form;
-        std::optional<OfficialTotals> read =
-            ReadOfficialTotals(m_period, m_day, lines.first, stretchOf(page));
+        ++previewReads;
+        std::optional<OfficialTotals> read = ReadOfficialTotals(m_period, m_day, lines.first, -1);
         if (!read) return nullptr;
         m_form = std::move(*read);
         return &m_form;
@@ -445,7 +450,8 @@ public:
         const int first = firstRowOf(page);
         const int end = qMin(firstRowOf(page + 1), m_report.receivers());
         if (first >= m_report.first && end <= m_report.first + int(m_report.rows.size())) return &m_report;
-        std::optional<TotalsReport> read = ReadTotalsReportStretch(m_report.values, first, stretchOf(page));
+        ++previewReads;
+        std::optional<TotalsReport> read = ReadTotalsReportStretch(m_report.values, first, kToTheEnd);
         if (!read) return nullptr;
         m_report = std::move(*read);
         return &m_report;
@@ -462,6 +468,7 @@ std::optional<PreviewPages> previewOf(const TotalsSearch& search, TotalsLayout l
     if (layout == TotalsLayout::Official) {
         const TotalsPeriod period = search.span();
         const QDate day = today();
+        ++previewReads;
         std::optional<OfficialTotals> form = ReadOfficialTotals(period, day, 0, OfficialPages::stretchOf(1));
         if (!form) return std::nullopt;
         const int pages = officialform::pagesFor(form->listedReceivers());
@@ -474,6 +481,7 @@ std::optional<PreviewPages> previewOf(const TotalsSearch& search, TotalsLayout l
     }
     const std::optional<TotalsReportValues> values = valuesOf(search);
     if (!values) return std::nullopt;
+    ++previewReads;
     std::optional<TotalsReport> report = ReadTotalsReportStretch(*values, 0, ListPages::stretchOf(1));
     if (!report) return std::nullopt;
     const int pages = pagesFor(report->receivers());
@@ -494,6 +502,10 @@ std::unique_ptr<PagedPreview> makeTotalsPreview(QWidget* parent, const TotalsSea
     const std::optional<PreviewPages> preview = previewOf(search, layout);
     if (!preview) return nullptr;
     return std::make_unique<PagedPreview>(parent, kTotalsDocument, preview->pages, preview->print);
+}
+
+int totalsPreviewReads() {
+    return previewReads;
 }
 
 void PreviewTotalsReport(QWidget* parent, const TotalsSearch& search, TotalsLayout layout) {

@@ -109,6 +109,8 @@ void PrintTotalsReport(const TotalsSearch& search, TotalsLayout layout);
 // The preview of the search, not yet shown; null when a read failed (its box shown).
 std::unique_ptr<PagedPreview> makeTotalsPreview(QWidget* parent, const TotalsSearch& search,
                                                 TotalsLayout layout);
+// How many times the previews of this run read the store, for tests.
+int totalsPreviewReads();
 // The same in the print preview, which draws only the page it shows.
 void PreviewTotalsReport(QWidget* parent, const TotalsSearch& search, TotalsLayout layout);
 

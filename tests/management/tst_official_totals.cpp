@@ -474,6 +474,34 @@ private Q_SLOTS:
         QCOMPARE(last->page, print.pages);
     }
 
+    // The first page comes from a first stretch of sheets; the first page asked for beyond it
+    // reads every receiver from there to the end, so paging on and jumping to the end read
+    // nothing more, and only a page before what was read reads again.
+    void thePreviewReadsTheRestOnceWhenPagedBeyondTheFirstStretch() {
+        Store s;
+        test::script();
+        const int receivers = kFirstSheetRows + kLaterSheetRows * 60; // 61 sheets
+        addManyReceivers(receivers);
+        const TotalsSearch search{TotalsKind::Quarter, 1, QStringLiteral("2024"), {}, {}};
+        const int before = totalsPreviewReads();
+        std::unique_ptr<PagedPreview> preview = makeTotalsPreview(nullptr, search, TotalsLayout::Official);
+        QVERIFY(preview);
+        QCOMPARE(preview->pages(), 61);
+        QCOMPARE(totalsPreviewReads(), before + 1);
+        preview->showPage(20);
+        QCOMPARE(totalsPreviewReads(), before + 1); // inside the first stretch
+        preview->showPage(27);
+        QCOMPARE(totalsPreviewReads(), before + 2);
+        preview->showPage(55);
+        test::pressKey(preview.get(), Qt::Key_End);
+        QCOMPARE(preview->page(), 61);
+        QCOMPARE(totalsPreviewReads(), before + 2);
+        preview->showPage(26);
+        QCOMPARE(totalsPreviewReads(), before + 3);
+        preview->showPage(61);
+        QCOMPARE(totalsPreviewReads(), before + 3);
+    }
+
     void thePreviewDrawsOnlyThePageItShows() {
         Store s;
         test::script();

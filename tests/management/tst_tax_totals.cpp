@@ -6,6 +6,7 @@
 #include "common/text/ByteText.h"
 #include "core/AppState.h"
 #include "management/TaxTotalsReport.h"
+#include "printing/PagedPreview.h"
 #include "printing/PrintGrid.h"
 #include "printing/PrintSurfaces.h"
 #include "printing/PrinterSetup.h"
@@ -141,8 +142,9 @@ private Q_SLOTS:
         QCOMPARE(test::scalar(stores().dbTax, "select Blank from SaleTotal where CCode = '000002'").toInt(),
                  11 - 2);
         // The whole-number column rounds the fraction half to even.
-        QCOMPARE(test::scalar(stores().dbTax, "select TradeKum from SaleTotal where CCode = '000001'").toDouble(),
-                 100000.0);
+        QCOMPARE(
+            test::scalar(stores().dbTax, "select TradeKum from SaleTotal where CCode = '000001'").toDouble(),
+            100000.0);
     }
 
     void sumsPastTwoBillionStayWholeAndExact() {
@@ -284,6 +286,38 @@ private Q_SLOTS:
         QVERIFY(last);
         QCOMPARE(last->page, print.pages);
         QVERIFY(preview.find(QStringLiteral("- %1 / %1 -").arg(print.pages)));
+    }
+
+    // The list's preview reads the rest of the list once, when a page beyond the first stretch is
+    // asked for: paging on and the last page read nothing more.
+    void theListPreviewReadsTheRestOnceWhenPagedBeyondTheFirstStretch() {
+        Store s;
+        test::script();
+        const int receivers = 45 + 52 * 59; // 60 pages
+        QVERIFY(test::exec(stores().dbBasic,
+                           "insert into Trader (Code, C_Name, Serial) with recursive n(i) as (select 1 union "
+                           "all select i + 1 from n where i < ?) select printf('1%05d', i), '매출처' || i, "
+                           "printf('2%02d-00-%05d', i % 100, i) from n",
+                           {receivers}));
+        QVERIFY(
+            test::exec(stores().dbTax,
+                       "insert into NewAcount (TaxCode, CCode, PName, Quantity, UnitCost, TradeKum, VatKum, "
+                       "DealDate, TradeDate, UserCode) with recursive n(i) as (select 1 union all select "
+                       "i + 1 from n where i < ?) select printf('2%05d', i), printf('1%05d', i), '볼트', 1, "
+                       "i * 10, i * 10, i, '2024-04-10', '04-10', '123-45-67890' from n",
+                       {receivers}));
+        QVERIFY(SearchTotals(stores().dbTax, stores().dbBasic.path(), {"2024-04-01", "2024-06-30"}));
+        const TotalsSearch search{TotalsKind::Quarter, 1, QStringLiteral("2024"), {}, {}};
+        const int before = totalsPreviewReads();
+        std::unique_ptr<PagedPreview> preview = makeTotalsPreview(nullptr, search, TotalsLayout::List);
+        QVERIFY(preview);
+        QCOMPARE(preview->pages(), totalslayout::pagesFor(receivers));
+        QCOMPARE(totalsPreviewReads(), before + 1);
+        preview->showPage(30);
+        QCOMPARE(totalsPreviewReads(), before + 2);
+        preview->showPage(56);
+        preview->showPage(preview->pages());
+        QCOMPARE(totalsPreviewReads(), before + 2);
     }
 
     void theReportAsAPdfPutsItsWordsWhereTheLayoutSays() {
