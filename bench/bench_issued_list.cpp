@@ -69,7 +69,7 @@ void timeList(FrmTax& screen, const char* what, const QString& code) {
                            QStringLiteral("Select Sum(TradeKum) , Sum(VatKum) from NewAcount Where DealDate "
                                           "Between '%1-01-01' and '%1-03-31';")
                                .arg(year);
-    const double cli = bench::cliScriptMs(stores().dbTax.path(), script);
+    const double cli = bench::cliScriptMs(stores().dbTax.path(), script, 3, 20);
     std::printf(
         "%-34s %6d rows  program %8.2f ms  sqlite3 %7.2f ms  ratio %5.2f  window still at most %.1f ms\n",
         what, screen.grdList->DataRowCnt(), ms, cli, cli > 0 ? ms / cli : 0.0, still);
