@@ -412,7 +412,7 @@ constexpr int kStretchSheets = 25;
 constexpr int kToTheEnd = std::numeric_limits<int>::max();
 int previewReads = 0;
 
-// The official form's sheets: the totals block and a stretch of receivers.
+// The official form's sheets: the totals block and the receivers read so far.
 class OfficialPages {
 public:
     OfficialPages(const TotalsPeriod& period, const QDate& day, OfficialTotals first)
@@ -441,7 +441,7 @@ private:
     OfficialTotals m_form;
 };
 
-// The list's pages: a stretch of its rows with what the rows before them carry.
+// The list's pages: the rows read so far with what the rows before them carry.
 class ListPages {
 public:
     explicit ListPages(TotalsReport first) : m_report(std::move(first)) {}
@@ -462,8 +462,8 @@ private:
     TotalsReport m_report;
 };
 
-// The first stretch of the search read, and the routine that draws one page, reading further
-// stretches as pages beyond it are asked for.
+// The first stretch of the search read, and the routine that draws one page, reading the rest
+// when a page beyond what was read is asked for.
 std::optional<PreviewPages> previewOf(const TotalsSearch& search, TotalsLayout layout) {
     if (layout == TotalsLayout::Official) {
         const TotalsPeriod period = search.span();
