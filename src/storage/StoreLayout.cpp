@@ -1,6 +1,7 @@
 #include "storage/StoreLayout.h"
 
 #include "core/AppState.h"
+#include "storage/ChangeNotices.h"
 #include "storage/StoreEngine.h"
 
 #include <QDir>
@@ -315,7 +316,7 @@ QStringList createStatements(const TableDef& table, bool server) {
     for (const IndexDef& index : table.indexes)
         out << indexSql(table, index);
     if (server)
-        out << serverTrigramIndexes(table.name);
+        out << serverTrigramIndexes(table.name) << changeNoticeStatements(table.name);
     else
         out << wholeNumberTriggers(table.name);
     return out;

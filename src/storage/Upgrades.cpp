@@ -1,5 +1,6 @@
 // The schema steps at every start: each asks whether its table, column or index exists and
 // acts only when it does not, so a current store passes with no statement run.
+#include "storage/ChangeNotices.h"
 #include "storage/StoreLayout.h"
 #include "storage/Stores.h"
 
@@ -140,6 +141,9 @@ void UpgradeColumns() {
 void UpgradeOpenStores() {
     upgradeTables(stores().dbBasic, stores().dbTax, false);
     upgradeColumns(stores().dbBasic, stores().dbTax, false);
+    // A server database laid down by an older build gains the notices its lists listen for.
+    for (Database* db : {&stores().dbBasic, &stores().dbBill, &stores().dbTax})
+        addChangeNotices(*db);
 }
 
 void UpgradeStoreFiles(Database& basic, Database& tax) {
