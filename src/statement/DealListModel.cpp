@@ -67,7 +67,15 @@ void DealListModel::setTrader(const QString& cCode, const QString& cName) {
 // are read through while the basic file is attached; they stay in the cells as values.
 bool DealListModel::masterList(const QString& basicFile, const QString& from, const QString& to,
                                bool onlyTrader) {
-    const bool ok = ReadStatementListRows(m_db, basicFile, from, to, onlyTrader ? m_cCode : QString(),
+    m_listRead = ListRead{basicFile, from, to, onlyTrader ? m_cCode : QString()};
+    const bool ok = readList();
+    showMasterRow(masterRowCount());
+    return ok;
+}
+
+bool DealListModel::readList() {
+    const ListRead& read = *m_listRead;
+    const bool ok = ReadStatementListRows(m_db, read.basicFile, read.from, read.to, read.cCode,
                                           [this](std::unique_ptr<GridRowSource> rows) {
                                               auto summed = std::make_unique<SummedRows>(std::move(rows));
                                               const auto count = summed->count(), total = summed->total();
@@ -78,8 +86,22 @@ bool DealListModel::masterList(const QString& basicFile, const QString& from, co
                                           });
     if (!ok) m_rows->showList(nullptr, 0);
     m_rows->setMaxRows(m_rows->maxRows() + 1); // the empty last row
-    showMasterRow(masterRowCount());
     return ok;
+}
+
+DealListModel::Relisted DealListModel::relist() {
+    if (!m_listRead) return Relisted::NotRead;
+    const QString billNo = selectedBillNo();
+    readList();
+    m_activeMaster = masterRowCount();
+    if (billNo.isEmpty()) return Relisted::Kept; // it stood on the empty row, and stays there
+    for (int row = 1; row <= masterCount(); ++row)
+        if (m_rows->text(ColMasterBillNo, row) == billNo) {
+            m_activeMaster = row;
+            return Relisted::Kept;
+        }
+    detailList(QString());
+    return Relisted::Gone;
 }
 
 ListedStatement DealListModel::listed(int row) const {

@@ -8,6 +8,7 @@
 #include "statement/StatementStore.h"
 
 #include <memory>
+#include <optional>
 
 namespace nb {
 
@@ -58,6 +59,12 @@ public:
     // Statements of the range (of the chosen trader when one is set and onlyTrader); stands on
     // the empty last row afterwards, so the screen is on a new statement.
     bool masterList(const QString& basicFile, const QString& from, const QString& to, bool onlyTrader);
+    // The list read again as it was last read (the same range, the same trader or all), to show
+    // what another seat saved meanwhile. The screen stays on its statement, found again by its
+    // number, and its lines stay as they are; Gone when that statement is no longer listed
+    // (deleted meanwhile): the screen then stands on the empty row with no lines.
+    enum class Relisted { NotRead, Kept, Gone };
+    Relisted relist();
     // The operator chooses a row of the list (1-based; the row after the last is the empty
     // one): its trader becomes the chosen one (none for the empty row) and its lines show.
     void chooseMaster(int row);
@@ -106,6 +113,7 @@ public:
     ShownStatement shown() const;
 
 private:
+    bool readList();
     void detailList(const QString& billNo);
     void showMasterRow(int row);
     bool onListedRow() const { return m_activeMaster >= 1 && m_activeMaster <= masterCount(); }
@@ -118,6 +126,11 @@ private:
     QString m_cCode;
     QString m_cName;
     QString m_txtDate;
+    // What the list was last read with (masterList), for relist.
+    struct ListRead {
+        QString basicFile, from, to, cCode;
+    };
+    std::optional<ListRead> m_listRead;
     std::unique_ptr<GridModel> m_ownRows;
     GridModel* m_rows = nullptr;
     int m_activeMaster = 1;

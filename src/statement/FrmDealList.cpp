@@ -3,6 +3,7 @@
 // the screen keeps.
 #include "statement/FrmDealList.h"
 
+#include "common/ListRefresh.h"
 #include "common/Messages.h"
 #include "common/ScreenActivation.h"
 #include "common/dates/DateBox.h"
@@ -23,6 +24,7 @@
 #include "statement/DealPaper.h"
 #include "statement/StatementIssue.h"
 #include "statement/StatementSeal.h"
+#include "storage/ChangeNotices.h"
 #include "storage/Database.h"
 #include "storage/Stores.h"
 
@@ -34,6 +36,7 @@
 #include <QMdiSubWindow>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScrollBar>
 #include <QTableWidget>
 #include <QToolButton>
 
@@ -66,6 +69,9 @@ FrmDealList::FrmDealList(QWidget* parent) : QWidget(parent), m_model(stores().db
     connectControls();
     loadForm();
     onActivation(this, [this] { firstActivate(); });
+    // The statements another seat saves join the list; the lines being typed stay as they are.
+    onListRefresh(this, [this] { refreshMasterList(); });
+    refreshListsOnChanges(this, {&stores().dbBill});
 }
 
 VatMode FrmDealList::vatMode() const {
@@ -297,6 +303,29 @@ void FrmDealList::MasterList(const QString& cCode) {
     m_listing = false;
     DetailList();
     if (isVisible()) (txtCCode->text().isEmpty() ? static_cast<QWidget*>(CName2) : spDetail)->setFocus();
+    MasterTotalShow();
+}
+
+// The list as it was last read, afresh: the same statement chosen, the same rows in view (the
+// chosen one where it was on the screen), the lines and the boxes untouched. Only when the
+// chosen statement was deleted meanwhile does the screen go to the empty row, without lines.
+void FrmDealList::refreshMasterList() {
+    if (m_firstActivate || !m_serialFound) return;
+    QScrollBar* scroll = spMaster->verticalScrollBar();
+    const int top = scroll->value();
+    const int before = m_model.activeMasterRow();
+    const DealListModel::Relisted relisted = m_model.relist();
+    if (relisted == DealListModel::Relisted::NotRead) return;
+    m_listing = true;
+    spMaster->SetActiveCell(ColBillDate, m_model.activeMasterRow());
+    m_listing = false;
+    if (relisted == DealListModel::Relisted::Kept) {
+        const int moved = m_model.activeMasterRow() - before;
+        const bool perRow = spMaster->verticalScrollMode() == QAbstractItemView::ScrollPerItem;
+        scroll->setValue(top + (perRow ? moved : moved * spMaster->rowHeight(1)));
+    } else {
+        DetailList();
+    }
     MasterTotalShow();
 }
 

@@ -81,6 +81,8 @@ public:
     void TraderClear();
     void TraderShow(const QString& cCode);
     void MasterList(const QString& cCode);
+    // The statement list read afresh in place (another seat's saves), see the definition.
+    void refreshMasterList();
     void DetailList();
     void DetailClear();
     void MasterTotalShow();
