@@ -1,12 +1,14 @@
 // FrmTax: load, activation, the parties, the issued list, the period totals, the buttons.
 #include "invoice/FrmTax.h"
 
+#include "common/ListRefresh.h"
 #include "common/Messages.h"
 #include "common/ScreenActivation.h"
 #include "common/dates/DateBox.h"
 #include "common/dates/DateText.h"
 #include "common/dates/FrmCalendar.h"
 #include "common/grid/Grid.h"
+#include "common/grid/GridPlace.h"
 #include "common/input/SelectText.h"
 #include "common/text/Identity.h"
 #include "common/text/NumberFormat.h"
@@ -25,6 +27,7 @@
 #include "printing/FrmMargin.h"
 #include "printing/FrmSetPrinter.h"
 #include "printing/PrinterSetup.h"
+#include "storage/ChangeNotices.h"
 #include "storage/Stores.h"
 
 #include <QCheckBox>
@@ -48,6 +51,9 @@ const QString kPhoneKey = QStringLiteral("계산서전화번호");
 const QString kManualSeqKey = QStringLiteral("일련번호직접입력");
 const QString kModule = QStringLiteral("FrmTax");
 
+// The column of grdList holding the invoice's number (TaxCode).
+constexpr int kIssuedCodeCol = 5;
+
 void setIfChanged(QLineEdit* box, const QString& text) {
     if (box->text() != text) box->setText(text);
 }
@@ -58,6 +64,11 @@ FrmTax::FrmTax(QWidget* parent) : QWidget(parent) {
     buildControls();
     loadForm();
     onActivation(this, [this] { init_form(); });
+    // The invoices another seat issues to the receiver on the screen join its list.
+    onListRefresh(this, [this] {
+        if (!txtCCode->text().isEmpty()) reloadIssuedList();
+    });
+    refreshListsOnChanges(this, {&stores().dbTax});
 }
 
 // ---- sheet <-> controls ------------------------------------------------------------------
@@ -186,7 +197,7 @@ void FrmTax::init_form() {
     const bool handOver = !std::exchange(m_activatedOnce, true);
     if (!txtCCode->text().isEmpty()) {
         ShowTrader(txtCCode->text());
-        LoadIssuedList(txtCCode->text());
+        reloadIssuedList();
         if (handOver) vaBtn5_Click();
     }
     fillPeriodChoices();
@@ -404,9 +415,17 @@ void FrmTax::LoadIssuedList(const QString& code) {
     ShowPeriodTotal();
 }
 
+// The list of the receiver on the screen read again where the operator left it: the same
+// invoice chosen, the same rows in view; the form's lines are not touched.
+void FrmTax::reloadIssuedList() {
+    GridPlace place(*grdList, kIssuedCodeCol);
+    LoadIssuedList(txtCCode->text());
+    place.restore();
+}
+
 void FrmTax::showIssuedInvoice(int row) {
     pnlHelp->setText(QStringLiteral("출력하고자하는 내역을 선택하세요. [ 내역삭제 : F4 ]"));
-    const QString code = grdList->Text(5, row);
+    const QString code = grdList->Text(kIssuedCodeCol, row);
     if (code.isEmpty()) return;
     m_sheet.curLine = 0;
     clear_input();
@@ -435,7 +454,7 @@ void FrmTax::showReceipt(const QString& receipt) {
 
 void FrmTax::deleteIssuedInvoice() {
     const int row = grdList->ActiveRow();
-    const QString code = grdList->Text(5, row);
+    const QString code = grdList->Text(kIssuedCodeCol, row);
     if (code.isEmpty()) return;
     grdList->selectRow(row - 1);
     if (MsgBox(QStringLiteral("선택하신 기존발행내역을 삭제하시겠습니까?"), MbYesNo | MbQuestion,

@@ -93,6 +93,7 @@ public:
     void ShowSupplier(const QString& serial);
     void ShowTrader(const QString& code);
     void LoadIssuedList(const QString& code);
+    void reloadIssuedList(); // the same receiver's, keeping the operator's place
     bool PickProduct(int i);
     void DeleteLine(int i);
     void ShowPeriodTotal();

@@ -9,6 +9,7 @@
 #include "common/dates/DateBox.h"
 #include "common/dates/DateCells.h"
 #include "common/dates/DateText.h"
+#include "common/grid/GridPlace.h"
 #include "common/grid/MduSpread.h"
 #include "common/input/KeyFlow.h"
 #include "common/input/SelectText.h"
@@ -36,7 +37,6 @@
 #include <QMdiSubWindow>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QScrollBar>
 #include <QTableWidget>
 #include <QToolButton>
 
@@ -311,21 +311,14 @@ void FrmDealList::MasterList(const QString& cCode) {
 // chosen statement was deleted meanwhile does the screen go to the empty row, without lines.
 void FrmDealList::refreshMasterList() {
     if (m_firstActivate || !m_serialFound) return;
-    QScrollBar* scroll = spMaster->verticalScrollBar();
-    const int top = scroll->value();
-    const int before = m_model.activeMasterRow();
+    GridPlace place(*spMaster, ColMasterBillNo);
     const DealListModel::Relisted relisted = m_model.relist();
     if (relisted == DealListModel::Relisted::NotRead) return;
     m_listing = true;
-    spMaster->SetActiveCell(ColBillDate, m_model.activeMasterRow());
+    if (!place.restore([this](int row) { spMaster->SetActiveCell(ColBillDate, row); }))
+        spMaster->SetActiveCell(ColBillDate, m_model.activeMasterRow());
     m_listing = false;
-    if (relisted == DealListModel::Relisted::Kept) {
-        const int moved = m_model.activeMasterRow() - before;
-        const bool perRow = spMaster->verticalScrollMode() == QAbstractItemView::ScrollPerItem;
-        scroll->setValue(top + (perRow ? moved : moved * spMaster->rowHeight(1)));
-    } else {
-        DetailList();
-    }
+    if (relisted == DealListModel::Relisted::Gone) DetailList();
     MasterTotalShow();
 }
 
