@@ -2,10 +2,12 @@
 
 #include "common/FileChooser.h"
 #include "common/FormBuild.h"
+#include "common/ListRefresh.h"
 #include "common/Messages.h"
 #include "common/dates/DateBox.h"
 #include "common/dates/DateCells.h"
 #include "common/grid/Grid.h"
+#include "common/grid/GridPlace.h"
 #include "common/grid/MduSpread.h"
 #include "core/Clock.h"
 #include "management/ExportGrid.h"
@@ -14,6 +16,7 @@
 #include "printing/FrmMargin.h"
 #include "printing/FrmSetPrinter.h"
 #include "printing/GridPrint.h"
+#include "storage/ChangeNotices.h"
 #include "storage/Stores.h"
 
 #include <QComboBox>
@@ -40,6 +43,9 @@ FrmTaxManage::FrmTaxManage(QWidget* parent) : QWidget(parent) {
     buildGrid();
     connectControls();
     InitForm();
+    // The invoices issued or bought meanwhile (here, or at another seat) counted in again.
+    onListRefresh(this, [this] { refreshTotals(); });
+    refreshListsOnChanges(this, {&stores().dbTax});
 }
 
 void FrmTaxManage::buildControls() {
@@ -212,6 +218,22 @@ void FrmTaxManage::btnSearch_Click() {
     m_searching = false;
     if (refill) m_lastSearch = currentSearch();
     showRows(refill.value_or(TotalsRefill()));
+}
+
+// The last search run again as it was searched (whatever the boxes say since), the list
+// standing on the same trader with the same rows in view. The old rows stay painted while the
+// work table is refilled; nothing is re-read before a first search.
+void FrmTaxManage::refreshTotals() {
+    if (!m_lastSearch || m_searching) return;
+    GridPlace place(*grdList, ColCode);
+    m_searching = true;
+    const std::optional<TotalsRefill> refill =
+        RefillTotalsAside(stores().dbTax, stores().dbBasic.path(), m_lastSearch->span());
+    m_searching = false;
+    if (!refill) return; // its box was shown; the list stays as it was
+    clearRows();
+    showRows(*refill);
+    place.restore();
 }
 
 // The list emptied down to its blank rows, without reading what was left of the last one.

@@ -71,6 +71,7 @@ private:
     void connectControls();
     void onGubunChanged(int index);
     void clearRows();
+    void refreshTotals();
     void showRows(const TotalsRefill& refill);
     QString periodName() const;
 
