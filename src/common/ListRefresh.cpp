@@ -52,13 +52,8 @@ public:
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (watched == m_screen && event->type() == QEvent::Show) attach();
-        if (watched == qApp) {
-            if (event->type() == QEvent::ApplicationDeactivate) m_away = true;
-            if (event->type() == QEvent::ApplicationActivate && m_away) {
-                m_away = false;
-                if (inFront() && m_everInFront) comeToFront();
-            }
-        }
+        if (watched == qApp && event->type() == QEvent::ApplicationDeactivate) programLeft();
+        if (watched == qApp && event->type() == QEvent::ApplicationActivate) programBack();
         return false;
     }
 
@@ -71,7 +66,24 @@ private:
         connect(m_sub->mdiArea(), &QMdiArea::subWindowActivated, this, &ListRefresher::childActivated);
         m_lastInFront = inFront();
         m_everInFront = m_lastInFront;
+        // The desktop tells the program it lost and got back the focus by its state; the
+        // events are what a program that is handed its activation directly receives.
         qApp->installEventFilter(this);
+        connect(qApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+            if (state == Qt::ApplicationActive)
+                programBack();
+            else
+                programLeft();
+        });
+    }
+
+    void programLeft() { m_away = true; }
+    // The work area names its child again only after the program is told it is back, so the
+    // screen is not known to be in front yet: a screen in view reads its lists.
+    void programBack() {
+        if (!m_away) return;
+        m_away = false;
+        if (m_everInFront) comeToFront();
     }
 
     // The work area names no child while another program has the focus and names the same one
@@ -109,7 +121,10 @@ private:
     }
 
     bool held() const {
-        if (m_running || QApplication::activeModalWidget() || QApplication::activePopupWidget()) return true;
+        if (m_running || QApplication::activePopupWidget()) return true;
+        // A modal window over the screen; a list that is itself the modal window re-reads.
+        QWidget* modal = QApplication::activeModalWidget();
+        if (modal && modal != m_screen->window()) return true;
         if (typingIn(m_screen)) return true;
         return hold() && hold()();
     }

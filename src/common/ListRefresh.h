@@ -3,7 +3,7 @@
 // shows without the operator asking:
 //  - when the screen's child window becomes the active one again after another child window
 //    had it, or when the program gets the desktop's focus back from another program while the
-//    screen is in front (the operator may have been at the other copy);
+//    screen is in view (the operator may have been at the other copy);
 //  - when asked by requestListRefresh (a store told of another seat's save).
 // The re-read is the screen's own function, which keeps the operator's place: the same row by
 // its key where it still exists, the same scroll position, the same search text and filters,
@@ -11,9 +11,9 @@
 //
 // A re-read never runs inside the work that asked for it, but from the event loop, and waits
 // while the screen is hidden or minimised, while a modal window (a question, a search list) is
-// open, while the operator has typed text the screen has not taken yet (a changed box with the
-// keyboard), and while the hold says so (a save in progress). Asked for many times, it runs at
-// most once per kListRefreshMillis.
+// open over it (a search list that is itself the modal window re-reads), while the operator has typed text
+// the screen has not taken yet (a changed box with the keyboard), and while the hold says so (a save in
+// progress). Asked for many times, it runs at most once per kListRefreshMillis.
 
 #include <QWidget>
 #include <functional>

@@ -1,10 +1,12 @@
 #include "links/FrmSMS.h"
 
+#include "common/ListRefresh.h"
 #include "common/Messages.h"
 #include "common/ScreenActivation.h"
 #include "common/dates/DateBox.h"
 #include "common/dates/FrmCalendar.h"
 #include "common/grid/Grid.h"
+#include "common/grid/GridPlace.h"
 #include "common/input/KeyFlow.h"
 #include "common/input/SelectText.h"
 #include "core/AppState.h"
@@ -12,6 +14,7 @@
 #include "links/NamedWidget.h"
 #include "links/SmsNumbers.h"
 #include "links/modSMSLink.h"
+#include "storage/ChangeNotices.h"
 #include "storage/CrossFileQueries.h"
 #include "storage/StoreAside.h"
 #include "storage/Stores.h"
@@ -27,6 +30,7 @@
 #include <QMdiSubWindow>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSet>
 #include <QShortcut>
 #include <QSqlQuery>
 #include <QTimer>
@@ -60,6 +64,9 @@ FrmSMS::FrmSMS(QWidget* parent) : QWidget(parent) {
         m_firstActivation = false;
         btnSearch->click();
     });
+    // Traders registered and statements saved since the search, here or at another seat.
+    onListRefresh(this, [this] { refreshList(); });
+    refreshListsOnChanges(this, {&stores().dbBasic, &stores().dbBill});
 }
 
 // ---- building ---------------------------------------------------------------------------
@@ -226,49 +233,89 @@ void FrmSMS::optFilterClick(int index) {
     }
 }
 
-// The query runs beside the window (it stays painted while a decade of statements is grouped);
-// its rows then become the list's, each with the numbers of the ticked types.
+FrmSMS::Search FrmSMS::searchFromBoxes() const {
+    Search search;
+    search.byName = optFilter[0]->isChecked();
+    search.byDate = optFilter[1]->isChecked();
+    search.withNoDeal = search.byDate && chkNoTrade->isChecked();
+    search.name = txtName->text();
+    search.date = txtDate->dateText();
+    for (size_t i = 0; i < search.phoneTypes.size(); ++i)
+        search.phoneTypes[i] = chkPhoneType[i]->isChecked();
+    return search;
+}
+
 void FrmSMS::SearchTraders() {
     grdList->setMaxRows(0);
     ChkAll->setChecked(false);
     m_ticked = 0;
     lblCountRec->setText(QStringLiteral("0"));
-    const bool byName = optFilter[0]->isChecked();
-    const bool byDate = optFilter[1]->isChecked();
+    m_lastSearch = searchFromBoxes();
+    runSearch(*m_lastSearch);
+    lblCountRec->setText(QStringLiteral("0"));
+}
+
+// The query runs beside the window (it stays painted while a decade of statements is grouped);
+// its rows then become the list's, each with the numbers of the ticked types. False (its box
+// shown, the list as it was) when the read failed.
+bool FrmSMS::runSearch(const Search& search) {
     TraderDealFilter filter;
-    filter.byName = byName && !txtName->text().isEmpty();
-    filter.byDate = byDate;
-    filter.withNoDeal = byDate && chkNoTrade->isChecked();
+    filter.byName = search.byName && !search.name.isEmpty();
+    filter.byDate = search.byDate;
+    filter.withNoDeal = search.withNoDeal;
     const AsideRead read{stores().dbBasic.path(), app().DbBillFile, kBillAlias, tradersLastDealSql(filter),
-                         tradersLastDealValues(filter, txtName->text(), txtDate->dateText())};
+                         tradersLastDealValues(filter, search.name, search.date)};
     if (!stores().dbBasic.isOpen()) {
         ReportQueryFailure(ErrNotOpened, QString(), sqlForDisplay(read.sql, read.values));
-        return;
+        return false;
     }
     QVector<QStringList> found; // C_Name, Phone, Fax, HPhone, lastdate
     const bool ok = readAside(read, [&found](const QSqlQuery& row) {
         found.push_back({row.value(0).toString(), row.value(1).toString(), row.value(2).toString(),
                          row.value(3).toString(), row.value(5).toString()});
     });
-    if (ok) showFound(found, byName, byDate);
-    lblCountRec->setText(QStringLiteral("0"));
+    if (ok) showFound(found, search);
+    return ok;
 }
 
-void FrmSMS::showFound(const QVector<QStringList>& found, bool byName, bool byDate) {
-    const PhoneTypes types{chkPhoneType[0]->isChecked(), chkPhoneType[1]->isChecked(),
-                           chkPhoneType[2]->isChecked()};
+// The last search run again (traders registered or dealt with since, at this seat or another),
+// the ticks the operator made kept on the same traders and numbers, the same row chosen and the
+// same rows in view.
+void FrmSMS::refreshList() {
+    if (!m_lastSearch) return;
+    QSet<QString> ticked;
+    for (int row = 1; row <= grdList->MaxRows(); ++row)
+        if (grdList->Text(ColCheck, row) == QStringLiteral("1"))
+            ticked.insert(grdList->Text(ColName, row) + u'\t' + grdList->Text(ColTel, row));
+    const bool all = ChkAll->isChecked();
+    GridPlace place(*grdList, ColName);
+    if (!runSearch(*m_lastSearch)) return;
+    m_ticked = 0;
+    for (int row = 1; row <= grdList->MaxRows(); ++row)
+        if (ticked.contains(grdList->Text(ColName, row) + u'\t' + grdList->Text(ColTel, row)))
+            setTicked(row, true);
+    lblCountRec->setText(QString::number(m_ticked));
+    {
+        const QSignalBlocker quiet(ChkAll); // a new trader is not ticked by the box's own toggle
+        ChkAll->setChecked(all && m_ticked == grdList->MaxRows());
+    }
+    place.restore();
+}
+
+void FrmSMS::showFound(const QVector<QStringList>& found, const Search& search) {
+    const PhoneTypes types{search.phoneTypes[0], search.phoneTypes[1], search.phoneTypes[2]};
     QVector<QVariantList> rows;
     rows.reserve(found.size());
     {
         Progress progress(QStringLiteral("자료 검색중..."), int(found.size()));
         for (const QStringList& f : found) {
             progress.step();
-            if (!byName && !byDate) { // one option is always on: a programmer's alarm
+            if (!search.byName && !search.byDate) { // one option is always on: a programmer's alarm
                 MsgBox(QStringLiteral("FixMe"));
                 continue;
             }
             rows.push_back({QString(), f.at(0), pickNumbers(f.at(1), f.at(2), f.at(3), types),
-                            byDate ? f.at(4) : QString()});
+                            search.byDate ? f.at(4) : QString()});
         }
     }
     const int count = int(rows.size());

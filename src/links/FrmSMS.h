@@ -6,6 +6,7 @@
 #include <QVector>
 #include <QWidget>
 #include <array>
+#include <optional>
 
 class QCheckBox;
 class QLabel;
@@ -56,13 +57,25 @@ private:
     void connectControls();
     void loadForm();
     void optFilterClick(int index);
+    // What a search was run with, so that a re-read runs it again whatever the boxes say since.
+    struct Search {
+        bool byName = false;
+        bool byDate = false;
+        bool withNoDeal = false;
+        QString name, date;
+        std::array<bool, 3> phoneTypes{};
+    };
+    Search searchFromBoxes() const;
     void SearchTraders();
-    void showFound(const QVector<QStringList>& found, bool byName, bool byDate);
+    bool runSearch(const Search& search);
+    void refreshList();
+    void showFound(const QVector<QStringList>& found, const Search& search);
     void tickAll(bool on);
     void tickBlock(int col, int row, int col2, int row2);
     void leaveDateBox();
     void closeScreen();
 
+    std::optional<Search> m_lastSearch;
     int m_ticked = 0;
     bool m_firstActivation = true;
     bool m_centred = false;

@@ -1,9 +1,12 @@
 #include "quotation/FrmEstiList.h"
 
+#include "common/ListRefresh.h"
 #include "common/grid/Grid.h"
+#include "common/grid/GridPlace.h"
 #include "common/input/FormPlacement.h"
 #include "master/EntryForm.h"
 #include "master/ListModel.h"
+#include "storage/ChangeNotices.h"
 #include "storage/Stores.h"
 
 #include <QHBoxLayout>
@@ -62,6 +65,14 @@ FrmEstiList::FrmEstiList(QWidget* parent) : QDialog(parent) {
     });
     grdList->installEventFilter(this);
     resize(640, 420);
+    // A quotation another seat saves while the list is open joins it, the chosen one kept.
+    onListRefresh(this, [this] {
+        if (!m_search) return;
+        GridPlace place(*grdList, 1);
+        InitForm(m_search->first, m_search->second);
+        place.restore();
+    });
+    refreshListsOnChanges(this, {&stores().dbEstimate});
 }
 
 void FrmEstiList::SetObject(QLabel* Target) {
@@ -71,6 +82,7 @@ void FrmEstiList::SetObject(QLabel* Target) {
 // Every quotation of an empty search shows its first page at once; the rest is read as the
 // operator scrolls, or between events.
 void FrmEstiList::InitForm(int FindField, const QString& FindText) {
+    m_search = std::make_pair(FindField, FindText);
     const EstiListQuery q = estiListQuery(FindField, FindText);
     m_model->clear();
     auto rows = std::make_unique<QSqlQuery>(stores().dbEstimate.connection());

@@ -4,6 +4,8 @@
 
 #include <QDialog>
 #include <QPointer>
+#include <optional>
+#include <utility>
 
 class QLabel;
 class QPushButton;
@@ -49,6 +51,7 @@ protected:
 private:
     ListModel* m_model;
     QPointer<QLabel> m_target;
+    std::optional<std::pair<int, QString>> m_search; // the last search, run again on a re-read
 };
 
 } // namespace nb
