@@ -134,33 +134,45 @@ const QString kInvoiceSaveFailed = QStringLiteral("세금계산서를 저장하�
 
 bool InsertInvoiceRows(Database& dbTax, const QString& taxCode, const InvoiceHead& head,
                        const QList<InvoiceLine>& lines) {
-    if (!dbTax.beginTransaction()) {
+    return RetryingSave([&] {
+        if (!dbTax.beginTransaction()) {
+            ReportSaveFailure(dbTax, kInvoiceSaveFailed);
+            return false;
+        }
+        if (!insertRows(dbTax, taxCode, head, lines)) {
+            dbTax.rollback();
+            return false;
+        }
+        if (dbTax.commit()) return true;
         ReportSaveFailure(dbTax, kInvoiceSaveFailed);
         return false;
-    }
-    if (!insertRows(dbTax, taxCode, head, lines)) {
-        dbTax.rollback();
-        return false;
-    }
-    if (dbTax.commit()) return true;
-    ReportSaveFailure(dbTax, kInvoiceSaveFailed);
-    return false;
+    });
 }
 
 std::optional<QString> StoreNewInvoice(Database& dbTax, const InvoiceHead& head,
                                        const QList<InvoiceLine>& lines) {
-    if (!dbTax.beginTransaction()) {
-        ReportSaveFailure(dbTax, kInvoiceSaveFailed);
-        return std::nullopt;
-    }
-    const std::optional<QString> code = NextTaxCode(dbTax);
-    if (!code || !insertRows(dbTax, *code, head, lines)) {
-        dbTax.rollback();
-        return std::nullopt;
-    }
-    if (dbTax.commit()) return code;
-    ReportSaveFailure(dbTax, kInvoiceSaveFailed);
-    return std::nullopt;
+    // Each try reads the number anew inside its own transaction: a try the server broke off
+    // leaves nothing behind, its number included.
+    std::optional<QString> stored;
+    RetryingSave([&] {
+        stored.reset();
+        if (!dbTax.beginTransaction()) {
+            ReportSaveFailure(dbTax, kInvoiceSaveFailed);
+            return false;
+        }
+        const std::optional<QString> code = NextTaxCode(dbTax);
+        if (!code || !insertRows(dbTax, *code, head, lines)) {
+            dbTax.rollback();
+            return false;
+        }
+        if (!dbTax.commit()) {
+            ReportSaveFailure(dbTax, kInvoiceSaveFailed);
+            return false;
+        }
+        stored = code;
+        return true;
+    });
+    return stored;
 }
 
 std::optional<IssuedInvoice> ReadIssuedInvoice(Database& dbTax, const QString& taxCode) {
@@ -241,7 +253,8 @@ std::optional<IssuedList> ReadIssuedList(Database& dbTax, const QString& cCode) 
 }
 
 bool DeleteInvoice(Database& dbTax, const QString& taxCode) {
-    return dbTax.Execute(QStringLiteral("delete from newacount where taxCode = ?"), {taxCode});
+    return RetryingSave(
+        [&] { return dbTax.Execute(QStringLiteral("delete from newacount where taxCode = ?"), {taxCode}); });
 }
 
 std::optional<TaxSums> ReadAllTaxSums(Database& dbTax) {
