@@ -13,7 +13,9 @@ namespace {
 // The icon of a box that reports a failure of the store.
 constexpr int kErrorBox = 16;
 
+// A box of a try the server broke off, to be run again, is not shown (RetryingSave).
 void errorBox(const QString& text) {
+    if (quietRetryWanted()) return;
     MsgBox(text, kErrorBox);
 }
 
@@ -47,6 +49,7 @@ bool touches(Database& db, const QString& sql, const QVariantList& values, bool&
 // The run-time box of a failed save: the headline, the cause in the operator's words, then
 // the engine's number and words.
 void showRunTimeFailure(Database& db, const QString& text) {
+    if (quietRetryWanted()) return;
     ShowError(text + u'\r' + storeFaultText(db.lastEngineCode(), db.lastErrorDescription()),
               db.lastErrorNumber(), db.lastErrorDescription());
 }
@@ -174,7 +177,9 @@ QString billDateFromBox(const QString& txtDate) {
         .remove(QStringLiteral("일"));
 }
 
-InsertedLine DetailInsert(Database& dbBill, const NewLine& line) {
+namespace {
+
+InsertedLine insertLineOnce(Database& dbBill, const NewLine& line) {
     InsertedLine result;
     SaveTransaction save(dbBill);
     if (!save.started()) {
@@ -199,6 +204,18 @@ InsertedLine DetailInsert(Database& dbBill, const NewLine& line) {
     }
     result.billSeq = *seq;
     result.ok = true;
+    return result;
+}
+
+} // namespace
+
+InsertedLine DetailInsert(Database& dbBill, const NewLine& line) {
+    // A try the server broke off leaves nothing: the next try takes its numbers anew.
+    InsertedLine result;
+    RetryingSave([&] {
+        result = insertLineOnce(dbBill, line);
+        return result.ok;
+    });
     return result;
 }
 
@@ -249,12 +266,16 @@ bool isNumberField(const QString& upperField) {
            upperField == u"VAT";
 }
 
+UpdatedLine updateLineOnce(Database& dbBill, const QString& billNo, int billSeq, const QString& upperField,
+                           const QVariant& value);
+
 } // namespace
 
 UpdatedLine DetailUpdate(Database& dbBill, const QString& billNo, int billSeq, const QString& field,
                          const QVariant& value) {
+    const QString upperField = field.toUpper();
     UpdatedLine result;
-    result.field = field.toUpper();
+    result.field = upperField;
     if (billSeq == -1) {
         errorBox(QStringLiteral("내역순번 정의 오류입니다."));
         return result;
@@ -263,6 +284,19 @@ UpdatedLine DetailUpdate(Database& dbBill, const QString& billNo, int billSeq, c
         !checkStoredNumber(value.toDouble(), NumberColumn::Amount, QStringLiteral("DetailUpdate"),
                            QStringLiteral("FrmDealList"), ReportOwner::Form))
         return result;
+    RetryingSave([&] {
+        result = updateLineOnce(dbBill, billNo, billSeq, upperField, value);
+        return result.ok;
+    });
+    return result;
+}
+
+namespace {
+
+UpdatedLine updateLineOnce(Database& dbBill, const QString& billNo, int billSeq, const QString& upperField,
+                           const QVariant& value) {
+    UpdatedLine result;
+    result.field = upperField;
     // The old value and the head's total are read inside the save, begun as a write, so another
     // running copy cannot change the line between the read and the move.
     SaveTransaction save(dbBill);
@@ -299,18 +333,30 @@ UpdatedLine DetailUpdate(Database& dbBill, const QString& billNo, int billSeq, c
     return result;
 }
 
-DeletedLine DeleteLine(Database& dbBill, const QString& billNo, int billSeq) {
+} // namespace
+
+namespace {
+
+StatementDeleteOutcome deleteStatementOnce(Database& dbBill, const QString& billNo) {
+    SaveTransaction save(dbBill);
+    bool engineFailed = false;
+    const bool gone =
+        save.started() &&
+        touches(dbBill, QStringLiteral("DELETE FROM Master WHERE BillNo = ?"), {billNo}, engineFailed) &&
+        dbBill.tryExecute(QStringLiteral("DELETE FROM Detail WHERE BillNo = ?"), {billNo});
+    if (!gone) {
+        errorBox(QStringLiteral("삭제도중 오류가 발생했습니다."));
+        return StatementDeleteOutcome::Failed;
+    }
+    if (!save.commit()) {
+        showRunTimeFailure(dbBill, QStringLiteral("삭제도중 오류가 발생했습니다."));
+        return StatementDeleteOutcome::Failed;
+    }
+    return StatementDeleteOutcome::Deleted;
+}
+
+DeletedLine deleteLineOnce(Database& dbBill, const QString& billNo, int billSeq) {
     DeletedLine result;
-    if (nothingChosen(billNo) || billSeq == 0) {
-        result.outcome = LineDeleteOutcome::NothingChosen;
-        ShowWarning(QStringLiteral("삭제할 행을 먼저 선택하세요."));
-        return result;
-    }
-    if (AskYesNo(QStringLiteral("선택된 거래내역을 삭제하시겠습니까?"), QStringLiteral("거래내역 삭제"),
-                 false) != AnsYes) {
-        result.outcome = LineDeleteOutcome::Declined;
-        return result;
-    }
     // What the delete moves is read inside its transaction, begun as a write.
     SaveTransaction save(dbBill);
     if (!save.started()) {
@@ -324,7 +370,7 @@ DeletedLine DeleteLine(Database& dbBill, const QString& billNo, int billSeq) {
     const int lines = int(rs.number(QStringLiteral("lines")));
     CloseRs(rs);
     if (lines == 1) {
-        const bool gone = DeleteStatement(dbBill, billNo, true) == StatementDeleteOutcome::Deleted;
+        const bool gone = deleteStatementOnce(dbBill, billNo) == StatementDeleteOutcome::Deleted;
         if (gone && !save.commit()) {
             showRunTimeFailure(dbBill, QStringLiteral("삭제도중 오류가 발생했습니다."));
             return result;
@@ -357,6 +403,29 @@ DeletedLine DeleteLine(Database& dbBill, const QString& billNo, int billSeq) {
     return result;
 }
 
+} // namespace
+
+DeletedLine DeleteLine(Database& dbBill, const QString& billNo, int billSeq) {
+    DeletedLine result;
+    if (nothingChosen(billNo) || billSeq == 0) {
+        result.outcome = LineDeleteOutcome::NothingChosen;
+        ShowWarning(QStringLiteral("삭제할 행을 먼저 선택하세요."));
+        return result;
+    }
+    if (AskYesNo(QStringLiteral("선택된 거래내역을 삭제하시겠습니까?"), QStringLiteral("거래내역 삭제"),
+                 false) != AnsYes) {
+        result.outcome = LineDeleteOutcome::Declined;
+        return result;
+    }
+    // Asked once; a try the server broke off is run again without asking.
+    RetryingSave([&] {
+        result = deleteLineOnce(dbBill, billNo, billSeq);
+        return result.outcome == LineDeleteOutcome::Deleted ||
+               result.outcome == LineDeleteOutcome::WholeStatement;
+    });
+    return result;
+}
+
 StatementDeleteOutcome DeleteStatement(Database& dbBill, const QString& billNo, bool skipPrompt) {
     if (nothingChosen(billNo)) {
         ShowWarning(QStringLiteral("삭제할 행을 먼저 선택하세요."));
@@ -365,21 +434,12 @@ StatementDeleteOutcome DeleteStatement(Database& dbBill, const QString& billNo, 
     if (!skipPrompt && AskYesNo(QStringLiteral("선택된 전표를 삭제하시겠습니까?"),
                                 QStringLiteral("기존발행전표 삭제"), false) != AnsYes)
         return StatementDeleteOutcome::Declined;
-    SaveTransaction save(dbBill);
-    bool engineFailed = false;
-    const bool gone =
-        save.started() &&
-        touches(dbBill, QStringLiteral("DELETE FROM Master WHERE BillNo = ?"), {billNo}, engineFailed) &&
-        dbBill.tryExecute(QStringLiteral("DELETE FROM Detail WHERE BillNo = ?"), {billNo});
-    if (!gone) {
-        errorBox(QStringLiteral("삭제도중 오류가 발생했습니다."));
-        return StatementDeleteOutcome::Failed;
-    }
-    if (!save.commit()) {
-        showRunTimeFailure(dbBill, QStringLiteral("삭제도중 오류가 발생했습니다."));
-        return StatementDeleteOutcome::Failed;
-    }
-    return StatementDeleteOutcome::Deleted;
+    StatementDeleteOutcome outcome = StatementDeleteOutcome::Failed;
+    RetryingSave([&] {
+        outcome = deleteStatementOnce(dbBill, billNo);
+        return outcome == StatementDeleteOutcome::Deleted;
+    });
+    return outcome;
 }
 
 std::optional<QList<StatementHead>> ReadStatementList(Database& dbBill, const QString& basicFile,
