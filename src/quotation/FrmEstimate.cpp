@@ -344,22 +344,26 @@ void FrmEstimate::DeleteWhole() {
     m_isDeleting = true;
     Database& db = stores().dbEstimate;
     const QString code = pnlCode->text().trimmed();
-    const bool began = db.beginTransaction();
-    if (!began || !db.tryExecute(QStringLiteral("DELETE FROM EstiBase WHERE EstiCode = ?"), {code}) ||
-        db.RecordsAffected() == 0) {
-        if (began) db.rollback();
-        ShowWarning(QStringLiteral("견적내역을 삭제하는 중 오류가 발생했습니다."),
-                    QStringLiteral("견적내역 삭제 오류"));
-        m_isDeleting = false;
-        return;
-    }
-    if (!db.Execute(QStringLiteral("DELETE FROM Estimate WHERE Code = ?"), {code})) {
-        db.rollback();
-        m_isDeleting = false;
-        return;
-    }
-    if (!db.commit()) {
+    // Asked once; a try the server broke off is run again without asking.
+    const bool deleted = RetryingSave([&] {
+        const bool began = db.beginTransaction();
+        if (!began || !db.tryExecute(QStringLiteral("DELETE FROM EstiBase WHERE EstiCode = ?"), {code}) ||
+            db.RecordsAffected() == 0) {
+            if (began) db.rollback();
+            if (!quietRetryWanted())
+                ShowWarning(QStringLiteral("견적내역을 삭제하는 중 오류가 발생했습니다."),
+                            QStringLiteral("견적내역 삭제 오류"));
+            return false;
+        }
+        if (!db.Execute(QStringLiteral("DELETE FROM Estimate WHERE Code = ?"), {code})) {
+            db.rollback();
+            return false;
+        }
+        if (db.commit()) return true;
         ReportSaveFailure(db, QStringLiteral("견적내역을 삭제하지 못했습니다."));
+        return false;
+    });
+    if (!deleted) {
         m_isDeleting = false;
         return;
     }

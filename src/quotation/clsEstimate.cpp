@@ -38,12 +38,18 @@ clsEstimate::clsEstimate(Database& db) : m_db(db) {}
 
 bool clsEstimate::write(const QString& sql, const QVariantList& values, const QString& failure,
                         const QString& title, bool warning) {
-    if (m_db.tryExecute(sql, values) && m_db.RecordsAffected() > 0) return true;
-    if (warning)
-        ShowWarning(failure, title);
-    else
-        MsgBox(failure, MbOk, title);
-    return false;
+    const auto once = [&] {
+        if (m_db.tryExecute(sql, values) && m_db.RecordsAffected() > 0) return true;
+        if (quietRetryWanted()) return false;
+        if (warning)
+            ShowWarning(failure, title);
+        else
+            MsgBox(failure, MbOk, title);
+        return false;
+    };
+    // Inside a transaction it runs once, with the save it belongs to; on its own it is a save
+    // of one statement.
+    return m_db.inTransaction() ? once() : RetryingSave(once);
 }
 
 // A failed check counts as free: the insert that follows fails the same way and shows the
@@ -54,17 +60,27 @@ bool clsEstimate::codeTaken(const QString& sql, const QVariantList& keys) {
 }
 
 void clsEstimate::SaveInitEstimate() {
-    static const QString sql = QStringLiteral(
-        "INSERT INTO EstiBase (EstiCode, CCode, CName, EstiDate, DeriveDate, ClassName, EstiKum, "
-        "EstiHanKum, Vat, Refer, Validate, Section) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
     if (!checkStoredNumber(dETotKum, NumberColumn::Amount, QStringLiteral("SaveInitEstimate"),
                            QStringLiteral("clsEstimate")))
         return;
+    // Every try starts from the number shown; only a committed try's number stays in sCode.
+    const QString shown = sCode;
+    const bool saved = RetryingSave([&] {
+        sCode = shown;
+        return saveHeadOnce();
+    });
+    if (!saved) sCode = shown;
+}
+
+bool clsEstimate::saveHeadOnce() {
+    static const QString sql = QStringLiteral(
+        "INSERT INTO EstiBase (EstiCode, CCode, CName, EstiDate, DeriveDate, ClassName, EstiKum, "
+        "EstiHanKum, Vat, Refer, Validate, Section) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
     // The number shown was read before; inside the save, begun as a write, it is taken anew
     // when another running copy stored it meanwhile (or lines of it remain).
     if (!m_db.beginTransaction()) {
         ReportSaveFailure(m_db, QStringLiteral("견적서를 저장하지 못했습니다."));
-        return;
+        return false;
     }
     if (codeTaken(QStringLiteral("SELECT 1 FROM EstiBase WHERE EstiCode = ? UNION ALL "
                                  "SELECT 1 FROM Estimate WHERE Code = ? LIMIT 1"),
@@ -73,14 +89,15 @@ void clsEstimate::SaveInitEstimate() {
     const QVariantList values{sCode,    sCCode,      sCName,           sEDate, sDeriveDate, sClass,
                               dETotKum, sETotHanKum, storedBool(bVAT), sRefer, sValidate,   sSection};
     if (!sCode.isEmpty() && m_db.tryExecute(sql, values) && m_db.RecordsAffected() > 0) {
-        if (m_db.commit()) return;
+        if (m_db.commit()) return true;
         ReportSaveFailure(m_db, QStringLiteral("견적서를 저장하지 못했습니다."));
-        return;
+        return false;
     }
     const int number = m_db.lastErrorNumber() ? m_db.lastErrorNumber() : int(ErrNotOpened);
     const QString description = m_db.lastErrorDescription();
     m_db.rollback();
-    MsgBox(headInsertFailure(number, description), MbOk | MbExclamation);
+    if (!quietRetryWanted()) MsgBox(headInsertFailure(number, description), MbOk | MbExclamation);
+    return false;
 }
 
 bool clsEstimate::lineFits() const {
@@ -92,10 +109,20 @@ bool clsEstimate::lineFits() const {
 
 void clsEstimate::SaveEstimate() {
     if (!lineFits()) return;
+    // Every try starts from the line key shown; only a committed try's key stays in lSeq.
+    const qint32 shown = lSeq;
+    const bool saved = RetryingSave([&] {
+        lSeq = shown;
+        return saveLineOnce();
+    });
+    if (!saved) lSeq = shown;
+}
+
+bool clsEstimate::saveLineOnce() {
     // The line key is checked inside the save: another running copy may have taken it.
     if (!m_db.beginTransaction()) {
         ReportSaveFailure(m_db, QStringLiteral("견적내역을 저장하지 못했습니다."));
-        return;
+        return false;
     }
     if (codeTaken(QStringLiteral("SELECT 1 FROM Estimate WHERE Seq = ?"), {lSeq})) NextSeq(lSeq);
     if (!write(QStringLiteral(
@@ -104,9 +131,11 @@ void clsEstimate::SaveEstimate() {
                {lSeq, sCode, sPCode, sPName, sPNorm, double(siEAmount), double(siEUnitCost), lEstiKum, sUnit},
                QStringLiteral("견적내역을 저장하는 중 오류가 발생했습니다."))) {
         m_db.rollback();
-        return;
+        return false;
     }
-    if (!m_db.commit()) ReportSaveFailure(m_db, QStringLiteral("견적내역을 저장하지 못했습니다."));
+    if (m_db.commit()) return true;
+    ReportSaveFailure(m_db, QStringLiteral("견적내역을 저장하지 못했습니다."));
+    return false;
 }
 
 void clsEstimate::UpdateEstiBase() {
@@ -157,21 +186,22 @@ void clsEstimate::Update_Trader_Name() {
 void clsEstimate::DeleteEstimate() {
     // The head is looked for by the column name "Code", which the head table does not have; the
     // screen deletes with statements of its own and never calls this.
-    if (!m_db.beginTransaction()) {
+    RetryingSave([&] {
+        if (!m_db.beginTransaction()) {
+            ReportSaveFailure(m_db, QStringLiteral("견적서 자료를 삭제하지 못했습니다."));
+            return false;
+        }
+        if (!write(QStringLiteral("DELETE FROM EstiBase WHERE Code = ?"), {sCode},
+                   QStringLiteral("견적서 자료를 삭제하는 중 오류가 발생했습니다."), kDeleteTitle, true) ||
+            !write(QStringLiteral("DELETE FROM Estimate WHERE Code = ?"), {sCode},
+                   QStringLiteral("견적내역을 삭제하는 중 오류가 발생했습니다."), kDeleteTitle, true)) {
+            m_db.rollback();
+            return false;
+        }
+        if (m_db.commit()) return true;
         ReportSaveFailure(m_db, QStringLiteral("견적서 자료를 삭제하지 못했습니다."));
-        return;
-    }
-    if (!write(QStringLiteral("DELETE FROM EstiBase WHERE Code = ?"), {sCode},
-               QStringLiteral("견적서 자료를 삭제하는 중 오류가 발생했습니다."), kDeleteTitle, true)) {
-        m_db.rollback();
-        return;
-    }
-    if (!write(QStringLiteral("DELETE FROM Estimate WHERE Code = ?"), {sCode},
-               QStringLiteral("견적내역을 삭제하는 중 오류가 발생했습니다."), kDeleteTitle, true)) {
-        m_db.rollback();
-        return;
-    }
-    if (!m_db.commit()) ReportSaveFailure(m_db, QStringLiteral("견적서 자료를 삭제하지 못했습니다."));
+        return false;
+    });
 }
 
 void clsEstimate::DeleteDetail() {

@@ -2,7 +2,8 @@
 // The record class of quotations: one head field set (EstiBase) and one line field set
 // (Estimate) at a time. The screen fills the fields it needs and calls one operation; each
 // operation writes through the quotation store with bound values and shows its own message when
-// the write changes no row. A head save runs its one statement; nothing here spans two.
+// the write changes no row. A new head or line is one transaction with its number check; on the
+// server a write another seat's save broke off is run again quietly (RetryingSave).
 
 #include <QString>
 #include <QVariantList>
@@ -59,6 +60,9 @@ public:
     void FindEstiHead(Recordset& rs, bool& found);
 
 private:
+    // One try of SaveInitEstimate / SaveEstimate: true when committed.
+    bool saveHeadOnce();
+    bool saveLineOnce();
     // True when the statement finds a row for the keys (or the read failed).
     bool codeTaken(const QString& sql, const QVariantList& keys);
     // The line's quantity and price fit their columns, else the overflow report.
