@@ -61,8 +61,7 @@ struct RefillFailure {
 
 // The work tables emptied, SaleTotal filled, its rows counted and summed, in one transaction.
 // Shows nothing: a failure is noted for the caller to show.
-std::optional<TotalsRefill> refillWorkTables(Database& dbTax, const TotalsPeriod& period,
-                                             RefillFailure& failure) {
+std::optional<TotalsRefill> refillOnce(Database& dbTax, const TotalsPeriod& period, RefillFailure& failure) {
     if (!dbTax.beginTransaction()) {
         failure.noteSave(dbTax);
         return std::nullopt;
@@ -96,6 +95,19 @@ std::optional<TotalsRefill> refillWorkTables(Database& dbTax, const TotalsPeriod
         failure.noteSave(dbTax);
         return std::nullopt;
     }
+    return refill;
+}
+
+// The same, run again quietly while another seat's save on the server breaks it off: only the
+// last try's failure is kept to be shown.
+std::optional<TotalsRefill> refillWorkTables(Database& dbTax, const TotalsPeriod& period,
+                                             RefillFailure& failure) {
+    std::optional<TotalsRefill> refill;
+    RetryingSave([&] {
+        failure = RefillFailure();
+        refill = refillOnce(dbTax, period, failure);
+        return refill.has_value();
+    });
     return refill;
 }
 

@@ -179,19 +179,27 @@ bool FrmNewTrader::prepare() {
 bool FrmNewTrader::saveNew() {
     // The code is taken inside the save, begun as a write: two running copies never give one
     // code twice.
+    // A try the server broke off leaves nothing: the next try takes the code anew, and only a
+    // saved trader's code stays.
     Database& db = stores().dbBasic;
-    if (!db.beginTransaction()) {
+    const QString shown = m_code;
+    const bool saved = RetryingSave([&] {
+        m_code = shown;
+        if (!db.beginTransaction()) {
+            ReportSaveFailure(db, QStringLiteral("거래처를 저장하지 못했습니다."));
+            return false;
+        }
+        if (!prepare()) {
+            db.rollback();
+            return false;
+        }
+        m_trader->SaveTrader();
+        if (db.commit()) return true;
         ReportSaveFailure(db, QStringLiteral("거래처를 저장하지 못했습니다."));
         return false;
-    }
-    if (!prepare()) {
-        db.rollback();
-        return false;
-    }
-    m_trader->SaveTrader();
-    if (db.commit()) return true;
-    ReportSaveFailure(db, QStringLiteral("거래처를 저장하지 못했습니다."));
-    return false;
+    });
+    if (!saved) m_code = shown;
+    return saved;
 }
 
 bool FrmNewTrader::saveChange() {

@@ -82,11 +82,11 @@ void updateProduct(const ProductFields& f, qint32 buy, qint32 sale, const QStrin
     ShowNotice(QStringLiteral("자료가 수정되었습니다."), 700);
 }
 
-void insertProduct(const ProductFields& f, qint32 buy, qint32 sale, const QString& code) {
-    basic().Execute(QStringLiteral("INSERT INTO Product(Code, PName, PNorm, BuyPrice, SalePrice, Unit, Bigo) "
-                                   "values(? , ? , ? , ? , ? , ? , ?)"),
-                    {code, f[0], f[1], buy, sale, f[5], f[4]});
-    ShowNotice(QStringLiteral("자료가 저장되었습니다."), 700);
+bool insertProduct(const ProductFields& f, qint32 buy, qint32 sale, const QString& code) {
+    return basic().Execute(
+        QStringLiteral("INSERT INTO Product(Code, PName, PNorm, BuyPrice, SalePrice, Unit, Bigo) "
+                       "values(? , ? , ? , ? , ? , ? , ?)"),
+        {code, f[0], f[1], buy, sale, f[5], f[4]});
 }
 
 QString emptyPriceToZero(const QString& text) {
@@ -193,27 +193,36 @@ ProductSave SaveProduct(const ProductFields& given, QString& code, int mode) {
         return ProductSave::Updated;
     }
     // The code is taken inside the save, begun as a write: two running copies never give one
-    // code twice.
-    if (!basic().beginTransaction()) {
+    // code twice. A try the server broke off leaves nothing: the next try takes the code anew,
+    // and only a saved product's code is handed back.
+    const QString shown = code;
+    const bool saved = RetryingSave([&] {
+        code = shown;
+        if (!basic().beginTransaction()) {
+            ReportSaveFailure(basic(), QStringLiteral("상품을 저장하지 못했습니다."));
+            return false;
+        }
+        QString next;
+        if (!NextProductCode(next) || !insertProduct(f, buy, sale, next)) {
+            basic().rollback();
+            return false;
+        }
+        code = next;
+        if (basic().commit()) return true;
         ReportSaveFailure(basic(), QStringLiteral("상품을 저장하지 못했습니다."));
+        return false;
+    });
+    if (!saved) {
+        code = shown;
         return ProductSave::Failed;
     }
-    QString next;
-    if (!NextProductCode(next)) {
-        basic().rollback();
-        return ProductSave::Failed;
-    }
-    code = next;
-    insertProduct(f, buy, sale, code);
-    if (!basic().commit()) {
-        ReportSaveFailure(basic(), QStringLiteral("상품을 저장하지 못했습니다."));
-        return ProductSave::Failed;
-    }
+    ShowNotice(QStringLiteral("자료가 저장되었습니다."), 700);
     return ProductSave::Inserted;
 }
 
 void DeleteProduct(const QString& code) {
-    basic().Execute(QStringLiteral("Delete from Product where Code = ?"), {code});
+    RetryingSave(
+        [&] { return basic().Execute(QStringLiteral("Delete from Product where Code = ?"), {code}); });
     ShowNotice(QStringLiteral("자료가 삭제되었습니다."), 700);
 }
 

@@ -36,6 +36,7 @@ bool replaceSupplierRow(SupplierFormState& state, const SupplierFields& fields) 
     if (state.HasUser && !state.IsNew) {
         basic().Execute(QStringLiteral("DELETE FROM User where Serial = ?"), {state.OldSerial});
         if (basic().RecordsAffected() == 0) {
+            if (quietRetryWanted()) return false;
             MsgBox(QStringLiteral("사업자 데이터를 갱신하는 중 오류가 발생했습니다."));
             return false;
         }
@@ -81,16 +82,24 @@ SupplierSave SaveSupplier(SupplierFormState& state, const SupplierFields& fields
             QStringLiteral("이미 같은 사업자번호가 등록되어 있습니다.\r\n사업자번호는 중복될 수 없습니다."));
         return SupplierSave::Duplicate;
     }
-    if (!basic().beginTransaction()) {
+    // Each try starts from the form as it was; a failed save leaves it so.
+    const SupplierFormState before = state;
+    const bool saved = RetryingSave([&] {
+        state = before;
+        if (!basic().beginTransaction()) {
+            ReportSaveFailure(basic());
+            return false;
+        }
+        if (!replaceSupplierRow(state, fields)) {
+            basic().rollback();
+            return false;
+        }
+        if (basic().commit()) return true;
         ReportSaveFailure(basic());
-        return SupplierSave::Failed;
-    }
-    if (!replaceSupplierRow(state, fields)) {
-        basic().rollback();
-        return SupplierSave::Failed;
-    }
-    if (!basic().commit()) {
-        ReportSaveFailure(basic());
+        return false;
+    });
+    if (!saved) {
+        state = before;
         return SupplierSave::Failed;
     }
     state.OldSerial = serial;
@@ -103,25 +112,37 @@ SupplierSave SaveSupplier(SupplierFormState& state, const SupplierFields& fields
     return SupplierSave::Saved;
 }
 
-void ResetLegacySettings() {
-    if (basic().beginTransaction()) {
-        bool ok = basic().Execute(QStringLiteral("DELETE FROM Environment;"));
-        Recordset rs;
-        if (ok && OpenDynaset(basic(), rs, QStringLiteral("Environment"))) {
-            rs.AddNew();
-            for (const char* name : {"StockProc", "Standard", "Special", "StockManage"})
-                rs.setField(QLatin1String(name), 0);
-            for (const char* name : {"Password", "sPost", "ePost"})
-                rs.setField(QLatin1String(name), QString());
-            ok = rs.Update();
-        }
-        if (!ok)
-            basic().rollback();
-        else if (!basic().commit())
-            ReportSaveFailure(basic());
-    } else {
+namespace {
+
+// The one row of Environment as a new supplier leaves it, in one transaction.
+bool resetLegacyRow() {
+    if (!basic().beginTransaction()) {
         ReportSaveFailure(basic());
+        return false;
     }
+    bool ok = basic().Execute(QStringLiteral("DELETE FROM Environment;"));
+    Recordset rs;
+    if (ok && OpenDynaset(basic(), rs, QStringLiteral("Environment"))) {
+        rs.AddNew();
+        for (const char* name : {"StockProc", "Standard", "Special", "StockManage"})
+            rs.setField(QLatin1String(name), 0);
+        for (const char* name : {"Password", "sPost", "ePost"})
+            rs.setField(QLatin1String(name), QString());
+        ok = rs.Update();
+    }
+    if (!ok) {
+        basic().rollback();
+        return false;
+    }
+    if (basic().commit()) return true;
+    ReportSaveFailure(basic());
+    return false;
+}
+
+} // namespace
+
+void ResetLegacySettings() {
+    RetryingSave([] { return resetLegacyRow(); });
     postLimits() = {};
     // The password member behind "암호사용여부" has no writer: it is always 0.
     SaveEnv(QStringLiteral("암호번호"), QString());

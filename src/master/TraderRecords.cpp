@@ -91,7 +91,9 @@ bool FillTrader(const TraderForm& form, clsTrader& t) {
     return true;
 }
 
-bool DeleteTraderWithBusiness(const QString& code) {
+namespace {
+
+bool deleteTraderOnce(const QString& code) {
     Stores& s = stores();
     // The trader's own row is committed last: until then a failure leaves it on the list, so
     // the operator can delete again what is left.
@@ -128,6 +130,13 @@ bool DeleteTraderWithBusiness(const QString& code) {
         }
     }
     return ok;
+}
+
+} // namespace
+
+bool DeleteTraderWithBusiness(const QString& code) {
+    // Deletes only: a try the server broke off is run again whole.
+    return RetryingSave([&] { return deleteTraderOnce(code); });
 }
 
 } // namespace nb

@@ -99,7 +99,7 @@ bool ForcedConflict::installOnServer() {
             .arg(m_plan.times)
             .arg(m_plan.sqlState);
     const QString trigger =
-        QStringLiteral("CREATE TRIGGER %1 BEFORE %2 ON %3.%4 FOR EACH ROW EXECUTE FUNCTION %5()")
+        QStringLiteral("CREATE TRIGGER %1 BEFORE %2 ON %3.\"%4\" FOR EACH ROW EXECUTE FUNCTION %5()")
             .arg(m_name, m_plan.change, m_schema, m_plan.table.toLower(), function);
     // A statement without rows answers no value: what was made is looked up afterwards.
     for (const QString& sql : {QStringLiteral("CREATE SEQUENCE ") + sequence, body, trigger})
@@ -129,7 +129,7 @@ ForcedConflict::~ForcedConflict() {
     if (m_onServer) {
         const QString& db = m_database;
         const QString function = QStringLiteral("public.") + m_name;
-        clusterScalar(QStringLiteral("DROP TRIGGER IF EXISTS %1 ON %2.%3")
+        clusterScalar(QStringLiteral("DROP TRIGGER IF EXISTS %1 ON %2.\"%3\"")
                           .arg(m_name, m_schema, m_plan.table.toLower()),
                       db);
         clusterScalar(QStringLiteral("DROP FUNCTION IF EXISTS ") + function + QStringLiteral("()"), db);

@@ -156,38 +156,46 @@ std::optional<int> RecordHandOverFile(Database& dbTax, const QString& path, cons
                                       const QString& toDate, const QList<HandOverEntry>& entries,
                                       QString* why) {
     const QString headline = QStringLiteral("전자세금계산서 전송 기록을 남기지 못했습니다.");
-    if (!dbTax.beginTransaction()) {
-        fail(why, headline + u' ' + faultOf(dbTax));
-        return std::nullopt;
-    }
-    // The next number is read inside the write, so two running copies never share one.
-    Recordset last;
-    if (!OpenSnapshot(dbTax, last, QStringLiteral("SELECT MAX(FileNo) AS Last FROM EtaxFile"))) {
-        abandon(dbTax, why, headline);
-        return std::nullopt;
-    }
-    const int fileNo = int(last.number(QStringLiteral("Last"))) + 1;
-    CloseRs(last);
-    bool ok = dbTax.tryExecute(
-        QStringLiteral("INSERT INTO EtaxFile (%1) VALUES (?, ?, ?, ?, ?, ?, '', '', '')").arg(kFileColumns),
-        {fileNo, cleanPath(path), fromDate, toDate, now().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")),
-         int(entries.size())});
-    for (const HandOverEntry& e : entries) {
-        if (!ok) break;
-        ok = dbTax.tryExecute(
-            QStringLiteral("INSERT INTO EtaxHandOver (FileNo, TaxCode, DealDate, CCode, CName, "
-                           "TradeKum, VatKum) VALUES (?, ?, ?, ?, ?, ?, ?)"),
-            {fileNo, e.taxCode, e.dealDate, e.traderCode, e.receiver, e.supply, e.tax});
-    }
-    if (!ok) {
-        abandon(dbTax, why, headline);
-        return std::nullopt;
-    }
-    if (!dbTax.commit()) {
-        fail(why, headline + u' ' + faultOf(dbTax));
-        return std::nullopt;
-    }
-    return fileNo;
+    // Each try takes the next number anew inside its own transaction.
+    std::optional<int> stored;
+    RetryingSave([&] {
+        stored.reset();
+        if (!dbTax.beginTransaction()) {
+            fail(why, headline + u' ' + faultOf(dbTax));
+            return false;
+        }
+        // The next number is read inside the write, so two running copies never share one.
+        Recordset last;
+        if (!OpenSnapshot(dbTax, last, QStringLiteral("SELECT MAX(FileNo) AS Last FROM EtaxFile"))) {
+            abandon(dbTax, why, headline);
+            return false;
+        }
+        const int fileNo = int(last.number(QStringLiteral("Last"))) + 1;
+        CloseRs(last);
+        bool ok =
+            dbTax.tryExecute(QStringLiteral("INSERT INTO EtaxFile (%1) VALUES (?, ?, ?, ?, ?, ?, '', '', '')")
+                                 .arg(kFileColumns),
+                             {fileNo, cleanPath(path), fromDate, toDate,
+                              now().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")), int(entries.size())});
+        for (const HandOverEntry& e : entries) {
+            if (!ok) break;
+            ok = dbTax.tryExecute(
+                QStringLiteral("INSERT INTO EtaxHandOver (FileNo, TaxCode, DealDate, CCode, CName, "
+                               "TradeKum, VatKum) VALUES (?, ?, ?, ?, ?, ?, ?)"),
+                {fileNo, e.taxCode, e.dealDate, e.traderCode, e.receiver, e.supply, e.tax});
+        }
+        if (!ok) {
+            abandon(dbTax, why, headline);
+            return false;
+        }
+        if (!dbTax.commit()) {
+            fail(why, headline + u' ' + faultOf(dbTax));
+            return false;
+        }
+        stored = fileNo;
+        return true;
+    });
+    return stored;
 }
 
 bool ForgetHandOverFile(Database& dbTax, int fileNo, QString* why) {
@@ -195,26 +203,30 @@ bool ForgetHandOverFile(Database& dbTax, int fileNo, QString* why) {
         QStringLiteral(
             "작성하지 못한 파일의 전송 기록(%1번)을 지우지 못했습니다. 전송 기록에서 철회하십시오.")
             .arg(fileNo);
-    if (!dbTax.beginTransaction()) return fail(why, headline + u' ' + faultOf(dbTax));
-    if (!dbTax.tryExecute(QStringLiteral("DELETE FROM EtaxHandOver WHERE FileNo = ?"), {fileNo}) ||
-        !dbTax.tryExecute(QStringLiteral("DELETE FROM EtaxFile WHERE FileNo = ?"), {fileNo}))
-        return abandon(dbTax, why, headline);
-    if (!dbTax.commit()) return fail(why, headline + u' ' + faultOf(dbTax));
-    return true;
+    return RetryingSave([&] {
+        if (!dbTax.beginTransaction()) return fail(why, headline + u' ' + faultOf(dbTax));
+        if (!dbTax.tryExecute(QStringLiteral("DELETE FROM EtaxHandOver WHERE FileNo = ?"), {fileNo}) ||
+            !dbTax.tryExecute(QStringLiteral("DELETE FROM EtaxFile WHERE FileNo = ?"), {fileNo}))
+            return abandon(dbTax, why, headline);
+        if (!dbTax.commit()) return fail(why, headline + u' ' + faultOf(dbTax));
+        return true;
+    });
 }
 
 bool RetireHandOverPath(Database& dbTax, const QString& path, const QString& note, QString* why,
                         int keepFileNo) {
     const QString headline = QStringLiteral("전자세금계산서 전송 기록을 고치지 못했습니다.");
-    if (!dbTax.beginTransaction()) return fail(why, headline + u' ' + faultOf(dbTax));
-    if (!dbTax.tryExecute(
-            QStringLiteral(
-                "UPDATE EtaxFile SET WithdrawnDate = ?, Note = ? WHERE FilePath = ? "
-                "AND FileNo <> ? AND COALESCE(UploadedDate, '') = '' AND COALESCE(WithdrawnDate, '') = ''"),
-            {today().toString(kDay), note, cleanPath(path), keepFileNo}))
-        return abandon(dbTax, why, headline);
-    if (!dbTax.commit()) return fail(why, headline + u' ' + faultOf(dbTax));
-    return true;
+    return RetryingSave([&] {
+        if (!dbTax.beginTransaction()) return fail(why, headline + u' ' + faultOf(dbTax));
+        if (!dbTax.tryExecute(
+                QStringLiteral("UPDATE EtaxFile SET WithdrawnDate = ?, Note = ? WHERE FilePath = ? "
+                               "AND FileNo <> ? AND COALESCE(UploadedDate, '') = '' AND "
+                               "COALESCE(WithdrawnDate, '') = ''"),
+                {today().toString(kDay), note, cleanPath(path), keepFileNo}))
+            return abandon(dbTax, why, headline);
+        if (!dbTax.commit()) return fail(why, headline + u' ' + faultOf(dbTax));
+        return true;
+    });
 }
 
 std::optional<QList<HandOverFile>> ReadHandOverFiles(Database& dbTax) {
@@ -266,37 +278,42 @@ QString uploadRefusal(const HandOverFile& file, const QString& day, const QDate&
 
 bool MarkFileUploaded(Database& dbTax, int fileNo, const QString& day, QString* why) {
     const QString headline = QStringLiteral("업로드 표시를 저장하지 못했습니다.");
-    if (!dbTax.beginTransaction()) return fail(why, headline + u' ' + faultOf(dbTax));
-    const auto file = readFileRow(dbTax, fileNo);
-    if (!file) {
-        dbTax.rollback();
-        return fail(why, QStringLiteral("전송 기록에 %1번 파일이 없습니다.").arg(fileNo));
-    }
-    if (const QString refused = uploadRefusal(*file, day, today()); !refused.isEmpty()) {
-        dbTax.rollback();
-        return fail(why, refused);
-    }
-    if (!dbTax.tryExecute(QStringLiteral("UPDATE EtaxFile SET UploadedDate = ? WHERE FileNo = ?"),
-                          {day, fileNo}))
-        return abandon(dbTax, why, headline);
-    if (!dbTax.commit()) return fail(why, headline + u' ' + faultOf(dbTax));
-    return true;
+    return RetryingSave([&] {
+        if (!dbTax.beginTransaction()) return fail(why, headline + u' ' + faultOf(dbTax));
+        const auto file = readFileRow(dbTax, fileNo);
+        if (!file) {
+            dbTax.rollback();
+            return fail(why, QStringLiteral("전송 기록에 %1번 파일이 없습니다.").arg(fileNo));
+        }
+        if (const QString refused = uploadRefusal(*file, day, today()); !refused.isEmpty()) {
+            dbTax.rollback();
+            return fail(why, refused);
+        }
+        if (!dbTax.tryExecute(QStringLiteral("UPDATE EtaxFile SET UploadedDate = ? WHERE FileNo = ?"),
+                              {day, fileNo}))
+            return abandon(dbTax, why, headline);
+        if (!dbTax.commit()) return fail(why, headline + u' ' + faultOf(dbTax));
+        return true;
+    });
 }
 
 bool WithdrawFile(Database& dbTax, int fileNo, const QString& note, QString* why) {
     const QString headline = QStringLiteral("철회를 저장하지 못했습니다.");
-    if (!dbTax.beginTransaction()) return fail(why, headline + u' ' + faultOf(dbTax));
-    const auto file = readFileRow(dbTax, fileNo);
-    if (!file || file->withdrawn()) {
-        dbTax.rollback();
-        return fail(why, file ? QStringLiteral("이미 철회한 파일입니다.")
-                              : QStringLiteral("전송 기록에 %1번 파일이 없습니다.").arg(fileNo));
-    }
-    if (!dbTax.tryExecute(QStringLiteral("UPDATE EtaxFile SET WithdrawnDate = ?, Note = ? WHERE FileNo = ?"),
-                          {today().toString(kDay), note, fileNo}))
-        return abandon(dbTax, why, headline);
-    if (!dbTax.commit()) return fail(why, headline + u' ' + faultOf(dbTax));
-    return true;
+    return RetryingSave([&] {
+        if (!dbTax.beginTransaction()) return fail(why, headline + u' ' + faultOf(dbTax));
+        const auto file = readFileRow(dbTax, fileNo);
+        if (!file || file->withdrawn()) {
+            dbTax.rollback();
+            return fail(why, file ? QStringLiteral("이미 철회한 파일입니다.")
+                                  : QStringLiteral("전송 기록에 %1번 파일이 없습니다.").arg(fileNo));
+        }
+        if (!dbTax.tryExecute(
+                QStringLiteral("UPDATE EtaxFile SET WithdrawnDate = ?, Note = ? WHERE FileNo = ?"),
+                {today().toString(kDay), note, fileNo}))
+            return abandon(dbTax, why, headline);
+        if (!dbTax.commit()) return fail(why, headline + u' ' + faultOf(dbTax));
+        return true;
+    });
 }
 
 } // namespace nb
