@@ -29,10 +29,14 @@ QList<int> numericColumns(const Database& db, const QSqlRecord& rec) {
 }
 
 // A server table's row number stands last among its columns, where the files keep it unseen:
-// a "*" brings it along, and the recordset leaves it out so that its fields are the files'.
-bool hiddenRowNumber(const Database& db, const QString& sql, const QSqlRecord& rec) {
-    return db.onServer() && rec.count() > 0 && rec.fieldName(rec.count() - 1) == QStringLiteral("rowid") &&
-           sql.contains(u'*');
+// a "*" brings it along (a "master.*" of a join in the middle of the row), and the recordset
+// leaves it out so that its fields are the files'. The columns shown, by their place in rec.
+QList<int> shownColumns(const Database& db, const QString& sql, const QSqlRecord& rec) {
+    const bool hideRowNumbers = db.onServer() && sql.contains(u'*');
+    QList<int> shown;
+    for (int i = 0; i < rec.count(); ++i)
+        if (!hideRowNumbers || rec.fieldName(i) != QLatin1String("rowid")) shown << i;
+    return shown;
 }
 
 QVariant asStoredNumber(const QVariant& value) {
@@ -129,17 +133,17 @@ bool openRecordset(Database& db, Recordset& rs, const QString& sql, const QVaria
         return false;
     }
     const QSqlRecord rec = q.record();
-    const int width = int(rec.count()) - (hiddenRowNumber(db, statement, rec) ? 1 : 0);
-    for (int i = 0; i < width; ++i)
+    const QList<int> shown = shownColumns(db, statement, rec);
+    QList<bool> numeric(rec.count(), false);
+    for (int i : numericColumns(db, rec))
+        numeric[i] = true;
+    for (int i : shown)
         rs.m_names << rec.fieldName(i);
-    const QList<int> numeric = numericColumns(db, rec);
     while (q.next()) {
         QVariantList row;
-        row.reserve(width);
-        for (int i = 0; i < width; ++i)
-            row << q.value(i);
-        for (int i : numeric)
-            if (i < width) row[i] = asStoredNumber(row[i]);
+        row.reserve(shown.size());
+        for (int i : shown)
+            row << (numeric[i] ? asStoredNumber(q.value(i)) : q.value(i));
         rs.m_rows.push_back(std::move(row));
     }
     rs.m_open = true;
@@ -159,7 +163,10 @@ bool OpenDynaset(Database& db, Recordset& rs, const QString& sql, const QVariant
 }
 
 bool OpenForwardOnly(Database& db, QSqlQuery& query, const QString& sql, const QVariantList& values) {
-    query.setForwardOnly(true);
+    // On the server the whole result comes in one answer and is read from there: a forward-only
+    // query would stream its rows over the store's one connection, and the first statement run
+    // on it meanwhile (a save while the list is open) would drop the rows not read yet.
+    query.setForwardOnly(!db.onServer());
     if (db.run(query, sql, values)) return true;
     ReportQueryFailure(db.lastErrorNumber(), db.lastErrorDescription(), sqlForDisplay(sql, values),
                        db.lastEngineCode());
