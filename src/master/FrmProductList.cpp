@@ -1,7 +1,6 @@
 #include "master/FrmProductList.h"
 
 #include "common/Messages.h"
-#include "common/grid/SqliteRows.h"
 #include "master/FrmNewProduct.h"
 #include "master/ProductRecords.h"
 #include "master/SearchRules.h"
@@ -58,9 +57,6 @@ void FrmProductList::InitForm(int kind, const QString& text, int& result) {
     std::unique_ptr<GridRowSource> rows = OpenProductList(stores().dbBasic, text, kind, count);
     if (!rows) return;
     grdList()->showList(std::move(rows), -1);
-    // Another engine's forward-only query may lose its rows when the next statement runs on
-    // the connection: there the list is read whole at once.
-    if (!SqliteRows::canStep(stores().dbBasic.connection())) model()->finishFilling();
     selectRow(0);
     result = ProductListResult(count->first, count->rows);
     if (result == 1) writeTarget(model()->text(0, kCodeColumn));

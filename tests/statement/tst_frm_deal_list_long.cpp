@@ -164,7 +164,8 @@ private Q_SLOTS:
                                        QStringLiteral("999999"),
                                        {{QStringLiteral("반제품"), 1.5, 700.25, 1050.375, 105.0375}}));
         FrmDealList& f = s.open();
-        QVERIFY(SqliteRows::canStep(stores().dbBill.connection()));
+        // A store file is stepped through the engine's own interface; the server's rows come whole.
+        QCOMPARE(SqliteRows::canStep(stores().dbBill.connection()), !stores().dbBill.onServer());
         const QList<QVariantList> expected =
             listThroughQt(DateCellText(f.spDate[0]), DateCellText(f.spDate[1]));
         QCOMPARE(expected.size(), kStatements + 1);
