@@ -38,6 +38,41 @@ bool runOn(const QSqlDatabase& db, const QString& sql, const QVariantList& value
     return q.exec();
 }
 
+enum class LockWait { Held, SliceOver, Failed };
+
+// One slice of the wait in the server's queue for a store's writer lock, inside the transaction:
+// the lock's own wait bounded to the slice, undone by a savepoint when the slice is over, and
+// the connection's bound (busyMillis) back once the lock is held.
+LockWait waitInQueue(const QSqlDatabase& db, const QString& schema, int sliceMillis, int busyMillis,
+                     QSqlError* error) {
+    QSqlQuery q(db);
+    if (!q.exec(QStringLiteral("SAVEPOINT nb_writer_wait")) ||
+        !q.exec(QStringLiteral("SET LOCAL lock_timeout = ") + QString::number(qMax(1, sliceMillis)))) {
+        *error = q.lastError();
+        return LockWait::Failed;
+    }
+    QSqlQuery lock(db);
+    lock.prepare(QStringLiteral("SELECT pg_advisory_xact_lock(?, hashtext(?))"));
+    lock.addBindValue(kWriterLockClass);
+    lock.addBindValue(schema);
+    if (lock.exec()) {
+        lock.finish();
+        if (q.exec(QStringLiteral("RELEASE SAVEPOINT nb_writer_wait")) &&
+            q.exec(QStringLiteral("SET LOCAL lock_timeout = ") + QString::number(qMax(1, busyMillis))))
+            return LockWait::Held;
+        *error = q.lastError();
+        return LockWait::Failed;
+    }
+    const QSqlError failure = lock.lastError();
+    lock.finish();
+    // 55P03: the slice went by with the lock still taken; anything else is a failure.
+    if (failure.nativeErrorCode() == QStringLiteral("55P03") &&
+        q.exec(QStringLiteral("ROLLBACK TO SAVEPOINT nb_writer_wait")))
+        return LockWait::SliceOver;
+    *error = failure.nativeErrorCode() == QStringLiteral("55P03") ? q.lastError() : failure;
+    return LockWait::Failed;
+}
+
 // The catalog's rows of this store's schema, first column of each.
 QStringList firstColumn(QSqlQuery& q) {
     QStringList out;
@@ -164,28 +199,42 @@ bool Database::beginOnServer() {
     if (!runControl(QStringLiteral("BEGIN"), false)) return false;
     m_savepoints << QString();
     m_failedDepth = 0;
-    // The writer lock is asked for in short slices with the window's events handled between
-    // them, as the files' busy wait is, and given up when the busy wait is over.
+    // A free writer lock is taken at once. A taken one is waited for in the server's queue, so
+    // that it passes to the waiting seats in the order they asked, the moment it is let go of;
+    // the wait goes a slice at a time with the window's events handled between slices, and is
+    // given up when the busy wait is over.
     QElapsedTimer waited;
     waited.start();
-    for (;;) {
+    bool failed = false;
+    {
         QSqlQuery q(connection());
         q.prepare(QStringLiteral("SELECT pg_try_advisory_xact_lock(?, hashtext(?))"));
         q.addBindValue(kWriterLockClass);
         q.addBindValue(m_schema);
         if (!q.exec() || !q.next()) {
             noteFailure(q.lastError());
-            break;
+            failed = true;
+        } else if (q.value(0).toBool()) {
+            return true;
         }
-        if (q.value(0).toBool()) return true;
-        if (waited.elapsed() >= m_busyWaitMillis) {
+    }
+    while (!failed) {
+        const qint64 left = m_busyWaitMillis - waited.elapsed();
+        if (left <= 0) {
             noteFailure(ErrEngine,
                         QStringLiteral("store ") + m_schema + QStringLiteral(" is locked by another seat"),
                         kBusyCode);
             break;
         }
+        QSqlError error;
+        const LockWait wait = waitInQueue(connection(), m_schema, int(qMin<qint64>(left, kBusySliceMillis)),
+                                          m_busyWaitMillis, &error);
+        if (wait == LockWait::Held) return true;
+        if (wait == LockWait::Failed) {
+            noteFailure(error);
+            break;
+        }
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-        QThread::msleep(kBusySliceMillis);
     }
     const int number = m_lastErrorNumber;
     const int code = m_lastEngineCode;

@@ -9,10 +9,9 @@
 //                                                   until the time is up
 //   nb_store_worker full invoice|statement|quotation one save refused by a full disk, then one
 //                                                   more after space returns
+#include "SeatSaves.h"
 #include "common/Messages.h"
 #include "core/AppState.h"
-#include "invoice/InvoiceStore.h"
-#include "quotation/clsEstimate.h"
 #include "shell/Startup.h"
 #include "statement/StatementStore.h"
 #include "storage/Database.h"
@@ -21,7 +20,6 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QRandomGenerator>
 #include <QThread>
 #include <csignal>
@@ -43,6 +41,11 @@ void say(const QString& line) {
     std::fflush(stdout);
 }
 
+test::SeatSaves& saves() {
+    static test::SeatSaves seat(*g_messages, say);
+    return seat;
+}
+
 // The last box shown since the previous call, on one line.
 QString lastBox() {
     const auto boxes = g_messages->boxes();
@@ -51,72 +54,8 @@ QString lastBox() {
     return QString(text).replace(u'\r', u' ').replace(u'\n', u' ');
 }
 
-// An invoice of one to three lines; "ok TAXCODE LINES TAG".
-bool saveInvoice(int i, const QString& tag) {
-    const InvoiceHead head{tag, QStringLiteral("2024-05-10"), QString(), QStringLiteral("123-45-67890"),
-                           QStringLiteral("영수")};
-    QList<InvoiceLine> lines;
-    for (int n = 0; n <= i % 3; ++n)
-        lines.append({QStringLiteral("05-10"), QStringLiteral("품목%1").arg(n), QStringLiteral("EA"),
-                      QStringLiteral("1"), QStringLiteral("1,000"), QStringLiteral("1,000"),
-                      QStringLiteral("100")});
-    const std::optional<QString> code = StoreNewInvoice(stores().dbTax, head, lines);
-    if (!code) return say(QStringLiteral("fail ") + lastBox()), false;
-    say(QStringLiteral("ok %1 %2 %3").arg(*code).arg(lines.size()).arg(tag));
-    return true;
-}
-
-// A new statement of two lines, each saved and priced as the screen does; "ok BILLNO SEQ" per
-// line once its amount and VAT are confirmed.
-bool saveStatement(int i) {
-    QString billNo;
-    for (int n = 1; n <= 2; ++n) {
-        const InsertedLine line =
-            DetailInsert(stores().dbBill, {billNo, QStringLiteral("2024-05-10"), QStringLiteral("000001"),
-                                           QStringLiteral("품목")});
-        if (!line.ok) return say(QStringLiteral("fail ") + lastBox()), false;
-        billNo = line.billNo;
-        const double amount = 1000.0 * (1 + (i + n) % 7);
-        for (const auto& [field, value] : {std::pair{QStringLiteral("Quant"), 1.0},
-                                           {QStringLiteral("Price"), amount},
-                                           {QStringLiteral("Amount"), amount},
-                                           {QStringLiteral("VAT"), amount / 10}})
-            if (!DetailUpdate(stores().dbBill, billNo, line.billSeq, field, value).ok)
-                return say(QStringLiteral("fail ") + lastBox()), false;
-        say(QStringLiteral("ok %1 %2").arg(billNo).arg(line.billSeq));
-    }
-    return true;
-}
-
-// A quotation as the screen stores it: the head, then each line and the new total.
-bool saveQuotation() {
-    clsEstimate e;
-    e.sEDate = QStringLiteral("2024-05-10");
-    e.NextCode(e.sCode);
-    e.sCCode = QStringLiteral("000001");
-    e.sCName = QStringLiteral("대한상사");
-    e.SaveInitEstimate();
-    if (!g_messages->boxes().empty()) return say(QStringLiteral("fail ") + lastBox()), false;
-    say(QStringLiteral("ok head %1").arg(e.sCode));
-    for (int n = 1; n <= 2; ++n) {
-        e.NextSeq(e.lSeq);
-        e.sPName = QStringLiteral("품목");
-        e.siEAmount = 2;
-        e.siEUnitCost = 500;
-        e.lEstiKum = 1000;
-        e.SaveEstimate();
-        e.dETotKum = 1000.0 * n;
-        e.UpdateTotKum();
-        if (!g_messages->boxes().empty()) return say(QStringLiteral("fail ") + lastBox()), false;
-        say(QStringLiteral("ok line %1 %2").arg(e.sCode).arg(e.lSeq));
-    }
-    return true;
-}
-
 bool saveOne(const QString& kind, int i, const QString& tag) {
-    if (kind == u"invoice") return saveInvoice(i, tag);
-    if (kind == u"statement") return saveStatement(i);
-    return saveQuotation();
+    return saves().one(kind, i, tag);
 }
 
 // One line's amount changed again and again, as two operators on one statement would.
@@ -159,16 +98,7 @@ int fullDisk(const QString& kind) {
 
 // The three kinds of save in turn for a while, as a seat of a busy shop makes them.
 int mixed(int seconds, const QString& tag) {
-    static const QString kinds[] = {QStringLiteral("invoice"), QStringLiteral("statement"),
-                                    QStringLiteral("quotation")};
-    QElapsedTimer clock;
-    clock.start();
-    int failed = 0;
-    for (int i = 0; clock.elapsed() < seconds * 1000LL; ++i) {
-        failed += saveOne(kinds[i % 3], i, tag) ? 0 : 1;
-        QThread::msleep(kPauseMillis);
-    }
-    return failed == 0 ? 0 : 1;
+    return saves().mixed(seconds, tag, kPauseMillis) == 0 ? 0 : 1;
 }
 
 int work(const QStringList& args) {

@@ -1,14 +1,16 @@
 // What only a store on the server has to prove: its names folded to lower case, fractions
 // written into whole-number columns rounded half to even, sums of whole numbers read back as the
-// files give them, the writers of one store taking their next numbers one after the other, a
-// deadlock met by running the save again, and every failure of the server told in the files'
-// Korean boxes. Runs on the test run's PostgreSQL cluster only.
+// files give them, the writers of one store taking their next numbers one after the other (a
+// waiting one standing in the server's queue), a deadlock met by running the save again, and
+// every failure of the server told in the files' Korean boxes. Runs on the test run's
+// PostgreSQL cluster only.
 #include "StoreTestKit.h"
 #include "storage/ServerSettings.h"
 #include "storage/StoreEngine.h"
 #include "storage/StoreLayout.h"
 #include "storage/Stores.h"
 
+#include <QProcess>
 #include <QSqlQuery>
 #include <QTimer>
 
@@ -166,6 +168,41 @@ private Q_SLOTS:
         // The first seat ends its save while the second waits (the window's events run meanwhile).
         QTimer::singleShot(200, [&bill] { bill.commit(); });
         QVERIFY(saveStatementHead(other));
+        QCOMPARE(test::texts(test::rawColumn(app().DbBillFile,
+                                             QStringLiteral("SELECT BillNo FROM Master ORDER BY BillNo"))),
+                 (QStringList{QStringLiteral("000001"), QStringLiteral("000002")}));
+    }
+    void aWaitingSeatStandsInTheServersQueueForTheLock() {
+        test::TestHome home;
+        Database basic, bill;
+        openFreshStores(home, basic, bill);
+        Database other;
+        QVERIFY(other.open(app().DbBillFile));
+        other.setBusyTimeout(5000);
+        QVERIFY(bill.beginTransaction());
+        QVERIFY(
+            bill.tryExecute(QStringLiteral("INSERT INTO Master (BillNo) VALUES (?)"), {nextBillNo(bill)}));
+        // Someone outside looks at the server's locks of this database now and then while the
+        // second seat waits: a seat that only asked again and again would never be seen waiting.
+        QString script;
+        for (int i = 0; i < 10; ++i)
+            script += QStringLiteral(
+                "SELECT pg_sleep(0.1);\nSELECT 'waiting ' || count(*) FROM pg_locks WHERE locktype = "
+                "'advisory' AND NOT granted AND database = (SELECT oid FROM pg_database WHERE datname = "
+                "current_database());\n");
+        QProcess watcher;
+        watcher.start(QStringLiteral("psql"),
+                      {QStringLiteral("-X"), QStringLiteral("-A"), QStringLiteral("-t"), QStringLiteral("-q"),
+                       QStringLiteral("-d"), home.server().connInfo()});
+        QVERIFY(watcher.waitForStarted());
+        watcher.write(script.toUtf8());
+        watcher.closeWriteChannel();
+        QTimer::singleShot(1500, [&bill] { bill.commit(); });
+        QVERIFY(saveStatementHead(other));
+        // It may have finished while the save waited.
+        QVERIFY(watcher.state() == QProcess::NotRunning || watcher.waitForFinished(20000));
+        const QString seen = QString::fromUtf8(watcher.readAllStandardOutput());
+        QVERIFY2(seen.contains(QStringLiteral("waiting 1")), qPrintable(seen));
         QCOMPARE(test::texts(test::rawColumn(app().DbBillFile,
                                              QStringLiteral("SELECT BillNo FROM Master ORDER BY BillNo"))),
                  (QStringList{QStringLiteral("000001"), QStringLiteral("000002")}));
