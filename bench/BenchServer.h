@@ -33,7 +33,12 @@ public:
         const QRegularExpression port(QStringLiteral("port=([0-9]+)"));
         m_port = port.match(m_connInfo).captured(1).toInt();
     }
+    // NB_BENCH_KEEP_CLUSTER set: the cluster stays, for a look at what the benchmark left.
     ~BenchCluster() {
+        if (qEnvironmentVariableIsSet("NB_BENCH_KEEP_CLUSTER")) {
+            std::printf("the cluster stays: %s\n", qPrintable(m_connInfo));
+            return;
+        }
         QProcess p;
         p.start(QStringLiteral("bash"), {script(), QStringLiteral("stop"), m_dir});
         p.waitForFinished(120000);

@@ -1,6 +1,7 @@
 // Quotations at a decade of data (100,000 quotations, 1,000,000 lines): the search list with an
 // empty text and with a name, the lines of a 100-line quotation on the screen, and the next
 // number and line key; each beside the same statement run by the sqlite3 program on the file.
+#include "BenchBooks.h"
 #include "BenchSupport.h"
 #include "TestSupport.h"
 #include "core/AppState.h"
@@ -32,36 +33,8 @@ constexpr int kLines = 1000000;
 const QString kBigQuotation = QStringLiteral("202406500");
 
 void fill() {
-    Database& db = stores().dbEstimate;
-    const QStringList names = {"가나철강", "다라상회", "마바유통", "사아전자",
-                               "자차기계", "카타물산", "파하상사"};
-    db.beginTransaction();
-    QSqlQuery head(db.connection());
-    head.prepare("INSERT INTO EstiBase VALUES (?, ?, ?, ?, ?, '사무용품', ?, '', 0, '', '', '')");
-    QSqlQuery line(db.connection());
-    line.prepare("INSERT INTO Estimate VALUES (?, ?, '000001', ?, 'M8', 1, 1000, 1000, 'EA')");
-    int seq = 0;
-    for (int i = 0; i < kQuotations; ++i) {
-        const int month = i / 833; // 120 months, 833 a month
-        const QDate date = QDate(2015, 1, 1).addMonths(month).addDays(i % 28);
-        const QString code = date.toString("yyyyMM") + QString("%1").arg(i % 833 + 1, 3, 10, QChar('0'));
-        head.addBindValue(code);
-        head.addBindValue(QString("%1").arg(i % 5000 + 1, 6, 10, QChar('0')));
-        head.addBindValue(names[i % names.size()] + QString::number(i % 5000));
-        head.addBindValue(date.toString("yyyy-MM-dd"));
-        head.addBindValue(date.addDays(20).toString("yyyy-MM-dd"));
-        head.addBindValue(10000.0);
-        head.exec();
-        const int count = code == kBigQuotation ? 100 : 10;
-        for (int j = 0; j < count && seq < kLines; ++j) {
-            line.addBindValue(++seq);
-            line.addBindValue(code);
-            line.addBindValue(QString("품목%1").arg(j));
-            line.exec();
-        }
-    }
-    db.commit();
-    std::printf("quotations: %d, lines: %d\n", kQuotations, seq);
+    const int lines = bench::fillQuotations(kQuotations, kLines, kBigQuotation);
+    std::printf("quotations: %d, lines: %d\n", kQuotations, lines);
 }
 
 void report(const char* what, double screenMs, double cli, int rows) {

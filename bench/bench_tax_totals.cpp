@@ -5,6 +5,7 @@
 // one transaction), with the longest time the window did not paint during the search and the
 // memory the year's list takes; the 합계표 of a year to PDF; and a 10,000-row grid written to a
 // spreadsheet file.
+#include "BenchBooks.h"
 #include "BenchSupport.h"
 #include "BenchWindow.h"
 #include "common/dates/DateBox.h"
@@ -47,20 +48,7 @@ void fill(int traders, int lines) {
         .exec(QStringLiteral("INSERT INTO User (Company, Serial) VALUES ('하르문상사', '123-45-67891')"));
     basic.commit();
     // The invoice lines in one statement, spread evenly over 2015-2024.
-    QSqlQuery(stores().dbTax.connection())
-        .exec(QStringLiteral("INSERT INTO NewAcount (TaxCode, CCode, PName, Quantity, UnitCost, TradeKum, "
-                             "VatKum, DealDate, "
-                             "TradeDate, UserCode) WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 "
-                             "FROM n WHERE i < %1) "
-                             "SELECT printf('%08d', 100000 + i / 2), printf('%06d', 1 + (i * 7919) % %2), "
-                             "'품목', 1, 10000, "
-                             "10000, 1000, date('2015-01-01', '+' || (i * 3652 / %3) || ' days'), "
-                             "strftime('%m-%d', date('2015-01-01', '+' || (i * 3652 / %3) || ' days')), "
-                             "'123-45-67891' FROM n")
-                  .arg(lines - 1)
-                  .arg(traders)
-                  .arg(lines));
-    QSqlQuery(stores().dbTax.connection()).exec(QStringLiteral("PRAGMA wal_checkpoint(TRUNCATE)"));
+    bench::fillInvoiceLines(traders, lines);
 }
 
 void report(const char* what, int rows, double ms, double cli) {

@@ -17,6 +17,8 @@ const char* const kQuarterEnds[4][2] = {
     {"-01-01", "-03-31"}, {"-04-01", "-06-30"}, {"-07-01", "-09-30"}, {"-10-01", "-12-31"}};
 const char* const kHalfEnds[2][2] = {{"-01-01", "-06-30"}, {"-07-01", "-12-31"}};
 
+} // namespace
+
 // One SaleTotal row a trader of the period: the first invoice of the trader (the lowest row,
 // as the store keeps them in the order they were issued; NewAcount has no key of its own), the
 // trader's sums, the blank cells before the supply value (11 minus the digits of its whole part)
@@ -32,6 +34,8 @@ const QString kFillSaleTotal = QStringLiteral(
     "FROM NewAcount WHERE DealDate BETWEEN ? AND ? GROUP BY CCode) g "
     "JOIN NewAcount f ON f.rowid = g.FirstRow LEFT JOIN basic.Trader t ON t.Code = g.CCode "
     "ORDER BY g.CCode NULLS FIRST");
+
+namespace {
 
 const QString kRefillHeadline = QStringLiteral("기간 합계를 만들지 못했습니다.");
 const QString kCountSaleTotal = QStringLiteral(

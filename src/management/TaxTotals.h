@@ -58,6 +58,8 @@ struct TotalsRefill {
 // failed (its box shown on return; the work tables are as before).
 std::optional<TotalsRefill> RefillTotalsAside(Database& dbTax, const QString& basicFile,
                                               const TotalsPeriod& period);
+// The grouped insert of the period's totals into SaleTotal (the period's two dates bound).
+extern const QString kFillSaleTotal;
 // SaleTotal as grdList shows it, column for column (1 to 11), in the order it was filled.
 extern const QString kTotalsListQuery;
 

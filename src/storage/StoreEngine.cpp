@@ -148,6 +148,11 @@ QStringList serverTrigramIndexes(const QString& table) {
     return out;
 }
 
+QString serverRowidIndex(const QString& table) {
+    const QString name = table.toLower();
+    return QStringLiteral("CREATE UNIQUE INDEX IF NOT EXISTS %1_rowid ON %1 (rowid)").arg(name);
+}
+
 QString serverTrigramExtension() {
     return QStringLiteral("CREATE EXTENSION IF NOT EXISTS pg_trgm SCHEMA public");
 }

@@ -32,6 +32,12 @@ QString serverStatement(const QString& sql, const QVariantList& values);
 // byte order the files sort by).
 QString serverColumnType(int daoType);
 
+// The index of a server table's row numbers. On the files a row is found by its rowid through
+// the table's own tree, and the stores lean on that: a trader's first invoice is joined back to
+// its row by number, a work table is listed in the order it was written. Without the index the
+// server would read the whole table for each.
+QString serverRowidIndex(const QString& table);
+
 // The trigram indexes (pg_trgm, GIN) that let the server's ILIKE '%text%' on the columns the
 // lists search inside (traders by name, telephone, last address word) read an index instead of
 // the whole table for texts of three characters and more; none for other tables. Shorter texts

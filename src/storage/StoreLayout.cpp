@@ -316,7 +316,8 @@ QStringList createStatements(const TableDef& table, bool server) {
     for (const IndexDef& index : table.indexes)
         out << indexSql(table, index);
     if (server)
-        out << serverTrigramIndexes(table.name) << changeNoticeStatements(table.name);
+        out << serverRowidIndex(table.name) << serverTrigramIndexes(table.name)
+            << changeNoticeStatements(table.name);
     else
         out << wholeNumberTriggers(table.name);
     return out;

@@ -391,6 +391,36 @@ private Q_SLOTS:
                  (QStringList{QStringLiteral("000003"), QStringLiteral("000001"), QStringLiteral("000002")}));
         QVERIFY(!basic.hasColumn(QStringLiteral("Trader"), QStringLiteral("rowid")));
     }
+    void everyTableFindsARowByItsNumberThroughAnIndex() {
+        test::TestHome home;
+        Database basic, bill;
+        openFreshStores(home, basic, bill);
+        const QString tables = QStringLiteral(
+            "SELECT count(*) FROM pg_catalog.pg_tables t WHERE t.schemaname IN ('basic', 'bill', 'tax', "
+            "'estimate', 'inout')");
+        QVERIFY(test::rawValue(app().DbBasicFile, tables).toInt() > 10);
+        QCOMPARE(
+            test::rawColumn(app().DbBasicFile,
+                            QString(tables).replace(QStringLiteral("count(*)"),
+                                                    QStringLiteral("t.schemaname || '.' || t.tablename")) +
+                                QStringLiteral(" AND NOT EXISTS (SELECT 1 FROM pg_catalog.pg_indexes i "
+                                               "WHERE i.schemaname = t.schemaname AND i.tablename = "
+                                               "t.tablename AND i.indexdef LIKE 'CREATE UNIQUE INDEX % "
+                                               "(rowid)')")),
+            QVariantList());
+        // A trader's first invoice joined back to its row by number reads that row only.
+        Database tax;
+        QVERIFY(tax.open(app().DbTaxFile));
+        QSqlQuery plan(tax.connection());
+        QVERIFY(plan.exec(QStringLiteral("SET enable_seqscan = off")));
+        QVERIFY(plan.exec(QStringLiteral("EXPLAIN SELECT f.TaxCode FROM (SELECT MIN(rowid) AS FirstRow FROM "
+                                         "NewAcount) g JOIN NewAcount f ON f.rowid = g.FirstRow")));
+        QStringList steps;
+        while (plan.next())
+            steps << plan.value(0).toString();
+        QVERIFY(!steps.isEmpty());
+        QVERIFY2(!steps.join(u'\n').contains(QStringLiteral("Seq Scan")), qPrintable(steps.join(u'\n')));
+    }
     void traderNamesAreSearchedThroughTrigramIndexes() {
         test::TestHome home;
         Database basic, bill;
