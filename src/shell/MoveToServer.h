@@ -3,11 +3,13 @@
 // seats can work on them: each store becomes a schema of that database, laid down by the same
 // layout the server's stores are made by, its rows copied in one transaction per store and
 // checked, source beside result (the rows of every table and the sum of every number column),
-// before the transaction is committed. Only a database that holds no books is taken. When all
+// before the transaction is committed. Only a database that holds no books is taken: no row in
+// any table of the stores' schemas (schemas without rows are no books). When all
 // stores are there the seat is pointed at the server (its "서버" settings); a failure on the way
 // removes what was made and leaves the seat on its files, as it was.
 
 #include "storage/ServerSettings.h"
+#include "storage/backup/ServerCopy.h"
 
 #include <QString>
 #include <QStringList>
@@ -17,12 +19,8 @@ class QWidget;
 
 namespace nb {
 
-// One table moved: its rows, and per number column its sum, on both sides.
-struct MovedTable {
-    QString store; // the schema: "basic", "bill", ...
-    QString table;
-    qint64 rows = 0;
-};
+// One table moved, with its rows.
+using MovedTable = CopiedTable;
 
 struct MoveReport {
     bool ok = false;
@@ -40,8 +38,8 @@ struct MoveOptions {
 };
 
 // Moves every store of this seat (the state's store paths) to the server the settings name and
-// points the seat at it. The seat must work on its files; the database must hold none of the
-// stores' schemas.
+// points the seat at it. The seat must work on its files; the database must hold no books (a row
+// in a table of a store's schema; empty schemas are replaced).
 MoveReport moveToServer(const ServerSettings& target, const MoveOptions& options = {});
 
 // The lines that tell the operator what was moved.

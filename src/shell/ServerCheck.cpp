@@ -1,5 +1,8 @@
 #include "shell/ServerCheck.h"
 
+#include "storage/StoreEngine.h"
+#include "storage/backup/ServerCopy.h"
+
 #include <QLocalSocket>
 #include <QSqlDatabase>
 #include <QSqlError>
@@ -78,16 +81,20 @@ QString versionOf(QSqlDatabase db) {
     return QString();
 }
 
-QStringList storeSchemasOf(QSqlDatabase db) {
-    QStringList found;
-    QSqlQuery q(db);
-    q.prepare(QStringLiteral("SELECT nspname FROM pg_namespace WHERE nspname = ANY(string_to_array(?, ',')) "
-                             "ORDER BY nspname"));
-    q.addBindValue(storeSchemaNames().join(u','));
-    if (!q.exec()) return found;
-    while (q.next())
-        found << q.value(0).toString();
-    return found;
+// The stores' schemas the database holds, and those with a row in any table.
+void storeSchemasOf(QSqlDatabase db, ServerCheck* check) {
+    for (const QString& schema : storeSchemaNames()) {
+        SchemaContent content;
+        QString why;
+        if (!schemaContent(db, schema, &content, &why)) {
+            // Not readable by this user: taken for books, so that nothing is moved over them.
+            check->storeSchemas << schema;
+            check->schemasWithBooks << schema;
+            continue;
+        }
+        if (content.exists) check->storeSchemas << schema;
+        if (content.holdsRows) check->schemasWithBooks << schema;
+    }
 }
 
 } // namespace
@@ -118,11 +125,6 @@ std::optional<ServerSettings> settingsOfEntry(const ServerEntry& entry, bool con
     return server;
 }
 
-QStringList storeSchemaNames() {
-    return {QStringLiteral("basic"), QStringLiteral("bill"), QStringLiteral("tax"),
-            QStringLiteral("estimate"), QStringLiteral("inout")};
-}
-
 // The connector's words in English and in the Korean of its translation.
 ServerFailure failureOfText(const QString& text) {
     if (mentions(text, {"password authentication failed", "no password supplied", "fe_sendauth",
@@ -150,7 +152,7 @@ ServerCheck checkServer(const ServerSettings& server) {
         CheckConnection connection(server, server.database);
         if (connection.open(&check.engineText)) {
             check.version = versionOf(connection.db());
-            check.storeSchemas = storeSchemasOf(connection.db());
+            storeSchemasOf(connection.db(), &check);
             return check;
         }
     }
@@ -180,7 +182,7 @@ QString serverCheckText(const ServerSettings& server, const ServerCheck& check) 
         text = QStringLiteral("데이터 서버에 연결했습니다.\r\n서버: PostgreSQL %1\r\n").arg(check.version);
         if (check.holdsBooks())
             text += QStringLiteral("데이터베이스 %1에는 이미 장부가 있습니다. (%2)")
-                        .arg(server.database, check.storeSchemas.join(QStringLiteral(", ")));
+                        .arg(server.database, check.schemasWithBooks.join(QStringLiteral(", ")));
         else
             text += QStringLiteral("데이터베이스 %1에는 아직 장부가 없습니다.").arg(server.database);
         return text;

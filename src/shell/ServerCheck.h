@@ -40,21 +40,21 @@ struct ServerCheck {
     ServerFailure failure = ServerFailure::None;
     QString version;          // the server's version, when connected
     QStringList storeSchemas; // the stores' schemas the database holds already
-    QString engineText;       // the server's or the connector's own words on a failure
+    // Those of them with a row in any table: the books. Schemas without rows (laid down by a
+    // seat that started on the database, or by saving the settings) are no books.
+    QStringList schemasWithBooks;
+    QString engineText; // the server's or the connector's own words on a failure
     bool connected() const { return failure == ServerFailure::None; }
-    bool holdsBooks() const { return !storeSchemas.isEmpty(); }
+    bool holdsBooks() const { return !schemasWithBooks.isEmpty(); }
 };
-
-// The schemas the stores of a seat are kept in on the server, one per store.
-QStringList storeSchemaNames();
 
 // The failure the connector's words name, when they name one (English or Korean); None when
 // they say nothing this knows.
 ServerFailure failureOfText(const QString& engineText);
 
-// Connects with the settings (password from ~/.pgpass or PGPASSFILE), asks the version and the
-// stores' schemas, and lets go. When the words of a failure name no cause, the cause is found
-// by asking: does anything listen at the address, and does the maintenance database take the
+// Connects with the settings (password from ~/.pgpass or PGPASSFILE), asks the version, the
+// stores' schemas and whether they hold rows, and lets go. When the words of a failure name no cause, the
+// cause is found by asking: does anything listen at the address, and does the maintenance database take the
 // same user.
 ServerCheck checkServer(const ServerSettings& server);
 

@@ -16,11 +16,10 @@
 namespace nb {
 namespace {
 
-// The writers of one store take this lock with the store's schema: two seats saving into the
-// same store wait for each other, seats saving into different stores do not. The first key
-// marks the program's locks among any others on the server.
-constexpr int kWriterLockClass = 0x4E42; // "NB"
-constexpr int kBusyCode = 5;             // the files' "busy", which the busy box is chosen by
+// The writers of one store take its lock (kServerWriterLockClass with the store's schema): two
+// seats saving into the same store wait for each other, seats saving into different stores do
+// not.
+constexpr int kBusyCode = 5; // the files' "busy", which the busy box is chosen by
 constexpr int kBusySliceMillis = 50;
 
 thread_local int t_triesLeft = 0;      // tries after the current one, inside RetryingSave
@@ -209,7 +208,7 @@ bool Database::beginOnServer() {
     {
         QSqlQuery q(connection());
         q.prepare(QStringLiteral("SELECT pg_try_advisory_xact_lock(?, hashtext(?))"));
-        q.addBindValue(kWriterLockClass);
+        q.addBindValue(kServerWriterLockClass);
         q.addBindValue(m_schema);
         if (!q.exec() || !q.next()) {
             noteFailure(q.lastError());

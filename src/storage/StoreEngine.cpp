@@ -42,17 +42,27 @@ bool startsInsertOrIgnore(const QString& sql) {
 
 } // namespace
 
+QList<ServerStore> serverStores() {
+    const AppState& a = app();
+    return {{QStringLiteral("basic"), a.DbBasicFile},
+            {QStringLiteral("bill"), a.DbBillFile},
+            {QStringLiteral("tax"), a.DbTaxFile},
+            {QStringLiteral("estimate"), a.DbEstimateFile},
+            {QStringLiteral("inout"), a.DbInOutFile}};
+}
+
+QStringList storeSchemaNames() {
+    QStringList names;
+    for (const ServerStore& store : serverStores())
+        names << store.schema;
+    return names;
+}
+
 QString serverSchemaOf(const QString& path) {
     if (path.isEmpty() || !onServer()) return QString();
-    const AppState& a = app();
     const QString wanted = samePath(path);
-    const std::pair<const QString*, const char*> stores[] = {{&a.DbBasicFile, "basic"},
-                                                             {&a.DbBillFile, "bill"},
-                                                             {&a.DbTaxFile, "tax"},
-                                                             {&a.DbEstimateFile, "estimate"},
-                                                             {&a.DbInOutFile, "inout"}};
-    for (const auto& [storePath, schema] : stores)
-        if (!storePath->isEmpty() && samePath(*storePath) == wanted) return QLatin1String(schema);
+    for (const ServerStore& store : serverStores())
+        if (!store.path.isEmpty() && samePath(store.path) == wanted) return store.schema;
     return QString();
 }
 

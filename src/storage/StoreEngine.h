@@ -10,16 +10,32 @@
 // small function each: the server's statement text, its column types, the key its writers are
 // serialised by, and its failures in the words of the files' failure boxes.
 
+#include <QList>
 #include <QString>
+#include <QStringList>
 #include <QVariantList>
 
 class QSqlError;
 
 namespace nb {
 
+// The seat's stores a server keeps, each by its schema and its path in the application state,
+// in the order they are moved, backed up and restored. The postcode book is not among them.
+struct ServerStore {
+    QString schema;
+    QString path;
+};
+QList<ServerStore> serverStores();
+// Their schemas alone, in the same order.
+QStringList storeSchemaNames();
+
 // The schema of the seat's store at path when the seat works on the server; empty when the
 // path stays a file (the seat works on files, or the path is none of its stores).
 QString serverSchemaOf(const QString& path);
+
+// The writers of one store take an advisory lock of this class with the hash of the store's
+// schema, held to their transaction's end; it marks the program's locks among any others.
+inline constexpr int kServerWriterLockClass = 0x4E42; // "NB"
 
 // The statement as the server takes it: LIKE compares without regard to ASCII case as on the
 // files (ILIKE); INSERT OR IGNORE becomes ON CONFLICT DO NOTHING; the table User (a reserved

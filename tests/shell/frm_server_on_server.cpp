@@ -135,12 +135,35 @@ private Q_SLOTS:
         test::TestHome home;
         FreshDatabase fresh;
         QVERIFY(fresh.made());
-        QVERIFY(runOnCluster(fresh.name(),
-                             {QStringLiteral("CREATE SCHEMA tax"), QStringLiteral("CREATE SCHEMA basic"),
-                              QStringLiteral("CREATE SCHEMA other")}));
+        // A row in any table of a store's schema is books; an empty store (bill) and a schema
+        // that is no store's (other) are not.
+        QVERIFY(runOnCluster(
+            fresh.name(),
+            {QStringLiteral("CREATE SCHEMA tax"), QStringLiteral("CREATE TABLE tax.newacount (taxcode text)"),
+             QStringLiteral("CREATE TABLE tax.saletotal (ccode text)"),
+             QStringLiteral("INSERT INTO tax.saletotal VALUES ('000001')"),
+             QStringLiteral("CREATE SCHEMA basic"), QStringLiteral("CREATE TABLE basic.trader (code text)"),
+             QStringLiteral("INSERT INTO basic.trader VALUES ('000001')"),
+             QStringLiteral("CREATE SCHEMA bill"), QStringLiteral("CREATE TABLE bill.master (billno text)"),
+             QStringLiteral("CREATE SCHEMA other"), QStringLiteral("CREATE TABLE other.t (x text)"),
+             QStringLiteral("INSERT INTO other.t VALUES ('x')")}));
         const QString text = checkedByKeys(fresh.name());
         QVERIFY2(text.endsWith(QStringLiteral("데이터베이스 ") + fresh.name() +
                                QStringLiteral("에는 이미 장부가 있습니다. (basic, tax)")),
+                 qPrintable(text));
+    }
+
+    void storesWithoutRowsAreNoBooks() {
+        test::TestHome home;
+        FreshDatabase fresh;
+        QVERIFY(fresh.made());
+        QVERIFY(runOnCluster(fresh.name(),
+                             {QStringLiteral("CREATE SCHEMA basic"), QStringLiteral("CREATE SCHEMA bill"),
+                              QStringLiteral("CREATE TABLE bill.master (billno text)"),
+                              QStringLiteral("CREATE TABLE bill.detail (billno text)")}));
+        const QString text = checkedByKeys(fresh.name());
+        QVERIFY2(text.endsWith(QStringLiteral("데이터베이스 ") + fresh.name() +
+                               QStringLiteral("에는 아직 장부가 없습니다.")),
                  qPrintable(text));
     }
 

@@ -9,6 +9,7 @@
 #include "shell/Nubella.h"
 #include "shell/ServerCheck.h"
 #include "storage/ServerSettings.h"
+#include "storage/StoreLayout.h"
 
 #include <QProcess>
 #include <QSqlDatabase>
@@ -201,6 +202,8 @@ private Q_SLOTS:
         seedShop();
         FreshDatabase target;
         rowsOnCluster(target.name(), QStringLiteral("CREATE SCHEMA bill"));
+        rowsOnCluster(target.name(), QStringLiteral("CREATE TABLE bill.master (billno text)"));
+        rowsOnCluster(target.name(), QStringLiteral("INSERT INTO bill.master VALUES ('000001')"));
         const MoveReport report = moveToServer(target.settings());
         QVERIFY(!report.ok);
         QVERIFY2(report.failure.contains(QStringLiteral("이미 장부가 있습니다")), qPrintable(report.failure));
@@ -208,6 +211,56 @@ private Q_SLOTS:
         QCOMPARE(storeSchemasOn(target.name()), 1); // only what was there
         QVERIFY(!readServerSettings().use);
         QVERIFY(!onServer());
+    }
+
+    void storesLaidDownEmptyBeforeTheMoveAreNoBooks() {
+        test::TestHome home;
+        seedShop();
+        FreshDatabase target;
+        // "사용" saved before the move: the seat's next start lays every store down on the
+        // database, empty.
+        ServerSettings seat = target.settings();
+        seat.use = true;
+        QVERIFY(writeServerSettings(seat));
+        CreateMissingStoreFiles();
+        QCOMPARE(storeSchemasOn(target.name()), 5);
+        seat.use = false;
+        QVERIFY(writeServerSettings(seat));
+        resetProgramState();
+        ReadSettings();
+        const MoveReport report = moveToServer(target.settings());
+        QVERIFY2(report.ok, qPrintable(report.failure));
+        QCOMPARE(storeSchemasOn(target.name()), 5);
+        QCOMPARE(
+            rowsOnCluster(target.name(), QStringLiteral("SELECT count(*), sum(amount) FROM bill.detail")),
+            rowsOnFile(app().DbBillFile, QStringLiteral("SELECT count(*), sum(Amount) FROM Detail")));
+        QVERIFY(readServerSettings().use);
+    }
+
+    void aRowInAnyStoreIsBooks() {
+        test::TestHome home;
+        seedShop();
+        FreshDatabase target;
+        ServerSettings seat = target.settings();
+        seat.use = true;
+        QVERIFY(writeServerSettings(seat));
+        CreateMissingStoreFiles();
+        // Another seat saved one quotation there meanwhile.
+        rowsOnCluster(target.name(),
+                      QStringLiteral("INSERT INTO estimate.estibase (esticode) VALUES ('E1')"));
+        seat.use = false;
+        QVERIFY(writeServerSettings(seat));
+        resetProgramState();
+        ReadSettings();
+        const MoveReport report = moveToServer(target.settings());
+        QVERIFY(!report.ok);
+        QVERIFY2(report.failure.contains(QStringLiteral("이미 장부가 있습니다 (estimate)")),
+                 qPrintable(report.failure));
+        QCOMPARE(rowsOnCluster(target.name(), QStringLiteral("SELECT esticode FROM estimate.estibase")),
+                 QStringList{QStringLiteral("E1")});
+        QCOMPARE(rowsOnCluster(target.name(), QStringLiteral("SELECT count(*) FROM basic.trader")),
+                 QStringList{QStringLiteral("0")});
+        QVERIFY(!readServerSettings().use);
     }
 
     void aFailureMidwayLeavesTheSeatOnItsFiles() {
