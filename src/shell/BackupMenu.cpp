@@ -6,6 +6,7 @@
 #include "core/CommandLine.h"
 #include "core/ScreenRegistry.h"
 #include "storage/Backup.h"
+#include "storage/ServerSettings.h"
 
 #include <QApplication>
 #include <QDir>
@@ -51,12 +52,17 @@ void RunBackupMenu(QWidget* mainWindow) {
 void RunRestoreMenu(QWidget* mainWindow) {
     const QString path = fileChooser().openFile(mainWindow, QStringLiteral("복원할 백업 파일"), kFilter);
     if (path.isEmpty()) return;
+    // On the server the books of every seat change: the others are to be ended first.
+    const QString server =
+        onServer() ? QStringLiteral("이 자리는 데이터 서버의 장부를 씁니다. 서버의 장부가 모두 바뀌므로 다른 "
+                                    "자리의 누벨라를 모두 끝낸 뒤 복원하십시오.\r\n")
+                   : QString();
     const QString question =
         QStringLiteral(
-            "지금의 자료를 모두 이 백업 파일의 자료로 바꿉니다.\r\n%1\r\n\r\n지금의 자료는 먼저 백업 "
+            "지금의 자료를 모두 이 백업 파일의 자료로 바꿉니다.\r\n%1\r\n\r\n%3지금의 자료는 먼저 백업 "
             "폴더(%2)에 백업해 둡니다. 복원한 뒤에는 프로그램을 끝내므로 다시 시작하십시오.\r\n\r\n"
             "복원하시겠습니까?")
-            .arg(path, backupFolder());
+            .arg(path, backupFolder(), server);
     if (AskYesNo(question, kRestoreTitle, false) != AnsYes) return;
     QString why;
     QApplication::setOverrideCursor(Qt::WaitCursor);

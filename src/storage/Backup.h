@@ -18,7 +18,9 @@ inline const QString kBackupFolderKey = QStringLiteral("백업경로");
 QString backupFolder();
 
 // Writes a backup of the current stores and settings to `zipPath`, beside it first and renamed
-// when whole. False with the reason in Korean; the target is then as it was.
+// when whole. On a seat that works on the server its stores are read from there, in one
+// snapshot, into the same store files a seat on files backs up. False with the reason in Korean; the target
+// is then as it was.
 bool WriteBackup(const QString& zipPath, QString* why);
 
 // An automatic backup into the backup folder before a change of the books (an import, a
@@ -28,14 +30,16 @@ bool backupBeforeChange(const QString& reason);
 
 // Puts the backup `zipPath` in place of the stores: checked first (manifest, checksums, the
 // engine's integrity check), the current stores backed up, then swapped in whole and reopened.
-// False with the reason; then nothing changed.
+// On a seat that works on the server the stores' schemas are made anew from the backup's files
+// in one transaction, each table checked by its rows and sums before it commits; refused while
+// another seat is connected to the database. False with the reason; then nothing changed.
 bool RestoreBackup(const QString& zipPath, QString* why);
 
 // The day's first backup when it is taken beside the window: prepared at start on the window's
 // thread (whether one is due, the stores, the folder, the name), taken on a worker thread of its
 // own connections, which reads nothing of the program's state and says nothing, and its failure
-// said afterwards on the window's thread. A store the engine finds damaged fails it silently:
-// the start names that store in its own box.
+// said afterwards on the window's thread. A store the engine finds damaged, or a server that
+// does not answer, fails it silently: the start names that store, or the server, in its own box.
 class DayBackup {
 public:
     bool due() const { return m_due; }
@@ -57,6 +61,7 @@ private:
     QString m_settingsPath;
     QDateTime m_moment;
     QList<StoreRole> m_stores;
+    QString m_serverConnInfo;
     QString m_why;
 };
 

@@ -5,6 +5,7 @@
 #include "core/Clock.h"
 #include "core/Settings.h"
 #include "storage/Backup.h"
+#include "storage/ServerSettings.h"
 #include "storage/backup/BackupArchive.h"
 #include "storage/backup/BackupParts.h"
 
@@ -20,9 +21,10 @@ namespace {
 const QString kPrefix = QStringLiteral("누벨라백업-");
 const QString kAutoTitle = QStringLiteral("자동 백업");
 
+// On a seat that works on the server its books are there, whatever this computer holds.
 bool anyStoreHasContent() {
     for (const StoreRole& store : storeRoles())
-        if (QFileInfo(store.path).size() > 0) return true;
+        if (!store.schema.isEmpty() || QFileInfo(store.path).size() > 0) return true;
     return false;
 }
 
@@ -162,6 +164,7 @@ void DayBackup::take(const std::function<void()>& storeTaken) {
     run.settingsPath = m_settingsPath;
     run.taken = m_moment;
     run.storeTaken = storeTaken;
+    run.serverConnInfo = m_serverConnInfo;
     m_taken = writeBackupFile(m_zipPath, run, &m_why);
     if (m_taken) removeUnkept(m_folder);
 }
@@ -191,6 +194,7 @@ void RunStartupSafeguards(DayBackup* aside) {
     day.m_zipPath = day.m_folder + u'/' + automaticBackupName(day.m_moment, QString());
     day.m_settingsPath = appFolderFile(kSettingsEntry);
     day.m_stores = storeRoles();
+    day.m_serverConnInfo = serverConnInfo();
     if (aside) return;
     day.take();
     day.sayFailure();

@@ -11,11 +11,13 @@
 
 namespace nb {
 
-// One store of the application state: its settings key, its name in a backup and its path now.
+// One store of the application state: its settings key, its name in a backup, its path now and,
+// on a seat that works on the server, the schema that keeps it there (empty for a file).
 struct StoreRole {
     QString role;
     QString entry;
     QString path;
+    QString schema;
 };
 QList<StoreRole> storeRoles();
 
@@ -35,6 +37,8 @@ struct BackupRun {
     QString settingsPath;
     QDateTime taken;
     std::function<void()> storeTaken;
+    // With `stores`: the server the schemas among them are read from (a libpq connection string).
+    QString serverConnInfo;
 };
 bool writeBackupFile(const QString& zipPath, const BackupRun& run, QString* why);
 
@@ -73,5 +77,10 @@ void applySwap(const QList<SwapStep>& steps);
 // At start: a plan found is finished; staged files without a plan (a restore cut short before
 // its plan) are removed. True when a restore was finished.
 bool finishPendingRestore();
+
+// For the tests of a restore that fails midway: called with each store's schema (on the
+// server, after its rows are in the restore's transaction) or entry (on files, after it is
+// staged); answering false fails the restore there. Empty: none.
+void setRestoreInterruption(std::function<bool(const QString& store)> interruption);
 
 } // namespace nb
