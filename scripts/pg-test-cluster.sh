@@ -4,6 +4,9 @@
 #   pg-test-cluster.sh start DIR [PORT]   a fresh cluster in DIR, started; prints its connection
 #                                         string (without dbname) and writes it to DIR/conninfo
 #   pg-test-cluster.sh stop DIR           the cluster in DIR stopped and DIR removed
+#   pg-test-cluster.sh pause DIR [MODE]   the cluster in DIR stopped and kept (MODE: fast, the
+#                                         default, or immediate: as if its computer went off)
+#   pg-test-cluster.sh resume DIR         a paused cluster started again
 #
 # The server listens on a unix socket in DIR only (no TCP), trusts that socket, and is tuned for
 # tests: no fsync, enough connections for several running copies of the program per test with
@@ -13,7 +16,7 @@
 set -euo pipefail
 
 usage() {
-  echo "사용법: $0 start 폴더 [포트] | stop 폴더" >&2
+  echo "사용법: $0 start 폴더 [포트] | stop 폴더 | pause 폴더 [fast|immediate] | resume 폴더" >&2
   exit 2
 }
 
@@ -134,8 +137,22 @@ stop() {
   rm -rf "$dir"
 }
 
+pause() {
+  local bin mode=${port:-fast}
+  bin=$(pg_bin)
+  as_owner "$bin/pg_ctl" -D "$dir/data" -m "$mode" -w -t 60 stop >/dev/null
+}
+
+resume() {
+  local bin
+  bin=$(pg_bin)
+  as_owner "$bin/pg_ctl" -D "$dir/data" -l "$dir/server.log" -w -t 60 start >/dev/null
+}
+
 case "$command" in
   start) start ;;
   stop) stop ;;
+  pause) pause ;;
+  resume) resume ;;
   *) usage ;;
 esac

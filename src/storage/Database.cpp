@@ -58,6 +58,11 @@ QString newConnectionName() {
     return QStringLiteral("nb-") + QUuid::createUuid().toString(QUuid::WithoutBraces);
 }
 
+// A statement that only reads: asking it again changes nothing.
+bool isReadStatement(const QString& sql) {
+    return sql.trimmed().left(6).compare(QStringLiteral("SELECT"), Qt::CaseInsensitive) == 0;
+}
+
 } // namespace
 
 int errorNumberFor(const QString& engineText, int engineCode) {
@@ -280,6 +285,7 @@ void Database::close() {
     m_server = false;
     m_schema.clear();
     m_failedDepth = 0;
+    m_connectionLost = false;
 }
 
 void Database::setBusyTimeout(int millis) {
@@ -311,6 +317,7 @@ bool Database::run(QSqlQuery& q, const QString& sql, const QVariantList& values)
     // runs in it, and the failure that broke it stays the one reported.
     if (m_server && m_failedDepth > 0) return false;
     noteFailure(ErrNone, QString());
+    if (m_server && m_connectionLost && !inTransaction() && !reconnectServer()) return false;
     if (!isOpen()) {
         noteFailure(ErrNotOpened, QStringLiteral("Object variable or With block variable not set"));
         return false;
@@ -324,6 +331,9 @@ bool Database::run(QSqlQuery& q, const QString& sql, const QVariantList& values)
     // The server prepares only queries and changes of rows: a statement without values (a
     // CREATE, an ALTER) runs as it is.
     const bool direct = m_server && values.isEmpty();
+    // A read the server's absence broke off outside a transaction is asked once more on a
+    // connection made again (a server restarted while the seat stood idle).
+    bool askedAgain = !m_server || inTransaction() || !isReadStatement(statement);
     for (;;) {
         bool ok = direct || q.prepare(statement);
         if (direct) {
@@ -334,6 +344,11 @@ bool Database::run(QSqlQuery& q, const QString& sql, const QVariantList& values)
         }
         if (ok) return true;
         noteFailure(q.lastError());
+        if (m_server && m_connectionLost && !askedAgain) {
+            askedAgain = true;
+            if (reconnectServer()) continue;
+            return false;
+        }
         if (m_server) {
             // The server drops the whole transaction's work at a failed statement.
             if (inTransaction() && m_failedDepth == 0) m_failedDepth = int(m_savepoints.size());
@@ -399,12 +414,15 @@ bool Database::runControl(const QString& sql, bool waitWhileBusy) {
 
 bool Database::beginTransaction() {
     noteFailure(ErrNone, QString());
+    if (m_server && m_connectionLost && m_savepoints.isEmpty() && !reconnectServer()) return false;
     if (!isOpen()) {
         noteFailure(ErrNotOpened, QStringLiteral("Object variable or With block variable not set"));
         return false;
     }
     if (m_savepoints.isEmpty()) {
-        if (m_server) return beginOnServer();
+        // A connection the server dropped while the seat stood idle shows at the save's first
+        // word: nothing is done yet, so the save begins once more on a connection made again.
+        if (m_server) return beginOnServer() || (m_connectionLost && reconnectServer() && beginOnServer());
         if (!runControl(QStringLiteral("BEGIN IMMEDIATE"), true)) return false;
         m_savepoints << QString();
         return true;

@@ -157,6 +157,10 @@ private:
     bool beginOnServer();
     bool abandonFailedTransaction();
     void applyLockTimeout();
+    // On the server: a connection the server dropped (a restart, the network gone and back) is
+    // made again at the next action outside a transaction; false while the server is away.
+    bool reconnectServer();
+    bool connectionAnswers() const;
     bool serverHasTable(const QString& table) const;
     QStringList serverColumns(const QString& table) const;
     QString serverDeclaredType(const QString& table, const QString& column) const;
@@ -187,6 +191,9 @@ private:
     // The transaction depth at which a statement failed on the server (0 when none): from
     // there up the server has dropped the work, and only a rollback to below it goes on.
     int m_failedDepth = 0;
+    // The server's connection failed as an absent server's does: made again before the next
+    // action outside a transaction.
+    bool m_connectionLost = false;
 };
 
 // Runs a whole save; when the server broke it off to settle a deadlock or a conflict of two

@@ -119,7 +119,14 @@ void Database::bindValues(QSqlQuery& query, const QVariantList& values) const {
 }
 
 void Database::noteServerFailure(const QSqlError& error) {
-    const ServerFault fault = serverFaultOf(error);
+    ServerFault fault = serverFaultOf(error);
+    // A failure without the server's own code did not come from the server: when the connection
+    // no longer answers either, the server has gone (a restart, the network), and the seat says
+    // so; the connection is made again at its next action.
+    if (fault.engineCode != kServerUnreachableCode && error.nativeErrorCode().isEmpty() &&
+        !connectionAnswers())
+        fault = ServerFault{kServerUnreachableCode, kServerUnreachableCode, false};
+    if (fault.engineCode == kServerUnreachableCode) m_connectionLost = true;
     // The server's first line, without its "ERROR:" mark; the details below it name tables
     // and keys the operator does not need.
     QString description = error.databaseText().trimmed();
@@ -132,6 +139,35 @@ void Database::noteServerFailure(const QSqlError& error) {
     m_lastSqlState = error.nativeErrorCode();
     t_retryable = fault.retryable;
     if (fault.retryable && t_triesLeft > 0) t_retryWanted = true;
+}
+
+bool Database::connectionAnswers() const {
+    QSqlQuery q(connection());
+    // Inside a transaction the server broke off, the answer is a refusal with its code.
+    return q.exec(QStringLiteral("SELECT 1")) || !q.lastError().nativeErrorCode().isEmpty();
+}
+
+bool Database::reconnectServer() {
+    QSqlDatabase db = connection();
+    if (db.isOpen()) db.close();
+    m_savepoints.clear();
+    m_failedDepth = 0;
+    bool ok = db.open();
+    if (!ok) {
+        noteServerFailure(db.lastError());
+        m_connectionLost = true;
+        return false;
+    }
+    ok = runOn(db, QStringLiteral("SET search_path TO ") + m_schema + QStringLiteral(", public"));
+    if (!ok) {
+        noteServerFailure(QSqlQuery(db).lastError());
+        db.close();
+        m_connectionLost = true;
+        return false;
+    }
+    m_connectionLost = false;
+    applyLockTimeout();
+    return true;
 }
 
 void Database::applyLockTimeout() {

@@ -1,0 +1,203 @@
+// A seat whose server goes away and comes back: on a cluster of the test's own (so that the other
+// tests of the run never see it stop), the seat's next action after a restart reads and saves
+// again without a box; while the server is away every action says so in the unreachable box and
+// saves nothing; a save the server's going cut short is not reported saved, and is not there.
+#include "StoreFixture.h"
+#include "TestSupport.h"
+#include "core/Lifecycle.h"
+#include "storage/Database.h"
+#include "storage/ServerSettings.h"
+#include "storage/StoreEngine.h"
+#include "storage/Stores.h"
+
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QUuid>
+#include <unistd.h>
+
+using namespace nb;
+
+namespace {
+
+// A cluster of the test's own through the run's script, removed when it goes.
+class OwnCluster {
+public:
+    OwnCluster()
+        : m_dir(QStringLiteral("/tmp/nbrc-%1-%2")
+                    .arg(::getpid())
+                    .arg(QRandomGenerator::global()->generate() & 0xffff, 4, 16, QChar(u'0'))) {
+        QString out;
+        if (script({QStringLiteral("start"), m_dir}, &out)) m_connInfo = out.trimmed();
+        // A commit confirmed is in the server's journal before the server goes, even when it
+        // goes at once (the run's clusters leave that to later for speed).
+        if (!m_connInfo.isEmpty() && !admin({QStringLiteral("ALTER SYSTEM SET synchronous_commit TO on"),
+                                             QStringLiteral("SELECT pg_reload_conf()")}))
+            m_connInfo.clear();
+    }
+    ~OwnCluster() { script({QStringLiteral("stop"), m_dir}); }
+    OwnCluster(const OwnCluster&) = delete;
+    OwnCluster& operator=(const OwnCluster&) = delete;
+
+    QString connInfo() const { return m_connInfo; }
+    bool pause(const QString& mode = QStringLiteral("fast")) {
+        return script({QStringLiteral("pause"), m_dir, mode});
+    }
+    bool resume() { return script({QStringLiteral("resume"), m_dir}); }
+
+    // A fresh database on the cluster; its connection string.
+    QString freshDatabase() {
+        const QString name = QStringLiteral("seat_") + QUuid::createUuid().toString(QUuid::Id128).left(10);
+        return admin({QStringLiteral("CREATE DATABASE ") + name})
+                   ? m_connInfo + QStringLiteral(" dbname=") + name
+                   : QString();
+    }
+
+private:
+    // Statements on the cluster's maintenance database, through a connection of their own.
+    bool admin(const QStringList& statements) const {
+        const QString connection = QStringLiteral("reconnect-admin");
+        bool ok = false;
+        {
+            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), connection);
+            db.setDatabaseName(QStringLiteral("postgres"));
+            db.setConnectOptions(m_connInfo);
+            ok = db.open();
+            for (const QString& sql : statements)
+                ok = ok && QSqlQuery(db).exec(sql);
+            db.close();
+        }
+        QSqlDatabase::removeDatabase(connection);
+        return ok;
+    }
+
+    static bool script(const QStringList& arguments, QString* out = nullptr) {
+        QProcess p;
+        p.start(QStringLiteral("bash"),
+                QStringList{QStringLiteral(NB_SOURCE_DIR) + QStringLiteral("/scripts/pg-test-cluster.sh")} +
+                    arguments);
+        if (!p.waitForFinished(120000) || p.exitCode() != 0) {
+            qWarning("%s", p.readAllStandardError().constData());
+            return false;
+        }
+        if (out) *out = QString::fromUtf8(p.readAllStandardOutput());
+        return true;
+    }
+
+    QString m_dir;
+    QString m_connInfo;
+};
+
+// The seat on a fresh database of the cluster, its stores laid down and open.
+bool seatOn(OwnCluster& cluster) {
+    const QString connInfo = cluster.freshDatabase();
+    if (connInfo.isEmpty()) return false;
+    qputenv("NUBELLA_PG", connInfo.toUtf8());
+    return test::openStores() && stores().dbBasic.onServer();
+}
+
+// One trader saved as the program's saves are: a failure says so in the save's box.
+bool saveTrader(const QString& code) {
+    Database& db = stores().dbBasic;
+    const QString headline = QStringLiteral("거래처를 저장하지 못했습니다.");
+    if (!db.beginTransaction()) {
+        ReportSaveFailure(db, headline);
+        return false;
+    }
+    if (!db.Execute(QStringLiteral("INSERT INTO Trader (Code, C_Name) VALUES (?, ?)"),
+                    {code, QStringLiteral("거래처 ") + code})) {
+        db.rollback();
+        return false;
+    }
+    if (db.commit()) return true;
+    ReportSaveFailure(db, headline);
+    return false;
+}
+
+// The traders' codes in order; "(failed)" when the read failed.
+QString traderCodes() {
+    Recordset rs;
+    if (!OpenSnapshot(stores().dbBasic, rs, QStringLiteral("SELECT Code FROM Trader ORDER BY Code")))
+        return QStringLiteral("(failed)");
+    QStringList codes;
+    for (; !rs.EOF_(); rs.MoveNext())
+        codes << rs.text(QStringLiteral("Code"));
+    return codes.join(u',');
+}
+
+int unreachableBoxes(const ScriptedMessages& said) {
+    int n = 0;
+    for (const auto& box : said.boxes())
+        n += box.text.contains(serverUnreachableText()) ? 1 : 0;
+    return n;
+}
+
+} // namespace
+
+class TestServerReconnect : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void cleanup() { resetProgramState(); }
+
+    void aRestartedServerIsReachedAgainByTheNextAction() {
+        test::TestHome home;
+        OwnCluster cluster;
+        QVERIFY(!cluster.connInfo().isEmpty());
+        QVERIFY(seatOn(cluster));
+        ScriptedMessages& said = test::script();
+        QVERIFY(saveTrader(QStringLiteral("000001")));
+        // A restart while the seat stands idle; its next read goes through without a box.
+        QVERIFY(cluster.pause());
+        QVERIFY(cluster.resume());
+        QCOMPARE(traderCodes(), QStringLiteral("000001"));
+        // Again, and the next action is a save.
+        QVERIFY(cluster.pause());
+        QVERIFY(cluster.resume());
+        QVERIFY(saveTrader(QStringLiteral("000002")));
+        QCOMPARE(traderCodes(), QStringLiteral("000001,000002"));
+        QCOMPARE(int(said.boxes().size()), 0);
+    }
+
+    void whileTheServerIsAwayEveryActionSaysSoAndSavesNothing() {
+        test::TestHome home;
+        OwnCluster cluster;
+        QVERIFY(seatOn(cluster));
+        QVERIFY(saveTrader(QStringLiteral("000001")));
+        ScriptedMessages& said = test::script();
+        QVERIFY(cluster.pause());
+        QVERIFY(!saveTrader(QStringLiteral("000002")));
+        QCOMPARE(unreachableBoxes(said), 1);
+        QCOMPARE(traderCodes(), QStringLiteral("(failed)"));
+        QCOMPARE(unreachableBoxes(said), 2);
+        QVERIFY(!saveTrader(QStringLiteral("000003")));
+        QCOMPARE(unreachableBoxes(said), 3);
+        QCOMPARE(int(said.boxes().size()), 3); // no other box (never "not opened")
+        QVERIFY(cluster.resume());
+        QVERIFY(saveTrader(QStringLiteral("000004")));
+        QCOMPARE(traderCodes(), QStringLiteral("000001,000004"));
+    }
+
+    void aSaveCutShortByTheServersGoingIsNotReportedSaved() {
+        test::TestHome home;
+        OwnCluster cluster;
+        QVERIFY(seatOn(cluster));
+        QVERIFY(saveTrader(QStringLiteral("000001")));
+        test::script();
+        Database& db = stores().dbBasic;
+        QVERIFY(db.beginTransaction());
+        QVERIFY(db.Execute(QStringLiteral("INSERT INTO Trader (Code, C_Name) VALUES ('000002', '반쯤')")));
+        // The server's computer goes off before the save's commit.
+        QVERIFY(cluster.pause(QStringLiteral("immediate")));
+        QVERIFY(!db.commit());
+        QCOMPARE(db.lastEngineCode(), kServerUnreachableCode);
+        QVERIFY(!db.inTransaction());
+        QVERIFY(cluster.resume());
+        QCOMPARE(traderCodes(), QStringLiteral("000001"));
+        QVERIFY(saveTrader(QStringLiteral("000003")));
+        QCOMPARE(traderCodes(), QStringLiteral("000001,000003"));
+    }
+};
+
+NB_TEST_MAIN(TestServerReconnect)
+#include "server_reconnect.moc"
