@@ -10,6 +10,7 @@
 #include <QUuid>
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace nb {
 namespace {
@@ -109,42 +110,109 @@ QString insertStatement(const Side& target, const QString& table, const QList<Co
            QStringLiteral(", rowid) VALUES ") + QStringList(rows, row).join(QStringLiteral(", "));
 }
 
-bool flush(const Side& target, const QString& table, const QList<ColumnDef>& columns, QVariantList* values,
-           int rows, QString* why) {
-    if (rows == 0) return true;
-    const bool ok = runOn(target, insertStatement(target, table, columns, rows), why, *values);
-    values->clear();
-    return ok;
+// The rows of one table written on the target side. A file takes them one at a time through one
+// prepared statement (its engine finds a bound value by walking the statement's list of them, so
+// a statement of many rows costs the square of its values); the server takes many rows in one
+// statement, prepared once for every full batch (its names are folded as the server's stores
+// fold them; the values go in as the source holds them, each column's type taking its own).
+class RowWriter {
+public:
+    RowWriter(const Side& target, const TableDef& table, const QList<ColumnDef>& columns)
+        : m_target(target), m_table(table.name), m_columns(columns), m_width(int(columns.size()) + 1),
+          m_batch(target.server ? std::max(1, kValuesPerInsert / m_width) : 1), m_insert(target.db) {}
+
+    bool prepare(QString* why) {
+        if (m_insert.prepare(m_target.statement(insertStatement(m_target, m_table, m_columns, m_batch))))
+            return true;
+        return failed(m_insert, why);
+    }
+    bool add(const QSqlQuery& row, QString* why) {
+        for (int i = 0; i < m_width; ++i)
+            m_values << row.value(i);
+        return ++m_pending < m_batch || flushFull(why);
+    }
+    // The rows of the last, shorter batch.
+    bool finish(QString* why) {
+        if (m_pending == 0) return true;
+        QSqlQuery last(m_target.db);
+        if (!last.prepare(m_target.statement(insertStatement(m_target, m_table, m_columns, m_pending))))
+            return failed(last, why);
+        for (const QVariant& value : m_values)
+            last.addBindValue(value);
+        return last.exec() || failed(last, why);
+    }
+
+private:
+    bool flushFull(QString* why) {
+        for (const QVariant& value : m_values)
+            m_insert.addBindValue(value);
+        m_values.clear();
+        m_pending = 0;
+        return m_insert.exec() || failed(m_insert, why);
+    }
+    bool failed(const QSqlQuery& q, QString* why) const {
+        *why = QStringLiteral("%1에 표 %2을(를) 쓰지 못했습니다: %3")
+                   .arg(m_target.words(), m_table, engineWords(q.lastError()));
+        return false;
+    }
+
+    const Side& m_target;
+    QString m_table;
+    QList<ColumnDef> m_columns;
+    int m_width;
+    int m_batch;
+    QSqlQuery m_insert;
+    QVariantList m_values;
+    int m_pending = 0;
+};
+
+// Reads the rows of one table in the order they were written, handing each to `take`. A file is
+// read by one query; the server through a cursor a batch at a time (the read stays inside the
+// caller's transaction, and neither side holds the whole table at once).
+bool readRows(const Side& source, const TableDef& table, const QList<ColumnDef>& columns,
+              const std::function<bool(const QSqlQuery&)>& take, QString* why) {
+    const QString sql =
+        source.statement(QStringLiteral("SELECT ") + columnList(columns) + QStringLiteral(", rowid FROM ") +
+                         source.table(table.name) + QStringLiteral(" ORDER BY rowid"));
+    auto readFailed = [&](const QSqlQuery& q) {
+        *why = QStringLiteral("%1의 표 %2을(를) 읽지 못했습니다: %3")
+                   .arg(source.words(), table.name, engineWords(q.lastError()));
+        return false;
+    };
+    if (!source.server) {
+        QSqlQuery read(source.db);
+        read.setForwardOnly(true);
+        if (!read.exec(sql)) return readFailed(read);
+        while (read.next())
+            if (!take(read)) return false;
+        return !read.lastError().isValid() || readFailed(read);
+    }
+    QSqlQuery cursor(source.db);
+    if (!cursor.exec(QStringLiteral("DECLARE nb_copy NO SCROLL CURSOR FOR ") + sql))
+        return readFailed(cursor);
+    for (;;) {
+        QSqlQuery batch(source.db);
+        if (!batch.exec(QStringLiteral("FETCH 5000 FROM nb_copy"))) return readFailed(batch);
+        if (batch.size() == 0) break;
+        while (batch.next())
+            if (!take(batch)) return false;
+    }
+    return cursor.exec(QStringLiteral("CLOSE nb_copy")) || readFailed(cursor);
 }
 
 // The rows of one table in the order they were written, their row numbers kept.
 bool copyRows(const Side& source, const Side& target, const TableDef& table, const QList<ColumnDef>& columns,
               qint64* copied, QString* why) {
-    QSqlQuery read(source.db);
-    read.setForwardOnly(true);
-    const QString sql = QStringLiteral("SELECT ") + columnList(columns) + QStringLiteral(", rowid FROM ") +
-                        source.table(table.name) + QStringLiteral(" ORDER BY rowid");
-    auto readFailed = [&] {
-        *why = QStringLiteral("%1의 표 %2을(를) 읽지 못했습니다: %3")
-                   .arg(source.words(), table.name, engineWords(read.lastError()));
-        return false;
-    };
-    if (!read.exec(source.statement(sql))) return readFailed();
-    const int width = int(columns.size()) + 1;
-    const int rowsPerInsert = std::max(1, kValuesPerInsert / width);
-    QVariantList values;
-    int pending = 0;
-    while (read.next()) {
-        for (int i = 0; i < width; ++i)
-            values << read.value(i);
-        ++*copied;
-        if (++pending == rowsPerInsert) {
-            if (!flush(target, table.name, columns, &values, pending, why)) return false;
-            pending = 0;
-        }
-    }
-    if (read.lastError().isValid()) return readFailed();
-    if (!flush(target, table.name, columns, &values, pending, why)) return false;
+    RowWriter writer(target, table, columns);
+    if (!writer.prepare(why)) return false;
+    const bool ok = readRows(
+        source, table, columns,
+        [&](const QSqlQuery& row) {
+            ++*copied;
+            return writer.add(row, why);
+        },
+        why);
+    if (!ok || !writer.finish(why)) return false;
     // Rows written on the server later take numbers after the ones brought along.
     if (target.server && *copied > 0)
         return runSql(
