@@ -5,6 +5,8 @@
 #include "StoreFixture.h"
 #include "TestSupport.h"
 #include "core/Lifecycle.h"
+#include "core/Settings.h"
+#include "storage/Backup.h"
 #include "storage/Database.h"
 #include "storage/ServerSettings.h"
 #include "storage/StoreEngine.h"
@@ -196,6 +198,26 @@ private Q_SLOTS:
         QCOMPARE(traderCodes(), QStringLiteral("000001"));
         QVERIFY(saveTrader(QStringLiteral("000003")));
         QCOMPARE(traderCodes(), QStringLiteral("000001,000003"));
+    }
+
+    void aStartWhileTheServerIsAwayTakesNoBackupAndSaysNothingOfIt() {
+        test::TestHome home;
+        OwnCluster cluster;
+        QVERIFY(seatOn(cluster));
+        QVERIFY(saveTrader(QStringLiteral("000001")));
+        closeStores();
+        QVERIFY(cluster.pause());
+        ScriptedMessages& said = test::script();
+        SaveEnv(kStartedVersionKey, QStringLiteral("0.9.0")); // a new version's first start
+        RunStartupSafeguards();
+        QCOMPARE(int(said.boxes().size()), 0); // the start says the server is away, once
+        QCOMPARE(automaticBackups(backupFolder()).size(), 0);
+        QCOMPARE(GetEnv(kStartedVersionKey), QStringLiteral("0.9.0")); // taken when it is back
+        QVERIFY(cluster.resume());
+        RunStartupSafeguards();
+        QCOMPARE(int(said.boxes().size()), 0);
+        QCOMPARE(automaticBackups(backupFolder()).size(), 2); // before the upgrade, the day's
+        QCOMPARE(GetEnv(kStartedVersionKey), programVersion());
     }
 };
 

@@ -144,10 +144,14 @@ bool backupBeforeChange(const QString& reason) {
 
 // The first start of a new version of the program, whose upgrade steps may change the stores'
 // layout, backs the books up first. The version is remembered once the backup is taken.
-bool backupBeforeUpgrade(QString* why) {
+// A server that does not answer is said by the start in its own box; the backup is then taken
+// at the next start that reaches it (`serverAway`).
+bool backupBeforeUpgrade(QString* why, bool* serverAway) {
     const QString mine = programVersion();
     if (GetEnv(kStartedVersionKey) == mine) return true;
-    if (!takeAutomaticBackup(QStringLiteral("판올림전"), keepingDamaged(), why)) return false;
+    BackupRun run = keepingDamaged();
+    run.serverAway = serverAway;
+    if (!takeAutomaticBackup(QStringLiteral("판올림전"), run, why)) return false;
     SaveEnv(kStartedVersionKey, mine);
     return true;
 }
@@ -184,7 +188,8 @@ void RunStartupSafeguards(DayBackup* aside) {
     }
     QString why;
     // At most one box: the first failure is the one said.
-    if (!backupBeforeUpgrade(&why)) return sayAutomaticFailure(why);
+    bool serverAway = false;
+    if (!backupBeforeUpgrade(&why, &serverAway)) return serverAway ? void() : sayAutomaticFailure(why);
     if (!dailyBackupDue(backupFolder(), today())) return;
     DayBackup here;
     DayBackup& day = aside ? *aside : here;

@@ -39,6 +39,8 @@ struct BackupRun {
     std::function<void()> storeTaken;
     // With `stores`: the server the schemas among them are read from (a libpq connection string).
     QString serverConnInfo;
+    // Set when the server did not answer.
+    bool* serverAway = nullptr;
 };
 bool writeBackupFile(const QString& zipPath, const BackupRun& run, QString* why);
 

@@ -103,6 +103,7 @@ bool takeServerStore(const StoreRole& store, ServerSnapshot& snapshot, const QSt
     bool unreachable = false;
     if (!snapshot.begin(&server, &unreachable, why)) {
         if (unreachable && run.sawDamage) *run.sawDamage = true;
+        if (unreachable && run.serverAway) *run.serverAway = true;
         return false;
     }
     const QString copy = folder + u'/' + store.entry;
