@@ -17,11 +17,13 @@ namespace nb {
 namespace {
 
 // One row an invoice and receiver (an invoice is one receiver's): its lines summed, its receiver's number and
-// name from the basic file.
+// name from the basic file. The trader's columns are grouped by too (one trader a code), as the
+// server wants every column it shows either grouped or summed.
 const QString kInvoicesRead = QStringLiteral(
     "SELECT n.TaxCode, n.CCode, SUM(n.TradeKum) AS Supply, SUM(n.VatKum) AS Tax, "
     "t.Serial AS Serial, t.C_Name AS Company FROM NewAcount n LEFT JOIN basic.Trader t ON t.Code = n.CCode "
-    "WHERE n.DealDate BETWEEN ? AND ? GROUP BY n.CCode, n.TaxCode ORDER BY n.CCode, n.TaxCode");
+    "WHERE n.DealDate BETWEEN ? AND ? GROUP BY n.CCode, n.TaxCode, t.Serial, t.C_Name ORDER BY n.CCode, "
+    "n.TaxCode");
 
 QString receiverKey(const InvoiceOfPeriod& invoice) {
     const QString digits = businessNumberDigits(invoice.serial);

@@ -8,6 +8,7 @@
 #include "common/text/Rounding.h"
 #include "core/AppState.h"
 #include "master/SearchRules.h"
+#include "storage/StoreEngine.h"
 #include "storage/Stores.h"
 
 #include <QSqlError>
@@ -125,9 +126,11 @@ QString GetProductName(const QString& code) {
         ok = q.exec();
     }
     if (!ok) {
+        // The server's failure by its SQLSTATE, the file's by its words and code.
         const QSqlError e = q.lastError();
-        ShowFailureReport(errorNumberFor(e.databaseText(), e.nativeErrorCode().toInt()), e.databaseText(),
-                          procedure, module);
+        const int number = basic().onServer() ? serverFaultOf(e).errorNumber
+                                              : errorNumberFor(e.databaseText(), e.nativeErrorCode().toInt());
+        ShowFailureReport(number, e.databaseText(), procedure, module);
         return QString();
     }
     if (!q.next()) return QString();

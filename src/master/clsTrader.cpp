@@ -154,7 +154,8 @@ void clsTrader::initNonKum(double& amount) {
 
 void clsTrader::CheckHPField() {
     if (db().hasColumn(QStringLiteral("Trader"), QStringLiteral("HPhone"))) return;
-    db().Execute(QStringLiteral("ALTER TABLE Trader ADD COLUMN HPhone ") + declaredType(dbText, 14));
+    db().Execute(QStringLiteral("ALTER TABLE Trader ADD COLUMN HPhone ") +
+                 declaredType(dbText, 14, db().onServer()));
 }
 
 void clsTrader::charge_trade(const QString& charge, const QString& code) {

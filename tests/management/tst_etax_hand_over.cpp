@@ -2,6 +2,7 @@
 // the question naming invoices handed over already, files of an earlier run of the same name
 // removed, withdrawal, and what the sheet now takes or leaves out (resident numbers, numbers
 // with blanks, days not in the month, fractions, tax-exempt invoices, e-mail addresses).
+#include "FailureInjection.h"
 #include "StoreFixture.h"
 #include "XlsxRead.h"
 #include "core/Clock.h"
@@ -219,8 +220,7 @@ private Q_SLOTS:
     void aFileWhoseRecordCannotBeKeptIsNotWritten() {
         Fixture f;
         addInvoice("100000");
-        QVERIFY(test::exec(stores().dbTax, "create trigger refuse before insert on EtaxFile "
-                                           "begin select raise(abort, 'refused'); end"));
+        QVERIFY(test::refuseWrites(stores().dbTax, {QStringLiteral("EtaxFile"), test::Change::Insert}));
         const EtaxExport result = f.exportTo(f.out.path());
         QVERIFY(result.files.isEmpty());
         QCOMPARE(result.failures.size(), 1);

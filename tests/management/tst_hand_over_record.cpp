@@ -1,5 +1,6 @@
 // The record of hand-overs to the tax service: a file recorded with its invoices, marked uploaded or
 // withdrawn, and which invoices of a period count as uploaded (and on which day) or as handed over.
+#include "FailureInjection.h"
 #include "StoreFixture.h"
 #include "core/Clock.h"
 #include "management/etax/HandOverRecord.h"
@@ -171,9 +172,9 @@ private Q_SLOTS:
     void aRecordTheStoreRefusesLeavesNothingAndSaysWhy() {
         Fixture f;
         // A trigger stands in for a store that refuses the second invoice row half way.
-        QVERIFY(test::exec(stores().dbTax,
-                           "create trigger refuse before insert on EtaxHandOver when new.TaxCode = '100001' "
-                           "begin select raise(abort, 'refused'); end"));
+        QVERIFY(test::refuseWrites(stores().dbTax,
+                                   {QStringLiteral("EtaxHandOver"), test::Change::Insert,
+                                    test::Refusal::Fails, QStringLiteral("new.TaxCode = '100001'")}));
         QString why;
         const auto no = RecordHandOverFile(
             stores().dbTax, "/tmp/a_1.xlsx", "2026-10-01", "2026-10-31",
@@ -190,22 +191,21 @@ private Q_SLOTS:
         const auto no = RecordHandOverFile(stores().dbTax, "/tmp/a_1.xlsx", "2026-10-01", "2026-10-31",
                                            {entry("100000", "2026-10-05", 1000)}, &why);
         QVERIFY(no);
-        QVERIFY(test::exec(stores().dbTax, "create trigger keep before delete on EtaxFile "
-                                           "begin select raise(abort, 'kept'); end"));
+        QVERIFY(test::refuseWrites(stores().dbTax, {QStringLiteral("EtaxFile"), test::Change::Delete}));
         QVERIFY(!ForgetHandOverFile(stores().dbTax, *no, &why));
         QVERIFY(why.startsWith(
             QStringLiteral("작성하지 못한 파일의 전송 기록(%1번)을 지우지 못했습니다.").arg(*no)));
         QCOMPARE(count("select count(*) from EtaxFile"), 1);
         QCOMPARE(count("select count(*) from EtaxHandOver"), 1);
         QVERIFY(!stores().dbTax.inTransaction());
-        QVERIFY(test::exec(stores().dbTax, "drop trigger keep"));
+        QVERIFY(test::allowWrites(stores().dbTax));
         QVERIFY(ForgetHandOverFile(stores().dbTax, *no, &why));
         QCOMPARE(count("select count(*) from EtaxFile"), 0);
         QCOMPARE(count("select count(*) from EtaxHandOver"), 0);
     }
     void aFailedReadGivesNoDatesAndSaysSo() {
         Fixture f;
-        QVERIFY(test::exec(stores().dbTax, "drop table EtaxHandOver"));
+        QVERIFY(test::hideTable(stores().dbTax, QStringLiteral("EtaxHandOver")));
         auto& msgs = test::script();
         QVERIFY(UploadedInvoiceDates("2026-10-01", "2026-10-31").isEmpty());
         QVERIFY(!UploadedInvoiceDates(stores().dbTax, "2026-10-01", "2026-10-31"));

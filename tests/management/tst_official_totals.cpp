@@ -71,15 +71,18 @@ int handOverFile(const test::TestHome& home, const QString& taxCode, const QStri
 void addManyReceivers(int count) {
     QVERIFY(test::exec(stores().dbBasic,
                        "insert into Trader (Code, C_Name, Serial) with recursive n(i) as (select 1 union all "
-                       "select i + 1 from n where i < ?) select printf('%06d', i), '매출처' || i, "
-                       "printf('2%02d-00-%05d', i % 100, i) from n",
+                       "select i + 1 from n where i < ?) select " +
+                           test::digitsSql("i", 6) + ", '매출처' || i, '2' || " +
+                           test::digitsSql("i % 100", 2) + " || '-00-' || " + test::digitsSql("i", 5) +
+                           " from n",
                        {count}));
     QVERIFY(
         test::exec(stores().dbTax,
                    "insert into NewAcount (TaxCode, CCode, PName, Quantity, UnitCost, TradeKum, VatKum, "
                    "DealDate, TradeDate, UserCode) with recursive n(i) as (select 1 union all select i + 1 "
-                   "from n where i < ?) select printf('1%05d', i), printf('%06d', i), '볼트', 1, i * 10, "
-                   "i * 10, i, '2024-04-10', '04-10', '123-45-67891' from n",
+                   "from n where i < ?) select '1' || " +
+                       test::digitsSql("i", 5) + ", " + test::digitsSql("i", 6) +
+                       ", '볼트', 1, i * 10, i * 10, i, '2024-04-10', '04-10', '123-45-67891' from n",
                    {count}));
 }
 
@@ -397,10 +400,12 @@ private Q_SLOTS:
         QString why;
         QVERIFY2(WithdrawFile(stores().dbTax, withdrawn, QStringLiteral("잘못 올림"), &why), qPrintable(why));
 
+        auto& msgs = test::script();
         const auto engine = ReadOfficialTotals(kSecondQuarter, QDate(2024, 7, 20));
         const auto invoices = ReadInvoicesOfPeriod(kSecondQuarter);
         const auto uploaded = uploadedDatesOf(kSecondQuarter);
-        QVERIFY(engine && invoices && uploaded);
+        QVERIFY2(engine && invoices && uploaded,
+                 qPrintable(msgs.records().empty() ? QString() : msgs.last().text));
         const OfficialTotals rules =
             sumOfficialTotals(*invoices, *uploaded, electronicDeadline(kSecondQuarter.to));
         compareLines(engine->electronicBusiness, rules.electronicBusiness, "electronic, business");

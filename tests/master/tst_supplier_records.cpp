@@ -1,5 +1,6 @@
 // Suppliers: the save with its replace and duplicate check, the default supplier, the reset of
 // the legacy settings and the hand-over stamp, delete, previous/next, and the list's search.
+#include "FailureInjection.h"
 #include "MasterFixture.h"
 #include "core/Clock.h"
 #include "core/Settings.h"
@@ -54,7 +55,8 @@ private Q_SLOTS:
         QCOMPARE(userRows(), 1);
         QCOMPARE(msgs.boxes().size(), size_t(1));
         QCOMPARE(msgs.last().title, QStringLiteral("ERROR"));
-        QVERIFY(msgs.last().text.contains(QStringLiteral("UNIQUE")));
+        QVERIFY(msgs.last().text.startsWith(QStringLiteral(
+            "같은 번호(코드)의 자료가 이미 있어 저장하지 못했습니다. 번호를 확인하고 다시 입력하십시오.\r")));
     }
     void changingTheSerialOfAShownRowReplacesItAndLeavesTheDefaultBehind() {
         TestHome home;
@@ -107,8 +109,7 @@ private Q_SLOTS:
         QVERIFY(openStores());
         script();
         addUser("111-11-11111", "가나");
-        exec(stores().dbBasic,
-             "CREATE TRIGGER refuse BEFORE INSERT ON User BEGIN SELECT RAISE(ABORT, 'no'); END");
+        QVERIFY(refuseWrites(stores().dbBasic, {QStringLiteral("User"), Change::Insert}));
         SupplierFormState state{true, false, "111-11-11111"};
         QCOMPARE(SaveSupplier(state, supplier("222-22-22222"), false), SupplierSave::Failed);
         QCOMPARE(scalar(stores().dbBasic, "SELECT Serial FROM User").toString(),

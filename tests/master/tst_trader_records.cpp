@@ -1,5 +1,6 @@
 // The trader record class: every operation of its interface, the two look-ups beside it, and
 // text that must be stored as typed.
+#include "FailureInjection.h"
 #include "MasterFixture.h"
 #include "core/Clock.h"
 #include "master/clsTrader.h"
@@ -65,8 +66,7 @@ private Q_SLOTS:
     void saveTraderFailureShowsTheHandlersBox() {
         TestHome home;
         QVERIFY(openStores());
-        exec(stores().dbBasic,
-             "CREATE TRIGGER refuse BEFORE INSERT ON Trader BEGIN SELECT RAISE(ABORT, 'refused'); END");
+        QVERIFY(refuseWrites(stores().dbBasic, {QStringLiteral("Trader"), Change::Insert}));
         auto& msgs = script();
         filledTrader("000001", "가나").SaveTrader();
         QCOMPARE(msgs.records().size(), size_t(1));
@@ -318,7 +318,7 @@ private Q_SLOTS:
     void checkHPFieldAddsTheMobileColumnWhenMissing() {
         TestHome home;
         QVERIFY(openStores());
-        QVERIFY(exec(stores().dbBasic, "ALTER TABLE Trader DROP COLUMN HPhone"));
+        QVERIFY(dropColumn(stores().dbBasic, QStringLiteral("Trader"), QStringLiteral("HPhone")));
         QVERIFY(!stores().dbBasic.hasColumn("Trader", "HPhone"));
         clsTrader().CheckHPField();
         QVERIFY(stores().dbBasic.hasColumn("Trader", "HPhone"));

@@ -2,6 +2,7 @@
 // into the grid (a product from the list, a free-text line, a product registered on the spot),
 // quantities and amounts changed, the store's rows checked after each step.
 #include "DealListKit.h"
+#include "FailureInjection.h"
 #include "common/MessageDialogs.h"
 #include "common/dates/DateBox.h"
 #include "common/dates/DateCells.h"
@@ -333,9 +334,7 @@ private Q_SLOTS:
         FrmDealList& f = s.open();
         f.spMaster->setFocus();
         f.spMaster->SetActiveCell(ColBillDate, 1);
-        QVERIFY(test::exec(stores().dbBill,
-                           QStringLiteral("CREATE TEMP TRIGGER fail_line BEFORE UPDATE ON Detail "
-                                          "BEGIN SELECT RAISE(ABORT, 'disk full'); END")));
+        QVERIFY(test::refuseWrites(stores().dbBill, {QStringLiteral("Detail"), test::Change::Update}));
         goToCell(f, ColQuant, 1);
         typeIntoCell(QStringLiteral("5"));
         QVERIFY(
@@ -344,7 +343,7 @@ private Q_SLOTS:
         QCOMPARE(test::lineValue(QStringLiteral("000001"), 1, QStringLiteral("Quant")).toDouble(), 1.0);
         QCOMPARE(test::headValue(QStringLiteral("000001"), QStringLiteral("TotAmount")), 1000.0);
         QCOMPARE(f.gong->text(), QStringLiteral("1,000"));
-        test::exec(stores().dbBill, QStringLiteral("DROP TRIGGER fail_line"));
+        QVERIFY(test::allowWrites(stores().dbBill));
     }
 
     void aFailedFirstLineLeavesNoStatementBehind() {
@@ -352,9 +351,7 @@ private Q_SLOTS:
         auto& msgs = test::script();
         FrmDealList& f = s.open();
         test::chooseTrader(f, QStringLiteral("가나"));
-        QVERIFY(test::exec(stores().dbBill,
-                           QStringLiteral("CREATE TEMP TRIGGER fail_line BEFORE INSERT ON Detail "
-                                          "BEGIN SELECT RAISE(ABORT, 'disk full'); END")));
+        QVERIFY(test::refuseWrites(stores().dbBill, {QStringLiteral("Detail"), test::Change::Insert}));
         test::typeProductAndChoose(QStringLiteral("볼트"), QStringLiteral("000001"));
         QVERIFY(
             msgs.boxes().back().text.startsWith(QStringLiteral("자료를 저장하는 중 오류가 발생했습니다.")));
@@ -362,7 +359,7 @@ private Q_SLOTS:
         QCOMPARE(f.spMaster->MaxRows(), 1);
         QVERIFY(f.spDetail->Text(ColPName, 1).isEmpty());
         QVERIFY(f.LastSavedCCode().isEmpty());
-        test::exec(stores().dbBill, QStringLiteral("DROP TRIGGER fail_line"));
+        QVERIFY(test::allowWrites(stores().dbBill));
     }
 
     void theKeysOfTheHeadMoveToTheReceiverAndTheRangeSpinsByADay() {

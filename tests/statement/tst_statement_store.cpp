@@ -1,6 +1,7 @@
 // Statements in dbBill: numbering, lines saved, changed and deleted with the head's totals
 // moved by the difference, statements deleted with their lines, the list and the lines read
 // back, and a failure at every step of a save leaving the store as before.
+#include "FailureInjection.h"
 #include "StoreFixture.h"
 #include "statement/StatementRecalc.h"
 #include "statement/StatementStore.h"
@@ -64,15 +65,18 @@ QString storeText() {
     return text;
 }
 
-// Makes the next statement of the kind fail: ABORT as an engine failure, IGNORE as a statement
-// that touches no row.
-void injectFailure(const QString& when, const QString& table, const QString& raise) {
-    QVERIFY(test::exec(bill(), QStringLiteral("CREATE TRIGGER injected BEFORE ") + when +
-                                   QStringLiteral(" ON ") + table + QStringLiteral(" BEGIN SELECT RAISE(") +
-                                   raise + QStringLiteral("); END")));
+// Makes every statement of the kind on the table fail ("fails": the store refuses it) or touch
+// no row ("passes over").
+void injectFailure(const QString& when, const QString& table, const QString& refusal) {
+    const test::Change change = when == QLatin1String("INSERT")   ? test::Change::Insert
+                                : when == QLatin1String("UPDATE") ? test::Change::Update
+                                                                  : test::Change::Delete;
+    QVERIFY(test::refuseWrites(bill(), {table, change,
+                                        refusal == QLatin1String("passes over") ? test::Refusal::PassesOver
+                                                                                : test::Refusal::Fails}));
 }
 void removeFailure() {
-    QVERIFY(test::exec(bill(), QStringLiteral("DROP TRIGGER injected")));
+    QVERIFY(test::allowWrites(bill()));
 }
 
 // The run-time box: its headline, then the cause in the operator's words on a line of its own,
@@ -146,8 +150,7 @@ private Q_SLOTS:
         test::TestHome home;
         QVERIFY(test::openStores());
         const QString no = statementWith({{5000, 500}});
-        injectFailure(QStringLiteral("UPDATE"), QStringLiteral("Master"),
-                      QStringLiteral("ABORT, 'no head update'"));
+        injectFailure(QStringLiteral("UPDATE"), QStringLiteral("Master"), QStringLiteral("fails"));
         auto& msgs = test::script();
         QVERIFY(DetailUpdate(bill(), no, 1, QStringLiteral("Quant"), 5.0).ok);
         const UpdatedLine same = DetailUpdate(bill(), no, 1, QStringLiteral("Amount"), 5000.0);
@@ -314,53 +317,53 @@ private Q_SLOTS:
         QTest::addColumn<bool>("firstLine");
         QTest::addColumn<QString>("when");
         QTest::addColumn<QString>("table");
-        QTest::addColumn<QString>("raise");
+        QTest::addColumn<QString>("refusal");
         QTest::addColumn<QString>("message");
         const QString runTime = errorText(QStringLiteral("자료를 저장하는 중 오류가 발생했습니다."));
         QTest::newRow("head not inserted")
             << true << "INSERT"
             << "Master"
-            << "IGNORE" << QStringLiteral("자료 저장중 Master에서 오류가 발생했습니다.");
+            << "passes over" << QStringLiteral("자료 저장중 Master에서 오류가 발생했습니다.");
         QTest::newRow("head insert fails") << true << "INSERT"
                                            << "Master"
-                                           << "ABORT, 'x'" << runTime;
+                                           << "fails" << runTime;
         QTest::newRow("first line not inserted")
             << true << "INSERT"
             << "Detail"
-            << "IGNORE" << QStringLiteral("자료 저장중 Detail에서 오류가 발생했습니다.");
+            << "passes over" << QStringLiteral("자료 저장중 Detail에서 오류가 발생했습니다.");
         QTest::newRow("first line insert fails") << true << "INSERT"
                                                  << "Detail"
-                                                 << "ABORT, 'x'" << runTime;
+                                                 << "fails" << runTime;
         QTest::newRow("first count not raised")
             << true << "UPDATE"
             << "Master"
-            << "IGNORE" << QStringLiteral("자료 저장중 Master의 거래건수에서 오류가 발생했습니다.");
+            << "passes over" << QStringLiteral("자료 저장중 Master의 거래건수에서 오류가 발생했습니다.");
         QTest::newRow("first count fails") << true << "UPDATE"
                                            << "Master"
-                                           << "ABORT, 'x'" << runTime;
+                                           << "fails" << runTime;
         QTest::newRow("line not inserted")
             << false << "INSERT"
             << "Detail"
-            << "IGNORE" << QStringLiteral("자료 저장중 Detail에서 오류가 발생했습니다.");
+            << "passes over" << QStringLiteral("자료 저장중 Detail에서 오류가 발생했습니다.");
         QTest::newRow("count not raised")
             << false << "UPDATE"
             << "Master"
-            << "IGNORE" << QStringLiteral("자료 저장중 Master의 거래건수에서 오류가 발생했습니다.");
+            << "passes over" << QStringLiteral("자료 저장중 Master의 거래건수에서 오류가 발생했습니다.");
         QTest::newRow("count fails") << false << "UPDATE"
                                      << "Master"
-                                     << "ABORT, 'x'" << runTime;
+                                     << "fails" << runTime;
     }
     void insertFailureAtEveryStepLeavesStoreAsBefore() {
         QFETCH(bool, firstLine);
         QFETCH(QString, when);
         QFETCH(QString, table);
-        QFETCH(QString, raise);
+        QFETCH(QString, refusal);
         QFETCH(QString, message);
         test::TestHome home;
         QVERIFY(test::openStores());
         const QString no = statementWith({{100, 10}});
         const QString before = storeText();
-        injectFailure(when, table, raise);
+        injectFailure(when, table, refusal);
         auto& msgs = test::script();
         const InsertedLine line = DetailInsert(bill(), firstLine ? newStatementLine(QStringLiteral("a"))
                                                                  : lineOf(no, QStringLiteral("a")));
@@ -374,24 +377,24 @@ private Q_SLOTS:
     }
     void updateFailureAtEveryStepLeavesStoreAsBefore_data() {
         QTest::addColumn<QString>("table");
-        QTest::addColumn<QString>("raise");
+        QTest::addColumn<QString>("refusal");
         QTest::newRow("head not moved") << "Master"
-                                        << "IGNORE";
+                                        << "passes over";
         QTest::newRow("head move fails") << "Master"
-                                         << "ABORT, 'x'";
+                                         << "fails";
         QTest::newRow("line not changed") << "Detail"
-                                          << "IGNORE";
+                                          << "passes over";
         QTest::newRow("line change fails") << "Detail"
-                                           << "ABORT, 'x'";
+                                           << "fails";
     }
     void updateFailureAtEveryStepLeavesStoreAsBefore() {
         QFETCH(QString, table);
-        QFETCH(QString, raise);
+        QFETCH(QString, refusal);
         test::TestHome home;
         QVERIFY(test::openStores());
         const QString no = statementWith({{100, 10}});
         const QString before = storeText();
-        injectFailure(QStringLiteral("UPDATE"), table, raise);
+        injectFailure(QStringLiteral("UPDATE"), table, refusal);
         auto& msgs = test::script();
         QVERIFY(!DetailUpdate(bill(), no, 1, QStringLiteral("Amount"), 900.0).ok);
         QVERIFY(msgs.last().text.startsWith(
@@ -403,32 +406,32 @@ private Q_SLOTS:
     void deleteFailureAtEveryStepLeavesStoreAsBefore_data() {
         QTest::addColumn<bool>("wholeStatement");
         QTest::addColumn<QString>("table");
-        QTest::addColumn<QString>("raise");
+        QTest::addColumn<QString>("refusal");
         QTest::newRow("line not deleted") << false << "Detail"
-                                          << "IGNORE";
+                                          << "passes over";
         QTest::newRow("line delete fails") << false << "Detail"
-                                           << "ABORT, 'x'";
+                                           << "fails";
         QTest::newRow("head not moved") << false << "Master"
-                                        << "IGNORE";
+                                        << "passes over";
         QTest::newRow("head move fails") << false << "Master"
-                                         << "ABORT, 'x'";
+                                         << "fails";
         QTest::newRow("head not deleted") << true << "Master"
-                                          << "IGNORE";
+                                          << "passes over";
         QTest::newRow("head delete fails") << true << "Master"
-                                           << "ABORT, 'x'";
+                                           << "fails";
         QTest::newRow("lines delete fails") << true << "Detail"
-                                            << "ABORT, 'x'";
+                                            << "fails";
     }
     void deleteFailureAtEveryStepLeavesStoreAsBefore() {
         QFETCH(bool, wholeStatement);
         QFETCH(QString, table);
-        QFETCH(QString, raise);
+        QFETCH(QString, refusal);
         test::TestHome home;
         QVERIFY(test::openStores());
         const QString no = statementWith({{100, 10}, {200, 20}});
         const QString before = storeText();
         const bool headStep = table == QLatin1String("Master") && !wholeStatement;
-        injectFailure(headStep ? QStringLiteral("UPDATE") : QStringLiteral("DELETE"), table, raise);
+        injectFailure(headStep ? QStringLiteral("UPDATE") : QStringLiteral("DELETE"), table, refusal);
         auto& msgs = test::script();
         if (wholeStatement) {
             QCOMPARE(DeleteStatement(bill(), no, true), StatementDeleteOutcome::Failed);

@@ -47,4 +47,11 @@ inline QString dayAfterSql(const Database& db, const QString& first, const QStri
                          : QStringLiteral("date('%1', '+' || (%2) || ' days')").arg(first, days);
 }
 
+// An SQL expression for the whole number `number` (an SQL expression, 0 or more and below
+// 10^width) as a text of `width` digits with leading zeros, in words both engines read.
+inline QString digitsSql(const QString& number, int width) {
+    QString power = QStringLiteral("1") + QString(width, u'0');
+    return QStringLiteral("substr(CAST(%1 + (%2) AS TEXT), 2)").arg(power, number);
+}
+
 } // namespace nb::test
