@@ -1,6 +1,7 @@
 #include "master/SearchIndex.h"
 
 #include "core/Lifecycle.h"
+#include "storage/ServerSearchPieces.h"
 
 #include <QSet>
 #include <QSqlError>
@@ -148,6 +149,26 @@ QString matchPhrase(const QString& text, const QStringList& columns) {
     return u'{' + columns.join(u' ') + QStringLiteral("} : \"") + phrase + u'"';
 }
 
+// On the server: the table's pieces (ServerSearchPieces.h) made and filled when a store laid
+// down before them lacks them, in one transaction begun as a write, so two seats never build
+// them at once. Texts of three characters and more use the server's trigram indexes.
+bool ensureServerPieces(Database& db, const SearchIndexDef& def) {
+    const QString pieces = serverPiecesTable(def.table);
+    if (pieces.isEmpty()) return true;
+    if (db.hasTable(pieces) && db.hasTrigger(serverPiecesTrigger(def.table))) return true;
+    if (!db.beginTransaction()) return false;
+    // What already stands is kept without a notice to the log.
+    const QStringList statements = QStringList{QStringLiteral("SET LOCAL client_min_messages TO warning")} +
+                                   serverPiecesStatements(def.table) + serverPiecesFillStatements(def.table);
+    for (const QString& sql : statements) {
+        if (!db.tryExecute(sql)) {
+            db.rollback();
+            return false;
+        }
+    }
+    return db.commit();
+}
+
 } // namespace
 
 QStringList SearchIndexBuildStatements(const SearchIndexDef& def) {
@@ -183,10 +204,23 @@ bool UsesTrigramIndex(const QString& text) {
 }
 
 bool HasSearchIndex(Database& db, const SearchIndexDef& def) {
+    if (db.onServer()) {
+        const QString pieces = serverPiecesTable(def.table);
+        return !pieces.isEmpty() && db.hasTable(pieces);
+    }
     return db.hasTable(def.index);
 }
 
 void DropSearchIndex(Database& db, const SearchIndexDef& def) {
+    if (db.onServer()) {
+        const QString pieces = serverPiecesTable(def.table);
+        if (pieces.isEmpty()) return;
+        // The trigger goes with its function.
+        run(db, QStringLiteral("DROP FUNCTION IF EXISTS %1() CASCADE").arg(serverPiecesTrigger(def.table)));
+        run(db, QStringLiteral("DROP TABLE IF EXISTS %1").arg(pieces));
+        readyIndexes().remove(readyKey(db, def));
+        return;
+    }
     for (const char* suffix : {"_ai", "_ad", "_au"})
         run(db, QStringLiteral("DROP TRIGGER IF EXISTS ") + triggerName(def, suffix));
     run(db, QStringLiteral("DROP TABLE IF EXISTS ") + def.index);
@@ -196,8 +230,11 @@ void DropSearchIndex(Database& db, const SearchIndexDef& def) {
 
 bool EnsureSearchIndex(Database& db, const SearchIndexDef& def) {
     if (!db.isOpen() || !db.hasTable(def.table)) return false;
-    // A store on the server searches by its own trigram indexes (StoreEngine.h): nothing beside.
-    if (db.onServer()) return true;
+    if (db.onServer()) {
+        if (!ensureServerPieces(db, def)) return false;
+        readyIndexes().insert(readyKey(db, def));
+        return true;
+    }
     if (HasSearchIndex(db, def) && db.hasTable(gramsTable(def)) && hasAllTriggers(db, def) &&
         indexMatchesTable(db, def)) {
         readyIndexes().insert(readyKey(db, def));
@@ -218,7 +255,9 @@ void EnsureSearchIndexes(Database& db) {
 
 SqlPart SearchCandidates(Database& db, const SearchIndexDef& def, const QString& text,
                          const QStringList& columns) {
-    if (text.isEmpty() || !db.isOpen() || db.onServer()) return {};
+    if (text.isEmpty() || !db.isOpen()) return {};
+    // The server's ILIKE reads its trigram indexes by itself; it has no pieces of other tables.
+    if (db.onServer() && (UsesTrigramIndex(text) || serverPiecesTable(def.table).isEmpty())) return {};
     if (!readyIndexes().contains(readyKey(db, def)) && !EnsureSearchIndex(db, def)) return {};
     if (UsesTrigramIndex(text))
         return {QStringLiteral("%1.rowid IN (SELECT rowid FROM %2 WHERE %2 MATCH ?) AND ")
@@ -227,9 +266,10 @@ SqlPart SearchCandidates(Database& db, const SearchIndexDef& def, const QString&
     QStringList numbers;
     for (const QString& c : columns)
         numbers << QString::number(def.columns.indexOf(c));
-    return {QStringLiteral("%1.rowid IN (SELECT rid FROM %2 WHERE gram = lower(?) AND col IN (%3)) AND ")
+    // The key is folded here as the pieces were (ASCII letters only), so both engines bind the same.
+    return {QStringLiteral("%1.rowid IN (SELECT rid FROM %2 WHERE gram = ? AND col IN (%3)) AND ")
                 .arg(def.table, gramsTable(def), numbers.join(QStringLiteral(", "))),
-            {text}};
+            {piecesKey(text)}};
 }
 
 } // namespace nb

@@ -3,9 +3,11 @@
 // by name, telephone or last address word; the postcode book by postcode or town). Each index
 // is an FTS5 table kept in step with its table by triggers; it only narrows the rows that the
 // exact LIKE conditions then test, so results and order are those of the plain queries.
-// A text shorter than three characters cannot use a trigram index: the plain query runs. A
-// store on a server keeps none of these: its ILIKE conditions use the server's own trigram
-// indexes (storage/StoreEngine.h), and SearchCandidates gives nothing to narrow by.
+// A text shorter than three characters cannot use a trigram index: a table of every one- and
+// two-character piece of the columns, kept by the same triggers, narrows the rows instead.
+// A store on a server keeps no FTS5 tables: its ILIKE conditions use the server's own trigram
+// indexes (storage/StoreEngine.h) for three characters and more, and the traders' pieces table
+// kept by a trigger on the server (storage/ServerSearchPieces.h) for one and two.
 
 #include "storage/Database.h"
 
@@ -34,7 +36,7 @@ void EnsureSearchIndexes(Database& db);
 bool EnsureSearchIndex(Database& db, const SearchIndexDef& def);
 // Removes the index and its triggers (a bulk load rebuilds it afterwards).
 void DropSearchIndex(Database& db, const SearchIndexDef& def);
-// True when the index table exists in the file.
+// True when the index table exists in the file (on the server: the pieces table).
 bool HasSearchIndex(Database& db, const SearchIndexDef& def);
 
 // A piece of a WHERE clause with its bound values.
@@ -44,8 +46,10 @@ struct SqlPart {
     bool isEmpty() const { return sql.isEmpty(); }
 };
 // "<table>.rowid IN (SELECT rowid FROM <index> WHERE <index> MATCH ?) AND " narrowing the
-// table to rows where one of the columns may contain the text; empty when the text is too
-// short or the index cannot be had. The index is made ready on first use.
+// table to rows where one of the columns may contain the text, or for one or two characters
+// "<table>.rowid IN (SELECT rid FROM <pieces> WHERE gram = ? AND col IN (...)) AND "; empty when
+// the index cannot be had (or, on the server, for three characters and more). The index is made
+// ready on first use.
 SqlPart SearchCandidates(Database& db, const SearchIndexDef& def, const QString& text,
                          const QStringList& columns);
 
