@@ -169,6 +169,16 @@ bool ensureServerPieces(Database& db, const SearchIndexDef& def) {
     return db.commit();
 }
 
+// How many rows of the pieces hold the key, counted up to one past the limit.
+constexpr int kServerPiecesLookups = 5000;
+int serverPiecesHeldBy(Database& db, const QString& pieces, const QString& key) {
+    QSqlQuery q(db.connection());
+    q.prepare(db.statementFor(
+        QStringLiteral("SELECT count(*) FROM (%1 LIMIT %2) s").arg(pieces).arg(kServerPiecesLookups + 1)));
+    q.addBindValue(key);
+    return q.exec() && q.next() ? q.value(0).toInt() : kServerPiecesLookups + 1;
+}
+
 } // namespace
 
 QStringList SearchIndexBuildStatements(const SearchIndexDef& def) {
@@ -266,10 +276,17 @@ SqlPart SearchCandidates(Database& db, const SearchIndexDef& def, const QString&
     QStringList numbers;
     for (const QString& c : columns)
         numbers << QString::number(def.columns.indexOf(c));
+    const QString pieces = QStringLiteral("SELECT rid FROM %1 WHERE gram = ? AND col IN (%2)")
+                               .arg(gramsTable(def), numbers.join(QStringLiteral(", ")));
     // The key is folded here as the pieces were (ASCII letters only), so both engines bind the same.
-    return {QStringLiteral("%1.rowid IN (SELECT rid FROM %2 WHERE gram = ? AND col IN (%3)) AND ")
-                .arg(def.table, gramsTable(def), numbers.join(QStringLiteral(", "))),
-            {piecesKey(text)}};
+    const QString key = piecesKey(text);
+    if (!db.onServer())
+        return {def.table + QStringLiteral(".rowid IN (") + pieces + QStringLiteral(") AND "), {key}};
+    // The server guesses few rows for any ILIKE and would read the whole table first: its rows
+    // are looked up by the pieces' row numbers instead. A text many traders hold lists many rows
+    // anyway, and past some thousands reading the table is quicker than looking each one up.
+    if (serverPiecesHeldBy(db, pieces, key) > kServerPiecesLookups) return {};
+    return {def.table + QStringLiteral(".rowid = ANY (ARRAY(") + pieces + QStringLiteral(")) AND "), {key}};
 }
 
 } // namespace nb

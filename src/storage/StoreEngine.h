@@ -57,7 +57,8 @@ QString serverRowidIndex(const QString& table);
 // The trigram indexes (pg_trgm, GIN) that let the server's ILIKE '%text%' on the columns the
 // lists search inside (traders by name, telephone, last address word) read an index instead of
 // the whole table for texts of three characters and more; none for other tables. Shorter texts
-// read the table, which is small enough. The files keep their own search tables instead.
+// are narrowed by the table of pieces beside the traders (ServerSearchPieces.h). The files keep
+// their own search tables instead.
 QStringList serverTrigramIndexes(const QString& table);
 // The statement that makes pg_trgm available to the stores (in public, on their search path).
 QString serverTrigramExtension();

@@ -18,12 +18,13 @@ constexpr int kTraders = 600;
 // Traders 거래처0001..0600 with the mobile numbers 010-0001..010-0600.
 void addManyTraders() {
     QVERIFY(test::openStores());
-    QVERIFY(test::exec(stores().dbBasic,
-                       QStringLiteral("INSERT INTO Trader (Code, C_Name, Phone, Fax, HPhone) WITH RECURSIVE "
-                                      "n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < %1) SELECT "
-                                      "printf('%06d', i), '거래처' || printf('%04d', i), '', '', '010-' || "
-                                      "printf('%04d', i) FROM n")
-                           .arg(kTraders)));
+    QVERIFY(test::exec(
+        stores().dbBasic,
+        QStringLiteral("INSERT INTO Trader (Code, C_Name, Phone, Fax, HPhone) WITH RECURSIVE "
+                       "n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < %1) SELECT "
+                       "%2, '거래처' || %3, '', '', '010-' || %3 FROM n")
+            .arg(kTraders)
+            .arg(test::digitsSql(QStringLiteral("i"), 6), test::digitsSql(QStringLiteral("i"), 4))));
 }
 
 struct Screen {

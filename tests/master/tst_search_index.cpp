@@ -6,6 +6,7 @@
 #include "master/SearchRules.h"
 #include "master/TraderRecords.h"
 #include "master/clsTrader.h"
+#include "storage/ServerSearchPieces.h"
 
 #include <QRegularExpression>
 
@@ -86,6 +87,18 @@ private Q_SLOTS:
         QCOMPARE(codesOf(TraderListQuery(stores().dbBasic, "55", 0)), QStringList{"000001"});
         QCOMPARE(codesOf(TraderListQuery(stores().dbBasic, "마", 0)), QStringList());
         QCOMPARE(codesOf(TraderListQuery(stores().dbBasic, "마", 1)), QStringList{"000006"});
+    }
+    // The server's pieces stand under the name and column numbers the list asks the files' by,
+    // folded as the lists' comparison folds: ASCII letters only.
+    void theServersPiecesAreNumberedAsTheFilesPieces() {
+        QStringList columns;
+        for (const QString& c : TraderSearchIndex().columns)
+            columns << c.toLower();
+        QCOMPARE(serverPiecesColumns("Trader"), columns);
+        QCOMPARE(serverPiecesTable("Trader"), (TraderSearchIndex().index + "_grams").toLower());
+        QVERIFY(serverPiecesTable("Post").isEmpty());
+        QVERIFY(serverPiecesStatements("Product").isEmpty());
+        QCOMPARE(piecesKey("AbZ가Éz_%"), QString("abz가Éz_%"));
     }
     void threeCharactersUseTheIndexAndShorterTextsThePlainQuery() {
         TestHome home;

@@ -1,6 +1,7 @@
 // The trader entry form and the trader list, driven by keys: fields and hints, the telephone
 // shaping, the last address word, modes 0 and 1, the duplicate question, the list contract,
 // F3, F4 with the trader's business, and new.
+#include "FailureInjection.h"
 #include "MasterFixture.h"
 #include "core/Clock.h"
 #include "master/FrmNewTrader.h"
@@ -503,8 +504,7 @@ private Q_SLOTS:
         script();
         addTrader("000001", "가나상사");
         exec(stores().dbTax, "INSERT INTO NewAcount (TaxCode, CCode) VALUES ('100000', '000001')");
-        exec(stores().dbTax,
-             "CREATE TRIGGER refuse BEFORE DELETE ON NewAcount BEGIN SELECT RAISE(ABORT, 'no'); END");
+        QVERIFY(refuseWrites(stores().dbTax, {QStringLiteral("NewAcount"), Change::Delete}));
         QVERIFY(!DeleteTraderWithBusiness("000001"));
         QCOMPARE(count(stores().dbBasic, "Trader"), 1);
     }
