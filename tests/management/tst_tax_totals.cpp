@@ -62,6 +62,24 @@ TotalsReport reportOfQuarter(int quarter) {
     return ReadTotalsReport(values).value_or(TotalsReport());
 }
 
+// `receivers` traders numbered from 100001, each with one invoice of the second quarter.
+void addReceivers(int receivers) {
+    QVERIFY(test::exec(stores().dbBasic,
+                       "insert into Trader (Code, C_Name, Serial) with recursive n(i) as (select 1 union "
+                       "all select i + 1 from n where i < ?) select '1' || " +
+                           test::digitsSql("i", 5) + ", '매출처' || i, '2' || " +
+                           test::digitsSql("i % 100", 2) + " || '-00-' || " + test::digitsSql("i", 5) +
+                           " from n",
+                       {receivers}));
+    QVERIFY(test::exec(stores().dbTax,
+                       "insert into NewAcount (TaxCode, CCode, PName, Quantity, UnitCost, TradeKum, VatKum, "
+                       "DealDate, TradeDate, UserCode) with recursive n(i) as (select 1 union all select "
+                       "i + 1 from n where i < ?) select '2' || " +
+                           test::digitsSql("i", 5) + ", '1' || " + test::digitsSql("i", 5) +
+                           ", '볼트', 1, i * 10, i * 10, i, '2024-04-10', '04-10', '123-45-67890' from n",
+                       {receivers}));
+}
+
 } // namespace
 
 class TestTaxTotals : public QObject {
@@ -255,21 +273,7 @@ private Q_SLOTS:
         test::script();
         setSystemPrintersForTesting({}, QString());
         const int receivers = 45 + 52 * 30 + 9; // beyond one stretch
-        QVERIFY(test::exec(stores().dbBasic,
-                           "insert into Trader (Code, C_Name, Serial) with recursive n(i) as (select 1 union "
-                           "all select i + 1 from n where i < ?) select '1' || " +
-                               test::digitsSql("i", 5) + ", '매출처' || i, '2' || " +
-                               test::digitsSql("i % 100", 2) + " || '-00-' || " + test::digitsSql("i", 5) +
-                               " from n",
-                           {receivers}));
-        QVERIFY(
-            test::exec(stores().dbTax,
-                       "insert into NewAcount (TaxCode, CCode, PName, Quantity, UnitCost, TradeKum, VatKum, "
-                       "DealDate, TradeDate, UserCode) with recursive n(i) as (select 1 union all select "
-                       "i + 1 from n where i < ?) select '2' || " +
-                           test::digitsSql("i", 5) + ", '1' || " + test::digitsSql("i", 5) +
-                           ", '볼트', 1, i * 10, i * 10, i, '2024-04-10', '04-10', '123-45-67890' from n",
-                       {receivers}));
+        addReceivers(receivers);
         QVERIFY(SearchTotals(stores().dbTax, stores().dbBasic.path(), {"2024-04-01", "2024-06-30"}));
         const TotalsSearch search{TotalsKind::Quarter, 1, QStringLiteral("2024"), {}, {}};
         PrintCapture capture;
@@ -297,18 +301,7 @@ private Q_SLOTS:
         Store s;
         test::script();
         const int receivers = 45 + 52 * 59; // 60 pages
-        QVERIFY(test::exec(stores().dbBasic,
-                           "insert into Trader (Code, C_Name, Serial) with recursive n(i) as (select 1 union "
-                           "all select i + 1 from n where i < ?) select printf('1%05d', i), '매출처' || i, "
-                           "printf('2%02d-00-%05d', i % 100, i) from n",
-                           {receivers}));
-        QVERIFY(
-            test::exec(stores().dbTax,
-                       "insert into NewAcount (TaxCode, CCode, PName, Quantity, UnitCost, TradeKum, VatKum, "
-                       "DealDate, TradeDate, UserCode) with recursive n(i) as (select 1 union all select "
-                       "i + 1 from n where i < ?) select printf('2%05d', i), printf('1%05d', i), '볼트', 1, "
-                       "i * 10, i * 10, i, '2024-04-10', '04-10', '123-45-67890' from n",
-                       {receivers}));
+        addReceivers(receivers);
         QVERIFY(SearchTotals(stores().dbTax, stores().dbBasic.path(), {"2024-04-01", "2024-06-30"}));
         const TotalsSearch search{TotalsKind::Quarter, 1, QStringLiteral("2024"), {}, {}};
         const int before = totalsPreviewReads();
