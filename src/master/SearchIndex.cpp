@@ -149,9 +149,9 @@ QString matchPhrase(const QString& text, const QStringList& columns) {
     return u'{' + columns.join(u' ') + QStringLiteral("} : \"") + phrase + u'"';
 }
 
-// On the server: the table's pieces (ServerSearchPieces.h) made and filled when a store laid
-// down before them lacks them, in one transaction begun as a write, so two seats never build
-// them at once. Texts of three characters and more use the server's trigram indexes.
+// On the server: the table's pieces (ServerSearchPieces.h) made and filled at the first short
+// search of the store, in one transaction begun as a write, so two seats never build them at
+// once. Texts of three characters and more use the server's trigram indexes.
 bool ensureServerPieces(Database& db, const SearchIndexDef& def) {
     const QString pieces = serverPiecesTable(def.table);
     if (pieces.isEmpty()) return true;

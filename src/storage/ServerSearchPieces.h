@@ -4,7 +4,9 @@
 // A text under three characters cannot use the trigram indexes (StoreEngine.h); the list asks
 // this table for the rows that hold the text as a piece instead of reading every trader, then
 // tests those rows with its own ILIKE conditions, so the rows and their order are those of the
-// plain query. The files keep the same pieces in their own search tables (master/SearchIndex.h).
+// plain query. The files keep the same pieces in their own search tables (master/SearchIndex.h);
+// as theirs, the pieces are made and filled at the store's first short search, so the store's
+// layout stays the tables of the books.
 //
 // A piece is the column's text cut at each character, lower-cased as the lists' comparison
 // folds letters (ASCII only); a row's pieces are numbered by the column they come from, 0, 1, 2
@@ -27,8 +29,8 @@ QStringList serverPiecesColumns(const QString& table);
 // by, and the trigger that keeps the pieces in step with every insert, change and delete;
 // nothing for other tables. Each may run again: an existing piece is kept or replaced.
 QStringList serverPiecesStatements(const QString& table);
-// The pieces of every row the table holds now, for a store laid down before the pieces were:
-// run after the statements above, in the same transaction.
+// The pieces of every row the table holds now: run after the statements above, in the same
+// transaction.
 QStringList serverPiecesFillStatements(const QString& table);
 
 // The search text as its pieces are stored: ASCII letters in lower case, everything else as it is.
