@@ -52,7 +52,7 @@ LockWait waitInQueue(const QSqlDatabase& db, const QString& schema, int sliceMil
     }
     QSqlQuery lock(db);
     lock.prepare(QStringLiteral("SELECT pg_advisory_xact_lock(?, hashtext(?))"));
-    lock.addBindValue(kWriterLockClass);
+    lock.addBindValue(kServerWriterLockClass);
     lock.addBindValue(schema);
     if (lock.exec()) {
         lock.finish();
