@@ -3,6 +3,7 @@
 #include "common/Messages.h"
 #include "common/text/BusinessNumber.h"
 #include "core/AppState.h"
+#include "management/OfficialTotalsSums.h"
 #include "management/etax/HandOverRecord.h"
 #include "storage/CrossFileQueries.h"
 #include "storage/Database.h"
@@ -58,6 +59,17 @@ const QString kFormRead = QStringLiteral(
     "UNION ALL SELECT * FROM (SELECT 4 AS Kind, t.Serial, t.C_Name, 1, r.Invoices, r.Supply, r.Tax "
     "FROM Receivers r LEFT JOIN basic.Trader t ON t.Code = r.FirstCode WHERE r.Part = 2 "
     "ORDER BY r.FirstCode NULLS FIRST LIMIT ? OFFSET ?) Listed");
+
+// The same rules read as the lines of the period and the traders' numbers, for a store whose
+// lines are summed in memory: the period's lines each with the part its invoice belongs to, and
+// every trader's number (worked down to its digits in memory, as above).
+const QString kFormLinesRead = QStringLiteral(
+    "WITH Sent AS (SELECT u.TaxCode FROM (%1) u WHERE TRIM(u.UploadedDate) LIKE '____-__-__' "
+    "AND TRIM(u.UploadedDate) <= ?) "
+    "SELECT n.CCode, n.TaxCode, CASE WHEN n.TaxCode IN (SELECT TaxCode FROM Sent) THEN 0 ELSE 2 END AS Part, "
+    "n.TradeKum, n.VatKum FROM NewAcount n WHERE n.DealDate BETWEEN ? AND ?");
+const QString kFormTradersRead = QStringLiteral("SELECT Code, Serial FROM basic.Trader");
+const QString kFormRecordRead = QStringLiteral("SELECT Serial, C_Name FROM basic.Trader WHERE Code = ?");
 
 } // namespace
 
@@ -191,6 +203,16 @@ bool readForm(OfficialTotals& form, const TotalsPeriod& period, int first, int c
     }
     const QString deadline =
         form.deadline.isValid() ? form.deadline.toString(QStringLiteral("yyyy-MM-dd")) : QString();
+    form.firstReceiver = qMax(0, first);
+    if (canSumFormFromLines(tax)) {
+        const FormLineReads reads{kFormLinesRead.arg(standingInvoicesSql(true)),
+                                  {period.from, period.to, deadline, period.from, period.to},
+                                  kFormTradersRead,
+                                  kFormRecordRead};
+        const bool summed = sumFormFromLines(tax, reads, form, first, count);
+        tax.detach(kBasicAlias);
+        return summed;
+    }
     QSqlQuery rs(tax.connection());
     rs.setForwardOnly(true);
     const bool read = OpenForwardOnly(tax, rs, sql,

@@ -438,6 +438,46 @@ private Q_SLOTS:
         QCOMPARE(engine->total().invoices, 11);
     }
 
+    // Invoice codes longer than the program's own, numbers written with wide and no-break
+    // spaces, and a line without a trader code are summed as the one statement sums them.
+    void longCodesWideBlanksAndALineWithoutATraderAreSummedAsTheRulesSay() {
+        Store s;
+        test::script();
+        addTrader("000001", "가나철강", "234-56-78904");
+        addTrader("000002", "가나철강2", QStringLiteral("234\u300056\u00a078904"));
+        addTrader("000003", "긴코드", "456-78-90123");
+        addInvoice("1000000001", "000003", 1000, 100, "2024-04-02");
+        addInvoice("1000000001", "000003", 500, 50, "2024-04-02"); // a second line of one invoice
+        addInvoice("1000000002", "000003", 700, 70, "2024-04-03");
+        addInvoice("100001", "000001", 2000, 200, "2024-05-02");
+        addInvoice("100002", "000002", 3000, 300, "2024-05-03");
+        QVERIFY(
+            test::exec(stores().dbTax,
+                       "insert into NewAcount (TaxCode, CCode, PName, Quantity, UnitCost, TradeKum, VatKum, "
+                       "DealDate, TradeDate, UserCode) values ('100003', NULL, '볼트', 1, 4000, 4000, 400, "
+                       "'2024-06-01', '06-01', '123-45-67891')"));
+        const auto whole = ReadOfficialTotals(kSecondQuarter, QDate(2024, 7, 2));
+        const auto stretch = ReadOfficialTotals(kSecondQuarter, QDate(2024, 7, 2), 1, 1);
+        QVERIFY(whole && stretch);
+        QCOMPARE(whole->paperBusiness.receivers, 3);
+        QCOMPARE(whole->paperBusiness.invoices, 5);
+        QCOMPARE(whole->paperBusiness.supply, 11200.0);
+        QCOMPARE(whole->paperBusiness.tax, 1120.0);
+        QCOMPARE(whole->receivers.size(), 3);
+        QCOMPARE(whole->receivers.at(0).serial, QString()); // the line without a trader comes first
+        QCOMPARE(whole->receivers.at(0).supply, 4000.0);
+        QCOMPARE(whole->receivers.at(1).serial, QStringLiteral("234-56-78904"));
+        QCOMPARE(whole->receivers.at(1).company, QStringLiteral("가나철강"));
+        QCOMPARE(whole->receivers.at(1).invoices, 2);
+        QCOMPARE(whole->receivers.at(1).supply, 5000.0);
+        QCOMPARE(whole->receivers.at(2).company, QStringLiteral("긴코드"));
+        QCOMPARE(whole->receivers.at(2).invoices, 2);
+        QCOMPARE(whole->receivers.at(2).supply, 2200.0);
+        QCOMPARE(stretch->receivers.size(), 1);
+        QCOMPARE(stretch->receiverAt(1)->company, QStringLiteral("가나철강"));
+        QCOMPARE(stretch->paperBusiness.supply, 11200.0);
+    }
+
     void aStretchOfReceiversCarriesTheWholeFormsTotals() {
         Store s;
         test::script();

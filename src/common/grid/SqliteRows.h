@@ -40,6 +40,9 @@ public:
 
     int width() const { return m_width; }
     bool next(QVariant* out, int count);
+    // The row stepped to last (next with no values asked for), for whoever reads its columns
+    // through the engine's own interface; null once the rows are through.
+    sqlite3_stmt* row() const { return m_stmt; }
 
 private:
     void fail(int code);
