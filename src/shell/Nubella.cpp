@@ -164,22 +164,32 @@ bool Nubella::load(bool showSplash) {
         noteStartStep(StartStep::Loaded);
         return true;
     }
-    // The day's first backup runs beside the splash, begun once the splash is drawn; the main
+    // The stores are checked, moved, opened and upgraded while the splash shows, once it is
+    // drawn: the splash takes no keys, and the main window, where the operator first types,
+    // comes after all of it. The day's first backup follows them beside the splash; the main
     // window waits for it only when it outlasts the splash.
     DayBackup dayBackup;
-    StartProgram(&dayBackup);
+    PrepareStart(&dayBackup);
     DayBackupAside aside(std::move(dayBackup));
+    bool storesOpened = false;
+    const auto openStores = [&storesOpened] {
+        if (storesOpened) return;
+        storesOpened = true;
+        OpenStoresAtStart();
+    };
     {
         FrmLogin splash(this);
         connect(
             &splash, &FrmLogin::painted, &aside,
-            [&aside] {
+            [&aside, &openStores] {
                 noteStartStep(StartStep::SplashPainted);
+                openStores();
                 aside.start();
             },
             Qt::QueuedConnection);
         splash.exec();
     }
+    openStores(); // a splash closed before it was drawn
     noteStartStep(StartStep::SplashClosed);
     aside.finish();
     noteStartStep(StartStep::Loaded);

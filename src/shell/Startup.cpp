@@ -108,11 +108,19 @@ bool LoadDecimalSettings() {
 }
 
 void StartProgram(DayBackup* dayBackup) {
+    PrepareStart(dayBackup);
+    OpenStoresAtStart();
+}
+
+void PrepareStart(DayBackup* dayBackup) {
     ForceDateFormat(0);
     ReadSettings();
     // Backups: a restore cut short is finished, and the backup before an upgrade taken, before
     // any store is laid down or opened; the day's first too, unless the caller takes it aside.
     RunStartupSafeguards(dayBackup);
+}
+
+void OpenStoresAtStart() {
     // The store files are laid down before anything reads them, so the old statement store's
     // move always finds the store it moves into.
     CreateMissingStoreFiles();

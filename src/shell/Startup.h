@@ -32,5 +32,10 @@ bool LoadDecimalSettings();
 // day's first backup is taken first, or, given `dayBackup`, left prepared there for the caller
 // to take beside the splash.
 void StartProgram(DayBackup* dayBackup = nullptr);
+// Its two halves, for a caller that shows its splash between them: the settings read and the
+// backups that must come before any store is opened (PrepareStart), then the stores laid down,
+// checked, moved, opened and upgraded (OpenStoresAtStart).
+void PrepareStart(DayBackup* dayBackup = nullptr);
+void OpenStoresAtStart();
 
 } // namespace nb

@@ -104,6 +104,30 @@ private Q_SLOTS:
         QVERIFY(stores().dbBasic.isOpen());
     }
 
+    // The first window comes before the stores' checks; the main window, where the operator
+    // types, after them.
+    void theStoresAreCheckedAndOpenedOnceTheSplashIsDrawn() {
+        test::TestHome home;
+        seedBooks();
+        test::script();
+        StepLog log;
+        bool openWhenDrawn = true;
+        log.onStep = [&openWhenDrawn](StartStep step) {
+            if (step != StartStep::SplashPainted) return;
+            openWhenDrawn = stores().dbBasic.isOpen() || stores().dbBill.isOpen();
+            QTimer::singleShot(0, qApp, [] {
+                for (QWidget* w : QApplication::topLevelWidgets())
+                    if (auto* splash = qobject_cast<FrmLogin*>(w)) splash->accept();
+            });
+        };
+        Nubella window;
+        QVERIFY(window.load());
+        QVERIFY2(!openWhenDrawn, "the stores were opened before the splash showed");
+        QVERIFY(stores().dbBasic.isOpen());
+        QVERIFY(stores().dbBill.isOpen());
+        QVERIFY(log.indexOf(StartStep::SplashPainted) < log.indexOf(StartStep::DayBackupBegun));
+    }
+
     void theSplashIsDrawnBeforeTheBackupBegins() {
         test::TestHome home;
         seedBooks();
