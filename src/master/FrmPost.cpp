@@ -89,17 +89,24 @@ int FrmPost::search(const QString& text) {
 }
 
 // Without the book's file the list stays empty, as it did before any book was loaded.
+// A search's rows take the place of the list before in one change of the list (the view laid
+// out and painted once); a search that cannot run leaves the list empty.
 void FrmPost::searchPostBook(const QString& text) {
-    model()->clear();
-    if (!m_postBook.isOpen() && !OpenDb(m_postBook, app().DbPostFile, 0)) return;
-    if (std::unique_ptr<QSqlQuery> rows = OpenPostSearch(m_postBook, text))
+    std::unique_ptr<QSqlQuery> rows;
+    if (m_postBook.isOpen() || OpenDb(m_postBook, app().DbPostFile, 0))
+        rows = OpenPostSearch(m_postBook, text);
+    if (rows)
         model()->fillFrom(std::move(rows));
+    else
+        model()->clear();
 }
 
 void FrmPost::searchRoadBook(const QString& text) {
-    model()->clear();
     auto rows = std::make_unique<RoadRows>(m_roadBookFile.database());
-    if (rows->search(text)) model()->fillFrom(std::move(rows));
+    if (rows->search(text))
+        model()->fillFrom(std::move(rows));
+    else
+        model()->clear();
 }
 
 void FrmPost::SetObject(QLineEdit* zipTarget, QLineEdit* addrTarget) {

@@ -48,11 +48,14 @@ void FrmTraderList::InitForm(const QString& name, int section, int& result) {
     m_section = section;
     txtinput()->setText(m_name);
     const SqlPart query = TraderListQuery(stores().dbBasic, m_name, section);
-    model()->clear();
     result = 0;
     auto rows = std::make_unique<QSqlQuery>(stores().dbBasic.connection());
-    if (!OpenForwardOnly(stores().dbBasic, *rows, query.sql, query.values)) return;
+    if (!OpenForwardOnly(stores().dbBasic, *rows, query.sql, query.values)) {
+        model()->clear();
+        return;
+    }
     // A text every trader holds lists them all: the first page shows at once, the rest follows.
+    // The rows take the list before's place in one change of the list.
     model()->fillFrom(std::move(rows));
     selectRow(0);
     const int shown = model()->rowCount();

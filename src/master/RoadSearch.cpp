@@ -209,23 +209,37 @@ SqlPart RoadSearchQuery(const QSqlDatabase& book, const QString& text) {
     return {kColumns + QStringLiteral("FROM RoadAddr a"), {}};
 }
 
-RoadAddress RoadAddressOfRow(const QSqlQuery& q) {
+namespace {
+
+// The statement's columns in order, from a query or a row of values alike.
+template <typename Value> RoadAddress addressOf(const Value& value) {
     RoadAddress a;
-    a.zip = q.value(0).toString();
-    a.sido = q.value(1).toString();
-    a.sigungu = q.value(2).toString();
-    a.eupmyeon = q.value(3).toString();
-    a.roadName = q.value(4).toString();
-    a.underground = q.value(5).toInt() != 0;
-    a.buildingMain = q.value(6).toInt();
-    a.buildingSub = q.value(7).toInt();
-    a.buildingName = q.value(8).toString();
-    a.dong = q.value(9).toString();
-    a.ri = q.value(10).toString();
-    a.mountain = q.value(11).toInt() != 0;
-    a.lotMain = q.value(12).toInt();
-    a.lotSub = q.value(13).toInt();
+    a.zip = value(0).toString();
+    a.sido = value(1).toString();
+    a.sigungu = value(2).toString();
+    a.eupmyeon = value(3).toString();
+    a.roadName = value(4).toString();
+    a.underground = value(5).toInt() != 0;
+    a.buildingMain = value(6).toInt();
+    a.buildingSub = value(7).toInt();
+    a.buildingName = value(8).toString();
+    a.dong = value(9).toString();
+    a.ri = value(10).toString();
+    a.mountain = value(11).toInt() != 0;
+    a.lotMain = value(12).toInt();
+    a.lotSub = value(13).toInt();
     return a;
+}
+constexpr int kStatementColumns = 14;
+
+QString numberWords(int main, int sub) {
+    return sub > 0 ? QString::number(main) + u'-' + QString::number(sub) : QString::number(main);
+}
+
+} // namespace
+
+RoadAddress RoadAddressOfRow(const QSqlQuery& q) {
+    return addressOf([&q](int column) { return q.value(column); });
 }
 
 RoadBookConnection::RoadBookConnection() : m_name(connectionName()) {}
@@ -249,33 +263,61 @@ QSqlDatabase RoadBookConnection::database() {
 }
 
 bool RoadRows::search(const QString& text) {
-    m_query.reset();
-    if (!m_book.isOpen()) return false;
+    m_rows.reset();
+    m_hasLast = false;
+    if (!SqliteRows::canStep(m_book)) return false;
     const SqlPart part = RoadSearchQuery(m_book, text);
-    auto query = std::make_unique<QSqlQuery>(m_book);
-    query->setForwardOnly(true);
-    bool ok = query->prepare(part.sql);
-    for (const QVariant& v : part.values)
-        query->addBindValue(v);
-    ok = ok && query->exec();
-    if (ok) m_query = std::move(query);
-    return ok;
+    // Stepped through the engine's own interface: each value made once, a text the row before
+    // held (the province, the district, the road) shared with it.
+    auto rows = std::make_unique<SqliteStatement>(m_book, part.sql, part.values);
+    if (!rows->ok()) return false;
+    m_rows = std::move(rows);
+    return true;
 }
 
 bool RoadRows::nextAddress(RoadAddress& out) {
-    if (!m_query) return false;
-    if (!m_query->next()) {
-        m_query.reset(); // through: the statement lets go of the book
+    if (!m_rows) return false;
+    QVariant values[kStatementColumns];
+    if (!m_rows->next(values, kStatementColumns)) {
+        m_rows.reset(); // through: the statement lets go of the book
         return false;
     }
-    out = RoadAddressOfRow(*m_query);
+    out = addressOf([&values](int column) { return values[column]; });
     return true;
+}
+
+QString RoadRows::roadText(const RoadAddress& a) {
+    if (!m_hasLast || a.sido != m_last.sido || a.sigungu != m_last.sigungu || a.eupmyeon != m_last.eupmyeon ||
+        a.roadName != m_last.roadName || a.underground != m_last.underground) {
+        QStringList words;
+        for (const QString& w : {a.sido, a.sigungu, a.eupmyeon, a.roadName})
+            if (!w.isEmpty()) words << w;
+        if (a.underground) words << QStringLiteral("지하");
+        m_roadWords = words.isEmpty() ? QString() : words.join(u' ') + u' ';
+    }
+    return m_roadWords + numberWords(a.buildingMain, a.buildingSub);
+}
+
+QString RoadRows::lotText(const RoadAddress& a) {
+    if (!m_hasLast || a.sido != m_last.sido || a.sigungu != m_last.sigungu || a.eupmyeon != m_last.eupmyeon ||
+        a.dong != m_last.dong || a.ri != m_last.ri) {
+        QStringList words;
+        for (const QString& w : {a.sido, a.sigungu, PlaceText(a)})
+            if (!w.isEmpty()) words << w;
+        m_lotWords = words.join(u' ');
+    }
+    if (a.lotMain <= 0) return m_lotWords;
+    const QString number =
+        (a.mountain ? QStringLiteral("산 ") : QString()) + numberWords(a.lotMain, a.lotSub);
+    return m_lotWords.isEmpty() ? number : m_lotWords + u' ' + number;
 }
 
 bool RoadRows::next(QVariant* out, int count) {
     RoadAddress a;
     if (!nextAddress(a)) return false;
-    const QString texts[kRoadColumns] = {a.zip, RoadAddressText(a), LotAddressText(a), a.buildingName};
+    const QString texts[kRoadColumns] = {a.zip, roadText(a), lotText(a), a.buildingName};
+    m_last = a;
+    m_hasLast = true;
     for (int c = 0; c < count && c < kRoadColumns; ++c)
         out[c] = texts[c].isEmpty() ? QVariant() : QVariant(texts[c]);
     return true;

@@ -13,6 +13,7 @@
 // number in the book's order, each checked for the name.
 
 #include "common/grid/GridRows.h"
+#include "common/grid/SqliteRows.h"
 #include "master/RoadBook.h"
 #include "master/SearchIndex.h"
 
@@ -75,8 +76,17 @@ public:
     static constexpr int kRoadColumns = 4;
 
 private:
+    // The list's two address texts; the words before the number are made again only when they
+    // differ from the row before's (a road's addresses come together).
+    QString roadText(const RoadAddress& a);
+    QString lotText(const RoadAddress& a);
+
     QSqlDatabase m_book;
-    std::unique_ptr<QSqlQuery> m_query;
+    std::unique_ptr<SqliteStatement> m_rows;
+    RoadAddress m_last;
+    bool m_hasLast = false;
+    QString m_roadWords; // "서울특별시 종로구 새문안로 " of the row before
+    QString m_lotWords;  // "서울특별시 종로구 신문로1가" of the row before
 };
 // The list's headings, one a column of RoadRows.
 const QStringList& RoadHeadings();
