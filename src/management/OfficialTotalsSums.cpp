@@ -153,7 +153,7 @@ Number numberOf(const char* text, int size) {
 struct TraderSums {
     std::string code; // empty with hasCode false: the lines without a trader code
     bool hasCode = false;
-    PartSums parts[2]; // part 0, part 2
+    PartSums parts[2]; // the invoices sent in time, the others
     // The numbers of the trader records with this code (a code on several records counts on
     // each, as a join with the trader table does).
     std::vector<Number> numbers;
@@ -283,8 +283,8 @@ bool earlier(const ReceiverSums* a, const ReceiverSums* b) {
     return a->first->code < b->first->code;
 }
 
-// The receivers of part 2 in the order of their first trader codes (none first), each with the
-// records of that code, from the one numbered first + 1.
+// The business-number receivers of the invoices not sent in time, in the order of their first
+// trader codes (none first), each with the records of that code, from the one numbered first + 1.
 bool listReceivers(Database& store, const FormLineReads& reads,
                    const std::unordered_map<std::string, ReceiverSums>& receivers, OfficialTotals& form,
                    int first, int count) {
