@@ -174,13 +174,12 @@ void timeQuotationLists(const QString& conn) {
 QStringList refillStatements(const QString& from, const QString& to) {
     return {QStringLiteral("BEGIN"),
             QStringLiteral("SELECT pg_try_advisory_xact_lock(20034, hashtext('tax'))"),
-            QStringLiteral("delete from buytotal"),
-            QStringLiteral("delete from saletotal"),
+            serverStatement(clearTotalsStatements(true)[0], {}),
+            serverStatement(clearTotalsStatements(true)[1], {}),
             forPsql(kFillSaleTotal, {from, to}),
-            QStringLiteral(
-                "SELECT COUNT(*), COALESCE(SUM(TradeKum), 0.0), COALESCE(SUM(VatKum), 0.0) FROM SaleTotal"),
+            serverStatement(totalsCountQuery(true), {}),
             QStringLiteral("COMMIT"),
-            serverStatement(kTotalsListQuery, {})};
+            serverStatement(totalsListQuery(true), {})};
 }
 
 void timeTotals(const QString& conn) {

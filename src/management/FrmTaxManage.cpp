@@ -245,7 +245,7 @@ void FrmTaxManage::clearRows() {
 void FrmTaxManage::showRows(const TotalsRefill& refill) {
     if (refill.rows > 0) {
         auto rows = std::make_unique<QSqlQuery>(stores().dbTax.connection());
-        if (OpenForwardOnly(stores().dbTax, *rows, kTotalsListQuery)) {
+        if (OpenForwardOnly(stores().dbTax, *rows, totalsListQuery(stores().dbTax.onServer()))) {
             grdList->showList(std::make_unique<QueryRows>(std::move(rows)), refill.rows);
             if (grdList->MaxRows() < kListRows) grdList->setMaxRows(kListRows);
         }

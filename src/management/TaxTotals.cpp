@@ -4,6 +4,7 @@
 #include "storage/CrossFileQueries.h"
 #include "storage/Database.h"
 #include "storage/StoreAside.h"
+#include "storage/StoreEngine.h"
 
 #include <QDate>
 #include <QSqlError>
@@ -38,8 +39,11 @@ const QString kFillSaleTotal = QStringLiteral(
 namespace {
 
 const QString kRefillHeadline = QStringLiteral("기간 합계를 만들지 못했습니다.");
-const QString kCountSaleTotal = QStringLiteral(
-    "SELECT COUNT(*), COALESCE(SUM(TradeKum), 0.0), COALESCE(SUM(VatKum), 0.0) FROM SaleTotal");
+
+// The seat's own rows of SaleTotal (on the server every seat shares the table).
+QString saleTotalRows(const Database& db) {
+    return seatRows(db.onServer(), QStringLiteral("SaleTotal"), QStringLiteral("SaleTotal"));
+}
 
 // A failed step of the refill, kept to be shown on the window's thread: a statement the engine
 // refused (the query box), or a transaction that could not begin or commit (the save box).
@@ -70,9 +74,9 @@ std::optional<TotalsRefill> refillOnce(Database& dbTax, const TotalsPeriod& peri
         failure.noteSave(dbTax);
         return std::nullopt;
     }
-    const std::pair<QString, QVariantList> steps[] = {{QStringLiteral("delete from buytotal"), {}},
-                                                      {QStringLiteral("delete from saletotal"), {}},
-                                                      {kFillSaleTotal, {period.from, period.to}}};
+    const QStringList clear = clearTotalsStatements(dbTax.onServer());
+    const std::pair<QString, QVariantList> steps[] = {
+        {clear[0], {}}, {clear[1], {}}, {kFillSaleTotal, {period.from, period.to}}};
     for (const auto& [sql, values] : steps) {
         if (!dbTax.tryExecute(sql, values)) {
             failure.noteStatement(dbTax, sql, values);
@@ -83,12 +87,12 @@ std::optional<TotalsRefill> refillOnce(Database& dbTax, const TotalsPeriod& peri
     TotalsRefill refill;
     {
         QSqlQuery count(dbTax.connection());
-        if (!count.exec(kCountSaleTotal) || !count.next()) {
+        const QString countSql = totalsCountQuery(dbTax.onServer());
+        if (!count.exec(countSql) || !count.next()) {
             const QSqlError error = count.lastError();
             const int code = error.nativeErrorCode().toInt();
             failure = {RefillFailure::Statement, errorNumberFor(error.databaseText(), code),
-                       error.databaseText().isEmpty() ? error.text() : error.databaseText(), code,
-                       kCountSaleTotal};
+                       error.databaseText().isEmpty() ? error.text() : error.databaseText(), code, countSql};
             count.finish();
             dbTax.rollback();
             return std::nullopt;
@@ -118,7 +122,9 @@ std::optional<TotalsRefill> refillWorkTables(Database& dbTax, const TotalsPeriod
 // The rows of SaleTotal as the grid shows them.
 std::optional<QList<TraderTotal>> readSaleTotal(Database& dbTax) {
     Recordset rs;
-    if (!OpenSnapshot(dbTax, rs, QStringLiteral("SELECT * FROM SaleTotal ORDER BY rowid")))
+    if (!OpenSnapshot(dbTax, rs,
+                      QStringLiteral("SELECT * FROM ") + saleTotalRows(dbTax) +
+                          QStringLiteral(" ORDER BY rowid")))
         return std::nullopt;
     QList<TraderTotal> rows;
     rows.reserve(rs.RecordCount());
@@ -209,6 +215,7 @@ std::optional<TotalsRefill> RefillTotalsAside(Database& dbTax, const QString& ba
     std::optional<TotalsRefill> refill;
     runAside([&] {
         Database aside;
+        aside.workForSeatOf(dbTax); // the window reads the rows it leaves
         if (!aside.open(taxFile))
             unopened = taxFile;
         else if (!aside.attach(basicFile, kBasicAlias))
@@ -221,9 +228,23 @@ std::optional<TotalsRefill> RefillTotalsAside(Database& dbTax, const QString& ba
     return refill;
 }
 
-const QString kTotalsListQuery = QStringLiteral(
-    "SELECT '', CName, TradeKum, VatKum, TradeKum + VatKum, NULL, NULL, NULL, CCode, Serial, '1' "
-    "FROM SaleTotal ORDER BY rowid");
+QStringList clearTotalsStatements(bool server) {
+    return {clearSeatRows(server, QStringLiteral("BuyTotal")),
+            clearSeatRows(server, QStringLiteral("SaleTotal"))};
+}
+
+QString totalsCountQuery(bool server) {
+    return QStringLiteral("SELECT COUNT(*), COALESCE(SUM(TradeKum), 0.0), COALESCE(SUM(VatKum), 0.0) FROM ") +
+           seatRows(server, QStringLiteral("SaleTotal"), QStringLiteral("SaleTotal"));
+}
+
+QString totalsListQuery(bool server) {
+    return QStringLiteral(
+               "SELECT '', CName, TradeKum, VatKum, TradeKum + VatKum, NULL, NULL, NULL, CCode, Serial, "
+               "'1' FROM ") +
+           seatRows(server, QStringLiteral("SaleTotal"), QStringLiteral("SaleTotal")) +
+           QStringLiteral(" ORDER BY rowid");
+}
 
 std::array<double, 6> panelSums(const QList<TraderTotal>& rows) {
     std::array<double, 6> sums{};

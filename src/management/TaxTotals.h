@@ -40,6 +40,10 @@ struct TraderTotal {
     double sumKum() const { return tradeKum + vatKum; }
 };
 
+// On the server every seat shares the work tables: a seat reads and clears only its own rows
+// (those its store connection wrote, or a connection working aside for it), so two seats
+// totalling at once never see each other's receivers.
+//
 // SearchTotals without the grid: the work tables emptied, the grouped read, one SaleTotal row a
 // trader (Blank = 11 minus the digits of the supply sum, the name from the basic file at
 // basicFile), all in one transaction. Nothing when a step failed (its box shown; the work
@@ -60,8 +64,14 @@ std::optional<TotalsRefill> RefillTotalsAside(Database& dbTax, const QString& ba
                                               const TotalsPeriod& period);
 // The grouped insert of the period's totals into SaleTotal (the period's two dates bound).
 extern const QString kFillSaleTotal;
-// SaleTotal as grdList shows it, column for column (1 to 11), in the order it was filled.
-extern const QString kTotalsListQuery;
+// The work tables emptied before a refill: BuyTotal, then SaleTotal. On the server (server
+// true) only the seat's own rows, and those of seats no longer connected.
+QStringList clearTotalsStatements(bool server);
+// The seat's SaleTotal counted and summed: rows, supply, VAT.
+QString totalsCountQuery(bool server);
+// The seat's SaleTotal as grdList shows it, column for column (1 to 11), in the order it was
+// filled.
+QString totalsListQuery(bool server);
 
 // The six sums of pnlSum: sales supply, VAT, total, then the purchase three.
 std::array<double, 6> panelSums(const QList<TraderTotal>& rows);

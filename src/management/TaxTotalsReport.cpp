@@ -12,6 +12,7 @@
 #include "printing/PrinterSetup.h"
 #include "storage/CrossFileQueries.h"
 #include "storage/Database.h"
+#include "storage/StoreEngine.h"
 #include "storage/Stores.h"
 
 #include <QElapsedTimer>
@@ -29,8 +30,9 @@ const QString kTotalsLayoutKey = QStringLiteral("합계표양식");
 // from the basic file. The selection is summed per trader first, through the index on the
 // day, and then met with the work table: a year of a decade's books is read once, not once a
 // trader.
+// On the server the work table holds every seat's rows: the seat's own are read (%1).
 const QString kRowsRead = QStringLiteral(
-    "SELECT s.CCode, s.CName, t.Serial AS Serial, g.Invoices, g.Supply, g.Tax FROM SaleTotal s "
+    "SELECT s.CCode, s.CName, t.Serial AS Serial, g.Invoices, g.Supply, g.Tax FROM %1 "
     "JOIN (SELECT CCode, COUNT(DISTINCT TaxCode) AS Invoices, SUM(TradeKum) AS Supply, SUM(VatKum) AS Tax "
     "FROM NewAcount WHERE DealDate >= ? AND DealDate <= ? GROUP BY CCode) g ON g.CCode = s.CCode "
     "LEFT JOIN basic.Trader t ON t.Code = s.CCode ORDER BY s.rowid");
@@ -39,7 +41,7 @@ const QString kRowsRead = QStringLiteral(
 // and invoices (Kind 0), what the rows before the first carry (Kind 1), then the rows (Kind 2),
 // so a page of a long list reads only its own rows.
 const QString kStretchRead = QStringLiteral(
-    "WITH Listed AS (SELECT s.rowid AS Seq, s.CCode, s.CName, g.Invoices, g.Supply, g.Tax FROM SaleTotal s "
+    "WITH Listed AS (SELECT s.rowid AS Seq, s.CCode, s.CName, g.Invoices, g.Supply, g.Tax FROM %1 "
     "JOIN (SELECT CCode, COUNT(DISTINCT TaxCode) AS Invoices, SUM(TradeKum) AS Supply, SUM(VatKum) AS Tax "
     "FROM NewAcount WHERE DealDate >= ? AND DealDate <= ? GROUP BY CCode) g ON g.CCode = s.CCode) "
     "SELECT 0 AS Kind, '' AS CName, '' AS Serial, COUNT(*) AS Invoices, "
@@ -48,6 +50,11 @@ const QString kStretchRead = QStringLiteral(
     "FROM (SELECT Invoices, Supply, Tax FROM Listed ORDER BY Seq LIMIT ?) b "
     "UNION ALL SELECT * FROM (SELECT 2, l.CName, t.Serial, l.Invoices, l.Supply, l.Tax FROM Listed l "
     "LEFT JOIN basic.Trader t ON t.Code = l.CCode ORDER BY l.Seq LIMIT ? OFFSET ?) r");
+
+// A read of the work table as the store of the seat takes it.
+QString ofSeatRows(const QString& sql, const Database& tax) {
+    return sql.arg(seatRows(tax.onServer(), QStringLiteral("SaleTotal"), QStringLiteral("s")));
+}
 
 QString cell(const QString& text, const Column& column) {
     return column.right ? PadBytes(text, column.width) : CutBytes(text, column.width);
@@ -187,8 +194,9 @@ std::optional<TotalsReport> ReadTotalsReport(const TotalsReportValues& values) {
     if (!readSupplier(report)) return std::nullopt;
     Recordset rs;
     Database& tax = stores().dbTax;
-    if (!attachBasic(kRowsRead)) return std::nullopt;
-    const bool read = OpenSnapshot(tax, rs, kRowsRead, {values.selectFrom, values.selectTo});
+    const QString sql = ofSeatRows(kRowsRead, tax);
+    if (!attachBasic(sql)) return std::nullopt;
+    const bool read = OpenSnapshot(tax, rs, sql, {values.selectFrom, values.selectTo});
     tax.detach(kBasicAlias);
     if (!read) return std::nullopt;
     report.rows.reserve(rs.RecordCount());
@@ -209,13 +217,13 @@ std::optional<TotalsReport> ReadTotalsReportStretch(const TotalsReportValues& va
     TotalsReport report;
     report.values = values;
     report.first = qMax(0, first);
-    if (!readSupplier(report) || !attachBasic(kStretchRead)) return std::nullopt;
     Database& tax = stores().dbTax;
+    const QString sql = ofSeatRows(kStretchRead, tax);
+    if (!readSupplier(report) || !attachBasic(sql)) return std::nullopt;
     QSqlQuery rs(tax.connection());
     rs.setForwardOnly(true);
-    const bool read =
-        OpenForwardOnly(tax, rs, kStretchRead,
-                        {values.selectFrom, values.selectTo, report.first, qMax(0, count), report.first});
+    const bool read = OpenForwardOnly(
+        tax, rs, sql, {values.selectFrom, values.selectTo, report.first, qMax(0, count), report.first});
     for (; read && rs.next();) {
         const int kind = rs.value(0).toInt();
         if (kind == 0) {

@@ -59,14 +59,15 @@ private:
     std::vector<Watch> m_watches;
 };
 
-QStringList missingTriggers(Database& db) {
+} // namespace
+
+QStringList missingChangeNotices(Database& db) {
     QStringList out;
+    if (!db.onServer() || !db.isOpen()) return out;
     for (const QString& table : toldTables())
         if (db.hasTable(table) && !db.hasTrigger(changeTriggerName(table))) out << table;
     return out;
 }
-
-} // namespace
 
 QString changeChannel(const QString& schema) {
     return QStringLiteral("nubella_") + schema.toLower();
@@ -89,7 +90,7 @@ QStringList changeNoticeStatements(const QString& table) {
 }
 
 bool addChangeNotices(Database& db) {
-    if (!db.onServer() || !db.isOpen() || missingTriggers(db).isEmpty()) return true;
+    if (!db.onServer() || !db.isOpen() || missingChangeNotices(db).isEmpty()) return true;
     const QString headline = QStringLiteral("다른 자리의 저장을 알리는 장치를 만들지 못했습니다.");
     // The store's writer lock makes a second seat starting at the same moment wait, and then
     // find the triggers made.
@@ -97,7 +98,7 @@ bool addChangeNotices(Database& db) {
         ReportSaveFailure(db, headline);
         return false;
     }
-    for (const QString& table : missingTriggers(db))
+    for (const QString& table : missingChangeNotices(db))
         for (const QString& sql : changeNoticeStatements(table))
             if (!db.Execute(sql)) {
                 db.rollback();

@@ -34,6 +34,8 @@ QStringList changeNoticeStatements(const QString& table);
 // The name of a table's trigger ("<table>_changed", lower case as the server's names).
 QString changeTriggerName(const QString& table);
 
+// The tables of a store on the server that do not tell their changes yet (none on files).
+QStringList missingChangeNotices(Database& db);
 // A store on the server made before its tables told their changes gains the triggers, all in
 // one transaction; a store that has them runs nothing, and a store file is left alone. False
 // (the failure box shown) when they could not be made.

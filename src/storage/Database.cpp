@@ -212,7 +212,8 @@ QString quoteName(const QString& name) {
 
 // ---- Database --------------------------------------------------------------------------
 
-Database::Database() = default;
+// A seat's name stands among the server's connections (at most 63 characters there).
+Database::Database() : m_seatKey(QStringLiteral("nubella ") + QUuid::createUuid().toString(QUuid::Id128)) {}
 
 Database::~Database() {
     close();

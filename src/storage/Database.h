@@ -66,6 +66,13 @@ public:
     // True when this store is a schema of the seat's server database (StoreEngine.h).
     bool onServer() const { return m_server; }
     QString serverSchema() const { return m_schema; }
+    // The seat this connection's rows of the work tables belong to on the server (StoreEngine.h:
+    // isWorkTable): its own unless it works aside for another (workForSeatOf), kept across a
+    // reconnection. The files have no such thing.
+    QString seatKey() const { return m_seatKey; }
+    // This connection reads and writes the work rows of other's seat (a refill on a connection
+    // of its own for the window's); before open, or at once when open.
+    void workForSeatOf(const Database& other);
     // The statement as this connection's engine takes it (the files' as written); for callers
     // that run a QSqlQuery of their own on connection().
     QString statementFor(const QString& sql, const QVariantList& values = {}) const;
@@ -161,6 +168,8 @@ private:
     // made again at the next action outside a transaction; false while the server is away.
     bool reconnectServer();
     bool connectionAnswers() const;
+    // The seat's name on the server's connection (its application_name).
+    bool nameSeat();
     bool serverHasTable(const QString& table) const;
     QStringList serverColumns(const QString& table) const;
     QString serverDeclaredType(const QString& table, const QString& column) const;
@@ -178,6 +187,7 @@ private:
 
     QString m_path;
     QString m_connection;
+    QString m_seatKey;
     int m_recordsAffected = 0;
     int m_statementsRun = 0;
     int m_lastErrorNumber = 0;

@@ -7,6 +7,7 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
@@ -165,9 +166,28 @@ bool Database::reconnectServer() {
         m_connectionLost = true;
         return false;
     }
-    m_connectionLost = false;
     applyLockTimeout();
+    if (!nameSeat()) {
+        db.close();
+        m_connectionLost = true;
+        return false;
+    }
+    m_connectionLost = false;
     return true;
+}
+
+bool Database::nameSeat() {
+    QSqlQuery q(connection());
+    q.prepare(QStringLiteral("SELECT set_config('application_name', ?, false)"));
+    q.addBindValue(m_seatKey);
+    if (q.exec()) return true;
+    noteServerFailure(q.lastError());
+    return false;
+}
+
+void Database::workForSeatOf(const Database& other) {
+    m_seatKey = other.m_seatKey;
+    if (m_server && isOpen()) nameSeat();
 }
 
 void Database::applyLockTimeout() {
@@ -193,6 +213,7 @@ bool Database::connectServer(const QString& path, const QString& schema, bool cr
         ok = ok && runOn(db, QStringLiteral("SET search_path TO ") + schema + QStringLiteral(", public"));
     }
     if (ok) applyLockTimeout();
+    ok = ok && nameSeat();
     if (!ok || schemaExists() == creating) {
         const int number = m_lastErrorNumber;
         const int code = m_lastEngineCode;
@@ -302,7 +323,8 @@ bool Database::serverHasTable(const QString& table) const {
 }
 
 namespace {
-// The columns of a table in order, without the row number every server table ends with.
+// The columns of a table in order, without the row number every server table ends with and the
+// seat a work table's rows belong to (the server's own columns).
 const char* const kColumnsSql =
     "SELECT a.attname, format_type(a.atttypid, a.atttypmod) || "
     "CASE WHEN co.collname = 'ucs_basic' THEN ' COLLATE ucs_basic' ELSE '' END "
@@ -310,7 +332,7 @@ const char* const kColumnsSql =
     "JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
     "LEFT JOIN pg_catalog.pg_collation co ON co.oid = a.attcollation "
     "WHERE n.nspname = ? AND c.relname = ? AND c.relkind = 'r' AND a.attnum > 0 AND NOT a.attisdropped "
-    "AND a.attname <> 'rowid' ORDER BY a.attnum";
+    "AND a.attname NOT IN ('rowid', 'seat') ORDER BY a.attnum";
 } // namespace
 
 QStringList Database::serverColumns(const QString& table) const {
@@ -341,7 +363,9 @@ QList<IndexInfo> Database::serverIndexes(const QString& table) const {
         "pg_catalog.pg_constraint k WHERE k.conindid = x.indexrelid AND k.contype = 'u') THEN 'u' ELSE 'c' "
         "END, "
         "array_to_string(ARRAY(SELECT a.attname FROM unnest(x.indkey::int2[]) WITH ORDINALITY k(num, ord) "
-        "JOIN pg_catalog.pg_attribute a ON a.attrelid = x.indrelid AND a.attnum = k.num ORDER BY k.ord), "
+        "JOIN pg_catalog.pg_attribute a ON a.attrelid = x.indrelid AND a.attnum = k.num WHERE a.attname <> "
+        "'seat' "
+        "ORDER BY k.ord), "
         "',') "
         "FROM pg_catalog.pg_index x JOIN pg_catalog.pg_class t ON t.oid = x.indrelid "
         "JOIN pg_catalog.pg_class i ON i.oid = x.indexrelid "

@@ -30,12 +30,15 @@ QList<int> numericColumns(const Database& db, const QSqlRecord& rec) {
 
 // A server table's row number stands last among its columns, where the files keep it unseen:
 // a "*" brings it along (a "master.*" of a join in the middle of the row), and the recordset
-// leaves it out so that its fields are the files'. The columns shown, by their place in rec.
+// leaves it out so that its fields are the files'; so is a work table's seat. The columns shown,
+// by their place in rec.
 QList<int> shownColumns(const Database& db, const QString& sql, const QSqlRecord& rec) {
     const bool hideRowNumbers = db.onServer() && sql.contains(u'*');
     QList<int> shown;
     for (int i = 0; i < rec.count(); ++i)
-        if (!hideRowNumbers || rec.fieldName(i) != QLatin1String("rowid")) shown << i;
+        if (!hideRowNumbers ||
+            (rec.fieldName(i) != QLatin1String("rowid") && rec.fieldName(i) != QLatin1String("seat")))
+            shown << i;
     return shown;
 }
 

@@ -163,6 +163,30 @@ QString serverRowidIndex(const QString& table) {
     return QStringLiteral("CREATE UNIQUE INDEX IF NOT EXISTS %1_rowid ON %1 (rowid)").arg(name);
 }
 
+bool isWorkTable(const QString& table) {
+    return table.compare(QStringLiteral("SaleTotal"), Qt::CaseInsensitive) == 0 ||
+           table.compare(QStringLiteral("BuyTotal"), Qt::CaseInsensitive) == 0;
+}
+
+QString serverSeatColumn() {
+    return kServerSeatColumn +
+           QStringLiteral(" text COLLATE ucs_basic NOT NULL DEFAULT current_setting('application_name')");
+}
+
+QString seatRows(bool server, const QString& table, const QString& alias) {
+    if (!server) return table + QStringLiteral(" AS ") + alias;
+    return QStringLiteral("(SELECT * FROM %1 WHERE seat = current_setting('application_name')) AS %2")
+        .arg(table.toLower(), alias);
+}
+
+QString clearSeatRows(bool server, const QString& table) {
+    if (!server) return QStringLiteral("DELETE FROM ") + table;
+    // A seat still connected keeps its rows while it pages or prints them.
+    return QStringLiteral("DELETE FROM %1 w WHERE w.seat = current_setting('application_name') OR NOT EXISTS "
+                          "(SELECT 1 FROM pg_catalog.pg_stat_activity a WHERE a.application_name = w.seat)")
+        .arg(table.toLower());
+}
+
 QString serverTrigramExtension() {
     return QStringLiteral("CREATE EXTENSION IF NOT EXISTS pg_trgm SCHEMA public");
 }

@@ -54,6 +54,26 @@ QString serverColumnType(int daoType);
 // server would read the whole table for each.
 QString serverRowidIndex(const QString& table);
 
+// The work tables the program refills for itself (SaleTotal, BuyTotal). On the files each seat
+// has its own; on the server every seat shares one, so there each row carries the seat it was
+// written by (the column `seat`, the server's own as rowid is: left out of columns(), of a "*"
+// recordset and of the index columns a table reports), every one of the table's indexes leads
+// with it, and the program reads and clears only its own seat's rows. A seat is a connection of
+// the program together with those working aside for it: it names itself in the server's
+// application_name (Database::seatKey), which the column takes by default, so the program's
+// inserts read alike on both engines and the rows of a seat that has gone can be told by its
+// name missing from the server's list of connections.
+bool isWorkTable(const QString& table);
+inline const QString kServerSeatColumn = QStringLiteral("seat");
+// The seat column as the server's work tables declare it.
+QString serverSeatColumn();
+// The seat's own rows of a work table, for a FROM clause, under the given alias: the table
+// itself on the files.
+QString seatRows(bool server, const QString& table, const QString& alias);
+// The statement that empties the seat's own rows of a work table (the whole table on the
+// files); on the server it clears the rows of seats no longer connected too.
+QString clearSeatRows(bool server, const QString& table);
+
 // The trigram indexes (pg_trgm, GIN) that let the server's ILIKE '%text%' on the columns the
 // lists search inside (traders by name, telephone, last address word) read an index instead of
 // the whole table for texts of three characters and more; none for other tables. Shorter texts

@@ -54,6 +54,10 @@ TableDef tableDef(const QString& name);
 // server's, and every table ends with a row number, rowid, as the files' tables have one
 // unseen: the order rows were written in (kept out of Database::columns).
 QStringList createStatements(const TableDef& table, bool server = false);
+// A server's work table (SaleTotal, BuyTotal) laid down before its rows were kept per seat: the
+// seat column added, and the table's indexes made anew leading with it (StoreEngine.h). None
+// for other tables.
+QStringList serverSeatUpgrade(const TableDef& table);
 // Creates the table with its indexes in one transaction; a failure shows the query box and
 // leaves the file as it was.
 bool createTable(Database& db, const TableDef& table);

@@ -1,8 +1,12 @@
 // The schema steps at every start: each asks whether its table, column or index exists and
 // acts only when it does not, so a current store passes with no statement run.
+#include "core/AppState.h"
 #include "storage/ChangeNotices.h"
+#include "storage/StoreEngine.h"
 #include "storage/StoreLayout.h"
 #include "storage/Stores.h"
+
+#include <QSqlQuery>
 
 namespace nb {
 namespace {
@@ -128,7 +132,94 @@ void upgradeColumns(Database& basic, Database& tax, bool sayUnopened) {
         DAO_AddField(tax, QStringLiteral("NewAcount"), QStringLiteral("Receipt"), dbText, 4, true, QString());
 }
 
+// ---- The server's own steps ------------------------------------------------------------
+// A server database laid down by an older build lacks what later ones lay down with each table:
+// the unique index of the row numbers, the seat of a work table's rows, the notices of the
+// estimate store. Each store gains what it lacks in one transaction of its own under the store's
+// writer lock (a second seat starting at once waits, then finds it done); a step that fails
+// rolls the whole store's steps back and says so.
+
+const QString kServerUpgradeHeadline = QStringLiteral("자료 서버의 표를 새 형식으로 바꾸지 못했습니다.");
+
+QList<TableDef> layoutOf(const QString& schema) {
+    if (schema == u"basic") return basicTables();
+    if (schema == u"bill") return billTables();
+    if (schema == u"tax") return taxTables();
+    if (schema == u"estimate") return estimateTables();
+    return {};
+}
+
+// The catalog's word on a column, the server's own ones included (columns() leaves them out).
+bool serverHasColumn(const Database& db, const QString& table, const QString& column) {
+    QSqlQuery q(db.connection());
+    q.prepare(QStringLiteral("SELECT 1 FROM pg_catalog.pg_attribute a JOIN pg_catalog.pg_class c ON c.oid = "
+                             "a.attrelid JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace WHERE "
+                             "n.nspname = ? AND c.relname = ? AND a.attname = ? AND NOT a.attisdropped"));
+    q.addBindValue(db.serverSchema());
+    q.addBindValue(table.toLower());
+    q.addBindValue(column);
+    return q.exec() && q.next();
+}
+
+bool hasUniqueRowidIndex(const Database& db, const QString& table) {
+    for (const IndexInfo& index : db.indexes(table))
+        if (index.unique && index.columns == QStringList{QStringLiteral("rowid")}) return true;
+    return false;
+}
+
+// What one store on the server lacks, as statements; none for a store that has it all.
+QStringList missingServerSteps(const Database& db) {
+    QStringList out;
+    for (const TableDef& table : layoutOf(db.serverSchema())) {
+        if (!db.hasTable(table.name)) continue;
+        // An index of that name that is not the unique one gives way to it.
+        if (!hasUniqueRowidIndex(db, table.name))
+            out << QStringLiteral("DROP INDEX IF EXISTS %1_rowid").arg(table.name.toLower())
+                << serverRowidIndex(table.name);
+        if (isWorkTable(table.name) && !serverHasColumn(db, table.name, kServerSeatColumn))
+            out << serverSeatUpgrade(table);
+    }
+    return out;
+}
+
+bool needsServerSteps(Database& db) {
+    return !missingServerSteps(db).isEmpty() || !missingChangeNotices(db).isEmpty();
+}
+
+// One store's steps in one transaction; false (the box shown) when they were not made.
+bool upgradeServerStore(Database& db) {
+    if (!db.onServer() || !db.isOpen() || !needsServerSteps(db)) return true;
+    if (!db.beginTransaction()) {
+        ReportSaveFailure(db, kServerUpgradeHeadline);
+        return false;
+    }
+    // Read again under the lock: a seat that started meanwhile may have made them.
+    for (const QString& sql : missingServerSteps(db))
+        if (!db.Execute(sql)) {
+            db.rollback();
+            return false;
+        }
+    if (!addChangeNotices(db)) {
+        db.rollback();
+        return false;
+    }
+    if (db.commit()) return true;
+    ReportSaveFailure(db, kServerUpgradeHeadline);
+    return false;
+}
+
 } // namespace
+
+bool UpgradeServerStores() {
+    bool upgraded = true;
+    for (Database* db : {&stores().dbBasic, &stores().dbBill, &stores().dbTax})
+        upgraded = upgradeServerStore(*db) && upgraded;
+    // The estimate store is opened by its screens only; its steps are taken at start all the same.
+    if (serverSchemaOf(app().DbEstimateFile).isEmpty()) return upgraded;
+    Database estimate;
+    if (estimate.open(app().DbEstimateFile)) upgraded = upgradeServerStore(estimate) && upgraded;
+    return upgraded;
+}
 
 void UpgradeTables() {
     upgradeTables(stores().dbBasic, stores().dbTax, true);
@@ -141,9 +232,8 @@ void UpgradeColumns() {
 void UpgradeOpenStores() {
     upgradeTables(stores().dbBasic, stores().dbTax, false);
     upgradeColumns(stores().dbBasic, stores().dbTax, false);
-    // A server database laid down by an older build gains the notices its lists listen for.
-    for (Database* db : {&stores().dbBasic, &stores().dbBill, &stores().dbTax})
-        addChangeNotices(*db);
+    // A server database laid down by an older build gains what later builds lay down.
+    UpgradeServerStores();
 }
 
 void UpgradeStoreFiles(Database& basic, Database& tax) {

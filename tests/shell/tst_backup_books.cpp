@@ -44,6 +44,8 @@ QStringList booksRows() {
             continue;
         }
         for (const TableDef& table : tables) {
+            // The server's totals work rows are its connected seats' scratch, not the books.
+            if (db.onServer() && isWorkTable(table.name)) continue;
             QStringList columns;
             for (const ColumnDef& column : table.columns)
                 columns << quoteName(column.name);
@@ -286,7 +288,9 @@ private Q_SLOTS:
             byEntry.insert(store.entry, store);
         QCOMPARE(byEntry.value(QStringLiteral("dbBasic.db")).rows.value(QStringLiteral("Trader")), 2);
         QCOMPARE(byEntry.value(QStringLiteral("dbBill.db")).rows.value(QStringLiteral("Detail")), 4);
-        QCOMPARE(byEntry.value(QStringLiteral("dbTax.db")).rows.value(QStringLiteral("SaleTotal")), 2);
+        // The server's totals work rows are its connected seats' scratch and stay behind.
+        QCOMPARE(byEntry.value(QStringLiteral("dbTax.db")).rows.value(QStringLiteral("SaleTotal")),
+                 test::testOnServer() ? 0 : 2);
         QCOMPARE(byEntry.value(QStringLiteral("dbEstimate.db")).rows.value(QStringLiteral("EstiBase")), 2);
         // Each store of the backup is a store file any seat on files opens, with the same rows.
         QTemporaryDir out;

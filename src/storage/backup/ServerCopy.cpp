@@ -54,8 +54,8 @@ QString columnList(const QList<ColumnDef>& columns) {
     return names.join(QStringLiteral(", "));
 }
 
-// The columns of a table as one side holds it, without the server's row number; none when the
-// table is not there.
+// The columns of a table as one side holds it, without the server's own (the row number, a work
+// row's seat); none when the table is not there.
 bool columnsOf(const Side& side, const QString& table, QStringList* names, QString* why) {
     if (!side.server) {
         const QSqlRecord record = side.db.record(table);
@@ -67,7 +67,7 @@ bool columnsOf(const Side& side, const QString& table, QStringList* names, QStri
     q.prepare(QStringLiteral(
         "SELECT a.attname FROM pg_catalog.pg_attribute a JOIN pg_catalog.pg_class c ON c.oid = a.attrelid "
         "JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace WHERE n.nspname = ? AND c.relname = ? "
-        "AND c.relkind = 'r' AND a.attnum > 0 AND NOT a.attisdropped AND a.attname <> 'rowid' "
+        "AND c.relkind = 'r' AND a.attnum > 0 AND NOT a.attisdropped AND a.attname NOT IN ('rowid', 'seat') "
         "ORDER BY a.attnum"));
     q.addBindValue(side.schema);
     q.addBindValue(table.toLower());
@@ -289,7 +289,9 @@ bool copyTables(const Side& source, const Side& target, const QList<TableDef>& t
         bool present = false;
         if (!sourcePresent) continue;
         if (!columnsToCopy(source, target, table, &columns, &present, why)) return false;
-        if (!present) continue;
+        // The work rows on the server are the scratch of the seats connected (a file holds one
+        // seat's): they stay behind, and a seat of the copy remakes its own at its next search.
+        if (!present || (source.server && isWorkTable(table.name))) continue;
         CopiedTable done{source.server ? source.schema : target.schema, table.name, 0};
         if (!copyRows(source, target, table, columns, &done.rows, why) ||
             !checkTable(source, target, table, columns, why))
