@@ -287,6 +287,7 @@ void Database::close() {
     m_schema.clear();
     m_failedDepth = 0;
     m_connectionLost = false;
+    m_channels.clear();
 }
 
 void Database::setBusyTimeout(int millis) {

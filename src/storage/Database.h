@@ -188,6 +188,8 @@ private:
     QString m_path;
     QString m_connection;
     QString m_seatKey;
+    // The notice channels a dropped connection listened on, until its successor listens again.
+    QStringList m_channels;
     int m_recordsAffected = 0;
     int m_statementsRun = 0;
     int m_lastErrorNumber = 0;

@@ -150,6 +150,10 @@ bool Database::connectionAnswers() const {
 
 bool Database::reconnectServer() {
     QSqlDatabase db = connection();
+    // The channels the open lists listen on (ChangeNotices.h): a new connection hears nothing
+    // until it listens again, and the driver forgets them when it closes.
+    const QStringList channels = db.driver() ? db.driver()->subscribedToNotifications() : QStringList();
+    if (!channels.isEmpty()) m_channels = channels;
     if (db.isOpen()) db.close();
     m_savepoints.clear();
     m_failedDepth = 0;
@@ -172,6 +176,14 @@ bool Database::reconnectServer() {
         m_connectionLost = true;
         return false;
     }
+    for (const QString& channel : std::as_const(m_channels))
+        if (!db.driver()->subscribeToNotification(channel)) {
+            noteServerFailure(db.driver()->lastError());
+            db.close();
+            m_connectionLost = true;
+            return false;
+        }
+    m_channels.clear();
     m_connectionLost = false;
     return true;
 }

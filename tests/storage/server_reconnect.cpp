@@ -7,6 +7,7 @@
 #include "core/Lifecycle.h"
 #include "core/Settings.h"
 #include "storage/Backup.h"
+#include "storage/ChangeNotices.h"
 #include "storage/Database.h"
 #include "storage/ServerSettings.h"
 #include "storage/StoreEngine.h"
@@ -198,6 +199,43 @@ private Q_SLOTS:
         QCOMPARE(traderCodes(), QStringLiteral("000001"));
         QVERIFY(saveTrader(QStringLiteral("000003")));
         QCOMPARE(traderCodes(), QStringLiteral("000001,000003"));
+    }
+
+    void aListListeningBeforeARestartIsToldOfAnotherSeatsSavesAfterTheReconnect() {
+        test::TestHome home;
+        OwnCluster cluster;
+        QVERIFY(seatOn(cluster));
+        ScriptedMessages& said = test::script();
+        QObject list;
+        int told = 0;
+        QVERIFY(watchStoreChanges(stores().dbBasic, &list, [&] { ++told; }));
+        QVERIFY(cluster.pause());
+        QVERIFY(cluster.resume());
+        // The seat's next action makes its connection anew, under the same seat's name.
+        QCOMPARE(traderCodes(), QString());
+        QCOMPARE(test::scalar(stores().dbBasic, QStringLiteral("SELECT current_setting('application_name')"))
+                     .toString(),
+                 stores().dbBasic.seatKey());
+        Database other;
+        QVERIFY(other.open(app().DbBasicFile));
+        QVERIFY(other.beginTransaction());
+        QVERIFY(other.Execute(
+            QStringLiteral("INSERT INTO Trader (Code, C_Name) VALUES ('000009', '다른 자리')")));
+        QVERIFY(other.commit());
+        QVERIFY(QTest::qWaitFor([&] { return told > 0; }, 5000));
+        QCOMPARE(told, 1);
+        // Again after a second restart: it listens on every new connection, once.
+        QVERIFY(cluster.pause());
+        QVERIFY(cluster.resume());
+        QCOMPARE(traderCodes(), QStringLiteral("000009"));
+        QVERIFY(other.beginTransaction() || (other.open(app().DbBasicFile) && other.beginTransaction()));
+        QVERIFY(
+            other.Execute(QStringLiteral("INSERT INTO Trader (Code, C_Name) VALUES ('000010', '또 다른')")));
+        QVERIFY(other.commit());
+        QVERIFY(QTest::qWaitFor([&] { return told > 1; }, 5000));
+        QTest::qWait(300);
+        QCOMPARE(told, 2);
+        QCOMPARE(int(said.boxes().size()), 0);
     }
 
     void aStartWhileTheServerIsAwayTakesNoBackupAndSaysNothingOfIt() {
