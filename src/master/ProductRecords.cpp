@@ -76,10 +76,13 @@ int askAboutSameProduct(const QString& name) {
                           QStringLiteral("상품명 중복"));
 }
 
+// Run again quietly while another seat's save on the server breaks it off.
 void updateProduct(const ProductFields& f, qint32 buy, qint32 sale, const QString& code) {
-    basic().Execute(QStringLiteral("Update Product Set PName = ? , PNorm = ?, BuyPrice = ? , SalePrice = ? , "
-                                   "Unit = ? , Bigo = ? where Code = ?"),
-                    {f[0], f[1], buy, sale, f[5], f[4], code});
+    RetryingSave([&] {
+        return basic().Execute(QStringLiteral("Update Product Set PName = ? , PNorm = ?, BuyPrice = ? , "
+                                              "SalePrice = ? , Unit = ? , Bigo = ? where Code = ?"),
+                               {f[0], f[1], buy, sale, f[5], f[4], code});
+    });
     ShowNotice(QStringLiteral("자료가 수정되었습니다."), 700);
 }
 

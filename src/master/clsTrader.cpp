@@ -9,6 +9,7 @@ namespace nb {
 namespace {
 
 const QString kNotPayErrorText = QStringLiteral("현재미수금 데이터를 갱신하는 중 오류가 발생했습니다.");
+const QString kNotPaySaveHeadline = QStringLiteral("현재미수금을 저장하지 못했습니다.");
 
 QString saveFailureText(int number, const QString& description) {
     return QStringLiteral("자료를 저장하는 중 오류가 발생했습니다.\r\n\r\n오류번호 : ") +
@@ -18,6 +19,19 @@ QString saveFailureText(int number, const QString& description) {
 
 QString codeText(qint64 value) {
     return QStringLiteral("%1").arg(value, 6, 10, QLatin1Char('0'));
+}
+
+// One statement on a trader's row as a whole save: run again quietly while another seat's save
+// on the server breaks it off, its failure box (when showBox) shown for the last try only. The
+// rows it changed; 0 when it failed.
+int runAsSave(Database& db, const QString& sql, const QVariantList& values, bool showBox = true) {
+    int changed = 0;
+    RetryingSave([&] {
+        const bool ran = showBox ? db.Execute(sql, values) : db.tryExecute(sql, values);
+        changed = ran ? db.RecordsAffected() : 0;
+        return ran;
+    });
+    return changed;
 }
 
 } // namespace
@@ -40,7 +54,7 @@ void clsTrader::SaveTrader() {
                        "Post, Status, Item, OpenDate, CloseDate, EnterDate, Section, TotNoPay, Bigo, Email) "
                        "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
     rs.close();
-    if (!db().tryExecute(sql, values) || db().RecordsAffected() == 0) {
+    if (runAsSave(db(), sql, values, false) == 0) {
         MsgBox(saveFailureText(db().lastErrorNumber(), db().lastErrorDescription()));
         return;
     }
@@ -48,7 +62,8 @@ void clsTrader::SaveTrader() {
 }
 
 void clsTrader::UpdateTrader() {
-    db().Execute(
+    const int changed = runAsSave(
+        db(),
         QStringLiteral(
             "UPDATE Trader SET C_Name = ?, U_Name = ?, Serial = ?, Phone = ?, Fax = ?, "
             "HPhone = ?, Addr1 = ?, Post = ?, Status = ?, Item = ?, Bigo = ?, Email = ? WHERE Code = ?"),
@@ -56,12 +71,12 @@ void clsTrader::UpdateTrader() {
     // The notice comes first and the count is read only after it, as the operator has
     // always seen it: a code that is gone shows both.
     ShowNotice(QStringLiteral("자료가 갱신되었습니다."), 700);
-    if (db().RecordsAffected() == 0) MsgBox(QStringLiteral("데이터를 갱신하는 중 오류가 발생했습니다."));
+    if (changed == 0) MsgBox(QStringLiteral("데이터를 갱신하는 중 오류가 발생했습니다."));
 }
 
 void clsTrader::Update_Charge() {
-    db().Execute(QStringLiteral("UPDATE Trader SET Charge = ? WHERE Code = ?;"), {sCharge, sCode});
-    if (db().RecordsAffected() == 0)
+    if (runAsSave(db(), QStringLiteral("UPDATE Trader SET Charge = ? WHERE Code = ?;"), {sCharge, sCode}) ==
+        0)
         MsgBox(QStringLiteral("거래처 담당자를 변경하는 중 오류가 발생했습니다."));
 }
 
@@ -91,8 +106,8 @@ void clsTrader::FindTrader(Recordset& rs, const QString& code, const QString& co
 }
 
 void clsTrader::DeleteTrader(const QString& code) {
-    db().Execute(QStringLiteral("DELETE FROM Trader WHERE Code = ?"), {code});
-    if (db().RecordsAffected() == 0) MsgBox(QStringLiteral("자료를 삭제하는 중 오류가 발생했습니다."));
+    if (runAsSave(db(), QStringLiteral("DELETE FROM Trader WHERE Code = ?"), {code}) == 0)
+        MsgBox(QStringLiteral("자료를 삭제하는 중 오류가 발생했습니다."));
 }
 
 void clsTrader::TraderTax(quint8& kind) {
@@ -127,12 +142,37 @@ void clsTrader::CurTotNoPay(const QString& code, double& amount) {
     if (!rs.EOF_()) amount = rs.number(QStringLiteral("TotNoPay"));
 }
 
+// The balance is read and written in one transaction begun as a write, so a seat moving it at the
+// same moment waits instead of losing the other's move; a try the server broke off reads it anew.
 void clsTrader::UpdateNoPay(double oldAmount, double newAmount) {
-    double current = 0;
-    CurTotNoPay(sCode, current);
-    const double value = current - oldAmount + newAmount;
-    db().Execute(QStringLiteral("UPDATE Trader SET TotNoPay = ? WHERE Code = ?"), {value, sCode});
-    if (db().RecordsAffected() == 0) MsgBox(kNotPayErrorText);
+    enum class Moved { Yes, NoRow, Failed } moved = Moved::Failed; // Failed: its box was shown
+    RetryingSave([&] {
+        moved = Moved::Failed;
+        if (!db().beginTransaction()) {
+            ReportSaveFailure(db(), kNotPaySaveHeadline);
+            return false;
+        }
+        Recordset rs;
+        if (!OpenSnapshot(db(), rs, QStringLiteral("SELECT TotNoPay FROM Trader WHERE Code = ?"), {sCode})) {
+            db().rollback();
+            return false;
+        }
+        const double current = rs.EOF_() ? 0 : rs.number(QStringLiteral("TotNoPay"));
+        CloseRs(rs);
+        if (!db().Execute(QStringLiteral("UPDATE Trader SET TotNoPay = ? WHERE Code = ?"),
+                          {current - oldAmount + newAmount, sCode})) {
+            db().rollback();
+            return false;
+        }
+        const bool changed = db().RecordsAffected() > 0;
+        if (!db().commit()) {
+            ReportSaveFailure(db(), kNotPaySaveHeadline);
+            return false;
+        }
+        moved = changed ? Moved::Yes : Moved::NoRow;
+        return true;
+    });
+    if (moved == Moved::NoRow) MsgBox(kNotPayErrorText);
 }
 
 void clsTrader::CheckField(quint8 section, const QString& comp, bool& found) {

@@ -1,10 +1,11 @@
-// A product or a supplier saved while another seat's save broke the write off: on the server it
+// A product, a supplier or a trader saved while another seat's save broke the write off: on the server it
 // is run again quietly, each try from the form as it was, until it is whole or the tries are
 // spent; on the store files it is tried once, as ever. Only a saved code is handed back.
 #include "ForcedConflict.h"
 #include "MasterFixture.h"
 #include "master/ProductRecords.h"
 #include "master/SupplierRecords.h"
+#include "master/clsTrader.h"
 #include "storage/Database.h"
 
 using namespace nb;
@@ -32,6 +33,12 @@ ProductFields product(const QString& name) {
 SupplierFields supplier(const QString& serial, const QString& company) {
     return {company,       "홍길동",      serial,   "135-080", "서울 강남구",
             "02-123-4567", "02-123-4568", "도소매", "문구"};
+}
+
+// A field of the trader 000001 as stored.
+QVariant traderField(const char* column) {
+    return scalar(stores().dbBasic,
+                  QStringLiteral("SELECT %1 FROM Trader WHERE Code = '000001'").arg(QLatin1String(column)));
 }
 
 bool saidSaved(const ScriptedMessages& msgs, const QString& text) {
@@ -107,6 +114,108 @@ private Q_SLOTS:
         QCOMPARE(saved, SupplierSave::Saved);
         QVERIFY(msgs.boxes().empty());
         QCOMPARE(scalar(basicStore(), "SELECT Company FROM User").toString(), QStringLiteral("다라상사"));
+    }
+
+    // The trader's one-statement saves: each broken off once by another seat's save.
+    void aTraderChangeBrokenOffOnceIsSavedOnce() {
+        TestHome home;
+        QVERIFY(openStores());
+        addTrader(QStringLiteral("000001"), QStringLiteral("가나상사"));
+        auto& msgs = script();
+        ForcedConflict conflict(basicStore(), {QStringLiteral("Trader"), QStringLiteral("UPDATE"), 0, 1});
+        QVERIFY(conflict.installed());
+        clsTrader trader;
+        trader.sCode = QStringLiteral("000001");
+        trader.sComp = QStringLiteral("다라상사");
+        trader.UpdateTrader();
+        QCOMPARE(conflict.raised(), 1);
+        QVERIFY(!basicStore().inTransaction());
+        // On the server the save is run again; on the files, where the trap fails the row as a
+        // busy store does, a statement outside a transaction waits out the busy store and runs
+        // again by itself. Either way it is saved once, without a box.
+        QVERIFY(msgs.boxes().empty());
+        QVERIFY(saidSaved(msgs, QStringLiteral("자료가 갱신되었습니다.")));
+        QCOMPARE(traderField("C_Name").toString(), QStringLiteral("다라상사"));
+    }
+    void aChargeChangeBrokenOffOnceIsSavedOnce() {
+        TestHome home;
+        QVERIFY(openStores());
+        addTrader(QStringLiteral("000001"), QStringLiteral("가나상사"));
+        auto& msgs = script();
+        ForcedConflict conflict(basicStore(), {QStringLiteral("Trader"), QStringLiteral("UPDATE"), 0, 1});
+        QVERIFY(conflict.installed());
+        clsTrader trader;
+        trader.sCode = QStringLiteral("000001");
+        trader.sCharge = QStringLiteral("김담당");
+        trader.Update_Charge();
+        QCOMPARE(conflict.raised(), 1);
+        QVERIFY(msgs.boxes().empty());
+        QCOMPARE(traderField("Charge").toString(), QStringLiteral("김담당"));
+    }
+    void anUnpaidBalanceBrokenOffOnceMovesByTheDifferenceOnce() {
+        TestHome home;
+        QVERIFY(openStores());
+        addTrader(QStringLiteral("000001"), QStringLiteral("가나상사"));
+        QVERIFY(
+            exec(basicStore(), QStringLiteral("UPDATE Trader SET TotNoPay = 1000 WHERE Code = '000001'")));
+        auto& msgs = script();
+        ForcedConflict conflict(basicStore(), {QStringLiteral("Trader"), QStringLiteral("UPDATE"), 0, 1});
+        QVERIFY(conflict.installed());
+        clsTrader trader;
+        trader.sCode = QStringLiteral("000001");
+        trader.UpdateNoPay(200, 500);
+        QCOMPARE(conflict.raised(), 1);
+        QVERIFY(!basicStore().inTransaction());
+        // Moved by the difference once on the server, where the broken-off try left nothing;
+        // untouched on the files, where the one try failed and said so.
+        QCOMPARE(traderField("TotNoPay").toDouble(), onServer() ? 1300.0 : 1000.0);
+        QCOMPARE(msgs.boxes().size(), size_t(onServer() ? 0 : 1));
+    }
+    void aTraderDeletedWhileBrokenOffOnceIsDeletedOnce() {
+        TestHome home;
+        QVERIFY(openStores());
+        addTrader(QStringLiteral("000001"), QStringLiteral("가나상사"));
+        addTrader(QStringLiteral("000002"), QStringLiteral("라마상사"));
+        auto& msgs = script();
+        ForcedConflict conflict(basicStore(), {QStringLiteral("Trader"), QStringLiteral("DELETE"), 0, 1});
+        QVERIFY(conflict.installed());
+        clsTrader().DeleteTrader(QStringLiteral("000001"));
+        QCOMPARE(conflict.raised(), 1);
+        QCOMPARE(count(basicStore(), QStringLiteral("Trader")), 1);
+        QCOMPARE(traderField("C_Name"), QVariant());
+        QVERIFY(msgs.boxes().empty());
+    }
+    void aNewTraderBrokenOffOnceIsSavedOnce() {
+        TestHome home;
+        QVERIFY(openStores());
+        auto& msgs = script();
+        ForcedConflict conflict(basicStore(), {QStringLiteral("Trader"), QStringLiteral("INSERT"), 0, 1});
+        QVERIFY(conflict.installed());
+        clsTrader trader;
+        trader.sCode = QStringLiteral("000001");
+        trader.sComp = QStringLiteral("가나상사");
+        trader.SaveTrader();
+        QCOMPARE(conflict.raised(), 1);
+        QCOMPARE(count(basicStore(), QStringLiteral("Trader")), 1);
+        QVERIFY(msgs.boxes().empty());
+        QVERIFY(saidSaved(msgs, QStringLiteral("자료가 저장되었습니다.")));
+    }
+    void aProductChangeBrokenOffOnceIsSavedOnce() {
+        TestHome home;
+        QVERIFY(openStores());
+        addProduct("000007", "너트");
+        auto& msgs = script();
+        ForcedConflict conflict(basicStore(), {QStringLiteral("Product"), QStringLiteral("UPDATE"), 0, 1});
+        QVERIFY(conflict.installed());
+        QString code = QStringLiteral("000007");
+        QCOMPARE(SaveProduct(product(QStringLiteral("볼트")), code, 1), ProductSave::Updated);
+        QCOMPARE(conflict.raised(), 1);
+        QVERIFY(!basicStore().inTransaction());
+        QCOMPARE(scalar(basicStore(), QStringLiteral("SELECT PName FROM Product WHERE Code = '000007'"))
+                     .toString(),
+                 QStringLiteral("볼트"));
+        QVERIFY(msgs.boxes().empty());
+        QVERIFY(saidSaved(msgs, QStringLiteral("자료가 수정되었습니다.")));
     }
 };
 
