@@ -275,6 +275,7 @@ bool Database::create(const QString& path) {
 
 void Database::close() {
     if (m_connection.isEmpty()) return;
+    forgetPrepared();
     {
         QSqlDatabase db = QSqlDatabase::database(m_connection, false);
         if (db.isOpen()) db.close();
@@ -314,7 +315,7 @@ void Database::noteFailure(const QSqlError& error) {
     noteFailure(errorNumberFor(error.databaseText(), code), descriptionOf(error), code);
 }
 
-bool Database::run(QSqlQuery& q, const QString& sql, const QVariantList& values) {
+bool Database::run(QSqlQuery& local, const QString& sql, const QVariantList& values, QSqlQuery** kept) {
     // After a failed statement the server has dropped the transaction's work: nothing more
     // runs in it, and the failure that broke it stays the one reported.
     if (m_server && m_failedDepth > 0) return false;
@@ -337,15 +338,30 @@ bool Database::run(QSqlQuery& q, const QString& sql, const QVariantList& values)
     // connection made again (a server restarted while the seat stood idle).
     bool askedAgain = !m_server || inTransaction() || !isReadStatement(statement);
     for (;;) {
-        bool ok = direct || q.prepare(statement);
+        // A kept query stays alive while this run uses it, even if the keeping lets it go.
+        std::shared_ptr<QSqlQuery> held;
+        QSqlQuery* on = &local;
+        bool ok = false;
         if (direct) {
-            ok = q.exec(statement);
-        } else if (ok) {
-            bindValues(q, values);
-            ok = q.exec();
+            ok = local.exec(statement);
+        } else {
+            if (kept && m_server) {
+                held = preparedOnServer(statement, local.isForwardOnly(), &ok);
+                on = held.get();
+            } else {
+                ok = local.prepare(statement);
+            }
+            if (ok) {
+                bindValues(*on, values);
+                ok = on->exec();
+            }
         }
+        if (kept) *kept = on;
+        QSqlQuery& q = *on;
         if (ok) return true;
         noteFailure(q.lastError());
+        // A kept statement that failed is prepared afresh next time (its table may have changed).
+        if (held) forgetPrepared(statement);
         if (m_server && m_connectionLost && !askedAgain) {
             askedAgain = true;
             if (reconnectServer()) continue;
@@ -366,18 +382,22 @@ bool Database::run(QSqlQuery& q, const QString& sql, const QVariantList& values)
 
 bool Database::tryExecute(const QString& sql, const QVariantList& values) {
     m_recordsAffected = 0;
-    QSqlQuery q(connection());
-    if (!run(q, sql, values)) return false;
-    m_recordsAffected = q.numRowsAffected() < 0 ? 0 : q.numRowsAffected();
+    QSqlQuery local(connection());
+    QSqlQuery* q = nullptr;
+    if (!run(local, sql, values, &q)) return false;
+    m_recordsAffected = q->numRowsAffected() < 0 ? 0 : q->numRowsAffected();
+    q->finish();
     return true;
 }
 
 bool Database::tryHasRow(const QString& sql, const QVariantList& values, bool& found) {
     found = false;
-    QSqlQuery q(connection());
-    q.setForwardOnly(true);
-    if (!run(q, sql, values)) return false;
-    found = q.next();
+    QSqlQuery local(connection());
+    local.setForwardOnly(true);
+    QSqlQuery* q = nullptr;
+    if (!run(local, sql, values, &q)) return false;
+    found = q->next();
+    q->finish();
     return true;
 }
 

@@ -4,6 +4,7 @@
 // Fields, and the query helpers that never throw at their caller but show a box and answer
 // false. Values always travel as bound parameters, never inside the SQL text.
 
+#include <QHash>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -12,6 +13,7 @@
 #include <QVariant>
 #include <QVariantList>
 #include <functional>
+#include <memory>
 #include <vector>
 
 namespace nb {
@@ -176,8 +178,16 @@ private:
     QList<IndexInfo> serverIndexes(const QString& table) const;
     bool serverHasRelation(const QString& name, char kind) const;
     bool serverHasTrigger(const QString& name) const;
-    // Prepares and runs one counted statement; a failure is noted in lastError...().
-    bool run(QSqlQuery& query, const QString& sql, const QVariantList& values);
+    // Prepares and runs one counted statement; a failure is noted in lastError...(). With kept,
+    // the caller reads the answer at once and keeps nothing of it: on the server the statement
+    // then runs on a query this connection prepared before, and *kept says which query holds the
+    // answer (query itself otherwise).
+    bool run(QSqlQuery& query, const QString& sql, const QVariantList& values, QSqlQuery** kept = nullptr);
+    // On the server, the statement prepared once on this connection and kept for the next run of
+    // the same text; *prepared false (the query holds the server's words) when it would not be.
+    std::shared_ptr<QSqlQuery> preparedOnServer(const QString& statement, bool forwardOnly, bool* prepared);
+    // Lets go of every kept statement, or of those of one text.
+    void forgetPrepared(const QString& statement = QString());
     void noteFailure(int number, const QString& description, int engineCode = 0);
     void noteFailure(const QSqlError& error);
     void noteServerFailure(const QSqlError& error);
@@ -206,6 +216,9 @@ private:
     // The server's connection failed as an absent server's does: made again before the next
     // action outside a transaction.
     bool m_connectionLost = false;
+    // Statements prepared on the server's connection, by their text (and forward-only or not):
+    // run again they are one round trip instead of three (prepare, run, let go).
+    QHash<QString, std::shared_ptr<QSqlQuery>> m_prepared;
 };
 
 // Runs a whole save; when the server broke it off to settle a deadlock or a conflict of two

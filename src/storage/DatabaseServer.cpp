@@ -22,6 +22,7 @@ namespace {
 // not.
 constexpr int kBusyCode = 5; // the files' "busy", which the busy box is chosen by
 constexpr int kBusySliceMillis = 50;
+constexpr int kKeptStatements = 200; // statements kept prepared on one connection
 
 thread_local int t_triesLeft = 0;      // tries after the current one, inside RetryingSave
 thread_local bool t_retryable = false; // the last failure noted on this thread may be retried
@@ -148,7 +149,35 @@ bool Database::connectionAnswers() const {
     return q.exec(QStringLiteral("SELECT 1")) || !q.lastError().nativeErrorCode().isEmpty();
 }
 
+std::shared_ptr<QSqlQuery> Database::preparedOnServer(const QString& statement, bool forwardOnly,
+                                                      bool* prepared) {
+    const QString key = QString(forwardOnly ? u'f' : u'r') + statement;
+    if (const auto it = m_prepared.constFind(key); it != m_prepared.cend()) {
+        *prepared = true;
+        return it.value();
+    }
+    auto query = std::make_shared<QSqlQuery>(connection());
+    query->setForwardOnly(forwardOnly);
+    *prepared = query->prepare(statement);
+    if (!*prepared) return query;
+    // A seat runs a few dozen texts; a program that made many more (a sum per column) starts
+    // the keeping over rather than hold them all.
+    if (m_prepared.size() >= kKeptStatements) forgetPrepared();
+    m_prepared.insert(key, query);
+    return query;
+}
+
+void Database::forgetPrepared(const QString& statement) {
+    if (statement.isEmpty()) {
+        m_prepared.clear();
+        return;
+    }
+    m_prepared.remove(u'f' + statement);
+    m_prepared.remove(u'r' + statement);
+}
+
 bool Database::reconnectServer() {
+    forgetPrepared(); // they belonged to the connection the server dropped
     QSqlDatabase db = connection();
     // The channels the open lists listen on (ChangeNotices.h): a new connection hears nothing
     // until it listens again, and the driver forgets them when it closes.
@@ -275,15 +304,22 @@ bool Database::beginOnServer() {
     waited.start();
     bool failed = false;
     {
-        QSqlQuery q(connection());
-        q.prepare(QStringLiteral("SELECT pg_try_advisory_xact_lock(?, hashtext(?))"));
-        q.addBindValue(kServerWriterLockClass);
-        q.addBindValue(m_schema);
-        if (!q.exec() || !q.next()) {
-            noteFailure(q.lastError());
+        // Prepared once per connection: a save's first word after BEGIN is one round trip.
+        bool prepared = false;
+        const std::shared_ptr<QSqlQuery> q = preparedOnServer(
+            QStringLiteral("SELECT pg_try_advisory_xact_lock(?, hashtext(?))"), true, &prepared);
+        if (prepared) {
+            q->addBindValue(kServerWriterLockClass);
+            q->addBindValue(m_schema);
+        }
+        if (!prepared || !q->exec() || !q->next()) {
+            noteFailure(q->lastError());
+            forgetPrepared();
             failed = true;
-        } else if (q.value(0).toBool()) {
-            return true;
+        } else {
+            const bool taken = q->value(0).toBool();
+            q->finish();
+            if (taken) return true;
         }
     }
     while (!failed) {

@@ -128,13 +128,15 @@ bool openRecordset(Database& db, Recordset& rs, const QString& sql, const QVaria
     rs.close();
     const bool plainTable = !sql.trimmed().contains(u' ');
     const QString statement = plainTable ? QStringLiteral("SELECT * FROM ") + sql.trimmed() : sql;
-    QSqlQuery q(db.connection());
-    q.setForwardOnly(true);
-    if (!db.run(q, statement, values)) {
+    QSqlQuery local(db.connection());
+    local.setForwardOnly(true);
+    QSqlQuery* answer = nullptr;
+    if (!db.run(local, statement, values, &answer)) {
         ReportQueryFailure(db.lastErrorNumber(), db.lastErrorDescription(), sqlForDisplay(sql, values),
                            db.lastEngineCode());
         return false;
     }
+    QSqlQuery& q = *answer;
     const QSqlRecord rec = q.record();
     const QList<int> shown = shownColumns(db, statement, rec);
     QList<bool> numeric(rec.count(), false);
@@ -149,6 +151,7 @@ bool openRecordset(Database& db, Recordset& rs, const QString& sql, const QVaria
             row << (numeric[i] ? asStoredNumber(q.value(i)) : q.value(i));
         rs.m_rows.push_back(std::move(row));
     }
+    q.finish();
     rs.m_open = true;
     rs.m_dynaset = dynaset;
     rs.m_db = &db;
