@@ -53,13 +53,15 @@ std::optional<TaxSums> readSums(Database& dbTax, const QString& sql, const QVari
 } // namespace
 
 std::optional<QString> NextTaxCode(Database& dbTax) {
+    // The last number in the numbers' text order (a row without one only when no row has one),
+    // read from the end of the TaxCode index instead of walking every row to it.
     Recordset rs;
-    if (!OpenSnapshot(dbTax, rs,
-                      QStringLiteral("SELECT TaxCode FROM NewAcount ORDER BY TaxCode NULLS FIRST")))
+    if (!OpenSnapshot(
+            dbTax, rs,
+            QStringLiteral("SELECT TaxCode FROM NewAcount ORDER BY TaxCode DESC NULLS LAST LIMIT 1")))
         return std::nullopt;
     QString next = kFirstTaxCode;
     if (rs.RecordCount() > 0) {
-        rs.MoveLast();
         const double last = NumberFromText(rs.text(QStringLiteral("TaxCode")));
         next = QString::number(qint64(last) + 1);
     }
