@@ -1,6 +1,7 @@
 #include "statement/DealListModel.h"
 
 #include "storage/CrossFileQueries.h"
+#include "storage/StatementListFromEnd.h"
 
 namespace nb {
 
@@ -17,30 +18,6 @@ std::unique_ptr<GridModel> ownListRows() {
     rows->setFormat(ColTotal, kAllCells, number);
     return rows;
 }
-
-// The statements' counts and totals added up as their rows are read, so the sums under the list
-// are the query's own instead of a walk over the list afterwards.
-class SummedRows : public GridRowSource {
-public:
-    explicit SummedRows(std::unique_ptr<GridRowSource> rows) : m_rows(std::move(rows)) {}
-    int width() const override { return m_rows->width(); }
-    int expectedRows() const override { return m_rows->expectedRows(); }
-    bool next(QVariant* out, int count) override {
-        if (!m_rows->next(out, count)) return false;
-        if (count >= ColTotal) {
-            *m_count += numberOf(out[ColNumBill - 1]);
-            *m_total += numberOf(out[ColTotal - 1]);
-        }
-        return true;
-    }
-    std::shared_ptr<double> count() const { return m_count; }
-    std::shared_ptr<double> total() const { return m_total; }
-
-private:
-    std::unique_ptr<GridRowSource> m_rows;
-    std::shared_ptr<double> m_count = std::make_shared<double>(0);
-    std::shared_ptr<double> m_total = std::make_shared<double>(0);
-};
 
 } // namespace
 
@@ -63,8 +40,9 @@ void DealListModel::setTrader(const QString& cCode, const QString& cName) {
     m_cName = cName;
 }
 
-// The list needs every row at once (it stands on the empty row after the last), so the rows
-// are read through while the basic file is attached; they stay in the cells as values.
+// The list stands on the empty row after the last statement: its rows are read from the end,
+// the last page at once and the rest between events (or as soon as something asks for a row
+// above), with the sums under it from the query's count.
 bool DealListModel::masterList(const QString& basicFile, const QString& from, const QString& to,
                                bool onlyTrader) {
     m_listRead = ListRead{basicFile, from, to, onlyTrader ? m_cCode : QString()};
@@ -75,16 +53,17 @@ bool DealListModel::masterList(const QString& basicFile, const QString& from, co
 
 bool DealListModel::readList() {
     const ListRead& read = *m_listRead;
-    const bool ok = ReadStatementListRows(m_db, read.basicFile, read.from, read.to, read.cCode,
-                                          [this](std::unique_ptr<GridRowSource> rows) {
-                                              auto summed = std::make_unique<SummedRows>(std::move(rows));
-                                              const auto count = summed->count(), total = summed->total();
-                                              m_rows->showList(std::move(summed), -1);
-                                              m_rows->finishReading();
-                                              m_rows->setListSum(ColNumBill, *count);
-                                              m_rows->setListSum(ColTotal, *total);
-                                          });
-    if (!ok) m_rows->showList(nullptr, 0);
+    auto rows = std::make_unique<StatementListFromEnd>(m_db, read.basicFile, read.from, read.to, read.cCode);
+    const bool ok = rows->open();
+    if (ok) {
+        const int count = rows->rows();
+        const double lines = rows->lines(), total = rows->total();
+        m_rows->showList(std::move(rows), count, true);
+        m_rows->setListSum(ColNumBill, lines);
+        m_rows->setListSum(ColTotal, total);
+    } else {
+        m_rows->showList(nullptr, 0);
+    }
     m_rows->setMaxRows(m_rows->maxRows() + 1); // the empty last row
     return ok;
 }
@@ -95,7 +74,8 @@ DealListModel::Relisted DealListModel::relist() {
     readList();
     m_activeMaster = masterRowCount();
     if (billNo.isEmpty()) return Relisted::Kept; // it stood on the empty row, and stays there
-    for (int row = 1; row <= masterCount(); ++row)
+    // From the end, where the list was read first and the screen mostly stands.
+    for (int row = masterCount(); row >= 1; --row)
         if (m_rows->text(ColMasterBillNo, row) == billNo) {
             m_activeMaster = row;
             return Relisted::Kept;

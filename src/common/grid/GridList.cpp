@@ -60,15 +60,71 @@ double numberOf(const QVariant& value) {
 
 // ---- the list -----------------------------------------------------------------------------
 
-GridList::GridList(std::unique_ptr<GridRowSource> source, int width, int knownRows)
-    : m_source(std::move(source)), m_width(std::max(width, 0)), m_sourceWidth(0), m_known(knownRows) {
+GridList::GridList(std::unique_ptr<GridRowSource> source, int width, int knownRows, bool fromEnd)
+    : m_source(std::move(source)), m_width(std::max(width, 0)), m_sourceWidth(0), m_known(knownRows),
+      m_fromEnd(fromEnd && knownRows >= 0) {
     if (m_source) m_sourceWidth = std::min(m_source->width(), m_width);
     const int expected = m_known >= 0 ? m_known : (m_source ? m_source->expectedRows() : -1);
-    if (expected > 0) m_values.reserve(size_t(expected) * size_t(m_width));
+    if (expected > 0 && !m_fromEnd) m_values.reserve(size_t(expected) * size_t(m_width));
     if (m_width == 0 || m_known == 0) endOfSource();
 }
 
+// Rows last first into m_back; once all of them are there they become the list's rows in order.
+int GridList::readBackPage(int count) {
+    int got = 0;
+    while (readingBack() && got < count) {
+        if (m_backRead >= m_known) {
+            endOfBackRows();
+            break;
+        }
+        const size_t base = m_back.size();
+        m_back.resize(base + size_t(m_width));
+        if (!m_source->next(&m_back[base], m_sourceWidth)) {
+            m_back.resize(base);
+            got += m_known - m_backRead; // the rows that did not come stay empty, at the top
+            endOfBackRows();
+            break;
+        }
+        ++m_backRead;
+        ++got;
+        if (m_backRead >= m_known) endOfBackRows();
+    }
+    return got;
+}
+
+// A cell after the source's columns in a row above the ones read from the end; nullptr when
+// there is none (and make is false) or the cell is not such a one.
+QVariant* GridList::earlyCell(int col, int row, bool make) {
+    if (!readingBack() || col <= m_sourceWidth || row > m_known - m_backRead) return nullptr;
+    auto it = m_early.find(row);
+    if (it == m_early.end()) {
+        if (!make) return nullptr;
+        it = m_early.emplace(row, std::vector<QVariant>(size_t(m_width - m_sourceWidth))).first;
+    }
+    return &it->second[size_t(col - m_sourceWidth - 1)];
+}
+
+void GridList::endOfBackRows() {
+    m_values.assign(size_t(m_known) * size_t(m_width), QVariant());
+    for (int i = 0; i < m_backRead; ++i) {
+        const size_t to = size_t(m_known - 1 - i) * size_t(m_width), from = size_t(i) * size_t(m_width);
+        for (int c = 0; c < m_width; ++c)
+            m_values[to + size_t(c)] = std::move(m_back[from + size_t(c)]);
+    }
+    for (auto& [row, cells] : m_early)
+        for (size_t i = 0; i < cells.size(); ++i)
+            m_values[size_t(row - 1) * size_t(m_width) + size_t(m_sourceWidth) + i] = std::move(cells[i]);
+    m_early.clear();
+    m_read = m_known;
+    m_backRead = 0;
+    m_back.clear();
+    m_back.shrink_to_fit();
+    m_fromEnd = false;
+    endOfSource();
+}
+
 int GridList::readPage(int count) {
+    if (readingBack()) return readBackPage(count);
     int got = 0;
     while (m_source && got < count) {
         if (m_known >= 0 && m_read >= m_known) {
@@ -113,6 +169,11 @@ void GridList::mergeTail() {
 
 bool GridList::readUpTo(int row) {
     if (row < 1) return false;
+    if (readingBack()) {
+        const int above = m_known - m_backRead; // rows above the ones read
+        if (row <= above) readBackPage(above - row + 1);
+        return row <= rows();
+    }
     if (row > m_read && m_source) {
         const int sourceRows = m_known >= 0 ? m_known : -1;
         if (sourceRows < 0 || row <= sourceRows) readPage(row - m_read);
@@ -127,6 +188,15 @@ void GridList::readAll() {
 
 const QVariant* GridList::peek(int col, int row) const {
     if (col < 1 || col > m_width || row < 1) return nullptr;
+    if (readingBack() && row <= m_known) {
+        if (row <= m_known - m_backRead) return const_cast<GridList*>(this)->earlyCell(col, row, false);
+        return &m_back[size_t(m_known - row) * size_t(m_width) + size_t(col - 1)];
+    }
+    if (readingBack()) {
+        const int tailRow = row - m_known;
+        return tailRow <= m_tailRows ? &m_tail[size_t(tailRow - 1) * size_t(m_width) + size_t(col - 1)]
+                                     : nullptr;
+    }
     if (row <= m_read) return &m_values[size_t(row - 1) * size_t(m_width) + size_t(col - 1)];
     const int tailRow = row - m_read - unread();
     if (row > m_read + unread() && tailRow <= m_tailRows)
@@ -136,6 +206,7 @@ const QVariant* GridList::peek(int col, int row) const {
 
 QVariant* GridList::at(int col, int row) {
     if (col < 1 || col > m_width || row < 1 || row > rows()) return nullptr;
+    if (QVariant* early = earlyCell(col, row, true)) return early; // no need to read the row
     if (row > m_read && row <= m_read + unread()) readUpTo(row);
     return const_cast<QVariant*>(peek(col, row));
 }
@@ -145,6 +216,10 @@ void GridList::resize(int rows) {
     if (rows == 0) {
         m_source.reset();
         m_known = -1;
+        m_fromEnd = false;
+        m_backRead = 0;
+        m_back.clear();
+        m_early.clear();
         m_values.clear();
         m_tail.clear();
         m_read = m_tailRows = 0;

@@ -3,7 +3,9 @@
 // texts), read from their source a page at a time. Rows 1..read() are in memory; when the
 // screen told how many rows the query gives, the rows after them exist but are read only when
 // something asks for them; rows the program adds after the query's rows (an empty last row)
-// follow. A plain store without signals: GridModel announces what changes.
+// follow. A list read from its end (fromEnd, the count told) gets its rows last first: rows
+// after the ones read are in memory, the rows above them are read as something asks for them.
+// A plain store without signals: GridModel announces what changes.
 
 #include "common/grid/GridRows.h"
 
@@ -17,13 +19,14 @@ namespace nb {
 
 class GridList {
 public:
-    // knownRows: how many rows the source gives, or -1 when only reading tells.
-    GridList(std::unique_ptr<GridRowSource> source, int width, int knownRows);
+    // knownRows: how many rows the source gives, or -1 when only reading tells. fromEnd (with a
+    // count): the source gives the rows last first.
+    GridList(std::unique_ptr<GridRowSource> source, int width, int knownRows, bool fromEnd = false);
 
     int width() const { return m_width; }
-    int rows() const { return m_read + unread() + m_tailRows; }
-    int read() const { return m_read; }
+    int rows() const { return m_read + unread() + m_backRead + m_tailRows; }
     bool reading() const { return m_source != nullptr; }
+    bool canReadNow() const { return m_source && m_source->canReadNow(); }
     // Whether rows() already counts the rows not yet read.
     bool countKnown() const { return m_known >= 0 || !m_source; }
     // How many values a source row brings (columns after it stay empty until written).
@@ -57,7 +60,10 @@ public:
     std::map<std::pair<int, int>, int> backs;        // (row, col)
 
 private:
-    int unread() const { return (m_known >= 0 && m_source) ? m_known - m_read : 0; }
+    int unread() const { return (m_known >= 0 && m_source) ? m_known - m_read - m_backRead : 0; }
+    bool readingBack() const { return m_fromEnd && m_source; }
+    int readBackPage(int count);
+    void endOfBackRows();
     void endOfSource();
     void mergeTail();
     void shiftCellMaps(int fromRow, int by, int dropFrom, int dropTo);
@@ -68,7 +74,14 @@ private:
     int m_known;                    // rows of the source, -1 when not told
     int m_read = 0;                 // rows in m_values
     std::vector<QVariant> m_values; // m_read rows of m_width values
-    std::vector<QVariant> m_tail;   // rows after a known count not read through yet
+    bool m_fromEnd = false;
+    int m_backRead = 0;           // rows read from the end (while the rows above are not)
+    std::vector<QVariant> m_back; // those rows, the last one first
+    // Cells after the source's columns written in rows not read yet (a sum's cell in the first
+    // row), by row; they join their rows when those are read.
+    std::map<int, std::vector<QVariant>> m_early;
+    QVariant* earlyCell(int col, int row, bool make);
+    std::vector<QVariant> m_tail; // rows after a known count not read through yet
     int m_tailRows = 0;
     std::map<int, double> m_sums;
 };

@@ -85,8 +85,9 @@ public:
     // The rows of source become the grid's rows, the first page read at once and the rest a page
     // at a time between events (or sooner, when a cell of an unread row is asked for).
     // knownRows, when the screen counted them, gives MaxRows at once; -1 lets MaxRows grow as
-    // the rows come.
-    void showList(std::unique_ptr<GridRowSource> source, int knownRows);
+    // the rows come. fromEnd (with knownRows): the source gives the rows last first, and the rows
+    // above the last page are read as they are needed or between events.
+    void showList(std::unique_ptr<GridRowSource> source, int knownRows, bool fromEnd = false);
     // Whether the rows after the first page are also read between events (the default), or
     // only as the view scrolls to them or a cell asks: for a list that may hold more rows than
     // memory should.

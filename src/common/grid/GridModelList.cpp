@@ -6,10 +6,10 @@
 
 namespace nb {
 
-void GridModel::showList(std::unique_ptr<GridRowSource> source, int knownRows) {
+void GridModel::showList(std::unique_ptr<GridRowSource> source, int knownRows, bool fromEnd) {
     m_pager->stop();
     beginResetModel();
-    m_list = std::make_unique<GridList>(std::move(source), maxCols(), knownRows);
+    m_list = std::make_unique<GridList>(std::move(source), maxCols(), knownRows, fromEnd);
     m_rows.clear();
     m_formulaCells.clear();
     m_list->readPage(kFirstPage);
@@ -38,6 +38,7 @@ void GridModel::readListPage(int count) {
         m_pager->stop();
         return;
     }
+    if (!m_list->canReadNow()) return; // the next tick
     m_list->readPage(count);
     syncListRows();
 }
@@ -142,14 +143,9 @@ void GridModel::listSetMaxCols(int cols) {
 // Rows of the query count as data without being read; rows after them as their values say.
 int GridModel::listDataRowCnt() const {
     for (int r = maxRows(); r >= 1; --r) {
-        if (r <= m_list->read()) {
-            for (int c = 1; c <= maxCols(); ++c)
-                if (!m_list->peek(c, r)->isNull() && !m_list->peek(c, r)->toString().isEmpty()) return r;
-            continue;
-        }
         if (!m_list->peek(1, r)) return r; // a query row not read yet
         for (int c = 1; c <= maxCols(); ++c)
-            if (!m_list->peek(c, r)->toString().isEmpty()) return r;
+            if (!m_list->peek(c, r)->isNull() && !m_list->peek(c, r)->toString().isEmpty()) return r;
     }
     return 0;
 }

@@ -67,6 +67,12 @@ private:
     int m_expected;
 };
 
+// The same rows last first, as a list read from its end gets them.
+std::unique_ptr<RowsInMemory> lastFirst(QVector<QVariantList> rows) {
+    std::reverse(rows.begin(), rows.end());
+    return std::make_unique<RowsInMemory>(std::move(rows));
+}
+
 void waitForAllRows(Grid& grid) {
     QTRY_VERIFY_WITH_TIMEOUT(!grid.isReading(), 10000);
 }
@@ -76,6 +82,90 @@ void waitForAllRows(Grid& grid) {
 class TestGridList : public QObject {
     Q_OBJECT
 private Q_SLOTS:
+    void aListReadFromItsEndHasItsLastPageAtOnceAndTheRestBetweenEvents() {
+        test::TestHome home;
+        ListWindow w;
+        const auto rows = statementRows(10000);
+        w.grid->cells().showList(lastFirst(rows), 10000, true);
+        QCOMPARE(w.grid->MaxRows(), 10000);
+        QVERIFY(w.grid->isReading());
+        QCOMPARE(w.grid->Text(2, 10000), QStringLiteral("거래처10000"));
+        QCOMPARE(w.grid->Text(5, 10000 - GridModel::kFirstPage + 1), QStringLiteral("009801"));
+        QVERIFY(w.grid->isReading()); // the last page needed no row above it
+        waitForAllRows(*w.grid);
+        QCOMPARE(w.grid->MaxRows(), 10000);
+        QCOMPARE(w.grid->Text(2, 1), QStringLiteral("거래처1"));
+        QCOMPARE(w.grid->Text(5, 5000), QStringLiteral("005000"));
+        QCOMPARE(w.grid->Text(2, 10000), QStringLiteral("거래처10000"));
+    }
+
+    void ctrlHomeOnAListReadFromItsEndReachesItsFirstRow() {
+        test::TestHome home;
+        ListWindow w;
+        w.grid->cells().setReadsAhead(false);
+        w.grid->cells().showList(lastFirst(statementRows(6000)), 6000, true);
+        w.grid->setMaxRows(6001); // the empty last row
+        w.grid->SetActiveCell(1, 6001);
+        QApplication::processEvents();
+        QVERIFY(w.grid->isReading());
+        QCOMPARE(w.grid->Text(5, 6000), QStringLiteral("006000"));
+        QTest::keyClick(w.grid, Qt::Key_Home, Qt::ControlModifier);
+        QCOMPARE(w.grid->ActiveRow(), 1);
+        QCOMPARE(w.grid->Text(5, 1), QStringLiteral("000001"));
+        QVERIFY(!w.grid->isReading());
+        QCOMPARE(w.grid->Text(5, 2), QStringLiteral("000002"));
+        QCOMPARE(w.grid->MaxRows(), 6001);
+        QCOMPARE(w.grid->DataRowCnt(), 6000);
+    }
+
+    void scrollingToTheTopOfAListReadFromItsEndShowsItsFirstRows() {
+        test::TestHome home;
+        ListWindow w;
+        w.grid->cells().setReadsAhead(false);
+        w.grid->cells().showList(lastFirst(statementRows(5000)), 5000, true);
+        w.grid->SetActiveCell(1, 5000);
+        QApplication::processEvents();
+        QVERIFY(w.grid->isReading());
+        QScrollBar* bar = w.grid->verticalScrollBar();
+        bar->setValue(bar->minimum());
+        QApplication::processEvents();
+        QCOMPARE(w.grid->rowAt(1), 0);
+        QCOMPARE(w.grid->model()->index(0, 1).data(Qt::DisplayRole).toString(), QStringLiteral("거래처1"));
+        QCOMPARE(w.grid->model()->index(4999, 4).data(Qt::DisplayRole).toString(), QStringLiteral("005000"));
+    }
+
+    void rowsASourceReadFromItsEndDidNotBringStayEmptyAtTheTop() {
+        test::TestHome home;
+        ListWindow w;
+        w.grid->cells().showList(lastFirst(statementRows(8)), 10, true);
+        QCOMPARE(w.grid->MaxRows(), 10);
+        QCOMPARE(w.grid->Text(5, 10), QStringLiteral("000008"));
+        QCOMPARE(w.grid->Text(5, 3), QStringLiteral("000001"));
+        QCOMPARE(w.grid->Text(5, 2), QString());
+        QCOMPARE(w.grid->Text(5, 1), QString());
+        QVERIFY(!w.grid->isReading());
+    }
+
+    void aRowWrittenAfterAListReadFromItsEndStaysWhileTheRestIsRead() {
+        test::TestHome home;
+        ListWindow w;
+        w.grid->cells().setReadsAhead(false);
+        const auto rows = statementRows(4000);
+        w.grid->cells().showList(lastFirst(rows), 4000, true);
+        w.grid->setListSum(3, totalOf(rows, 2));
+        w.grid->setMaxRows(4001);
+        QVERIFY(w.grid->SetText(1, 4001, QStringLiteral("2024-02-01")));
+        QVERIFY(w.grid->SetText(3, 4001, QStringLiteral("2")));
+        QVERIFY(w.grid->isReading());
+        QCOMPARE(w.grid->cells().columnTotal(3), totalOf(rows, 2) + 2);
+        DeleteGridRow(*w.grid, 3999, false, true); // a deletion reads every row first
+        QVERIFY(!w.grid->isReading());
+        QCOMPARE(w.grid->Text(5, 3999), QStringLiteral("004000"));
+        QCOMPARE(w.grid->Text(1, 4000), QStringLiteral("2024-02-01"));
+        QCOMPARE(w.grid->Text(5, 1), QStringLiteral("000001"));
+        QCOMPARE(w.grid->cells().columnTotal(3), totalOf(rows, 2) + 2 - rows[3998].at(2).toDouble());
+    }
+
     void firstPageComesAtOnceTheRestBetweenEvents() {
         test::TestHome home;
         ListWindow w;

@@ -1,0 +1,163 @@
+#include "storage/StatementListFromEnd.h"
+
+#include "common/grid/GridList.h"
+#include "common/grid/SqliteRows.h"
+#include "storage/CrossFileQueries.h"
+
+#include <QSqlQuery>
+#include <QSqlRecord>
+
+namespace nb {
+namespace {
+
+QString traderCondition(const QString& traderCode, const QString& table) {
+    return traderCode.isEmpty() ? QString() : QStringLiteral(" AND ") + table + QStringLiteral(".CCode = ?");
+}
+
+} // namespace
+
+StatementListFromEnd::StatementListFromEnd(Database& bill, const QString& basicFile, const QString& from,
+                                           const QString& to, const QString& traderCode)
+    : m_bill(bill), m_basicFile(basicFile), m_from(from), m_to(to), m_traderCode(traderCode) {}
+
+// The count and sums over the same join as the rows, so that a trader code held twice counts
+// its statements as often as the list shows them; the last page read with them while the basic
+// file is attached (a list of a page or so whole).
+bool StatementListFromEnd::open() {
+    const QString sql = QStringLiteral("SELECT COUNT(*), SUM(m.NumBill), SUM(m.TotAmount + m.TotVat), "
+                                       "MAX(m.rowid) FROM master m LEFT JOIN ") +
+                        kBasicAlias +
+                        QStringLiteral(".Trader ON m.ccode = trader.code WHERE m.billdate BETWEEN ? AND ?") +
+                        traderCondition(m_traderCode, QStringLiteral("m"));
+    QVariantList values{m_from, m_to};
+    if (!m_traderCode.isEmpty()) values << m_traderCode;
+    if (!attachBasic(sql, values)) return false;
+    bool ok = runStatement(sql, values) && m_page.size() >= 4;
+    if (ok) {
+        m_rows = int(numberOf(m_page[0]));
+        m_lines = numberOf(m_page[1]);
+        m_total = numberOf(m_page[2]);
+        m_lastRowNumber = m_page[3];
+        m_left = m_rows;
+        m_over = m_rows == 0;
+        m_page.clear();
+        m_next = 0;
+        if (!m_over) ok = readPage(m_rows <= kLaterPage ? kLaterPage : kFirstPage);
+    }
+    m_bill.detach(kBasicAlias);
+    return ok;
+}
+
+// The rows below the last one read (after), ordered from the end; BillNo is ordered as a text
+// with a missing one first, the same on both engines.
+QString StatementListFromEnd::pageSql(bool after) const {
+    QString inner =
+        QStringLiteral("SELECT BillDate, BillNo, CCode, NumBill, TotAmount, TotVat, rowid AS rid, "
+                       "COALESCE(BillNo, '') AS bno FROM master WHERE billdate BETWEEN ? AND ?") +
+        traderCondition(m_traderCode, QStringLiteral("master")) + QStringLiteral(" AND rowid <= ?");
+    if (after)
+        inner += QStringLiteral(" AND (BillDate < ? OR (BillDate = ? AND (COALESCE(BillNo, '') < ? OR "
+                                "(COALESCE(BillNo, '') = ? AND rowid < ?))))");
+    inner += QStringLiteral(" ORDER BY BillDate DESC, bno DESC, rid DESC LIMIT ?");
+    return QStringLiteral("SELECT m.BillDate, trader.C_Name, m.NumBill, m.TotAmount + m.TotVat, m.BillNo, "
+                          "m.CCode, m.rid, m.bno FROM (") +
+           inner + QStringLiteral(") m LEFT JOIN ") + kBasicAlias +
+           QStringLiteral(
+               ".Trader ON m.CCode = trader.code ORDER BY m.BillDate DESC, m.bno DESC, m.rid DESC");
+}
+
+QVariantList StatementListFromEnd::pageValues(bool after, int limit) const {
+    // Below the last date read the page needs no later dates: the date index starts there.
+    QVariantList values{m_from, after ? m_keyDate : QVariant(m_to)};
+    if (!m_traderCode.isEmpty()) values << m_traderCode;
+    values << m_lastRowNumber;
+    if (after) values << m_keyDate << m_keyDate << m_keyBillNo << m_keyBillNo << m_keyRow;
+    values << limit;
+    return values;
+}
+
+bool StatementListFromEnd::attachBasic(const QString& sql, const QVariantList& values) {
+    if (!m_bill.isOpen()) {
+        ReportQueryFailure(ErrNotOpened, QString(), sqlForDisplay(sql, values));
+        return false;
+    }
+    if (!m_bill.attach(m_basicFile, kBasicAlias)) {
+        ReportQueryFailure(-1, QStringLiteral("unable to open database: ") + m_basicFile,
+                           sqlForDisplay(sql, values));
+        return false;
+    }
+    return true;
+}
+
+// Runs one statement (the basic file attached), its rows into m_page.
+bool StatementListFromEnd::runStatement(const QString& sql, const QVariantList& values) {
+    m_page.clear();
+    m_next = 0;
+    bool ok = false;
+    if (SqliteRows::canStep(m_bill.connection())) {
+        SqliteStatement statement(m_bill.connection(), sql, values);
+        const int width = statement.width();
+        std::vector<QVariant> row(size_t(std::max(width, 1)));
+        while (statement.ok() && statement.next(row.data(), width))
+            m_page.insert(m_page.end(), row.begin(), row.end());
+        statement.finish();
+        ok = statement.ok();
+        if (!ok)
+            ReportQueryFailure(errorNumberFor(statement.engineText(), statement.engineCode()),
+                               statement.engineText(), sqlForDisplay(sql, values), statement.engineCode());
+    } else {
+        QSqlQuery query(m_bill.connection());
+        ok = OpenForwardOnly(m_bill, query, sql, values);
+        const int width = ok ? query.record().count() : 0;
+        while (ok && query.next())
+            for (int c = 0; c < width; ++c)
+                m_page.push_back(query.value(c));
+        query.finish();
+    } // the statement has ended here
+    return ok;
+}
+
+// The next page from the end (the basic file attached by the caller): its rows into m_page and
+// where the page after it starts.
+bool StatementListFromEnd::readPage(int limit) {
+    if (!runStatement(pageSql(m_hasKey), pageValues(m_hasKey, limit))) return false;
+    constexpr size_t rowWidth = kColumns + kKeyColumns;
+    if (m_page.size() < rowWidth) { // the rows counted went meanwhile
+        m_page.clear();
+        m_over = true;
+        return true;
+    }
+    const size_t last = m_page.size() - rowWidth;
+    m_keyDate = m_page[last];
+    m_keyBillNo = m_page[last + kColumns + 1];
+    m_keyRow = m_page[last + kColumns];
+    m_hasKey = true;
+    return true;
+}
+
+bool StatementListFromEnd::readLaterPage() {
+    const QString sql = pageSql(true);
+    const QVariantList values = pageValues(true, kLaterPage);
+    if (!attachBasic(sql, values)) return false;
+    const bool ok = readPage(kLaterPage);
+    m_bill.detach(kBasicAlias);
+    return ok;
+}
+
+bool StatementListFromEnd::next(QVariant* out, int count) {
+    constexpr size_t rowWidth = kColumns + kKeyColumns;
+    if (m_next >= m_page.size() && !m_over && m_left > 0 && !readLaterPage())
+        m_over = true; // a failure was shown; the rows not read stay empty
+    if (m_over || m_left <= 0 || m_next >= m_page.size()) {
+        m_page.clear();
+        m_over = true;
+        return false;
+    }
+    for (int c = 0; c < count && c < kColumns; ++c)
+        out[c] = std::move(m_page[m_next + size_t(c)]);
+    m_next += rowWidth;
+    --m_left;
+    return true;
+}
+
+} // namespace nb

@@ -1,0 +1,67 @@
+#pragma once
+// The statement list of a date range read from its end, for the screen that stands on the empty
+// row after the last statement: one statement counts the rows and adds up their statements'
+// lines and totals, then the rows come last first, a page at a time, each page a statement of
+// its own (the basic file attached only while it runs, so nothing stays open on the store
+// between pages). Rows written after the count (a statement saved meanwhile) are not read; the
+// screen shows its own new ones itself.
+//
+// The rows and their order are those of statementListRowsSql (BillDate, BillNo, and the order
+// the rows were written where those are equal), the columns BillDate, C_Name, NumBill,
+// TotAmount + TotVat, BillNo, CCode.
+
+#include "common/grid/GridRows.h"
+#include "storage/Database.h"
+
+#include <vector>
+
+namespace nb {
+
+class StatementListFromEnd : public GridRowSource {
+public:
+    StatementListFromEnd(Database& bill, const QString& basicFile, const QString& from, const QString& to,
+                         const QString& traderCode);
+
+    // The count and the sums; false when the query failed (its box shown).
+    bool open();
+    int rows() const { return m_rows; }
+    double lines() const { return m_lines; }
+    double total() const { return m_total; }
+
+    int width() const override { return kColumns; }
+    bool next(QVariant* out, int count) override;
+    // Not in the middle of a save on the store: its files cannot be attached then.
+    bool canReadNow() const override { return !m_bill.inTransaction(); }
+
+    // Rows a page holds: the first, which the screen shows at once, and the later ones (a list
+    // of no more than one of those comes whole at once).
+    static constexpr int kFirstPage = 200;
+    static constexpr int kLaterPage = 2000;
+
+private:
+    static constexpr int kColumns = 6;
+    static constexpr int kKeyColumns = 2; // the row's number and its BillNo as ordered
+    bool attachBasic(const QString& sql, const QVariantList& values);
+    bool runStatement(const QString& sql, const QVariantList& values);
+    bool readPage(int limit);
+    bool readLaterPage();
+    QString pageSql(bool after) const;
+    QVariantList pageValues(bool after, int limit) const;
+
+    Database& m_bill;
+    QString m_basicFile, m_from, m_to, m_traderCode;
+    int m_rows = 0;
+    double m_lines = 0;
+    double m_total = 0;
+    QVariant m_lastRowNumber; // the highest row number counted: rows written later are not read
+    int m_left = 0;           // rows the count promised and the pages have not brought yet
+    bool m_over = false;
+    // The page read and not handed out yet, kColumns + kKeyColumns values a row.
+    std::vector<QVariant> m_page;
+    size_t m_next = 0;
+    // Where the next page starts: below this BillDate, ordered BillNo and row number.
+    QVariant m_keyDate, m_keyBillNo, m_keyRow;
+    bool m_hasKey = false;
+};
+
+} // namespace nb

@@ -1,0 +1,244 @@
+// The statement list read from its end: the last statements and the sums at once, the rows
+// above them as they are asked for, the same rows in the same order as the list's statement,
+// a trader code held twice, statements saved after the count, and a list of ten years.
+#include "StoreFixture.h"
+#include "statement/DealListModel.h"
+#include "storage/CrossFileQueries.h"
+#include "storage/StatementListFromEnd.h"
+
+#include <QDate>
+#include <QSqlQuery>
+
+using namespace nb;
+
+namespace {
+
+constexpr int kStatements = 2600; // more than the first page and a later one together
+
+QString billNo(int i) {
+    return QStringLiteral("%1").arg(i, 6, 10, QChar(u'0'));
+}
+
+// Statement i dated over 2015-2024 in number order with a few on one day, of trader 000001 or
+// 000002, i % 4 + 1 lines totalling 1,000 + 100 VAT a line.
+QString dateOf(int i, int count) {
+    const QDate first(2015, 1, 1);
+    return first.addDays(qint64(i - 1) * 3650 / count).toString(QStringLiteral("yyyy-MM-dd"));
+}
+
+bool addStatements(int count) {
+    QSqlDatabase db = stores().dbBill.connection();
+    db.transaction();
+    for (int i = 1; i <= count; ++i) {
+        const int lines = i % 4 + 1;
+        if (!test::exec(
+                stores().dbBill,
+                QStringLiteral("INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, NumBill) "
+                               "VALUES (?, ?, ?, ?, ?, ?)"),
+                {billNo(i), dateOf(i, count), i % 2 ? QStringLiteral("000001") : QStringLiteral("000002"),
+                 1000.0 * lines, 100.0 * lines, lines}))
+            return false;
+    }
+    return db.commit();
+}
+
+bool addTrader(const QString& code, const QString& name) {
+    return test::exec(stores().dbBasic, QStringLiteral("INSERT INTO Trader (Code, C_Name) VALUES (?, ?)"),
+                      {code, name});
+}
+
+bool listAll(DealListModel& model, const QString& from = QStringLiteral("2015-01-01"),
+             const QString& to = QStringLiteral("2024-12-31")) {
+    return model.masterList(stores().dbBasic.path(), from, to, false);
+}
+
+// The list's statement as one query, in its order.
+QList<QVariantList> listStatement(const QString& from, const QString& to) {
+    Database& bill = stores().dbBill;
+    QList<QVariantList> rows;
+    if (!bill.attach(stores().dbBasic.path(), kBasicAlias)) return rows;
+    {
+        QSqlQuery q(bill.connection());
+        q.prepare(statementListRowsSql(false));
+        q.addBindValue(from);
+        q.addBindValue(to);
+        if (q.exec())
+            while (q.next()) {
+                QVariantList row;
+                for (int c = 0; c < 6; ++c)
+                    row << q.value(c);
+                rows << row;
+            }
+    }
+    bill.detach(kBasicAlias);
+    return rows;
+}
+
+} // namespace
+
+class TestStatementListFromEnd : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void theLastStatementsAndTheSumsComeWithoutReadingTheRowsAbove() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        QVERIFY(addTrader(QStringLiteral("000001"), QStringLiteral("가나상사")));
+        QVERIFY(addTrader(QStringLiteral("000002"), QStringLiteral("다라상회")));
+        QVERIFY(addStatements(kStatements));
+        DealListModel model(stores().dbBill);
+        model.masterRows().setReadsAhead(false);
+        QVERIFY(listAll(model));
+        QCOMPARE(model.masterCount(), kStatements);
+        QCOMPARE(model.activeMasterRow(), kStatements + 1);
+        QCOMPARE(model.listed(kStatements).billNo, billNo(kStatements));
+        QCOMPARE(model.listed(kStatements).cName, QStringLiteral("다라상회"));
+        QVERIFY(model.masterRows().isReading());
+        double lines = 0;
+        for (int i = 1; i <= kStatements; ++i)
+            lines += i % 4 + 1;
+        QCOMPARE(model.periodCount(), int(lines));
+        QCOMPARE(model.periodTotal(), lines * 1100.0);
+        QVERIFY(model.masterRows().isReading()); // the sums needed no row
+    }
+
+    void theSumsAreThoseOfTheRowsWalkedFromTheTop() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        QVERIFY(addTrader(QStringLiteral("000001"), QStringLiteral("가나상사")));
+        QVERIFY(addStatements(kStatements));
+        // A statement with a fraction of a won, of a trader that is gone.
+        QVERIFY(test::exec(
+            stores().dbBill,
+            QStringLiteral("INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, NumBill) "
+                           "VALUES ('900000', '2019-03-03', '999999', 1050.375, 105.0375, 1)")));
+        DealListModel model(stores().dbBill);
+        model.masterRows().setReadsAhead(false);
+        QVERIFY(listAll(model));
+        const int count = model.periodCount();
+        const double total = model.periodTotal();
+        double walkedCount = 0, walkedTotal = 0;
+        for (int row = 1; row <= model.masterCount(); ++row) {
+            walkedCount += model.listed(row).numBill;
+            walkedTotal += model.listed(row).total;
+        }
+        QVERIFY(!model.masterRows().isReading());
+        QCOMPARE(double(count), walkedCount);
+        QCOMPARE(total, walkedTotal);
+    }
+
+    void theRowsReadFromTheEndAreTheListsRowsInItsOrder() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        QVERIFY(addTrader(QStringLiteral("000001"), QStringLiteral("가나상사")));
+        QVERIFY(addTrader(QStringLiteral("000002"), QStringLiteral("다라상회")));
+        QVERIFY(addStatements(kStatements));
+        // Two more statements of one number and one day (an old file's): the rows of equal date
+        // and number may come in any order, but all of them come.
+        for (int i = 0; i < 2; ++i)
+            QVERIFY(
+                test::exec(stores().dbBill,
+                           QStringLiteral("INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, "
+                                          "NumBill) VALUES ('000700', ?, '000001', 10, 1, 1)"),
+                           {dateOf(700, kStatements)}));
+        DealListModel model(stores().dbBill);
+        QVERIFY(listAll(model));
+        const QList<QVariantList> expected =
+            listStatement(QStringLiteral("2015-01-01"), QStringLiteral("2024-12-31"));
+        QCOMPARE(model.masterCount(), int(expected.size()));
+        QCOMPARE(model.masterCount(), kStatements + 2);
+        double shownTotal = 0, wantedTotal = 0;
+        for (int row = model.masterCount(); row >= 1; --row) {
+            const ListedStatement shown = model.listed(row);
+            const QVariantList& want = expected[row - 1];
+            QVERIFY2(shown.billDate == want[ColBillDate - 1].toString() &&
+                         shown.billNo == want[ColMasterBillNo - 1].toString(),
+                     qPrintable(QStringLiteral("row %1").arg(row)));
+            if (shown.billNo != QStringLiteral("000700")) {
+                QCOMPARE(shown.cCode, want[ColCCode - 1].toString());
+                QCOMPARE(shown.cName, want[ColCName - 1].toString());
+            }
+            shownTotal += shown.total;
+            wantedTotal += want[ColTotal - 1].toDouble();
+        }
+        QCOMPARE(shownTotal, wantedTotal);
+    }
+
+    void aTraderCodeHeldTwiceListsItsStatementsTwiceAndCountsThemTwice() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        QVERIFY(addTrader(QStringLiteral("000001"), QStringLiteral("가나상사")));
+        QVERIFY(addTrader(QStringLiteral("000001"), QStringLiteral("가나상사 본점")));
+        QVERIFY(addTrader(QStringLiteral("000002"), QStringLiteral("다라상회")));
+        QVERIFY(addStatements(500));
+        DealListModel model(stores().dbBill);
+        QVERIFY(listAll(model));
+        QCOMPARE(model.masterCount(), 750); // 250 statements of 000001, each twice
+        double walked = 0;
+        for (int row = 1; row <= model.masterCount(); ++row)
+            walked += model.listed(row).total;
+        QCOMPARE(model.periodTotal(), walked);
+    }
+
+    void aStatementSavedAfterTheCountIsNotReadAgainAsAnOlderRow() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        QVERIFY(addTrader(QStringLiteral("000001"), QStringLiteral("가나상사")));
+        QVERIFY(addStatements(kStatements));
+        DealListModel model(stores().dbBill);
+        model.masterRows().setReadsAhead(false);
+        QVERIFY(listAll(model));
+        QVERIFY(model.masterRows().isReading());
+        // Saved on an early day after the list was counted: it does not come among the rows
+        // read later, so the rows stay as many as counted.
+        QVERIFY(test::exec(
+            stores().dbBill,
+            QStringLiteral("INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, NumBill) "
+                           "VALUES ('800000', '2015-01-02', '000001', 1, 0, 1)")));
+        QCOMPARE(model.listed(1).billNo, billNo(1));
+        QCOMPARE(model.masterCount(), kStatements);
+        for (int row = 1; row <= model.masterCount(); ++row)
+            QVERIFY(model.listed(row).billNo != QStringLiteral("800000"));
+        QVERIFY(listAll(model)); // listed anew it is there
+        QCOMPARE(model.masterCount(), kStatements + 1);
+    }
+
+    void choosingTheFirstRowOfATenYearListShowsTheFirstStatement() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        QVERIFY(addTrader(QStringLiteral("000001"), QStringLiteral("가나상사")));
+        QVERIFY(addTrader(QStringLiteral("000002"), QStringLiteral("다라상회")));
+        QVERIFY(addStatements(kStatements));
+        QVERIFY(test::exec(
+            stores().dbBill,
+            QStringLiteral("INSERT INTO Detail (BillNo, BillSEQ, PName, Unit, Quant, Price, DC, "
+                           "Amount, VAT) VALUES ('000001', 1, '첫 품목', 'EA', 1, 2000, 0, 2000, 200)")));
+        DealListModel model(stores().dbBill);
+        model.masterRows().setReadsAhead(false);
+        QVERIFY(listAll(model));
+        QVERIFY(model.masterRows().isReading());
+        model.chooseMaster(1);
+        QVERIFY(!model.masterRows().isReading());
+        QCOMPARE(model.selectedBillNo(), billNo(1));
+        QCOMPARE(model.listed(1).billDate, QStringLiteral("2015-01-01"));
+        QCOMPARE(model.traderCode(), QStringLiteral("000001"));
+        QCOMPARE(model.lines().size(), 1);
+        QCOMPARE(model.lines().first().pName, QStringLiteral("첫 품목"));
+        QCOMPARE(model.sum(), 2200.0);
+    }
+
+    void anEmptyRangeHasOnlyTheEmptyRow() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        QVERIFY(addStatements(10));
+        DealListModel model(stores().dbBill);
+        QVERIFY(listAll(model, QStringLiteral("1990-01-01"), QStringLiteral("1990-12-31")));
+        QCOMPARE(model.masterCount(), 0);
+        QCOMPARE(model.masterRowCount(), 1);
+        QCOMPARE(model.periodCount(), 0);
+        QCOMPARE(model.periodTotal(), 0.0);
+        QVERIFY(!model.masterRows().isReading());
+    }
+};
+
+QTEST_MAIN(TestStatementListFromEnd)
+#include "tst_statement_list_from_end.moc"
