@@ -10,7 +10,7 @@ packages=(
   libxlsxwriter-dev poppler-utils sqlite3 xvfb libqt6svg6 desktop-file-utils unzip zip libzip-dev libsqlite3-dev
   openbox xdotool x11-utils x11-apps libxcb1-dev
   mdbtools mdbtools-dev
-  libqt6sql6-psql postgresql postgresql-contrib
+  libqt6sql6-psql postgresql postgresql-contrib libpq-dev
 )
 
 missing=()

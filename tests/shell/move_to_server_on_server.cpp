@@ -127,6 +127,27 @@ int storeSchemasOn(const QString& database) {
                    .size());
 }
 
+// The rows of a table in the order they were written: each text told apart from a null and from
+// the empty text ("v:" before a value, "NULL" for none), then each number as "v" or "NULL" and
+// its value as read (0 for none).
+QString rowsInOrder(const QString& table, const QStringList& texts, const QStringList& numbers = {}) {
+    QStringList values;
+    for (const QString& column : texts)
+        values << QStringLiteral("coalesce('v:' || %1, 'NULL')").arg(column);
+    for (const QString& column : numbers)
+        values
+            << QStringLiteral("CASE WHEN %1 IS NULL THEN 'NULL' ELSE 'v' END, coalesce(%1, 0)").arg(column);
+    return QStringLiteral("SELECT %1 FROM %2 ORDER BY rowid").arg(values.join(QStringLiteral(", ")), table);
+}
+
+// A trader whose every text is the given SQL expression (of the file's engine).
+QString awkwardTrader(int n, const QString& text) {
+    return QStringLiteral("INSERT INTO Trader (Code, C_Name, U_Name, Addr1, Bigo, TotNoPay) VALUES "
+                          "('W%1', %2, %2, %2, %2, NULL)")
+        .arg(n, 5, 10, QChar(u'0'))
+        .arg(text);
+}
+
 } // namespace
 
 class TestMoveToServer : public QObject {
@@ -282,6 +303,136 @@ private Q_SLOTS:
         const MoveReport again = moveToServer(target.settings());
         QVERIFY2(again.ok, qPrintable(again.failure));
         QCOMPARE(storeSchemasOn(target.name()), 5);
+    }
+
+    // Texts with the copy's own marks in them (tab, newline, carriage return, backslash, the text
+    // "\N"), the empty text beside none, Hangul, fractions a sum leaves long, and whole amounts
+    // past a double's exact digits arrive as the file holds them.
+    void everyAwkwardValueArrivesAsTheFileHoldsIt() {
+        test::TestHome home;
+        seedShop();
+        const QStringList texts = {
+            QStringLiteral("'탭' || char(9) || '사이'"),
+            QStringLiteral("'줄' || char(10) || '바꿈' || char(10)"),
+            QStringLiteral("'캐리지' || char(13) || char(10) || '리턴'"),
+            QStringLiteral("'역\\슬래시\\'"),
+            QStringLiteral("'\\N'"),
+            QStringLiteral("'\\t 글자 그대로 \\\\'"),
+            QStringLiteral("''"),
+            QStringLiteral("NULL"),
+            QStringLiteral("'㈜가나다 상사 똠방각하 햏'"),
+            QStringLiteral("' 앞뒤 빈칸 '"),
+        };
+        QStringList trader;
+        for (int i = 0; i < texts.size(); ++i)
+            trader << awkwardTrader(i, texts[i]);
+        QVERIFY(test::runOn(app().DbBasicFile, trader));
+        QVERIFY(test::runOn(
+            app().DbBillFile,
+            {QStringLiteral("INSERT INTO Master VALUES ('000900', '2024-07-01', 'W00000', 0.1 + 0.2, "
+                            "1e15 + 0.5, 9007199254740993)"),
+             QStringLiteral("INSERT INTO Detail VALUES ('000900', 1, '합', 'EA', 0.1 + 0.2, 1.0 / 3, -0.0, "
+                            "123456789012345678, 9007199254740993)"),
+             QStringLiteral("INSERT INTO Detail VALUES ('000900', 2, NULL, '', NULL, 4.35 * 100, 1e-7, "
+                            "-987654321098.765, 2.675)")}));
+        // Fractions in whole-number columns: rounded half to even on the way in, as a bound
+        // fraction is rounded there (chosen so that each column's sum stays, as the check wants).
+        QVERIFY(test::runOn(
+            app().DbTaxFile,
+            {QStringLiteral("INSERT INTO BuyTax (Serial, CCode, DealDate, TradeKum, VatKum, Blank) VALUES "
+                            "('1', 'W00000', '2024-07-01', 2.5, -2.5, 0.5)"),
+             QStringLiteral("INSERT INTO BuyTax (Serial, CCode, DealDate, TradeKum, VatKum, Blank) VALUES "
+                            "('2', 'W00000', '2024-07-01', 3.5, -3.5, 1.5)"),
+             QStringLiteral("INSERT INTO BuyTax (Serial, CCode, DealDate, TradeKum, VatKum, Blank) VALUES "
+                            "('3', 'W00000', '2024-07-01', 1234567890123, 0, 0)")}));
+        FreshDatabase target;
+        const MoveReport report = moveToServer(target.settings());
+        QVERIFY2(report.ok, qPrintable(report.failure));
+
+        const QStringList traderTexts = {"Code", "C_Name", "U_Name", "Addr1", "Bigo"};
+        const QStringList traderNumbers = {"TotNoPay", "VAT", "bDeled"};
+        const QStringList fileTraders =
+            rowsOnFile(app().DbBasicFile, rowsInOrder(QStringLiteral("Trader"), traderTexts, traderNumbers));
+        QVERIFY(fileTraders.size() >= texts.size());
+        QVERIFY(fileTraders.contains(QStringLiteral("v:W00006|v:|v:|v:|v:|NULL|0|NULL|0|v|0")));
+        QVERIFY(fileTraders.contains(QStringLiteral("v:W00007|NULL|NULL|NULL|NULL|NULL|0|NULL|0|v|0")));
+        QCOMPARE(rowsOnCluster(target.name(),
+                               rowsInOrder(QStringLiteral("basic.Trader"), traderTexts, traderNumbers)),
+                 fileTraders);
+        // Read on the server by itself: the marks are the texts', not the copy's.
+        QCOMPARE(rowsOnCluster(target.name(), QStringLiteral("SELECT c_name FROM basic.trader WHERE code IN "
+                                                             "('W00003', 'W00004') ORDER BY code")),
+                 (QStringList{QStringLiteral("역\\슬래시\\"), QStringLiteral("\\N")}));
+        QCOMPARE(rowsOnCluster(target.name(), QStringLiteral("SELECT code FROM basic.trader WHERE c_name IS "
+                                                             "NULL AND code LIKE 'W%'")),
+                 QStringList{QStringLiteral("W00007")});
+        QCOMPARE(
+            rowsOnCluster(target.name(),
+                          QStringLiteral("SELECT length(c_name) FROM basic.trader WHERE code = 'W00001'")),
+            QStringList{QStringLiteral("5")});
+
+        const QString master = QStringLiteral("%1Master");
+        const QStringList masterTexts = {"BillNo"}, masterNumbers = {"TotAmount", "TotVat", "NumBill"};
+        QCOMPARE(
+            rowsOnCluster(target.name(), rowsInOrder(master.arg("bill."), masterTexts, masterNumbers)),
+            rowsOnFile(app().DbBillFile, rowsInOrder(master.arg(QString()), masterTexts, masterNumbers)));
+        const QString detail = QStringLiteral("%1Detail");
+        const QStringList detailTexts = {"PName", "Unit"};
+        const QStringList detailNumbers = {"BillSEQ", "Quant", "Price", "DC", "Amount", "VAT"};
+        const QStringList fileDetail =
+            rowsOnFile(app().DbBillFile, rowsInOrder(detail.arg(QString()), detailTexts, detailNumbers));
+        QVERIFY(fileDetail.contains(
+            QStringLiteral("NULL|v:|v|2|NULL|0|v|434.99999999999994|v|1e-07|v|-987654321098.765|v|2.675")));
+        QCOMPARE(rowsOnCluster(target.name(), rowsInOrder(detail.arg("bill."), detailTexts, detailNumbers)),
+                 fileDetail);
+        // The same doubles to the last bit, and whole numbers past 2^53 whole.
+        QCOMPARE(rowsOnCluster(target.name(),
+                               QStringLiteral("SELECT count(*) FROM bill.master WHERE totamount = "
+                                              "0.1::float8 + 0.2::float8 AND numbill = 9007199254740993")),
+                 QStringList{QStringLiteral("1")});
+        QCOMPARE(
+            rowsOnCluster(target.name(), QStringLiteral("SELECT count(*) FROM bill.detail WHERE price = "
+                                                        "1::float8 / 3 AND vat = 9007199254740993::float8")),
+            QStringList{QStringLiteral("1")});
+        QCOMPARE(rowsOnCluster(target.name(), QStringLiteral("SELECT tradekum, vatkum, blank FROM tax.buytax "
+                                                             "ORDER BY rowid")),
+                 (QStringList{QStringLiteral("2|-2|0"), QStringLiteral("4|-4|2"),
+                              QStringLiteral("1234567890123|0|0")}));
+    }
+
+    // A row the server refuses (a key given twice) in the middle of a table's copy: the whole
+    // move goes back, the stores moved before it too, and the operator is told in Korean with the
+    // server's words beside.
+    void aRefusedRowInTheMiddleOfACopyUndoesTheWholeMove() {
+        test::TestHome home;
+        seedShop();
+        const QString rows = QStringLiteral(
+            "WITH RECURSIVE n(i) AS (SELECT %1 UNION ALL SELECT i + 1 FROM n WHERE i < %2) INSERT INTO "
+            "BuyTax "
+            "(Serial, CCode, DealDate, CName, TradeKum, VatKum, Blank) SELECT printf('%08d', i), '000001', "
+            "'2024-01-01', '상호 ' || i, i * 1000, i * 100, 0 FROM n");
+        // The file's own unique index is gone (an old file's damage), so it holds the key twice.
+        QVERIFY(test::runOn(app().DbTaxFile,
+                            {QStringLiteral("DROP INDEX \"BuyTax_PrimaryKey\""), rows.arg(1).arg(3000),
+                             rows.arg(1500).arg(1500), rows.arg(3001).arg(6000)}));
+        const QStringList before = test::booksDump();
+        FreshDatabase target;
+        QVERIFY(writeServerSettings(target.settings()));
+        ScriptedMessages& said = test::script();
+        said.answer(AnsYes);
+        Nubella window;
+        RunMoveToServerMenu(&window);
+        QCOMPARE(int(said.boxes().size()), 2);
+        const QString box = said.boxes()[1].text;
+        QVERIFY2(box.startsWith(QStringLiteral("데이터 서버로 옮기지 않았습니다. 장부는 이 컴퓨터의 자료 "
+                                               "파일에 그대로 있습니다.")),
+                 qPrintable(box));
+        QVERIFY2(box.contains(QStringLiteral("서버에 표 BuyTax을(를) 쓰지 못했습니다: ")), qPrintable(box));
+        QVERIFY2(box.contains(QStringLiteral("buytax_primarykey")), qPrintable(box));
+        QCOMPARE(storeSchemasOn(target.name()), 0); // basic and bill, moved before, gone again
+        QVERIFY(!readServerSettings().use);
+        QVERIFY(!onServer());
+        QCOMPARE(test::booksDump(), before);
     }
 
     void theMenuAsksMovesAndEndsTheProgram() {

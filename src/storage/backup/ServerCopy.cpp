@@ -1,6 +1,7 @@
 #include "storage/backup/ServerCopy.h"
 
 #include "storage/StoreEngine.h"
+#include "storage/backup/ServerCopyIn.h"
 #include "storage/backup/StoreCopy.h"
 
 #include <QFileInfo>
@@ -14,10 +15,6 @@
 
 namespace nb {
 namespace {
-
-// Values bound in one INSERT of several rows: the engines take many more, but a statement of a
-// few thousand characters keeps each round trip short.
-constexpr int kValuesPerInsert = 900;
 
 // One side of a copy: a store file, or a store's schema on the server. A statement is written
 // once in the files' words; the server's side takes it as its stores take theirs.
@@ -103,56 +100,35 @@ bool columnsToCopy(const Side& source, const Side& target, const TableDef& table
     return true;
 }
 
-QString insertStatement(const Side& target, const QString& table, const QList<ColumnDef>& columns, int rows) {
-    QStringList marks(columns.size() + 1, QStringLiteral("?"));
-    const QString row = u'(' + marks.join(QStringLiteral(", ")) + u')';
+QString insertStatement(const Side& target, const QString& table, const QList<ColumnDef>& columns) {
+    const QStringList marks(columns.size() + 1, QStringLiteral("?"));
     return QStringLiteral("INSERT INTO ") + target.table(table) + QStringLiteral(" (") + columnList(columns) +
-           QStringLiteral(", rowid) VALUES ") + QStringList(rows, row).join(QStringLiteral(", "));
+           QStringLiteral(", rowid) VALUES (") + marks.join(QStringLiteral(", ")) + u')';
 }
 
-// The rows of one table written on the target side. A file takes them one at a time through one
-// prepared statement (its engine finds a bound value by walking the statement's list of them, so
-// a statement of many rows costs the square of its values); the server takes many rows in one
-// statement, prepared once for every full batch (its names are folded as the server's stores
-// fold them; the values go in as the source holds them, each column's type taking its own).
+// The rows of one table written into a store file, one at a time through one prepared statement
+// (its engine finds a bound value by walking the statement's list of them, so a statement of many
+// rows costs the square of its values).
 class RowWriter {
 public:
     RowWriter(const Side& target, const TableDef& table, const QList<ColumnDef>& columns)
         : m_target(target), m_table(table.name), m_columns(columns), m_width(int(columns.size()) + 1),
-          m_batch(target.server ? std::max(1, kValuesPerInsert / m_width) : 1), m_insert(target.db) {}
+          m_insert(target.db) {}
 
     bool prepare(QString* why) {
-        if (m_insert.prepare(m_target.statement(insertStatement(m_target, m_table, m_columns, m_batch))))
-            return true;
-        return failed(m_insert, why);
+        return m_insert.prepare(m_target.statement(insertStatement(m_target, m_table, m_columns))) ||
+               failed(why);
     }
     bool add(const QSqlQuery& row, QString* why) {
         for (int i = 0; i < m_width; ++i)
-            m_values << row.value(i);
-        return ++m_pending < m_batch || flushFull(why);
-    }
-    // The rows of the last, shorter batch.
-    bool finish(QString* why) {
-        if (m_pending == 0) return true;
-        QSqlQuery last(m_target.db);
-        if (!last.prepare(m_target.statement(insertStatement(m_target, m_table, m_columns, m_pending))))
-            return failed(last, why);
-        for (const QVariant& value : m_values)
-            last.addBindValue(value);
-        return last.exec() || failed(last, why);
+            m_insert.addBindValue(row.value(i));
+        return m_insert.exec() || failed(why);
     }
 
 private:
-    bool flushFull(QString* why) {
-        for (const QVariant& value : m_values)
-            m_insert.addBindValue(value);
-        m_values.clear();
-        m_pending = 0;
-        return m_insert.exec() || failed(m_insert, why);
-    }
-    bool failed(const QSqlQuery& q, QString* why) const {
+    bool failed(QString* why) const {
         *why = QStringLiteral("%1에 표 %2을(를) 쓰지 못했습니다: %3")
-                   .arg(m_target.words(), m_table, engineWords(q.lastError()));
+                   .arg(m_target.words(), m_table, engineWords(m_insert.lastError()));
         return false;
     }
 
@@ -160,10 +136,7 @@ private:
     QString m_table;
     QList<ColumnDef> m_columns;
     int m_width;
-    int m_batch;
     QSqlQuery m_insert;
-    QVariantList m_values;
-    int m_pending = 0;
 };
 
 // Reads the rows of one table in the order they were written, handing each to `take`. A file is
@@ -200,9 +173,9 @@ bool readRows(const Side& source, const TableDef& table, const QList<ColumnDef>&
     return cursor.exec(QStringLiteral("CLOSE nb_copy")) || readFailed(cursor);
 }
 
-// The rows of one table in the order they were written, their row numbers kept.
-bool copyRows(const Side& source, const Side& target, const TableDef& table, const QList<ColumnDef>& columns,
-              qint64* copied, QString* why) {
+// The rows of one table written into a store file through the writer.
+bool copyRowsToFile(const Side& source, const Side& target, const TableDef& table,
+                    const QList<ColumnDef>& columns, qint64* copied, QString* why) {
     RowWriter writer(target, table, columns);
     if (!writer.prepare(why)) return false;
     const bool ok = readRows(
@@ -212,7 +185,17 @@ bool copyRows(const Side& source, const Side& target, const TableDef& table, con
             return writer.add(row, why);
         },
         why);
-    if (!ok || !writer.finish(why)) return false;
+    return ok;
+}
+
+// The rows of one table in the order they were written, their row numbers kept. Onto the server
+// they stream through its COPY.
+bool copyRows(const Side& source, const Side& target, const TableDef& table, const QList<ColumnDef>& columns,
+              qint64* copied, QString* why) {
+    const bool ok = target.server
+                        ? copyFileTableIn(source.db, target.db, target.schema, table, columns, copied, why)
+                        : copyRowsToFile(source, target, table, columns, copied, why);
+    if (!ok) return false;
     // Rows written on the server later take numbers after the ones brought along.
     if (target.server && *copied > 0)
         return runSql(
