@@ -398,6 +398,28 @@ private Q_SLOTS:
                                                              "ORDER BY rowid")),
                  (QStringList{QStringLiteral("2|-2|0"), QStringLiteral("4|-4|2"),
                               QStringLiteral("1234567890123|0|0")}));
+
+        // And back, as a backup reads them: each schema copied into a new store file holds the
+        // moved rows as the first file held them (the whole-number columns as the server rounded them).
+        OwnConnection server(QStringLiteral("QPSQL"));
+        QString why;
+        QVERIFY2(openServerConnection(server, connInfoOf(target.settings()), &why), qPrintable(why));
+        const QString back = home.file(QStringLiteral("back-%1.db"));
+        for (const char* schema : {"basic", "bill", "tax"})
+            QVERIFY2(copySchemaToFile(server.db(), schema, back.arg(schema), &why), qPrintable(why));
+        QCOMPARE(
+            rowsOnFile(back.arg("basic"), rowsInOrder(QStringLiteral("Trader"), traderTexts, traderNumbers)),
+            fileTraders);
+        QCOMPARE(rowsOnFile(back.arg("bill"), rowsInOrder(detail.arg(QString()), detailTexts, detailNumbers)),
+                 fileDetail);
+        QCOMPARE(
+            rowsOnFile(back.arg("bill"), rowsInOrder(master.arg(QString()), masterTexts, masterNumbers)),
+            rowsOnFile(app().DbBillFile, rowsInOrder(master.arg(QString()), masterTexts, masterNumbers)));
+        QCOMPARE(rowsOnFile(back.arg("tax"),
+                            QStringLiteral("SELECT TradeKum, VatKum, Blank, typeof(TradeKum) FROM "
+                                           "BuyTax ORDER BY rowid")),
+                 (QStringList{QStringLiteral("2|-2|0|integer"), QStringLiteral("4|-4|2|integer"),
+                              QStringLiteral("1234567890123|0|0|integer")}));
     }
 
     // A row the server refuses (a key given twice) in the middle of a table's copy: the whole

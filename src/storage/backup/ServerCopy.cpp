@@ -2,6 +2,7 @@
 
 #include "storage/StoreEngine.h"
 #include "storage/backup/ServerCopyIn.h"
+#include "storage/backup/ServerCopyOut.h"
 #include "storage/backup/StoreCopy.h"
 
 #include <QFileInfo>
@@ -11,7 +12,6 @@
 #include <QUuid>
 #include <algorithm>
 #include <cmath>
-#include <functional>
 
 namespace nb {
 namespace {
@@ -42,13 +42,6 @@ QString quotedIdentifier(const QString& name) {
 
 bool isNumberColumn(const ColumnDef& column) {
     return column.type != dbText && column.type != dbMemo && column.type != dbBoolean;
-}
-
-QString columnList(const QList<ColumnDef>& columns) {
-    QStringList names;
-    for (const ColumnDef& column : columns)
-        names << quoteName(column.name);
-    return names.join(QStringLiteral(", "));
 }
 
 // The columns of a table as one side holds it, without the server's own (the row number, a work
@@ -100,101 +93,13 @@ bool columnsToCopy(const Side& source, const Side& target, const TableDef& table
     return true;
 }
 
-QString insertStatement(const Side& target, const QString& table, const QList<ColumnDef>& columns) {
-    const QStringList marks(columns.size() + 1, QStringLiteral("?"));
-    return QStringLiteral("INSERT INTO ") + target.table(table) + QStringLiteral(" (") + columnList(columns) +
-           QStringLiteral(", rowid) VALUES (") + marks.join(QStringLiteral(", ")) + u')';
-}
-
-// The rows of one table written into a store file, one at a time through one prepared statement
-// (its engine finds a bound value by walking the statement's list of them, so a statement of many
-// rows costs the square of its values).
-class RowWriter {
-public:
-    RowWriter(const Side& target, const TableDef& table, const QList<ColumnDef>& columns)
-        : m_target(target), m_table(table.name), m_columns(columns), m_width(int(columns.size()) + 1),
-          m_insert(target.db) {}
-
-    bool prepare(QString* why) {
-        return m_insert.prepare(m_target.statement(insertStatement(m_target, m_table, m_columns))) ||
-               failed(why);
-    }
-    bool add(const QSqlQuery& row, QString* why) {
-        for (int i = 0; i < m_width; ++i)
-            m_insert.addBindValue(row.value(i));
-        return m_insert.exec() || failed(why);
-    }
-
-private:
-    bool failed(QString* why) const {
-        *why = QStringLiteral("%1에 표 %2을(를) 쓰지 못했습니다: %3")
-                   .arg(m_target.words(), m_table, engineWords(m_insert.lastError()));
-        return false;
-    }
-
-    const Side& m_target;
-    QString m_table;
-    QList<ColumnDef> m_columns;
-    int m_width;
-    QSqlQuery m_insert;
-};
-
-// Reads the rows of one table in the order they were written, handing each to `take`. A file is
-// read by one query; the server through a cursor a batch at a time (the read stays inside the
-// caller's transaction, and neither side holds the whole table at once).
-bool readRows(const Side& source, const TableDef& table, const QList<ColumnDef>& columns,
-              const std::function<bool(const QSqlQuery&)>& take, QString* why) {
-    const QString sql =
-        source.statement(QStringLiteral("SELECT ") + columnList(columns) + QStringLiteral(", rowid FROM ") +
-                         source.table(table.name) + QStringLiteral(" ORDER BY rowid"));
-    auto readFailed = [&](const QSqlQuery& q) {
-        *why = QStringLiteral("%1의 표 %2을(를) 읽지 못했습니다: %3")
-                   .arg(source.words(), table.name, engineWords(q.lastError()));
-        return false;
-    };
-    if (!source.server) {
-        QSqlQuery read(source.db);
-        read.setForwardOnly(true);
-        if (!read.exec(sql)) return readFailed(read);
-        while (read.next())
-            if (!take(read)) return false;
-        return !read.lastError().isValid() || readFailed(read);
-    }
-    QSqlQuery cursor(source.db);
-    if (!cursor.exec(QStringLiteral("DECLARE nb_copy NO SCROLL CURSOR FOR ") + sql))
-        return readFailed(cursor);
-    for (;;) {
-        QSqlQuery batch(source.db);
-        if (!batch.exec(QStringLiteral("FETCH 5000 FROM nb_copy"))) return readFailed(batch);
-        if (batch.size() == 0) break;
-        while (batch.next())
-            if (!take(batch)) return false;
-    }
-    return cursor.exec(QStringLiteral("CLOSE nb_copy")) || readFailed(cursor);
-}
-
-// The rows of one table written into a store file through the writer.
-bool copyRowsToFile(const Side& source, const Side& target, const TableDef& table,
-                    const QList<ColumnDef>& columns, qint64* copied, QString* why) {
-    RowWriter writer(target, table, columns);
-    if (!writer.prepare(why)) return false;
-    const bool ok = readRows(
-        source, table, columns,
-        [&](const QSqlQuery& row) {
-            ++*copied;
-            return writer.add(row, why);
-        },
-        why);
-    return ok;
-}
-
-// The rows of one table in the order they were written, their row numbers kept. Onto the server
-// they stream through its COPY.
+// The rows of one table in the order they were written, their row numbers kept, streamed through
+// the server's COPY either way.
 bool copyRows(const Side& source, const Side& target, const TableDef& table, const QList<ColumnDef>& columns,
               qint64* copied, QString* why) {
-    const bool ok = target.server
-                        ? copyFileTableIn(source.db, target.db, target.schema, table, columns, copied, why)
-                        : copyRowsToFile(source, target, table, columns, copied, why);
+    const bool ok =
+        target.server ? copyFileTableIn(source.db, target.db, target.schema, table, columns, copied, why)
+                      : copyServerTableOut(source.db, source.schema, target.db, table, columns, copied, why);
     if (!ok) return false;
     // Rows written on the server later take numbers after the ones brought along.
     if (target.server && *copied > 0)
