@@ -1,6 +1,7 @@
 // The test run's PostgreSQL cluster and the databases each test gets on it: the bed every server
 // run of a store test lies on.
 
+#include "ProgramRun.h"
 #include "ServerDatabase.h"
 #include "TestSupport.h"
 
@@ -16,6 +17,49 @@ namespace {
 int databasesNamed(const QString& name) {
     return clusterScalar(QStringLiteral("SELECT count(*) FROM pg_database WHERE datname = '%1'").arg(name))
         .toInt();
+}
+
+// What a database holds of the stores, a line each: the schemas, every table's columns with their
+// types, null rules, defaults and collations, the indexes, triggers and functions, the extensions.
+QStringList storesLaidDown(const QString& database) {
+    const QString stores = QStringLiteral("('basic', 'bill', 'tax', 'estimate', 'inout')");
+    const QString sql =
+        QStringLiteral(
+            "SELECT string_agg(line, E'\\n' ORDER BY line) FROM ("
+            "SELECT 'schema ' || nspname AS line FROM pg_namespace WHERE nspname IN %1 "
+            "UNION ALL SELECT 'column ' || n.nspname || '.' || c.relname || '.' || a.attname || ' ' || "
+            "format_type(a.atttypid, a.atttypmod) || CASE WHEN a.attnotnull THEN ' not null' ELSE '' END || "
+            "coalesce(' default ' || pg_get_expr(d.adbin, d.adrelid), '') || coalesce(' collate ' || "
+            "co.collname, "
+            "'') || ' identity ' || a.attidentity::text FROM pg_class c JOIN pg_namespace n ON n.oid = "
+            "c.relnamespace "
+            "JOIN pg_attribute a ON a.attrelid = c.oid AND a.attnum > 0 AND NOT a.attisdropped LEFT JOIN "
+            "pg_attrdef d ON d.adrelid = c.oid AND d.adnum = a.attnum LEFT JOIN pg_collation co ON co.oid = "
+            "a.attcollation WHERE n.nspname IN %1 AND c.relkind = 'r' "
+            "UNION ALL SELECT 'index ' || schemaname || '.' || indexname || ' ' || indexdef FROM pg_indexes "
+            "WHERE schemaname IN %1 "
+            "UNION ALL SELECT 'trigger ' || n.nspname || '.' || c.relname || '.' || t.tgname FROM pg_trigger "
+            "t "
+            "JOIN pg_class c ON c.oid = t.tgrelid JOIN pg_namespace n ON n.oid = c.relnamespace WHERE NOT "
+            "t.tgisinternal AND n.nspname IN %1 "
+            "UNION ALL SELECT 'function ' || n.nspname || '.' || p.proname FROM pg_proc p JOIN pg_namespace "
+            "n ON "
+            "n.oid = p.pronamespace WHERE n.nspname IN %1 "
+            "UNION ALL SELECT 'extension ' || extname FROM pg_extension) lines")
+            .arg(stores);
+    return clusterScalar(sql, database).toString().split(u'\n');
+}
+
+// The program started once on a database (a command that finds nothing to print): it lays down
+// what is missing and opens every store.
+void startProgramOn(const QString& home, const QString& database) {
+    QProcessEnvironment env;
+    env.insert(QStringLiteral("NUBELLA_PG"), testClusterConnInfo() + QStringLiteral(" dbname=") + database);
+    const ProgramRun run = runProgram(
+        home,
+        {QStringLiteral("--print-invoice"), QStringLiteral("1"), QStringLiteral("--pdf"), home + "/x.pdf"},
+        env);
+    QCOMPARE(run.exitCode, 1); // no such invoice; the stores are open by then
 }
 
 } // namespace
@@ -75,6 +119,52 @@ private Q_SLOTS:
         QCOMPARE(databasesNamed(first), 0);
         // Between homes the program's own database stays named: never the store files.
         QVERIFY(qEnvironmentVariable("NUBELLA_PG").contains(QStringLiteral("dbname=")));
+    }
+
+    // Every home's database is a copy of one template of the layout, made once for the run.
+    void everyHomeIsMadeFromOneTemplateOfTheLayout() {
+        TestHome first;
+        TestHome second;
+        const QString made = layoutTemplateName();
+        QVERIFY(made.startsWith(QStringLiteral("nb_layout_")));
+        QCOMPARE(databasesNamed(made), 1);
+        QCOMPARE(clusterScalar(QStringLiteral("SELECT count(*) FROM pg_database WHERE datname LIKE "
+                                              "'nb\\_layout\\_%' AND datname <> '%1'")
+                                   .arg(made))
+                     .toInt(),
+                 0); // none half made, none of another layout
+        for (const TestHome* home : {&first, &second})
+            QCOMPARE(clusterScalar(QStringLiteral("SELECT count(*) FROM pg_namespace WHERE nspname IN "
+                                                  "('basic', 'bill', 'tax', 'estimate', 'inout')"),
+                                   home->server().name())
+                         .toInt(),
+                     5);
+        // The copies are the home's own: a row in one is not in the template or the other.
+        QVERIFY(clusterScalar(QStringLiteral("INSERT INTO basic.trader (code) VALUES ('000001')"),
+                              first.server().name())
+                    .isNull());
+        for (const QString& database : {made, second.server().name()})
+            QCOMPARE(clusterScalar(QStringLiteral("SELECT count(*) FROM basic.trader"), database).toInt(), 0);
+    }
+
+    // A home's stores, once the program has opened them, are what the program lays down on an
+    // empty database at its first start.
+    void aHomeHoldsTheStoresAsTheProgramLaysThemDown() {
+        TestHome home;
+        const QString plain =
+            QStringLiteral("nb_plain_") + QUuid::createUuid().toString(QUuid::Id128).left(12);
+        QVERIFY(clusterScalar(QStringLiteral("CREATE DATABASE ") + plain).isNull());
+        QCOMPARE(
+            clusterScalar(QStringLiteral("SELECT count(*) FROM pg_namespace WHERE nspname = 'basic'"), plain)
+                .toInt(),
+            0);
+        startProgramOn(home.path(), plain);
+        startProgramOn(home.path(), home.server().name());
+        const QStringList laidDown = storesLaidDown(plain);
+        QVERIFY(laidDown.size() > 100);
+        QVERIFY(laidDown.contains(QStringLiteral("schema inout")));
+        QCOMPARE(storesLaidDown(home.server().name()), laidDown);
+        clusterScalar(QStringLiteral("DROP DATABASE %1 WITH (FORCE)").arg(plain));
     }
 
     void aProgramCopyInheritsTheDatabase() {
