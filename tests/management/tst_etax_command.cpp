@@ -56,7 +56,7 @@ class TestEtaxCommand : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void writesTheFileAndSaysWhatItLeftOutAndAssumed() {
-        QTemporaryDir home;
+        nb::test::TestHome home;
         fillStore(home.path());
         const QString out = home.path() + "/etax";
         const auto run = runProgram(home.path(), {"--export-etax", "2024-05-01", "2024-05-31", "--out", out});
@@ -71,7 +71,7 @@ private Q_SLOTS:
                 "영수/청구가 기록되지 않은 계산서 1건은 청구(02)로 작성했습니다."}));
     }
     void receiptOptionChoosesWhatIsAssumed() {
-        QTemporaryDir home;
+        nb::test::TestHome home;
         fillStore(home.path());
         const auto run = runProgram(home.path(), {"--export-etax", "2024-05-01", "2024-05-31", "--out",
                                                   home.path() + "/etax", "--receipt", "01"});
@@ -80,7 +80,7 @@ private Q_SLOTS:
                  QStringLiteral("영수/청구가 기록되지 않은 계산서 1건은 영수(01)로 작성했습니다."));
     }
     void aPeriodWithoutInvoicesWritesNothingAndFails() {
-        QTemporaryDir home;
+        nb::test::TestHome home;
         fillStore(home.path());
         const auto run = runProgram(
             home.path(), {"--export-etax", "2024-06-01", "2024-06-30", "--out", home.path() + "/e"});
@@ -90,7 +90,7 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo::exists(home.path() + "/e"));
     }
     void onlyInvoicesThatCannotGoFailWithTheirLines() {
-        QTemporaryDir home;
+        nb::test::TestHome home;
         fillStore(home.path());
         execOn(home.path() + "/Dbs/dbTax.db", {"delete from NewAcount where CCode = '000001'"});
         const auto run = runProgram(
@@ -101,7 +101,7 @@ private Q_SLOTS:
         QCOMPARE(run.errorText, QStringLiteral("파일로 보낼 수 있는 세금계산서가 없습니다."));
     }
     void theFolderIsNotMadeWhenNothingIsExported() {
-        QTemporaryDir home;
+        nb::test::TestHome home;
         fillStore(home.path());
         execOn(home.path() + "/Dbs/dbTax.db", {"delete from NewAcount where CCode = '000001'"});
         const QString out = home.path() + "/etax/2024";
@@ -111,7 +111,7 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo::exists(home.path() + "/etax"));
     }
     void aFullDiskExitsOneAndLeavesNoEmptyWorkbook() {
-        QTemporaryDir home;
+        nb::test::TestHome home;
         QTemporaryDir temp; // the library's own scratch files
         fillLargeInvoices(home.path());
         const QString out = home.path() + "/etax";
@@ -140,7 +140,7 @@ private Q_SLOTS:
     }
     void malformedCommandsAreTold() {
         QFETCH(QStringList, arguments);
-        QTemporaryDir home;
+        nb::test::TestHome home;
         const auto run = runProgram(home.path(), arguments);
         QCOMPARE(run.exitCode, 2);
         QCOMPARE(run.errorText,
@@ -149,7 +149,7 @@ private Q_SLOTS:
                                 "파일에 넣은 세금계산서도 다시 넣음)"));
     }
     void aSecondExportElsewhereLeavesOutWhatTheFirstHandedOver() {
-        QTemporaryDir home;
+        nb::test::TestHome home;
         fillStore(home.path());
         QCOMPARE(runProgram(home.path(),
                             {"--export-etax", "2024-05-01", "2024-05-31", "--out", home.path() + "/a"})
@@ -164,7 +164,7 @@ private Q_SLOTS:
         QCOMPARE(run.errorText, QStringLiteral("파일로 보낼 수 있는 세금계산서가 없습니다."));
     }
     void againPutsHandedOverInvoicesInOnceMore() {
-        QTemporaryDir home;
+        nb::test::TestHome home;
         fillStore(home.path());
         runProgram(home.path(), {"--export-etax", "2024-05-01", "2024-05-31", "--out", home.path() + "/a"});
         const auto run = runProgram(home.path(), {"--export-etax", "2024-05-01", "2024-05-31", "--out",
@@ -176,7 +176,7 @@ private Q_SLOTS:
             run.out.contains("작성: " + home.path() + "/b/전자세금계산서_20240501-20240531_1.xlsx (2건)"));
     }
     void theSameFolderAgainReplacesTheFileAndRemovesAnOlderNumberedOne() {
-        QTemporaryDir home;
+        nb::test::TestHome home;
         fillStore(home.path());
         const QString out = home.path() + "/etax";
         QDir().mkpath(out);

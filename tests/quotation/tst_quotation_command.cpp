@@ -15,7 +15,7 @@ class TestQuotationCommand : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void missingQuotationExitsNonZeroWithOneLine() {
-        QTemporaryDir home;
+        nb::test::TestHome home;
         const Run run =
             runProgram(home.path(), {"--print-quotation", "209901001", "--pdf", home.path() + "/x.pdf"});
         QCOMPARE(run.exitCode, 1);
@@ -24,13 +24,13 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo::exists(home.path() + "/x.pdf"));
     }
     void malformedCommandSaysHowToUseIt() {
-        QTemporaryDir home;
+        nb::test::TestHome home;
         const Run run = runProgram(home.path(), {"--print-quotation", "202405001"});
         QCOMPARE(run.exitCode, 2);
         QCOMPARE(run.errorText, QStringLiteral("사용법: nubella --print-quotation 견적번호 --pdf 파일"));
     }
     void storedQuotationIsWrittenToAPdf() {
-        QTemporaryDir home;
+        nb::test::TestHome home;
         runProgram(home.path(),
                    {"--print-quotation", "1", "--pdf", home.path() + "/none.pdf"}); // lays down the store
         execOn(home.path() + "/Dbs/dbBasic.db",
@@ -54,7 +54,7 @@ private Q_SLOTS:
             QVERIFY2(out.contains(QString::fromUtf8(word)), word);
     }
     void theTotalIsWorkedOutFromTheLinesNotTakenFromAStaleHead() {
-        QTemporaryDir home;
+        nb::test::TestHome home;
         runProgram(home.path(), {"--print-quotation", "1", "--pdf", home.path() + "/none.pdf"});
         execOn(home.path() + "/Dbs/dbBasic.db",
                {"INSERT INTO User (Company, Delegate, Serial, Addr) VALUES ('누벨라상사', '김대표', "

@@ -1,10 +1,16 @@
 #pragma once
 // For tests that run the program itself as a separate process (the command-line prints): its
-// exit code and error text, and statements put straight into a store file beforehand.
+// exit code and error text, and statements put straight into a store beforehand (its file, or its
+// schema on the server when the test runs on the test run's cluster).
 
+#include "ServerDatabase.h"
+#include "storage/StoreEngine.h"
+
+#include <QFileInfo>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QSqlDatabase>
+#include <QSqlError>
 #include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QTest>
@@ -55,15 +61,35 @@ inline std::function<void()> fullDiskAt(rlim_t bytes) {
     };
 }
 
-// Runs each statement on the store file; the test fails on the first that fails.
+// The schema on the server of a store named by its file, for a test on the server: the seat the
+// program runs as keeps that store there (NUBELLA_PG), not in the file.
+inline QString serverSchemaOfFile(const QString& file) {
+    if (!testOnServer() || qEnvironmentVariableIsEmpty("NUBELLA_PG")) return QString();
+    const QString name = QFileInfo(file).fileName();
+    for (const auto& [stem, schema] : {std::pair{"dbBasic.db", "basic"}, std::pair{"dbBill.db", "bill"},
+                                       std::pair{"dbTax.db", "tax"}, std::pair{"dbEstimate.db", "estimate"}})
+        if (name.compare(QLatin1String(stem), Qt::CaseInsensitive) == 0) return QLatin1String(schema);
+    return QString();
+}
+
+// Runs each statement on the store; the test fails on the first that fails. A store the seat
+// keeps on the server takes the statements in the server's words, as the program's own do.
 inline void execOn(const QString& file, const QStringList& statements) {
+    const QString schema = serverSchemaOfFile(file);
     {
-        QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "fill");
-        db.setDatabaseName(file);
-        QVERIFY(db.open());
+        QSqlDatabase db = QSqlDatabase::addDatabase(schema.isEmpty() ? "QSQLITE" : "QPSQL", "fill");
+        if (schema.isEmpty())
+            db.setDatabaseName(file);
+        else
+            db.setConnectOptions(qEnvironmentVariable("NUBELLA_PG"));
+        QVERIFY2(db.open(), qPrintable(file));
+        if (!schema.isEmpty())
+            QVERIFY(QSqlQuery(db).exec(QStringLiteral("SET search_path TO ") + schema +
+                                       QStringLiteral(", public")));
         for (const QString& sql : statements) {
             QSqlQuery q(db);
-            QVERIFY2(q.exec(sql), qPrintable(sql));
+            const QString words = schema.isEmpty() ? sql : nb::serverStatement(sql, {});
+            QVERIFY2(q.exec(words), qPrintable(words + QStringLiteral(": ") + q.lastError().text()));
         }
         db.close();
     }
