@@ -1,4 +1,5 @@
 #include "ServerDatabase.h"
+#include "ServerTemplate.h"
 
 #include "storage/StoreEngine.h"
 #include "storage/StoreLayout.h"

@@ -3,9 +3,6 @@
 // program runs as its server twin (NUBELLA_TEST_PG holds the cluster's connection string), every
 // fresh application folder gets a fresh database too, named in NUBELLA_PG for as long as it
 // lives and dropped afterwards, so tests that run at the same time never see each other's books.
-// Each is a copy of one template database holding every store laid down empty, as a seat's first
-// start lays them down; the template is made once per cluster and layout (its name holds a hash
-// of the layout's statements, so a changed layout makes a template anew).
 // Without NUBELLA_TEST_PG nothing happens and the program works on its store files.
 
 #include <QByteArray>
@@ -26,9 +23,6 @@ inline bool testOnServer() {
 // with the server's text.
 QVariant clusterScalar(const QString& sql, const QString& database = QStringLiteral("postgres"),
                        const QVariantList& values = {});
-
-// The name of the template database of the current layout.
-QString layoutTemplateName();
 
 class ServerDatabase {
 public:

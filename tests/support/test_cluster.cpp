@@ -3,6 +3,7 @@
 
 #include "ProgramRun.h"
 #include "ServerDatabase.h"
+#include "ServerTemplate.h"
 #include "TestSupport.h"
 
 #include <QProcess>
