@@ -9,6 +9,7 @@
 // the same run (psql's own timer, median of 5).
 //
 //   bench_books_on_server                 the whole run on a cluster of its own
+//   bench_books_on_server --move          the move and its bare road only
 //   bench_books_on_server --on CONNINFO   the lists only, on a database a run left moved (with
 //                                         NB_BENCH_KEEP_CLUSTER set), e.g. when the machine is quiet
 #include "BenchBooks.h"
@@ -237,6 +238,7 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     test::prepareApplication(app);
     if (argc == 3 && QByteArray(argv[1]) == "--on") return listsOn(QString::fromLocal8Bit(argv[2]));
+    const bool moveOnly = argc == 2 && QByteArray(argv[1]) == "--move";
     bench::BenchCluster cluster;
     if (!cluster.ok() || !cluster.createDatabase(kDatabase)) return 1;
     std::printf("load average at the start: %.2f\n", bench::loadAverage());
@@ -281,6 +283,11 @@ int main(int argc, char** argv) {
     }
     std::printf("the same big tables (%lld rows) by sqlite3 | psql \\copy: %.0f ms\n", qlonglong(bareRows),
                 bareMs);
+    std::printf("the move beside the bare road: ratio %.2f\n", bareMs > 0 ? moveMs / bareMs : 0.0);
+    if (moveOnly) {
+        closeStores();
+        return 0;
+    }
     QSqlQuery(stores().dbBasic.connection()).exec(QStringLiteral("DROP SCHEMA bare CASCADE"));
     // The planner's figures, as the server's autovacuum would gather them after a move.
     QSqlQuery(stores().dbBasic.connection()).exec(QStringLiteral("VACUUM ANALYZE"));
