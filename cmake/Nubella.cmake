@@ -74,6 +74,16 @@ function(nb_test_both)
   endforeach()
 endfunction()
 
+# nb_test_pg_empty(test ...): the server tests named (twins <test>_pg, or tests on the server alone)
+# lay the stores down themselves, so each of their application folders gets an empty database
+# rather than a copy of the template with every store laid down (tests/support/ServerDatabase.cpp).
+# Call it in the folder the tests are registered in.
+function(nb_test_pg_empty)
+  foreach(test_name ${ARGN})
+    set_property(TEST ${test_name} APPEND PROPERTY ENVIRONMENT "NUBELLA_TEST_PG_EMPTY=1")
+  endforeach()
+endfunction()
+
 # nb_test_on_server(test source DEPS ...): a test that is about the server alone (seats sharing
 # one database, the test cluster itself), run only on the run's cluster as nb_test_both's twins
 # are; its source is not named tst_*, so that nb_tests leaves it out.

@@ -148,6 +148,20 @@ private Q_SLOTS:
             QCOMPARE(clusterScalar(QStringLiteral("SELECT count(*) FROM basic.trader"), database).toInt(), 0);
     }
 
+    // A test about laying the stores down itself gets an empty database.
+    void aTestThatLaysTheStoresDownGetsAnEmptyDatabase() {
+        qputenv("NUBELLA_TEST_PG_EMPTY", "1");
+        {
+            TestHome home;
+            QCOMPARE(clusterScalar(QStringLiteral("SELECT count(*) FROM pg_namespace WHERE nspname IN "
+                                                  "('basic', 'bill', 'tax', 'estimate', 'inout')"),
+                                   home.server().name())
+                         .toInt(),
+                     0);
+        }
+        qunsetenv("NUBELLA_TEST_PG_EMPTY");
+    }
+
     // A home's stores, once the program has opened them, are what the program lays down on an
     // empty database at its first start.
     void aHomeHoldsTheStoresAsTheProgramLaysThemDown() {

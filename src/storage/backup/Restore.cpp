@@ -17,11 +17,13 @@
 #include "storage/backup/ServerCopy.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSqlQuery>
+#include <QThread>
 #include <QVersionNumber>
 #include <cstdio>
 
@@ -111,19 +113,26 @@ QString storeInUse() {
     return QString();
 }
 
-// The connections of other seats (other running copies) to the server's database.
+// The connections of other seats (other running copies) to the server's database. A copy that
+// has just ended leaves the server's list a moment after it let go of its connection, so a
+// count above none is asked again for a second before it stands.
 bool otherSeatsConnected(QSqlDatabase server, int* others, QString* why) {
-    QSqlQuery q(server);
-    if (!q.exec(QStringLiteral("SELECT count(*) FROM pg_catalog.pg_stat_activity WHERE datname = "
-                               "current_database() AND pid <> pg_backend_pid() AND backend_type = "
-                               "'client backend'")) ||
-        !q.next()) {
-        *why =
-            QStringLiteral("데이터 서버에 연결된 자리를 알아보지 못했습니다: ") + engineWords(q.lastError());
-        return false;
+    QElapsedTimer waited;
+    waited.start();
+    for (;;) {
+        QSqlQuery q(server);
+        if (!q.exec(QStringLiteral("SELECT count(*) FROM pg_catalog.pg_stat_activity WHERE datname = "
+                                   "current_database() AND pid <> pg_backend_pid() AND backend_type = "
+                                   "'client backend'")) ||
+            !q.next()) {
+            *why = QStringLiteral("데이터 서버에 연결된 자리를 알아보지 못했습니다: ") +
+                   engineWords(q.lastError());
+            return false;
+        }
+        *others = q.value(0).toInt();
+        if (*others == 0 || waited.elapsed() >= 1000) return true;
+        QThread::msleep(50);
     }
-    *others = q.value(0).toInt();
-    return true;
 }
 
 // The stores the server keeps, put back from their staged files in one transaction: every
