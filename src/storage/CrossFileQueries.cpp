@@ -5,12 +5,8 @@
 #include "storage/Stores.h"
 
 namespace nb {
-namespace {
-
-// Attaches the other file, runs the query into rs and lets the file go again.
-bool openAcrossFiles(Database& db, const QString& otherFile, const QString& alias, Recordset& rs,
-                     const QString& sql, const QVariantList& values) {
-    rs.close();
+bool AttachForQuery(Database& db, const QString& otherFile, const QString& alias, const QString& sql,
+                    const QVariantList& values) {
     if (!db.isOpen()) {
         ReportQueryFailure(ErrNotOpened, QString(), sqlForDisplay(sql, values));
         return false;
@@ -20,6 +16,16 @@ bool openAcrossFiles(Database& db, const QString& otherFile, const QString& alia
                            sqlForDisplay(sql, values));
         return false;
     }
+    return true;
+}
+
+namespace {
+
+// Attaches the other file, runs the query into rs and lets the file go again.
+bool openAcrossFiles(Database& db, const QString& otherFile, const QString& alias, Recordset& rs,
+                     const QString& sql, const QVariantList& values) {
+    rs.close();
+    if (!AttachForQuery(db, otherFile, alias, sql, values)) return false;
     const bool ok = OpenSnapshot(db, rs, sql, values);
     db.detach(alias);
     return ok;
@@ -81,15 +87,7 @@ bool ReadStatementListRows(Database& bill, const QString& basicFile, const QStri
     QVariantList values{from, to};
     if (withTrader) values << traderCode;
     const QString sql = statementListRowsSql(withTrader);
-    if (!bill.isOpen()) {
-        ReportQueryFailure(ErrNotOpened, QString(), sqlForDisplay(sql, values));
-        return false;
-    }
-    if (!bill.attach(basicFile, kBasicAlias)) {
-        ReportQueryFailure(-1, QStringLiteral("unable to open database: ") + basicFile,
-                           sqlForDisplay(sql, values));
-        return false;
-    }
+    if (!AttachForQuery(bill, basicFile, kBasicAlias, sql, values)) return false;
     bool ok = false;
     if (SqliteRows::canStep(bill.connection())) {
         auto rows = std::make_unique<SqliteRows>(bill.connection(), sql, values);

@@ -16,6 +16,11 @@
 
 namespace nb {
 
+// Attaches the other file for the query about to run; false (the query's box shown, with the
+// statement) when the store is not open or the file cannot be attached.
+bool AttachForQuery(Database& db, const QString& otherFile, const QString& alias, const QString& sql,
+                    const QVariantList& values);
+
 // Aliases the other file is attached under.
 inline const QString kBasicAlias = QStringLiteral("basic");
 inline const QString kBillAlias = QStringLiteral("bill");

@@ -77,16 +77,7 @@ QVariantList StatementListFromEnd::pageValues(bool after, int limit) const {
 }
 
 bool StatementListFromEnd::attachBasic(const QString& sql, const QVariantList& values) {
-    if (!m_bill.isOpen()) {
-        ReportQueryFailure(ErrNotOpened, QString(), sqlForDisplay(sql, values));
-        return false;
-    }
-    if (!m_bill.attach(m_basicFile, kBasicAlias)) {
-        ReportQueryFailure(-1, QStringLiteral("unable to open database: ") + m_basicFile,
-                           sqlForDisplay(sql, values));
-        return false;
-    }
-    return true;
+    return AttachForQuery(m_bill, m_basicFile, kBasicAlias, sql, values);
 }
 
 // Runs one statement (the basic file attached), its rows into m_page.
