@@ -220,7 +220,14 @@ Database::~Database() {
 }
 
 bool Database::isOpen() const {
-    return !m_connection.isEmpty() && QSqlDatabase::database(m_connection, false).isOpen();
+    // On the server a connection that the driver closed on seeing the server go (a seat standing
+    // idle with a list listening) is still this seat's store: its next action makes it again.
+    return !m_connection.isEmpty() && (m_server || QSqlDatabase::database(m_connection, false).isOpen());
+}
+
+void Database::noteClosedByDriver() {
+    if (m_server && !m_connectionLost && m_savepoints.isEmpty() && !connection().isOpen())
+        m_connectionLost = true;
 }
 
 QSqlDatabase Database::connection() const {
@@ -320,6 +327,7 @@ bool Database::run(QSqlQuery& local, const QString& sql, const QVariantList& val
     // runs in it, and the failure that broke it stays the one reported.
     if (m_server && m_failedDepth > 0) return false;
     noteFailure(ErrNone, QString());
+    noteClosedByDriver();
     if (m_server && m_connectionLost && !inTransaction() && !reconnectServer()) return false;
     if (!isOpen()) {
         noteFailure(ErrNotOpened, QStringLiteral("Object variable or With block variable not set"));
@@ -436,6 +444,7 @@ bool Database::runControl(const QString& sql, bool waitWhileBusy) {
 
 bool Database::beginTransaction() {
     noteFailure(ErrNone, QString());
+    noteClosedByDriver();
     if (m_server && m_connectionLost && m_savepoints.isEmpty() && !reconnectServer()) return false;
     if (!isOpen()) {
         noteFailure(ErrNotOpened, QStringLiteral("Object variable or With block variable not set"));

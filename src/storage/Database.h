@@ -169,6 +169,8 @@ private:
     // On the server: a connection the server dropped (a restart, the network gone and back) is
     // made again at the next action outside a transaction; false while the server is away.
     bool reconnectServer();
+    // Marks the connection lost when the driver closed it outside a transaction.
+    void noteClosedByDriver();
     bool connectionAnswers() const;
     // The seat's name on the server's connection (its application_name).
     bool nameSeat();

@@ -11,7 +11,9 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <QPointer>
 #include <QThread>
+#include <QTimer>
 #include <QUuid>
 
 namespace nb {
@@ -176,6 +178,21 @@ void Database::forgetPrepared(const QString& statement) {
     m_prepared.remove(u'r' + statement);
 }
 
+namespace {
+
+// Notices sent while the connection was away are lost: the lists listening on it are told once,
+// from the event loop, as if another seat had saved, so they read afresh what changed meanwhile.
+void tellListenersOfTheTimeAway(QSqlDriver* driver, const QStringList& channels) {
+    if (!driver || channels.isEmpty()) return;
+    QPointer<QSqlDriver> guarded(driver);
+    QTimer::singleShot(0, driver, [guarded, channels] {
+        for (const QString& channel : channels)
+            if (guarded) emit guarded->notification(channel, QSqlDriver::OtherSource, QVariant());
+    });
+}
+
+} // namespace
+
 bool Database::reconnectServer() {
     forgetPrepared(); // they belonged to the connection the server dropped
     QSqlDatabase db = connection();
@@ -212,6 +229,7 @@ bool Database::reconnectServer() {
             m_connectionLost = true;
             return false;
         }
+    tellListenersOfTheTimeAway(db.driver(), m_channels);
     m_channels.clear();
     m_connectionLost = false;
     return true;
