@@ -17,6 +17,10 @@ const QString kUpdateFailure = QStringLiteral("견적내역을 갱신하는 중 
 // prefix + this, so a prefix becomes an indexed range.
 const QString kHighestChar = QString::fromUcs4(U"\U0010FFFF");
 
+// Running numbers from here on are not taken as numbers (nothing types them), so that the
+// next one always fits.
+constexpr int kRunningNumberEnd = 1000000000;
+
 QString headInsertFailure(int number, const QString& description) {
     return QStringLiteral("자료를 저장하는 중 오류가 발생했습니다.\n오류번호 : %1\n오류내용 : %2\n"
                           "입력하신 내용을 다시 한번 확인하여 주십시요.")
@@ -26,10 +30,18 @@ QString headInsertFailure(int number, const QString& description) {
 
 } // namespace
 
+// Past 999 a month's number goes on with four digits (1000, 1001, ...) rather than back to
+// 001: the quotations of that month already hold 001, and a number is never given twice.
 QString nextEstimateCode(const QString& date, const QString& lastCode) {
     const QString yearMonth = date.left(4) + date.mid(5, 2);
-    const int n = lastCode.isEmpty() ? 1 : lastCode.right(3).toInt() + 1;
+    const int n = qMax(0, runningNumberOf(lastCode)) + 1;
     return yearMonth + FormatNumber(n, QStringLiteral("000"));
+}
+
+int runningNumberOf(const QString& code) {
+    bool digits = false;
+    const int n = code.mid(6).toInt(&digits);
+    return digits && n >= 0 && n < kRunningNumberEnd ? n : -1;
 }
 
 clsEstimate::clsEstimate() : m_db(stores().dbEstimate) {}
@@ -223,18 +235,23 @@ void clsEstimate::NextSeq(qint32& seq) {
 void clsEstimate::NextCode(QString& code) {
     const QString prefix = sEDate.left(4) + sEDate.mid(5, 2);
     Recordset rs;
-    // The highest code of the month, read backwards along the code's index.
+    // The month's codes, the longest first: "2024051000" comes after "202405999" though it
+    // sorts below it as text. A code that is not a number (typed into an older store) is
+    // passed over. Above the lines' codes too: lines left without their head never join a
+    // new quotation.
     if (!OpenSnapshot(
             m_db, rs,
-            QStringLiteral("SELECT MAX(c) AS MCode FROM (SELECT MAX(EstiCode) AS c FROM EstiBase WHERE "
-                           "EstiCode >= ? AND EstiCode < ? UNION ALL SELECT MAX(Code) FROM Estimate "
-                           "WHERE Code >= ? AND Code < ?) AS codes"),
+            QStringLiteral("SELECT c FROM (SELECT EstiCode AS c FROM EstiBase WHERE EstiCode >= ? AND "
+                           "EstiCode < ? UNION ALL SELECT Code FROM Estimate WHERE Code >= ? AND "
+                           "Code < ?) AS codes ORDER BY length(c) DESC, c DESC"),
             {prefix, prefix + kHighestChar, prefix, prefix + kHighestChar})) {
         code.clear();
         return;
     }
-    // Above the lines' numbers too: lines left without their head never join a new quotation.
-    code = nextEstimateCode(sEDate, rs.EOF_() ? QString() : rs.text(QStringLiteral("MCode")));
+    QString last;
+    for (; !rs.EOF_() && last.isEmpty(); rs.MoveNext())
+        if (runningNumberOf(rs.text(QStringLiteral("c"))) >= 0) last = rs.text(QStringLiteral("c"));
+    code = nextEstimateCode(sEDate, last);
     CloseRs(rs);
 }
 

@@ -73,8 +73,12 @@ private:
     Database& m_db;
 };
 
-// The number after `lastCode` in the month of `date` ("YYYY-MM-DD"): the last three characters
-// of lastCode plus 1 through "000", or 001 when there is none.
+// The number after `lastCode` in the month of `date` ("YYYY-MM-DD"): the running number after
+// the year and month plus 1 through "000", or 001 when there is none.
 QString nextEstimateCode(const QString& date, const QString& lastCode);
+
+// The running number of a quotation code (what follows its year and month), or -1 when that is
+// not a number.
+int runningNumberOf(const QString& code);
 
 } // namespace nb

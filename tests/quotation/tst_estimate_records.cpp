@@ -87,12 +87,52 @@ private Q_SLOTS:
                            QStringLiteral("DELETE FROM EstiBase WHERE EstiCode = '202405002'")));
         QCOMPARE(nextCode(QStringLiteral("2024-05-03")), QStringLiteral("202405002"));
     }
-    void afterNineHundredNinetyNineTheNumberHasFourDigitsThenWrapsToOne() {
+    // The 1000th quotation of a month is numbered 1000; the one after it 1001, not 001 again,
+    // which the month's first quotation holds.
+    void afterNineHundredNinetyNineTheNumberGrowsToFourDigitsAndNeverWrapsToOne() {
         QCOMPARE(nextEstimateCode(QStringLiteral("2024-05-10"), QStringLiteral("202405999")),
                  QStringLiteral("2024051000"));
         QCOMPARE(nextEstimateCode(QStringLiteral("2024-05-10"), QStringLiteral("2024051000")),
-                 QStringLiteral("202405001"));
+                 QStringLiteral("2024051001"));
         QCOMPARE(nextEstimateCode(QStringLiteral("2024-05-10"), QString()), QStringLiteral("202405001"));
+        QCOMPARE(runningNumberOf(QStringLiteral("20240512x")), -1);
+        QCOMPARE(runningNumberOf(QStringLiteral("2024059999999999")), -1);
+    }
+    void theNextNumberInTheStoreFollowsTheLongestCodeNotTheHighestText() {
+        test::TestHome home;
+        QVERIFY(test::openQuotationStores());
+        QVERIFY(test::addEstiHead(QStringLiteral("202405999"), QStringLiteral("1"), QStringLiteral("a"),
+                                  QStringLiteral("2024-05-30")));
+        QCOMPARE(nextCode(QStringLiteral("2024-05-31")), QStringLiteral("2024051000"));
+        QVERIFY(test::addEstiHead(QStringLiteral("2024051000"), QStringLiteral("1"), QStringLiteral("b"),
+                                  QStringLiteral("2024-05-31")));
+        QCOMPARE(nextCode(QStringLiteral("2024-05-31")), QStringLiteral("2024051001"));
+        // A code that is not a number, typed into an older store, is passed over.
+        QVERIFY(test::addEstiHead(QStringLiteral("20240512A"), QStringLiteral("1"), QStringLiteral("c"),
+                                  QStringLiteral("2024-05-31")));
+        QCOMPARE(nextCode(QStringLiteral("2024-05-31")), QStringLiteral("2024051001"));
+    }
+    void aQuotationSavedPastTheThousandthOfAMonthNeverTakesATakenNumber() {
+        test::TestHome home;
+        QVERIFY(test::openQuotationStores());
+        QVERIFY(test::addEstiHead(QStringLiteral("202405001"), QStringLiteral("1"), QStringLiteral("a"),
+                                  QStringLiteral("2024-05-01")));
+        QVERIFY(test::addEstiHead(QStringLiteral("202405999"), QStringLiteral("1"), QStringLiteral("b"),
+                                  QStringLiteral("2024-05-30")));
+        QVERIFY(test::addEstiHead(QStringLiteral("2024051000"), QStringLiteral("1"), QStringLiteral("c"),
+                                  QStringLiteral("2024-05-31")));
+        // The number shown was read before another copy stored the 1000th.
+        clsEstimate e = headOf(QStringLiteral("2024051000"), QStringLiteral("2024-05-31"));
+        e.SaveInitEstimate();
+        QCOMPARE(e.sCode, QStringLiteral("2024051001"));
+        QCOMPARE(test::scalar(
+                     stores().dbEstimate,
+                     QStringLiteral("SELECT count(*) FROM (SELECT EstiCode FROM EstiBase GROUP BY EstiCode "
+                                    "HAVING count(*) > 1) AS twice"))
+                     .toInt(),
+                 0);
+        QCOMPARE(test::scalar(stores().dbEstimate, QStringLiteral("SELECT count(*) FROM EstiBase")).toInt(),
+                 4);
     }
     void lineKeyRunsOverAllQuotationsAndAFreedHighestIsReused() {
         test::TestHome home;

@@ -21,6 +21,27 @@ namespace {
 // The advisory lock class under which the template of the test databases is made.
 constexpr int kTemplateLockClass = 0x6e62;
 
+// The query goes before its connection closes: a prepared one is let go of on the server.
+void runQuery(const QSqlDatabase& db, const QString& sql, const QVariantList& values, bool* ok,
+              QVariant& value) {
+    QSqlQuery query(db);
+    bool ran = false;
+    if (values.isEmpty()) {
+        ran = query.exec(sql);
+    } else if (query.prepare(sql)) {
+        for (const QVariant& v : values)
+            query.addBindValue(v);
+        ran = query.exec();
+    }
+    if (!ran) {
+        std::fprintf(stderr, "test cluster: %s: %s\n", qPrintable(sql), qPrintable(query.lastError().text()));
+    } else {
+        *ok = true;
+        if (query.next()) value = query.value(0);
+    }
+    query.finish();
+}
+
 // Opens a connection of its own for one statement, so that resetting the program's state (which
 // lets go of every store connection) never touches it.
 QVariant runOnce(const QString& sql, const QString& database, bool* ok, const QVariantList& values = {}) {
@@ -36,23 +57,7 @@ QVariant runOnce(const QString& sql, const QString& database, bool* ok, const QV
         if (!db.open()) {
             std::fprintf(stderr, "test cluster: %s\n", qPrintable(db.lastError().text()));
         } else {
-            QSqlQuery query(db);
-            bool ran = false;
-            if (values.isEmpty()) {
-                ran = query.exec(sql);
-            } else if (query.prepare(sql)) {
-                for (const QVariant& v : values)
-                    query.addBindValue(v);
-                ran = query.exec();
-            }
-            if (!ran) {
-                std::fprintf(stderr, "test cluster: %s: %s\n", qPrintable(sql),
-                             qPrintable(query.lastError().text()));
-            } else {
-                *ok = true;
-                if (query.next()) value = query.value(0);
-            }
-            query.finish();
+            runQuery(db, sql, values, ok, value);
             db.close();
         }
     }
