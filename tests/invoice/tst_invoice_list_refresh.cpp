@@ -2,13 +2,9 @@
 // read again when the operator comes back to the screen (both engines), and on the server as soon
 // as the other seat's save is told. The invoice chosen in the list stays chosen, and the lines
 // typed into the form stay as they are.
+#include "MdiHost.h"
 #include "TaxScreenKit.h"
-#include "common/ListRefresh.h"
 #include "common/grid/Grid.h"
-
-#include <QMainWindow>
-#include <QMdiArea>
-#include <QMdiSubWindow>
 
 using namespace nb;
 
@@ -16,35 +12,20 @@ namespace {
 
 struct HostedInvoice {
     test::TestHome home;
-    QMainWindow main;
-    QMdiArea* area = new QMdiArea;
+    test::MdiHost host;
     FrmTax* f = nullptr;
-    QMdiSubWindow* sub = nullptr;
-    QMdiSubWindow* other = nullptr;
     HostedInvoice() {
         test::fixClock();
         test::openStores();
         test::addScreenData();
         test::installStoreLookups();
         test::script();
-        main.setCentralWidget(area);
-        main.resize(1280, 900);
-        test::showActive(&main);
         f = new FrmTax;
-        sub = area->addSubWindow(f);
-        sub->show();
-        area->setActiveSubWindow(sub);
-        QTest::qWait(50);
-        other = area->addSubWindow(new QWidget);
+        host.host(f, QSize(1280, 900));
     }
     ~HostedInvoice() { setClock({}); }
-    void awayAndBack() {
-        other->show();
-        area->setActiveSubWindow(other);
-        QTest::qWait(30);
-        area->setActiveSubWindow(sub);
-        QTest::qWait(kListRefreshMillis + 150);
-    }
+    // Typed lines keep the screen's read waiting: the tests say when they expect it.
+    void awayAndBack() { host.awayAndBack(false); }
     int listed() const { return f->ListRow() - 1; }
 };
 

@@ -2,17 +2,14 @@
 // search runs again when the operator comes back to the screen (both engines), and on the server
 // as soon as the other seat's save is told. The operator's ticks stay on the same traders, the
 // count with them, and the boxes keep what was typed into them.
+#include "MdiHost.h"
 #include "SmsKit.h"
-#include "common/ListRefresh.h"
 #include "common/grid/Grid.h"
 #include "links/FrmSMS.h"
 
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMainWindow>
-#include <QMdiArea>
-#include <QMdiSubWindow>
 
 using namespace nb;
 
@@ -20,11 +17,8 @@ namespace {
 
 struct HostedSms {
     test::TestHome home;
-    QMainWindow main;
-    QMdiArea* area = new QMdiArea;
+    test::MdiHost host;
     FrmSMS* f = nullptr;
-    QMdiSubWindow* sub = nullptr;
-    QMdiSubWindow* other = nullptr;
     HostedSms() {
         QVERIFY(test::openStores());
         test::addTraders({{QStringLiteral("000001"), QStringLiteral("가나상사"), QStringLiteral("02-111"),
@@ -34,24 +28,10 @@ struct HostedSms {
                           {QStringLiteral("000003"), QStringLiteral("마루"), QString(), QString(),
                            QStringLiteral("010-3333")}});
         test::script();
-        main.setCentralWidget(area);
-        main.resize(1000, 800);
-        test::showActive(&main);
         f = new FrmSMS;
-        sub = area->addSubWindow(f);
-        sub->show();
-        area->setActiveSubWindow(sub);
-        QTest::qWait(50);
-        other = area->addSubWindow(new QWidget);
+        host.host(f, QSize(1000, 800));
     }
-    void awayAndBack() {
-        other->show();
-        area->setActiveSubWindow(other);
-        QTest::qWait(30);
-        area->setActiveSubWindow(sub);
-        QTest::qWait(kListRefreshMillis + 150);
-        QVERIFY(QTest::qWaitFor([this] { return !listRefreshPending(f); }, 5000));
-    }
+    void awayAndBack() { host.awayAndBack(); }
     QStringList names() const {
         QStringList out;
         for (int row = 1; row <= f->grdList->MaxRows(); ++row)

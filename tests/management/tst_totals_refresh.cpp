@@ -3,16 +3,13 @@
 // screen, and on the server as soon as another seat's invoice is told. The trader the list stood
 // on stays chosen; before a first search nothing is read.
 #include "../invoice/InvoiceFixture.h"
-#include "common/ListRefresh.h"
+#include "MdiHost.h"
 #include "common/grid/Grid.h"
 #include "core/Clock.h"
 #include "management/FrmTaxManage.h"
 
 #include <QComboBox>
 #include <QLabel>
-#include <QMainWindow>
-#include <QMdiArea>
-#include <QMdiSubWindow>
 #include <QPushButton>
 
 using namespace nb;
@@ -21,11 +18,8 @@ namespace {
 
 struct HostedTotals {
     test::TestHome home;
-    QMainWindow main;
-    QMdiArea* area = new QMdiArea;
+    test::MdiHost host;
     FrmTaxManage* f = nullptr;
-    QMdiSubWindow* sub = nullptr;
-    QMdiSubWindow* other = nullptr;
     HostedTotals() {
         setClock([] { return QDateTime(QDate(2024, 8, 14), QTime(10, 0)); });
         QVERIFY(test::openStores());
@@ -35,15 +29,8 @@ struct HostedTotals {
         QVERIFY(test::addInvoiceRow(QStringLiteral("100001"), QStringLiteral("000002"),
                                     QStringLiteral("볼트"), 8000, 800, QStringLiteral("2024-05-20")));
         test::script();
-        main.setCentralWidget(area);
-        main.resize(1280, 900);
-        test::showActive(&main);
         f = new FrmTaxManage;
-        sub = area->addSubWindow(f);
-        sub->show();
-        area->setActiveSubWindow(sub);
-        QTest::qWait(50);
-        other = area->addSubWindow(new QWidget);
+        host.host(f, QSize(1280, 900));
     }
     ~HostedTotals() { setClock({}); }
     static void addTraders() {
@@ -59,14 +46,7 @@ struct HostedTotals {
         f->CmbPeriod->setCurrentIndex(1);
         f->btnSearch->click();
     }
-    void awayAndBack() {
-        other->show();
-        area->setActiveSubWindow(other);
-        QTest::qWait(30);
-        area->setActiveSubWindow(sub);
-        QTest::qWait(kListRefreshMillis + 150);
-        QVERIFY(QTest::qWaitFor([this] { return !listRefreshPending(f); }, 5000));
-    }
+    void awayAndBack() { host.awayAndBack(); }
     int rowOf(const QString& code) const {
         for (int row = 1; row <= f->grdList->MaxRows(); ++row)
             if (f->grdList->Text(ColCode, row) == code) return row;
