@@ -8,6 +8,8 @@
 #include "master/clsTrader.h"
 #include "storage/Database.h"
 
+#include <memory>
+
 using namespace nb;
 using namespace nb::test;
 
@@ -40,6 +42,24 @@ QVariant traderField(const char* column) {
     return scalar(stores().dbBasic,
                   QStringLiteral("SELECT %1 FROM Trader WHERE Code = '000001'").arg(QLatin1String(column)));
 }
+
+// Trader 000001 stored, and the next change of a Trader row broken off once by another seat.
+struct TraderChangeBrokenOffOnce {
+    TestHome home;
+    ScriptedMessages* msgs = nullptr;
+    std::unique_ptr<ForcedConflict> conflict;
+    explicit TraderChangeBrokenOffOnce(const QString& unpaid = QString()) {
+        QVERIFY(openStores());
+        addTrader(QStringLiteral("000001"), QStringLiteral("가나상사"));
+        if (!unpaid.isEmpty())
+            QVERIFY(exec(basicStore(), QStringLiteral("UPDATE Trader SET TotNoPay = ? WHERE Code = '000001'"),
+                         {unpaid}));
+        msgs = &script();
+        conflict = std::make_unique<ForcedConflict>(
+            basicStore(), ConflictPlan{QStringLiteral("Trader"), QStringLiteral("UPDATE"), 0, 1});
+        QVERIFY(conflict->installed());
+    }
+};
 
 bool saidSaved(const ScriptedMessages& msgs, const QString& text) {
     for (const MessageRecord& record : msgs.records())
@@ -118,17 +138,13 @@ private Q_SLOTS:
 
     // The trader's one-statement saves: each broken off once by another seat's save.
     void aTraderChangeBrokenOffOnceIsSavedOnce() {
-        TestHome home;
-        QVERIFY(openStores());
-        addTrader(QStringLiteral("000001"), QStringLiteral("가나상사"));
-        auto& msgs = script();
-        ForcedConflict conflict(basicStore(), {QStringLiteral("Trader"), QStringLiteral("UPDATE"), 0, 1});
-        QVERIFY(conflict.installed());
+        TraderChangeBrokenOffOnce set;
+        auto& msgs = *set.msgs;
         clsTrader trader;
         trader.sCode = QStringLiteral("000001");
         trader.sComp = QStringLiteral("다라상사");
         trader.UpdateTrader();
-        QCOMPARE(conflict.raised(), 1);
+        QCOMPARE(set.conflict->raised(), 1);
         QVERIFY(!basicStore().inTransaction());
         // On the server the save is run again; on the files, where the trap fails the row as a
         // busy store does, a statement outside a transaction waits out the busy store and runs
@@ -138,33 +154,23 @@ private Q_SLOTS:
         QCOMPARE(traderField("C_Name").toString(), QStringLiteral("다라상사"));
     }
     void aChargeChangeBrokenOffOnceIsSavedOnce() {
-        TestHome home;
-        QVERIFY(openStores());
-        addTrader(QStringLiteral("000001"), QStringLiteral("가나상사"));
-        auto& msgs = script();
-        ForcedConflict conflict(basicStore(), {QStringLiteral("Trader"), QStringLiteral("UPDATE"), 0, 1});
-        QVERIFY(conflict.installed());
+        TraderChangeBrokenOffOnce set;
+        auto& msgs = *set.msgs;
         clsTrader trader;
         trader.sCode = QStringLiteral("000001");
         trader.sCharge = QStringLiteral("김담당");
         trader.Update_Charge();
-        QCOMPARE(conflict.raised(), 1);
+        QCOMPARE(set.conflict->raised(), 1);
         QVERIFY(msgs.boxes().empty());
         QCOMPARE(traderField("Charge").toString(), QStringLiteral("김담당"));
     }
     void anUnpaidBalanceBrokenOffOnceMovesByTheDifferenceOnce() {
-        TestHome home;
-        QVERIFY(openStores());
-        addTrader(QStringLiteral("000001"), QStringLiteral("가나상사"));
-        QVERIFY(
-            exec(basicStore(), QStringLiteral("UPDATE Trader SET TotNoPay = 1000 WHERE Code = '000001'")));
-        auto& msgs = script();
-        ForcedConflict conflict(basicStore(), {QStringLiteral("Trader"), QStringLiteral("UPDATE"), 0, 1});
-        QVERIFY(conflict.installed());
+        TraderChangeBrokenOffOnce set(QStringLiteral("1000"));
+        auto& msgs = *set.msgs;
         clsTrader trader;
         trader.sCode = QStringLiteral("000001");
         trader.UpdateNoPay(200, 500);
-        QCOMPARE(conflict.raised(), 1);
+        QCOMPARE(set.conflict->raised(), 1);
         QVERIFY(!basicStore().inTransaction());
         // Moved by the difference once on the server, where the broken-off try left nothing;
         // untouched on the files, where the one try failed and said so.
