@@ -40,9 +40,9 @@ void DealListModel::setTrader(const QString& cCode, const QString& cName) {
     m_cName = cName;
 }
 
-// The list stands on the empty row after the last statement: its rows are read from the end,
-// the last page at once and the rest between events (or as soon as something asks for a row
-// above), with the sums under it from the query's count.
+// The list stands on the empty row after the last statement: a short list is read whole at
+// once; a longer one from the end, the last page at once and the rest between events (or as
+// soon as something asks for a row above), with the sums under it from the query's count.
 bool DealListModel::masterList(const QString& basicFile, const QString& from, const QString& to,
                                bool onlyTrader) {
     m_listRead = ListRead{basicFile, from, to, onlyTrader ? m_cCode : QString()};
@@ -58,7 +58,8 @@ bool DealListModel::readList() {
     if (ok) {
         const int count = rows->rows();
         const double lines = rows->lines(), total = rows->total();
-        m_rows->showList(std::move(rows), count, true);
+        const bool fromEnd = rows->fromEnd();
+        m_rows->showList(std::move(rows), count, fromEnd);
         m_rows->setListSum(ColNumBill, lines);
         m_rows->setListSum(ColTotal, total);
     } else {

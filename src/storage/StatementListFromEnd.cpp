@@ -20,32 +20,80 @@ StatementListFromEnd::StatementListFromEnd(Database& bill, const QString& basicF
                                            const QString& to, const QString& traderCode)
     : m_bill(bill), m_basicFile(basicFile), m_from(from), m_to(to), m_traderCode(traderCode) {}
 
-// The count and sums over the same join as the rows, so that a trader code held twice counts
-// its statements as often as the list shows them; the last page read with them while the basic
-// file is attached (a list of a page or so whole).
+QString StatementListFromEnd::dateAndTraderCondition(const QString& table) const {
+    return table + QStringLiteral(".billdate BETWEEN ? AND ?") + traderCondition(m_traderCode, table);
+}
+
+// The rows, their count and their sums, whichever way the list is read (the basic file attached
+// once for both); false when a query failed (its box shown).
 bool StatementListFromEnd::open() {
-    const QString sql = QStringLiteral("SELECT COUNT(*), SUM(m.NumBill), SUM(m.TotAmount + m.TotVat), "
-                                       "MAX(m.rowid) FROM master m LEFT JOIN ") +
-                        kBasicAlias +
-                        QStringLiteral(".Trader ON m.ccode = trader.code WHERE m.billdate BETWEEN ? AND ?") +
-                        traderCondition(m_traderCode, QStringLiteral("m"));
-    QVariantList values{m_from, m_to};
-    if (!m_traderCode.isEmpty()) values << m_traderCode;
+    const QString sql = shortListSql();
+    const QVariantList values = shortListValues();
     if (!attachBasic(sql, values)) return false;
-    bool ok = runStatement(sql, values) && m_page.size() >= 4;
-    if (ok) {
-        m_rows = int(numberOf(m_page[0]));
-        m_lines = numberOf(m_page[1]);
-        m_total = numberOf(m_page[2]);
-        m_lastRowNumber = m_page[3];
-        m_left = m_rows;
-        m_over = m_rows == 0;
-        m_page.clear();
-        m_next = 0;
-        if (!m_over) ok = readPage(m_rows <= kLaterPage ? kLaterPage : kFirstPage);
-    }
+    bool isShort = false;
+    const bool ok = readShortList(sql, values, &isShort) && (isShort || countFromEnd());
     m_bill.detach(kBasicAlias);
     return ok;
+}
+
+// A list of no more statements than a later page holds is read whole at once by one statement,
+// the list's own, in its order: the count and sums are those of the rows read, so the screen
+// needs no second statement. The statement gives no row when the dates hold more statements
+// (told by counting, on the date index, no further than one more than that): the longer road
+// follows then, and for an empty range too, which it answers at once.
+QString StatementListFromEnd::shortListSql() const {
+    return QStringLiteral("SELECT m.BillDate, trader.C_Name, m.NumBill, m.TotAmount + m.TotVat, m.BillNo, "
+                          "m.CCode FROM master m LEFT JOIN ") +
+           kBasicAlias + QStringLiteral(".Trader ON m.ccode = trader.code WHERE ") +
+           dateAndTraderCondition(QStringLiteral("m")) +
+           QStringLiteral(" AND (SELECT COUNT(*) FROM (SELECT 1 FROM master few WHERE ") +
+           dateAndTraderCondition(QStringLiteral("few")) +
+           QStringLiteral(" LIMIT ?) counted) <= ? ORDER BY m.BillDate, COALESCE(m.BillNo, ''), m.rowid");
+}
+
+QVariantList StatementListFromEnd::shortListValues() const {
+    QVariantList values;
+    for (int i = 0; i < 2; ++i) {
+        values << m_from << m_to;
+        if (!m_traderCode.isEmpty()) values << m_traderCode;
+    }
+    return values << kLaterPage + 1 << kLaterPage;
+}
+
+bool StatementListFromEnd::readShortList(const QString& sql, const QVariantList& values, bool* isShort) {
+    if (!runStatement(sql, values)) return false;
+    const int count = int(m_page.size() / kColumns);
+    *isShort = count > 0;
+    if (!*isShort) return true;
+    m_whole = true;
+    m_rows = m_left = count;
+    for (size_t at = 0; at < m_page.size(); at += kColumns) {
+        m_lines += numberOf(m_page[at + 2]);
+        m_total += numberOf(m_page[at + 3]);
+    }
+    return true;
+}
+
+// The count and sums over the same join as the rows, so that a trader code held twice counts
+// its statements as often as the list shows them; then the last page (the basic file attached
+// by the caller).
+bool StatementListFromEnd::countFromEnd() {
+    const QString sql = QStringLiteral("SELECT COUNT(*), SUM(m.NumBill), SUM(m.TotAmount + m.TotVat), "
+                                       "MAX(m.rowid) FROM master m LEFT JOIN ") +
+                        kBasicAlias + QStringLiteral(".Trader ON m.ccode = trader.code WHERE ") +
+                        dateAndTraderCondition(QStringLiteral("m"));
+    QVariantList values{m_from, m_to};
+    if (!m_traderCode.isEmpty()) values << m_traderCode;
+    if (!runStatement(sql, values) || m_page.size() < 4) return false;
+    m_rows = int(numberOf(m_page[0]));
+    m_lines = numberOf(m_page[1]);
+    m_total = numberOf(m_page[2]);
+    m_lastRowNumber = m_page[3];
+    m_left = m_rows;
+    m_over = m_rows == 0;
+    m_page.clear();
+    m_next = 0;
+    return m_over || readPage(m_rows <= kLaterPage ? kLaterPage : kFirstPage);
 }
 
 // The rows below the last one read (after), ordered from the end; BillNo is ordered as a text
@@ -136,7 +184,7 @@ bool StatementListFromEnd::readLaterPage() {
 }
 
 bool StatementListFromEnd::next(QVariant* out, int count) {
-    constexpr size_t rowWidth = kColumns + kKeyColumns;
+    const size_t rowWidth = m_whole ? kColumns : kColumns + kKeyColumns;
     if (m_next >= m_page.size() && !m_over && m_left > 0 && !readLaterPage())
         m_over = true; // a failure was shown; the rows not read stay empty
     if (m_over || m_left <= 0 || m_next >= m_page.size()) {

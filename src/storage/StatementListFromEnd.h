@@ -1,10 +1,12 @@
 #pragma once
 // The statement list of a date range read from its end, for the screen that stands on the empty
-// row after the last statement: one statement counts the rows and adds up their statements'
-// lines and totals, then the rows come last first, a page at a time, each page a statement of
-// its own (the basic file attached only while it runs, so nothing stays open on the store
-// between pages). Rows written after the count (a statement saved meanwhile) are not read; the
-// screen shows its own new ones itself.
+// row after the last statement. A short list (no more statements than a later page holds) is
+// read whole by one statement in the list's order, its count and sums added up from the rows
+// read. A longer one: one statement counts the rows and adds up their statements' lines and
+// totals, then the rows come last first, a page at a time, each page a statement of its own
+// (the basic file attached only while it runs, so nothing stays open on the store between
+// pages). Rows written after the count (a statement saved meanwhile) are not read; the screen
+// shows its own new ones itself.
 //
 // The rows and their order are those of statementListRowsSql (BillDate, BillNo, and the order
 // the rows were written where those are equal), the columns BillDate, C_Name, NumBill,
@@ -25,11 +27,14 @@ public:
     // The count and the sums; false when the query failed (its box shown).
     bool open();
     int rows() const { return m_rows; }
+    // Whether the rows come last first (a long list), or in the list's order (a short one, read).
+    bool fromEnd() const { return !m_whole; }
     double lines() const { return m_lines; }
     double total() const { return m_total; }
 
     int width() const override { return kColumns; }
     bool next(QVariant* out, int count) override;
+    int rowsAtHand() const override { return m_whole ? m_left : 0; }
     // Not in the middle of a save on the store: its files cannot be attached then.
     bool canReadNow() const override { return !m_bill.inTransaction(); }
 
@@ -42,6 +47,11 @@ private:
     static constexpr int kColumns = 6;
     static constexpr int kKeyColumns = 2; // the row's number and its BillNo as ordered
     bool attachBasic(const QString& sql, const QVariantList& values);
+    QString shortListSql() const;
+    QVariantList shortListValues() const;
+    bool readShortList(const QString& sql, const QVariantList& values, bool* isShort);
+    bool countFromEnd();
+    QString dateAndTraderCondition(const QString& table) const;
     bool runStatement(const QString& sql, const QVariantList& values);
     bool readPage(int limit);
     bool readLaterPage();
@@ -56,7 +66,9 @@ private:
     QVariant m_lastRowNumber; // the highest row number counted: rows written later are not read
     int m_left = 0;           // rows the count promised and the pages have not brought yet
     bool m_over = false;
-    // The page read and not handed out yet, kColumns + kKeyColumns values a row.
+    bool m_whole = false; // the short list, read whole in its order
+    // The page read and not handed out yet, kColumns + kKeyColumns values a row (kColumns for
+    // the short list).
     std::vector<QVariant> m_page;
     size_t m_next = 0;
     // Where the next page starts: below this BillDate, ordered BillNo and row number.

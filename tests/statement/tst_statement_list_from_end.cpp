@@ -1,6 +1,7 @@
 // The statement list read from its end: the last statements and the sums at once, the rows
 // above them as they are asked for, the same rows in the same order as the list's statement,
-// a trader code held twice, statements saved after the count, and a list of ten years.
+// a trader code held twice, statements saved after the count, and a list of ten years. A short
+// list (a month's) read whole at once by one statement, its sums those of its rows.
 #include "StoreFixture.h"
 #include "statement/DealListModel.h"
 #include "storage/CrossFileQueries.h"
@@ -8,6 +9,7 @@
 
 #include <QDate>
 #include <QSqlQuery>
+#include <cmath>
 
 using namespace nb;
 
@@ -40,6 +42,19 @@ bool addStatements(int count) {
             return false;
     }
     return db.commit();
+}
+
+// The statements and sums the rows of the list hold, walked from the top.
+struct Walked {
+    double lines = 0, total = 0;
+};
+Walked walk(const DealListModel& model) {
+    Walked walked;
+    for (int row = 1; row <= model.masterCount(); ++row) {
+        walked.lines += model.listed(row).numBill;
+        walked.total += model.listed(row).total;
+    }
+    return walked;
 }
 
 bool addTrader(const QString& code, const QString& name) {
@@ -224,6 +239,114 @@ private Q_SLOTS:
         QCOMPARE(model.lines().size(), 1);
         QCOMPARE(model.lines().first().pName, QStringLiteral("첫 품목"));
         QCOMPARE(model.sum(), 2200.0);
+    }
+
+    void aShortListIsReadWholeAtOnceInTheListsOrder() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        QVERIFY(addTrader(QStringLiteral("000001"), QStringLiteral("가나상사")));
+        QVERIFY(addTrader(QStringLiteral("000002"), QStringLiteral("다라상회")));
+        QVERIFY(addStatements(kStatements));
+        // A year of it: more rows than the first page, fewer than a later one.
+        const QString from = QStringLiteral("2019-01-01"), to = QStringLiteral("2019-12-31");
+        const QList<QVariantList> expected = listStatement(from, to);
+        QVERIFY(expected.size() > StatementListFromEnd::kFirstPage);
+        QVERIFY(expected.size() < StatementListFromEnd::kLaterPage);
+        StatementListFromEnd rows(stores().dbBill, stores().dbBasic.path(), from, to, QString());
+        QVERIFY(rows.open());
+        QVERIFY(!rows.fromEnd());
+        QCOMPARE(rows.rows(), int(expected.size()));
+        QCOMPARE(rows.rowsAtHand(), rows.rows());
+        DealListModel model(stores().dbBill);
+        model.masterRows().setReadsAhead(false);
+        QVERIFY(listAll(model, from, to));
+        QVERIFY(!model.masterRows().isReading()); // every row there, nothing left for later
+        QCOMPARE(model.masterCount(), int(expected.size()));
+        QCOMPARE(model.activeMasterRow(), model.masterCount() + 1);
+        for (int row = 1; row <= model.masterCount(); ++row) {
+            const ListedStatement shown = model.listed(row);
+            const QVariantList& want = expected[row - 1];
+            QCOMPARE(shown.billDate, want[ColBillDate - 1].toString());
+            QCOMPARE(shown.billNo, want[ColMasterBillNo - 1].toString());
+            QCOMPARE(shown.cName, want[ColCName - 1].toString());
+            QCOMPARE(shown.total, want[ColTotal - 1].toDouble());
+        }
+    }
+
+    void theSumsOfAMonthAndOfTenYearsAreThoseOfTheirRowsWalked() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        QVERIFY(addTrader(QStringLiteral("000001"), QStringLiteral("가나상사")));
+        QVERIFY(addTrader(QStringLiteral("000002"), QStringLiteral("다라상회")));
+        QVERIFY(addTrader(QStringLiteral("000002"), QStringLiteral("다라상회 지점"))); // held twice
+        QVERIFY(addStatements(kStatements));
+        // A fraction of a won, of a trader that is gone, in the month and in the ten years.
+        QVERIFY(test::exec(
+            stores().dbBill,
+            QStringLiteral("INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, NumBill) "
+                           "VALUES ('900000', '2019-03-03', '999999', 1050.375, 105.0375, 1)")));
+        DealListModel month(stores().dbBill);
+        month.masterRows().setReadsAhead(false);
+        QVERIFY(listAll(month, QStringLiteral("2019-03-01"), QStringLiteral("2019-03-31")));
+        QVERIFY(!month.masterRows().isReading());
+        const Walked monthWalked = walk(month);
+        QVERIFY(month.masterCount() > 1);
+        QCOMPARE(double(month.periodCount()), monthWalked.lines);
+        QCOMPARE(month.periodTotal(), monthWalked.total);
+        QVERIFY(month.periodTotal() != std::floor(month.periodTotal())); // the fraction is in it
+
+        DealListModel tenYears(stores().dbBill);
+        tenYears.masterRows().setReadsAhead(false);
+        QVERIFY(listAll(tenYears));
+        QVERIFY(tenYears.masterRows().isReading()); // read from its end
+        const int count = tenYears.periodCount();
+        const double total = tenYears.periodTotal();
+        const Walked tenWalked = walk(tenYears);
+        QCOMPARE(tenYears.masterCount(), kStatements + 1 + kStatements / 2); // 000002 twice
+        QCOMPARE(double(count), tenWalked.lines);
+        QCOMPARE(total, tenWalked.total);
+    }
+
+    void aListOfOneStatementMoreThanAPageIsReadFromItsEnd() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        QVERIFY(addTrader(QStringLiteral("000001"), QStringLiteral("가나상사")));
+        const int page = StatementListFromEnd::kLaterPage;
+        QVERIFY(addStatements(page + 1));
+        const QString from = QStringLiteral("2015-01-01"), to = QStringLiteral("2024-12-31");
+        StatementListFromEnd longer(stores().dbBill, stores().dbBasic.path(), from, to, QString());
+        QVERIFY(longer.open());
+        QVERIFY(longer.fromEnd());
+        QCOMPARE(longer.rows(), page + 1);
+        QCOMPARE(longer.rowsAtHand(), 0);
+        // One statement fewer in the dates: read whole.
+        QVERIFY(test::exec(stores().dbBill,
+                           QStringLiteral("UPDATE Master SET BillDate = '2025-01-01' WHERE "
+                                          "BillNo = ?"),
+                           {billNo(page + 1)}));
+        StatementListFromEnd whole(stores().dbBill, stores().dbBasic.path(), from, to, QString());
+        QVERIFY(whole.open());
+        QVERIFY(!whole.fromEnd());
+        QCOMPARE(whole.rows(), page);
+    }
+
+    void theListOfOneTraderCountsOnlyItsOwnStatementsToBeShort() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        QVERIFY(addTrader(QStringLiteral("000001"), QStringLiteral("가나상사")));
+        QVERIFY(addTrader(QStringLiteral("000002"), QStringLiteral("다라상회")));
+        QVERIFY(addStatements(kStatements)); // 1,300 each over ten years
+        DealListModel model(stores().dbBill);
+        model.masterRows().setReadsAhead(false);
+        model.setTrader(QStringLiteral("000002"), QStringLiteral("다라상회"));
+        QVERIFY(model.masterList(stores().dbBasic.path(), QStringLiteral("2015-01-01"),
+                                 QStringLiteral("2024-12-31"), true));
+        QVERIFY(!model.masterRows().isReading());
+        QCOMPARE(model.masterCount(), kStatements / 2);
+        for (int row = 1; row <= model.masterCount(); ++row)
+            QCOMPARE(model.listed(row).cCode, QStringLiteral("000002"));
+        QCOMPARE(model.listed(model.masterCount()).billNo, billNo(kStatements));
+        QCOMPARE(double(model.periodCount()), walk(model).lines);
     }
 
     void anEmptyRangeHasOnlyTheEmptyRow() {

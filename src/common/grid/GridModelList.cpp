@@ -9,10 +9,11 @@ namespace nb {
 void GridModel::showList(std::unique_ptr<GridRowSource> source, int knownRows, bool fromEnd) {
     m_pager->stop();
     beginResetModel();
+    const int atHand = source ? source->rowsAtHand() : 0;
     m_list = std::make_unique<GridList>(std::move(source), maxCols(), knownRows, fromEnd);
     m_rows.clear();
     m_formulaCells.clear();
-    m_list->readPage(kFirstPage);
+    m_list->readPage(std::max(kFirstPage, atHand));
     m_viewRows = m_list->rows();
     endResetModel();
     if (m_list->reading() && m_readsAhead) m_pager->start();

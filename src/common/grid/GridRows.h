@@ -20,6 +20,9 @@ public:
     virtual bool next(QVariant* out, int count) = 0;
     // About how many rows will come, when the source knows (-1 when not): room is made once.
     virtual int expectedRows() const { return -1; }
+    // Rows the source already holds in memory: the list takes them at once instead of a page
+    // now and the rest between events.
+    virtual int rowsAtHand() const { return 0; }
     // Whether the rows may be read between events now (a source on a store in the middle of a
     // save waits for it to end).
     virtual bool canReadNow() const { return true; }
