@@ -15,11 +15,24 @@ namespace {
 constexpr double kDefaultColWidth = 8.0;
 constexpr double kDefaultRowHeaderWidth = 4.0;
 constexpr int kCellPadding = 6;
+
+// Row headers whose width the grid fixes: the view asks their size hint after every new list,
+// which would measure the numbers of the first and last hundred rows for a width nobody uses.
+class RowHeaders : public QHeaderView {
+public:
+    explicit RowHeaders(QWidget* parent) : QHeaderView(Qt::Vertical, parent) {}
+    QSize sizeHint() const override {
+        if (minimumWidth() != maximumWidth()) return QHeaderView::sizeHint();
+        return {maximumWidth(), defaultSectionSize()};
+    }
+};
 } // namespace
 
 Grid::Grid(QWidget* parent) : QTableView(parent), m_model(new GridModel(this)), m_editor(new QLineEdit) {
     setModel(m_model);
     setItemDelegate(new GridDelegate(this));
+    setVerticalHeader(new RowHeaders(this));
+    verticalHeader()->setSectionsClickable(true);
     setSelectionMode(QAbstractItemView::NoSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setTabKeyNavigation(false);
