@@ -50,9 +50,10 @@ FrmPost::FrmPost(QWidget* parent) : MasterListForm(postHeadings(), parent) {
     useBook(m_roadBook->isChecked());
 }
 
-// The list reads from an open statement: it lets go before the book it reads is closed.
+// The list reads from an open statement: it and the kept searches let go before the book closes.
 FrmPost::~FrmPost() {
     model()->clear();
+    m_postSearches.clear();
 }
 
 bool FrmPost::searchesRoadBook() const {
@@ -92,9 +93,9 @@ int FrmPost::search(const QString& text) {
 // A search's rows take the place of the list before in one change of the list (the view laid
 // out and painted once); a search that cannot run leaves the list empty.
 void FrmPost::searchPostBook(const QString& text) {
-    std::unique_ptr<QSqlQuery> rows;
+    std::unique_ptr<GridRowSource> rows;
     if (m_postBook.isOpen() || OpenDb(m_postBook, app().DbPostFile, 0))
-        rows = OpenPostSearch(m_postBook, text);
+        rows = OpenPostRows(m_postBook, text, m_postSearches);
     if (rows)
         model()->fillFrom(std::move(rows));
     else

@@ -50,6 +50,8 @@ private:
     // The two books, each opened by its first search and kept while the list reads its rows.
     Database m_postBook;
     RoadBookConnection m_roadBookFile;
+    // The book's searches kept prepared (let go before the book closes).
+    KeptStatements m_postSearches;
 };
 
 // The caller's side, the same in the supplier and trader screens: search with the trimmed

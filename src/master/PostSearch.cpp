@@ -62,6 +62,18 @@ std::unique_ptr<QSqlQuery> OpenPostSearch(Database& postDb, const QString& text)
     return q;
 }
 
+std::unique_ptr<GridRowSource> OpenPostRows(Database& postDb, const QString& text, KeptStatements& kept) {
+    if (!SqliteRows::canStep(postDb.connection())) {
+        std::unique_ptr<QSqlQuery> q = OpenPostSearch(postDb, text);
+        if (!q) return nullptr;
+        return std::make_unique<QueryRows>(std::move(q));
+    }
+    const SqlPart query = PostSearchQuery(postDb, text, postLimits());
+    std::shared_ptr<SqliteStatement> statement = kept.run(postDb.connection(), query.sql, query.values);
+    if (!statement || !statement->ok()) return nullptr;
+    return std::make_unique<SqliteRows>(std::move(statement));
+}
+
 QVector<QStringList> SearchPostBook(Database& postDb, const QString& text) {
     QVector<QStringList> rows;
     const std::unique_ptr<QSqlQuery> q = OpenPostSearch(postDb, text);

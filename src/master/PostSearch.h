@@ -2,6 +2,7 @@
 // The postcode book (table Post of the postcode store file): the search FrmPost runs, and the
 // shapes in which a postcode and an address prefix are handed to the calling screen.
 
+#include "common/grid/SqliteRows.h"
 #include "master/SearchIndex.h"
 
 #include <QSqlQuery>
@@ -27,6 +28,9 @@ SqlPart PostSearchQuery(Database& db, const QString& text, const PostLimits& lim
 // The search run forward-only on the postcode store file, for a list that reads its rows as they
 // are seen; null when the engine refused it.
 std::unique_ptr<QSqlQuery> OpenPostSearch(Database& postDb, const QString& text);
+// The same search's rows for the list: on a SQLite file stepped straight from the engine by the
+// statement kept for its text (prepared by the first search of that kind); null when refused.
+std::unique_ptr<GridRowSource> OpenPostRows(Database& postDb, const QString& text, KeptStatements& kept);
 // The rows (ZIPCODE, SIDO, GUGUN, DONG, BUNJI) from the postcode store file, opened for this
 // search; none when the file is missing.
 QVector<QStringList> SearchPostBook(const QString& text);

@@ -6,6 +6,8 @@
 #include <QEvent>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QPaintEvent>
+#include <QPainter>
 #include <QSignalBlocker>
 #include <cmath>
 
@@ -38,6 +40,7 @@ Grid::Grid(QWidget* parent) : QTableView(parent), m_model(new GridModel(this)), 
     setTabKeyNavigation(false);
     setWordWrap(false);
     setCornerButtonEnabled(false);
+    setShowGrid(false); // the lines are painted by paintLines
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     // The headers only report clicks; moving and selecting is the grid's own business.
     for (QHeaderView* header : {horizontalHeader(), verticalHeader()}) {
@@ -306,10 +309,63 @@ void Grid::updateRowHeight() {
 
 void Grid::changeEvent(QEvent* event) {
     QTableView::changeEvent(event);
+    // The lines paintLines draws are placed for left-to-right; the other way the view draws them.
+    if (event->type() == QEvent::LayoutDirectionChange) setShowGrid(isRightToLeft());
     if (event->type() == QEvent::FontChange) {
         m_editor->setFont(font());
         updateRowHeight();
     }
+}
+
+// ---- lines --------------------------------------------------------------------------------
+
+// The cells' right and bottom lines, on the pixels the table view's own grid lines take, as
+// solid one-pixel rectangles: the view draws each line pixel by pixel, which cost a list as much
+// as its texts. With setShowGrid(true) the view draws them itself (the same picture).
+void Grid::paintEvent(QPaintEvent* event) {
+    QTableView::paintEvent(event);
+    if (!showGrid()) paintLines(event->region());
+}
+
+void Grid::paintLines(const QRegion& region) {
+    const QHeaderView* rows = verticalHeader();
+    const QHeaderView* cols = horizontalHeader();
+    if (rows->count() == 0 || cols->count() == 0) return;
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    const QColor color =
+        QColor::fromRgba(static_cast<QRgb>(style()->styleHint(QStyle::SH_Table_GridLineColor, &option, this)));
+    const int lastX = cols->length() - cols->offset() - 1;
+    const int lastY = rows->length() - rows->offset() - 1;
+    QPainter painter(viewport());
+    for (QRect dirty : region) {
+        dirty.setBottom(std::min(dirty.bottom(), lastY));
+        dirty.setRight(std::min(dirty.right(), lastX));
+        if (!dirty.isValid()) continue;
+        int left = cols->visualIndexAt(dirty.left()), right = cols->visualIndexAt(dirty.right());
+        int top = rows->visualIndexAt(dirty.top()), bottom = rows->visualIndexAt(dirty.bottom());
+        if (left == -1) left = 0;
+        if (right == -1) right = cols->count() - 1;
+        if (bottom == -1) bottom = rows->count() - 1;
+        if (top == -1 || top > bottom) continue;
+        for (int v = top; v <= bottom; ++v) {
+            const int row = rows->logicalIndex(v);
+            if (rows->isSectionHidden(row)) continue;
+            const int y = rowViewportPosition(row) + rowHeight(row) - 1;
+            painter.fillRect(QRect(dirty.left(), y, dirty.width(), 1), color);
+        }
+        for (int h = left; h <= right; ++h) {
+            const int col = cols->logicalIndex(h);
+            if (cols->isSectionHidden(col)) continue;
+            const int x = columnViewportPosition(col) + columnWidth(col) - 1;
+            painter.fillRect(QRect(x, dirty.top(), 1, dirty.height()), color);
+        }
+    }
+}
+
+QRect Grid::cellRect(int col, int row) const {
+    const QRect r = visualRect(m_model->index(row - 1, col - 1));
+    return showGrid() ? r : r.adjusted(0, 0, -1, -1);
 }
 
 // ---- behaviour and look -------------------------------------------------------------------

@@ -201,6 +201,7 @@ protected:
     void scrollContentsBy(int dx, int dy) override;
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
 private:
     friend class GridKeys;
@@ -232,6 +233,9 @@ private:
     void onSectionResized(int section, int oldSize, int newSize);
     void onRowHeaderResized(int oldSize, int newSize);
     void updateRowHeight();
+    void paintLines(const QRegion& region);
+    // The cell's own rectangle in the viewport, inside its right and bottom line.
+    QRect cellRect(int col, int row) const;
 
     GridModel* m_model;
     QLineEdit* m_editor;

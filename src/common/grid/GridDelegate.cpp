@@ -4,11 +4,95 @@
 #include "common/grid/Grid.h"
 
 #include <QPainter>
+#include <QTextLine>
 
 namespace nb {
 
 namespace {
 constexpr int kTextMargin = 3;
+
+// Characters drawText lays out as they stand, written left to right: printable ASCII but '&'
+// (a mnemonic mark there), Latin letters, Hangul, CJK, and the general punctuation and symbols
+// that carry no direction or line break.
+bool plainChar(char16_t c) {
+    if (c < 0x80) return c >= 0x20 && c != u'&' && c != 0x7F;
+    if (c >= 0xA0 && c < 0x0590) return true;
+    if (c >= 0x1100 && c < 0x1200) return true;
+    if (c >= 0x2010 && c < 0x2028) return true;
+    if (c >= 0x2030 && c < 0x205F) return true;
+    if (c >= 0x2100 && c < 0x2C00) return true;
+    if (c >= 0x2E80 && c < 0xD800) return true;
+    if (c >= 0xF900 && c < 0xFB00) return true;
+    return c >= 0xFF00 && c < 0xFFF0;
+}
+
+} // namespace
+
+bool CellTextCache::keepsLayoutOf(const QString& text) {
+    if (text.isEmpty() || text.back() == u' ') return false;
+    for (const QChar ch : text)
+        if (!plainChar(ch.unicode())) return false;
+    return true;
+}
+
+// One line, laid out as drawText lays out a line it does not wrap.
+const QTextLayout& CellTextCache::layoutOf(const QString& text, const QFont& font) {
+    if (!(font == m_font)) {
+        m_lines.clear();
+        m_font = font;
+    }
+    auto& kept = m_lines[text];
+    if (kept) return *kept;
+    if (m_lines.size() > kMaxTexts) {
+        m_lines.clear();
+        return layoutOf(text, font);
+    }
+    kept = std::make_shared<QTextLayout>(text, font);
+    QTextOption option;
+    option.setWrapMode(QTextOption::ManualWrap);
+    option.setTextDirection(Qt::LeftToRight);
+    kept->setTextOption(option);
+    kept->setCacheEnabled(true);
+    kept->beginLayout();
+    QTextLine line = kept->createLine();
+    line.setLineWidth(0x01000000);
+    line.setPosition(QPointF(0, 0));
+    kept->endLayout();
+    return *kept;
+}
+
+void CellTextCache::draw(QPainter* painter, const QRect& rect, int flags, const QString& text) {
+    if (!keepsLayoutOf(text) || painter->pen().style() == Qt::NoPen ||
+        painter->layoutDirection() == Qt::RightToLeft) {
+        painter->drawText(rect, flags | Qt::TextSingleLine, text);
+        return;
+    }
+    const QTextLine line = layoutOf(text, painter->font()).lineAt(0);
+    const QRectF r(rect);
+    const qreal height = line.ascent() + line.descent();
+    const qreal width = line.naturalTextWidth();
+    qreal yoff = 0, xoff = 0;
+    if (flags & Qt::AlignBottom)
+        yoff = r.height() - height;
+    else if (flags & Qt::AlignVCenter)
+        yoff = (r.height() - height) / 2;
+    if (flags & Qt::AlignRight)
+        xoff = r.width() - width;
+    else if (flags & Qt::AlignHCenter)
+        xoff = (r.width() - width) / 2;
+    const bool clip = !r.contains(QRectF(r.x() + xoff, r.y() + yoff, width, height));
+    if (clip) {
+        painter->save();
+        painter->setClipRect(r, Qt::IntersectClip);
+    }
+    const qreal advance = line.horizontalAdvance();
+    xoff = 0;
+    if (flags & Qt::AlignRight)
+        xoff = r.width() - advance;
+    else if (flags & Qt::AlignHCenter)
+        xoff = (r.width() - advance) / 2;
+    line.draw(painter, QPointF(r.x() + xoff, r.y() + yoff));
+    if (clip) painter->restore();
 }
 
 GridDelegate::GridDelegate(Grid* grid) : QStyledItemDelegate(grid), m_grid(grid) {}
@@ -16,20 +100,22 @@ GridDelegate::GridDelegate(Grid* grid) : QStyledItemDelegate(grid), m_grid(grid)
 void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                          const QModelIndex& index) const {
     const int col = index.column() + 1, row = index.row() + 1;
+    // The grid draws its lines itself: the cell stops short of its right and bottom line.
+    const QRect cell = m_grid->showGrid() ? option.rect : option.rect.adjusted(0, 0, -1, -1);
     painter->save();
     const QColor back = m_grid->isHighlighted(col, row) ? colorFromBgr(m_grid->SelBackColor())
                                                         : index.data(Qt::BackgroundRole).value<QColor>();
-    painter->fillRect(option.rect, back);
+    painter->fillRect(cell, back);
     painter->setPen(index.data(Qt::ForegroundRole).value<QColor>());
     painter->setFont(option.font);
     const auto align = index.data(Qt::TextAlignmentRole).value<Qt::Alignment>();
-    const QRect textRect = option.rect.adjusted(kTextMargin, 1, -kTextMargin, -1);
-    painter->setClipRect(option.rect);
-    painter->drawText(textRect, int(align) | Qt::TextSingleLine, index.data(Qt::DisplayRole).toString());
+    const QRect textRect = cell.adjusted(kTextMargin, 1, -kTextMargin, -1);
+    painter->setClipRect(cell);
+    m_texts.draw(painter, textRect, int(align), index.data(Qt::DisplayRole).toString());
     const bool active = col == m_grid->ActiveCol() && row == m_grid->ActiveRow();
     if (active && m_grid->operationMode() == OperationMode::Normal && !m_grid->EditMode()) {
         painter->setPen(QPen(Qt::black, 2));
-        painter->drawRect(option.rect.adjusted(1, 1, -1, -1));
+        painter->drawRect(cell.adjusted(1, 1, -1, -1));
     }
     painter->restore();
 }

@@ -154,8 +154,7 @@ void Grid::revertEdit() {
 
 void Grid::placeEditor() {
     if (!m_editing || !m_model->contains(m_activeCol, m_activeRow)) return;
-    m_editor->setGeometry(
-        visualRect(m_model->index(m_activeRow - 1, m_activeCol - 1)).adjusted(1, 1, -1, -1));
+    m_editor->setGeometry(cellRect(m_activeCol, m_activeRow).adjusted(1, 1, -1, -1));
 }
 
 void Grid::focusGridQuietly() {

@@ -25,28 +25,60 @@ SqliteRows::SqliteRows(const QSqlDatabase& db, const QString& sql, const QVarian
 
 SqliteStatement::SqliteStatement(const QSqlDatabase& db, const QString& sql, const QVariantList& values)
     : m_db(engineHandle(db)) {
+    if (prepare(sql) && m_stmt) bind(values);
+}
+
+SqliteStatement::SqliteStatement(const QSqlDatabase& db, const QString& sql)
+    : m_db(engineHandle(db)), m_kept(true), m_through(true) {
+    if (prepare(sql) && !m_stmt) {
+        m_code = SQLITE_MISUSE;
+        m_text = QStringLiteral("an empty statement");
+    }
+}
+
+// False when there is no SQLite connection or the engine refused the text; a text of blanks or
+// a comment alone is prepared as no statement at all.
+bool SqliteStatement::prepare(const QString& sql) {
     if (!m_db) {
         m_code = SQLITE_MISUSE;
         m_text = QStringLiteral("no SQLite connection");
-        return;
+        return false;
     }
     const QByteArray text = sql.toUtf8();
     if (sqlite3_prepare_v2(m_db, text.constData(), int(text.size()), &m_stmt, nullptr) != SQLITE_OK) {
         fail(sqlite3_errcode(m_db));
-        return;
+        return false;
     }
-    if (!m_stmt) return; // only blanks or a comment: no rows
-    m_width = sqlite3_column_count(m_stmt);
-    bind(values);
+    if (m_stmt) m_width = sqlite3_column_count(m_stmt);
+    return true;
 }
 
 SqliteStatement::~SqliteStatement() {
+    m_kept = false;
     finish();
 }
 
 void SqliteStatement::finish() {
+    if (m_kept && m_stmt) {
+        // Reset: the read it held ends here, as a finalized one's would.
+        sqlite3_reset(m_stmt);
+        sqlite3_clear_bindings(m_stmt);
+        m_through = true;
+        return;
+    }
     if (m_stmt) sqlite3_finalize(m_stmt);
     m_stmt = nullptr;
+}
+
+bool SqliteStatement::rerun(const QVariantList& values) {
+    if (!m_kept || !m_stmt) return false;
+    sqlite3_reset(m_stmt);
+    sqlite3_clear_bindings(m_stmt);
+    m_code = 0;
+    m_text.clear();
+    m_lastTexts.clear();
+    m_through = false;
+    return bind(values);
 }
 
 void SqliteStatement::fail(int code) {
@@ -121,7 +153,7 @@ QVariant SqliteStatement::text(int column) {
 }
 
 bool SqliteStatement::next(QVariant* out, int count) {
-    if (!m_stmt) return false;
+    if (!m_stmt || m_through) return false;
     const int rc = sqlite3_step(m_stmt);
     if (rc != SQLITE_ROW) {
         if (rc == SQLITE_DONE)
@@ -150,6 +182,17 @@ bool SqliteStatement::next(QVariant* out, int count) {
         }
     }
     return true;
+}
+
+std::shared_ptr<SqliteStatement> KeptStatements::run(const QSqlDatabase& db, const QString& sql,
+                                                     const QVariantList& values) {
+    sqlite3* handle = engineHandle(db);
+    if (!handle) return nullptr;
+    auto& kept = m_kept[{handle, sql}];
+    if (!kept) kept = std::make_shared<SqliteStatement>(db, sql);
+    const std::shared_ptr<SqliteStatement> statement = kept;
+    if (!statement->ok() || !statement->rerun(values)) m_kept.erase({handle, sql});
+    return statement;
 }
 
 } // namespace nb

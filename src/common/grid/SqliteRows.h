@@ -12,6 +12,7 @@
 #include <QSqlDatabase>
 #include <QString>
 #include <QVariantList>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,6 +28,8 @@ namespace nb {
 class SqliteStatement {
 public:
     SqliteStatement(const QSqlDatabase& db, const QString& sql, const QVariantList& values);
+    // Prepared only, and kept: run by rerun, reset instead of let go when its rows are through.
+    SqliteStatement(const QSqlDatabase& db, const QString& sql);
     ~SqliteStatement();
     SqliteStatement(const SqliteStatement&) = delete;
     SqliteStatement& operator=(const SqliteStatement&) = delete;
@@ -35,16 +38,19 @@ public:
     bool ok() const { return m_code == 0; }
     int engineCode() const { return m_code; }
     QString engineText() const { return m_text; }
-    // Lets go of the statement; rows not read yet are dropped.
+    // Lets go of the statement; rows not read yet are dropped. A kept one is reset instead.
     void finish();
+    // A kept statement from its first row again, with these values; false when it cannot run.
+    bool rerun(const QVariantList& values);
 
     int width() const { return m_width; }
     bool next(QVariant* out, int count);
     // The row stepped to last (next with no values asked for), for whoever reads its columns
     // through the engine's own interface; null once the rows are through.
-    sqlite3_stmt* row() const { return m_stmt; }
+    sqlite3_stmt* row() const { return m_through ? nullptr : m_stmt; }
 
 private:
+    bool prepare(const QString& sql);
     void fail(int code);
     bool bind(const QVariantList& values);
     QVariant text(int column);
@@ -60,6 +66,8 @@ private:
 
     sqlite3* m_db = nullptr;
     sqlite3_stmt* m_stmt = nullptr;
+    bool m_kept = false;
+    bool m_through = false; // a kept statement's rows are through (or it failed) until rerun
     int m_width = 0;
     int m_code = 0;
     QString m_text;
@@ -71,6 +79,8 @@ public:
     static bool canStep(const QSqlDatabase& db);
 
     SqliteRows(const QSqlDatabase& db, const QString& sql, const QVariantList& values);
+    // The rows of a statement run already (a kept one, rerun).
+    explicit SqliteRows(std::shared_ptr<SqliteStatement> statement) : m_statement(std::move(statement)) {}
     int width() const override { return m_statement->width(); }
     bool next(QVariant* out, int count) override { return m_statement->next(out, count); }
     const std::shared_ptr<SqliteStatement>& statement() const { return m_statement; }
@@ -81,6 +91,22 @@ public:
 private:
     std::shared_ptr<SqliteStatement> m_statement;
     int m_expected = -1;
+};
+
+// The statements a search screen runs again and again, each kept prepared on its connection
+// while the screen lives: a search then binds its values and steps instead of preparing anew.
+// The screen lets them go (clear, or its end) before the connection closes; a list still reading
+// one of them must have been replaced before the next run of the same statement.
+class KeptStatements {
+public:
+    // The statement for sql on db (prepared the first time), run with values; check ok() (a
+    // failed one is not kept). Null when db is not SQLite's.
+    std::shared_ptr<SqliteStatement> run(const QSqlDatabase& db, const QString& sql, const QVariantList& values);
+    void clear() { m_kept.clear(); }
+    int size() const { return int(m_kept.size()); }
+
+private:
+    std::map<std::pair<sqlite3*, QString>, std::shared_ptr<SqliteStatement>> m_kept;
 };
 
 } // namespace nb

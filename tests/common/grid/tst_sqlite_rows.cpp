@@ -1,8 +1,11 @@
 // The rows a list reads through SQLite's own interface: every value as Qt's SQLite driver gives
 // it, the values bound, the engine's words when it refuses a statement or fails while stepping,
-// a repeated text shared down the rows, and the statement let go at once when asked.
+// a repeated text shared down the rows, the statement let go at once when asked, and a statement
+// kept prepared by a search screen and run again.
 #include "TestSupport.h"
 #include "common/grid/SqliteRows.h"
+
+#include <sqlite3.h>
 
 #include <QSqlError>
 #include <QSqlQuery>
@@ -205,6 +208,87 @@ private Q_SLOTS:
         QVERIFY(!SqliteRows::canStep(c.db));
         SqliteRows rows(c.db, QStringLiteral("SELECT 1"), {});
         QVERIFY(!rows.statement()->ok());
+    }
+
+    // A search run again binds other values to the statement prepared the first time.
+    void aKeptStatementRunsAgainWithOtherValuesPreparedOnce() {
+        Connection c;
+        QVERIFY(c.exec("CREATE TABLE T (n INTEGER, t TEXT)"));
+        QVERIFY(c.exec("INSERT INTO T VALUES (1, '가'), (2, '나'), (3, '다'), (4, '라')"));
+        KeptStatements kept;
+        const QString sql = QStringLiteral("SELECT n, t FROM T WHERE n >= ? ORDER BY n");
+        const auto first = kept.run(c.db, sql, {3});
+        QVERIFY(first && first->ok());
+        SqliteRows rows(first);
+        QVariant v[2];
+        QVERIFY(rows.next(v, 2));
+        sqlite3_stmt* const prepared = first->row();
+        QVERIFY(prepared);
+        const auto second = kept.run(c.db, sql, {2}); // the list before is replaced by now
+        QCOMPARE(second.get(), first.get());
+        SqliteRows again(second);
+        const QList<QVariantList> got = readAll(again);
+        QCOMPARE(got, readThroughQt(c.db, sql, {2}));
+        QCOMPARE(got.size(), 3);
+        QCOMPARE(kept.size(), 1);
+        SqliteRows third(kept.run(c.db, sql, {4}));
+        QVERIFY(third.next(v, 2));
+        QCOMPARE(third.statement()->row(), prepared);
+        QCOMPARE(v[1].toString(), QStringLiteral("라"));
+        QVERIFY(!third.next(v, 2));
+        QVERIFY(!third.next(v, 2)); // through stays through until the next run
+    }
+
+    // Read through (or let go half read), a kept statement holds no read: the table it read can
+    // be dropped on the same connection, which an unfinished statement forbids.
+    void aKeptStatementThroughOrLetGoHoldsNoRead() {
+        Connection c;
+        QVERIFY(c.exec("CREATE TABLE T (n)"));
+        QVERIFY(c.exec("CREATE TABLE U (n)"));
+        QVERIFY(c.exec("INSERT INTO T VALUES (1), (2)"));
+        QVERIFY(c.exec("INSERT INTO U VALUES (1), (2)"));
+        KeptStatements kept;
+        SqliteRows t(kept.run(c.db, QStringLiteral("SELECT n FROM T WHERE n > ?"), {0}));
+        QVariant v[1];
+        QVERIFY(t.next(v, 1));
+        QSqlQuery drop(c.db);
+        QVERIFY(!drop.exec("DROP TABLE T")); // still reading
+        QVERIFY(t.next(v, 1));
+        QVERIFY(!t.next(v, 1));
+        QVERIFY2(drop.exec("DROP TABLE T"), qPrintable(drop.lastError().text()));
+        SqliteRows u(kept.run(c.db, QStringLiteral("SELECT n FROM U WHERE n > ?"), {0}));
+        QVERIFY(u.next(v, 1));
+        u.statement()->finish();
+        QVERIFY(!u.next(v, 1));
+        QVERIFY2(drop.exec("DROP TABLE U"), qPrintable(drop.lastError().text()));
+    }
+
+    // A statement the engine refuses, or values it cannot take, are said and not kept.
+    void aRefusedStatementIsNotKept() {
+        Connection c;
+        QVERIFY(c.exec("CREATE TABLE T (n)"));
+        KeptStatements kept;
+        const auto refused = kept.run(c.db, QStringLiteral("SELECT nothing FROM T WHERE n = ?"), {1});
+        QVERIFY(refused && !refused->ok());
+        QVERIFY(refused->engineText().contains(QStringLiteral("nothing")));
+        const auto miscounted = kept.run(c.db, QStringLiteral("SELECT n FROM T WHERE n = ?"), {1, 2});
+        QVERIFY(miscounted && !miscounted->ok());
+        QCOMPARE(kept.size(), 0);
+        QVERIFY(!kept.run(QSqlDatabase(), QStringLiteral("SELECT 1"), {}));
+    }
+
+    // Let go, the kept statements leave the connection free to close; kept, they would not.
+    void keptStatementsLetGoLeaveTheConnectionFreeToClose() {
+        for (const bool letGo : {true, false}) {
+            Connection c;
+            QVERIFY(c.exec("CREATE TABLE T (n)"));
+            auto kept = std::make_unique<KeptStatements>();
+            QVERIFY(kept->run(c.db, QStringLiteral("SELECT n FROM T WHERE n = ?"), {1})->ok());
+            if (letGo) kept->clear();
+            c.db.close();
+            QCOMPARE(c.db.lastError().type() == QSqlError::NoError, letGo);
+            kept.reset();
+        }
     }
 };
 
