@@ -43,14 +43,20 @@ FrmTraderList::FrmTraderList(QWidget* parent)
     });
 }
 
+// The list lets go of the rows it reads before the kept searches go.
+FrmTraderList::~FrmTraderList() {
+    model()->clear();
+    m_searches.clear();
+}
+
 void FrmTraderList::InitForm(const QString& name, int section, int& result) {
     m_name = StripSearchText(name);
     m_section = section;
     txtinput()->setText(m_name);
     const SqlPart query = TraderListQuery(stores().dbBasic, m_name, section);
     result = 0;
-    auto rows = std::make_unique<QSqlQuery>(stores().dbBasic.connection());
-    if (!OpenForwardOnly(stores().dbBasic, *rows, query.sql, query.values)) {
+    std::unique_ptr<GridRowSource> rows = OpenListRows(stores().dbBasic, query.sql, query.values, m_searches);
+    if (!rows) {
         model()->clear();
         return;
     }

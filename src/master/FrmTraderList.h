@@ -11,6 +11,7 @@ class FrmTraderList : public MasterListForm {
     Q_OBJECT
 public:
     explicit FrmTraderList(QWidget* parent = nullptr);
+    ~FrmTraderList() override;
 
     QLineEdit* txtCCode() const { return m_code; }
 
@@ -35,6 +36,8 @@ private:
     QLineEdit* m_code = nullptr;
     QString m_name;
     int m_section = 0;
+    // The searches kept prepared while the list lives.
+    KeptStatements m_searches;
 };
 
 } // namespace nb

@@ -87,6 +87,24 @@ void ListModel::finishFilling() {
     m_grid->finishReading();
 }
 
+std::unique_ptr<GridRowSource> OpenListRows(Database& db, const QString& sql, const QVariantList& values,
+                                            KeptStatements& kept) {
+    if (!SqliteRows::canStep(db.connection())) {
+        auto rows = std::make_unique<QSqlQuery>(db.connection());
+        if (!OpenForwardOnly(db, *rows, sql, values)) return nullptr;
+        return std::make_unique<QueryRows>(std::move(rows));
+    }
+    std::shared_ptr<SqliteStatement> statement = kept.run(db.connection(), sql, values);
+    if (!statement) return nullptr;
+    if (!statement->ok()) {
+        ReportQueryFailure(errorNumberFor(statement->engineText(), statement->engineCode()),
+                           statement->engineText(), sqlForDisplay(sql, values),
+                           statement->engineCode());
+        return nullptr;
+    }
+    return std::make_unique<SqliteRows>(std::move(statement));
+}
+
 QVector<QStringList> RowsOf(Recordset& rs) {
     QVector<QStringList> rows;
     rows.reserve(rs.RecordCount());

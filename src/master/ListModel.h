@@ -5,6 +5,7 @@
 // columns count from 0 here, as the list screens count them; the grid counts from 1.
 
 #include "common/grid/GridRows.h"
+#include "common/grid/SqliteRows.h"
 #include "storage/Database.h"
 
 #include <QObject>
@@ -52,6 +53,12 @@ private:
     Grid* m_grid;
     QStringList m_headings;
 };
+
+// The rows of a search on a store for a list: on a SQLite store stepped straight from the engine
+// by the statement kept for it in kept (prepared by the first search), elsewhere read forward
+// through Qt. Null, its failure box shown, when the statement cannot run.
+std::unique_ptr<GridRowSource> OpenListRows(Database& db, const QString& sql, const QVariantList& values,
+                                            KeptStatements& kept);
 
 // Every row of an open recordset as texts (null as the empty text), in its column order.
 QVector<QStringList> RowsOf(Recordset& rs);
