@@ -61,6 +61,31 @@ private Q_SLOTS:
         QVERIFY(!list.isVisible());
     }
 
+    // The same search again with another text while the list before still reads its rows: the
+    // list holds the new search's rows, every one and in order, none of the search before.
+    void aSearchRunAgainWhileTheListIsReadHoldsOnlyItsOwnRows() {
+        TestHome home;
+        QVERIFY(openStores());
+        script();
+        addTraders();
+        FrmTraderList list;
+        int result = 0;
+        list.InitForm(QStringLiteral("상사1"), 0, result);
+        QVERIFY(list.model()->isFilling());
+        QCOMPARE(list.model()->text(0, 0), QStringLiteral("상사1000"));
+        list.InitForm(QStringLiteral("상사0"), 0, result);
+        QCOMPARE(result, 2);
+        QCOMPARE(list.model()->text(0, 0), QStringLiteral("상사0001"));
+        list.model()->finishFilling();
+        QCOMPARE(list.model()->rowCount(), 999);
+        for (int r = 0; r < 999; ++r)
+            QCOMPARE(list.model()->text(r, 0), QStringLiteral("상사%1").arg(r + 1, 4, 10, QChar(u'0')));
+        list.InitForm(QStringLiteral("상사1"), 0, result);
+        list.model()->finishFilling();
+        QCOMPARE(list.model()->rowCount(), 501);
+        QCOMPARE(list.model()->text(500, 0), QStringLiteral("상사1500"));
+    }
+
     void theLastTraderScrolledToAndClickedIsChosen() {
         TestHome home;
         QVERIFY(openStores());
