@@ -335,18 +335,21 @@ void FrmDealList::DetailList() {
     DetailClear();
     const QList<StatementLine>& lines = m_model.lines();
     spDetail->setMaxRows(m_model.detailRowCount());
-    for (int row = 1; row <= lines.size(); ++row) {
-        const StatementLine& line = lines.at(row - 1);
-        setCell(ColPName, row, line.pName);
-        setCell(ColUnit, row, line.unit);
-        setLineCell(ColQuant, row, line.quant);
-        setLineCell(ColPrice, row, line.price);
-        setLineCell(ColAmount, row, line.amount);
-        setLineCell(ColVat, row, line.vat);
-        setCell(ColBillNo, row, line.billNo);
-        setCell(ColBillSeq, row, QString::number(line.billSeq));
-        DetailRowUnlock(row);
-    }
+    // Written quietly, the view told once: a long statement's lines are not announced cell by cell.
+    spDetail->fillQuietly([&] {
+        for (int row = 1; row <= lines.size(); ++row) {
+            const StatementLine& line = lines.at(row - 1);
+            setCell(ColPName, row, line.pName);
+            setCell(ColUnit, row, line.unit);
+            setLineCell(ColQuant, row, line.quant);
+            setLineCell(ColPrice, row, line.price);
+            setLineCell(ColAmount, row, line.amount);
+            setLineCell(ColVat, row, line.vat);
+            setCell(ColBillNo, row, line.billNo);
+            setCell(ColBillSeq, row, QString::number(line.billSeq));
+            DetailRowUnlock(row);
+        }
+    });
     showTotals();
     if (!txtCCode->text().isEmpty()) DetailRowAppend();
     m_listing = true;

@@ -18,23 +18,30 @@ constexpr double kDefaultColWidth = 8.0;
 constexpr double kDefaultRowHeaderWidth = 4.0;
 constexpr int kCellPadding = 6;
 
-// Row headers whose width the grid fixes: the view asks their size hint after every new list,
-// which would measure the numbers of the first and last hundred rows for a width nobody uses.
-class RowHeaders : public QHeaderView {
+// A header whose thickness the grid fixes (the row header's width, the column header's height):
+// its size hint is that thickness. The table view asks the hint at every layout of its rows,
+// and the plain header works it out by measuring the label of up to two hundred sections, only
+// for the view to keep the fixed thickness anyway.
+class GridHeader : public QHeaderView {
 public:
-    explicit RowHeaders(QWidget* parent) : QHeaderView(Qt::Vertical, parent) {}
+    GridHeader(Qt::Orientation orientation, QWidget* parent) : QHeaderView(orientation, parent) {
+        setSectionsClickable(true);
+    }
     QSize sizeHint() const override {
-        if (minimumWidth() != maximumWidth()) return QHeaderView::sizeHint();
-        return {maximumWidth(), defaultSectionSize()};
+        if (orientation() == Qt::Vertical && minimumWidth() == maximumWidth())
+            return {minimumWidth(), defaultSectionSize()};
+        if (orientation() == Qt::Horizontal && minimumHeight() == maximumHeight())
+            return {defaultSectionSize(), minimumHeight()};
+        return QHeaderView::sizeHint();
     }
 };
 } // namespace
 
 Grid::Grid(QWidget* parent) : QTableView(parent), m_model(new GridModel(this)), m_editor(new QLineEdit) {
+    setHorizontalHeader(new GridHeader(Qt::Horizontal, this));
+    setVerticalHeader(new GridHeader(Qt::Vertical, this));
     setModel(m_model);
     setItemDelegate(new GridDelegate(this));
-    setVerticalHeader(new RowHeaders(this));
-    verticalHeader()->setSectionsClickable(true);
     setSelectionMode(QAbstractItemView::NoSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setTabKeyNavigation(false);

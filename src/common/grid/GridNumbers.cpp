@@ -1,11 +1,46 @@
 #include "common/grid/GridNumbers.h"
 
 #include <QRegularExpression>
+#include <charconv>
 #include <cmath>
 
 namespace nb::gridnum {
 
+// A text of a sign, digits, a dot and digits (the plain number the program writes into a cell,
+// perhaps with separators) read straight, without the general reading of a number; anything
+// else is left to it.
+static std::optional<double> parseDigits(const QString& text) {
+    char buffer[64];
+    int size = 0, digitsBefore = 0, digitsAfter = 0;
+    bool dot = false;
+    qsizetype i = 0, end = text.size();
+    while (i < end && text.at(i) == u' ')
+        ++i;
+    while (end > i && text.at(end - 1) == u' ')
+        --end;
+    if (i < end && text.at(i) == u'-') buffer[size++] = '-', ++i;
+    for (; i < end; ++i) {
+        const char16_t c = text.at(i).unicode();
+        if (c == u',' && !dot) continue;
+        if (size >= int(sizeof buffer) - 1) return std::nullopt;
+        if (c >= u'0' && c <= u'9') {
+            (dot ? digitsAfter : digitsBefore)++;
+        } else if (c == u'.' && !dot) {
+            dot = true;
+        } else {
+            return std::nullopt;
+        }
+        buffer[size++] = char(c);
+    }
+    if (digitsBefore == 0 || (dot && digitsAfter == 0)) return std::nullopt;
+    double value = 0;
+    const auto [at, error] = std::from_chars(buffer, buffer + size, value);
+    if (error != std::errc() || at != buffer + size || !std::isfinite(value)) return std::nullopt;
+    return value;
+}
+
 std::optional<double> parse(const QString& text) {
+    if (const auto plain = parseDigits(text)) return plain;
     QString cleaned = text.trimmed();
     cleaned.remove(u',');
     if (cleaned.isEmpty()) return std::nullopt;

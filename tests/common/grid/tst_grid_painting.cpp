@@ -5,6 +5,7 @@
 #include "common/grid/MduSpread.h"
 
 #include <QApplication>
+#include <QHeaderView>
 #include <QImage>
 #include <QPainter>
 #include <QScrollBar>
@@ -103,6 +104,22 @@ private Q_SLOTS:
         PaintWindow w;
         w.grid->showList(std::make_unique<RowsInMemory>(QVector<QVariantList>{{QStringLiteral("1"), QStringLiteral("가")}}), 1);
         QCOMPARE(differingPixels(bothWays(w).first, bothWays(w).second), 0);
+    }
+
+    // The headers keep the thickness the grid gives them, whatever their labels (a row number of
+    // six digits in a narrow row header), and say so when asked their size.
+    void theHeadersKeepTheirThicknessWhateverTheirLabels() {
+        PaintWindow w;
+        QVector<QVariantList> rows(120000, QVariantList{QStringLiteral("1")});
+        w.grid->showList(std::make_unique<RowsInMemory>(rows), int(rows.size()));
+        w.grid->verticalScrollBar()->setValue(w.grid->verticalScrollBar()->maximum());
+        QApplication::processEvents();
+        const int rowHeader = w.grid->charsToPixels(w.grid->ColWidth(0));
+        QCOMPARE(w.grid->verticalHeader()->width(), rowHeader);
+        QCOMPARE(w.grid->verticalHeader()->sizeHint().width(), rowHeader);
+        QCOMPARE(w.grid->horizontalHeader()->height(), w.grid->rowHeightPixels());
+        QCOMPARE(w.grid->horizontalHeader()->sizeHint().height(), w.grid->rowHeightPixels());
+        QCOMPARE(w.grid->columnViewportPosition(0), 0);
     }
 
     // Every kind of text, alignment and room: what the kept line draws is what drawText draws,

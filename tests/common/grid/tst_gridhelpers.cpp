@@ -2,9 +2,12 @@
 // number columns and their limits, sum formulas.
 #include "TestSupport.h"
 #include "common/Colors.h"
+#include "common/grid/GridNumbers.h"
 #include "common/grid/MduSpread.h"
 
 #include <QSignalSpy>
+#include <cmath>
+#include <cstring>
 
 using namespace nb;
 
@@ -29,6 +32,38 @@ void fill(Grid& grid, int cols, int rows) {
 class TestGridHelpers : public QObject {
     Q_OBJECT
 private Q_SLOTS:
+    // A number cell reads a text as it always has (trimmed, separators dropped, then the general
+    // number reading), to the last bit, the sign of a zero included; the plain digits the program
+    // writes are read straight.
+    void aNumberTextReadsAsTheGeneralReadingReadsIt() {
+        const auto reference = [](const QString& text) -> std::optional<double> {
+            QString cleaned = text.trimmed();
+            cleaned.remove(u',');
+            bool ok = false;
+            const double value = cleaned.toDouble(&ok);
+            if (cleaned.isEmpty() || !ok || !std::isfinite(value)) return std::nullopt;
+            return value;
+        };
+        QStringList texts = {"0", "-0", "12", "-12", "0.1", "1234567.891", "1,234,567", " 42 ", "\t7",
+                             "1.", ".5", "-.5", "1e3", "+5", "1.2.3", "1.2,5", "abc", "", "-", "1,", "007",
+                             "99999999999999999999999", "0.30000000000000004", "123456789012345678901234567890",
+                             QString(400, u'9'), "1 2", "１２", "-0.0", "5.000"};
+        quint64 seed = 12345;
+        for (int i = 0; i < 3000; ++i) {
+            seed = seed * 6364136223846793005ULL + 1442695040888963407ULL;
+            const double value = double(qint64(seed >> 11) % 100000000000LL) / std::pow(10.0, int(seed % 9)) *
+                                 ((seed >> 5) % 2 ? 1 : -1);
+            texts << gridnum::plain(value, int(seed % 10)) << gridnum::format(value, int(seed % 4), true)
+                  << QString::number(value, 'g', 17);
+        }
+        for (const QString& text : texts) {
+            const auto got = gridnum::parse(text), expected = reference(text);
+            QVERIFY2(got.has_value() == expected.has_value(), qPrintable(text));
+            if (got)
+                QVERIFY2(std::memcmp(&*got, &*expected, sizeof(double)) == 0, qPrintable(text));
+        }
+    }
+
     void readOnlyDesignLocksEveryCellAndSelectsWholeRows() {
         test::TestHome home;
         Grid grid;
