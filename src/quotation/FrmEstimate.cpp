@@ -219,16 +219,19 @@ void FrmEstimate::LoadLines() {
         return;
     double sum = 0;
     int row = 0;
-    for (; !rs.EOF_(); rs.MoveNext()) {
-        ++row;
-        if (row > grdEstimate->MaxRows()) grdEstimate->setMaxRows(row);
-        for (int c = 1; c <= kEstimateCols; ++c) {
-            const bool shown = c == ColAmount || c == ColPrice;
-            setCell(c, row,
-                    shown ? showNumber(rs.number(rs.fieldName(c - 1))) : rs.text(rs.fieldName(c - 1)));
+    if (rs.RecordCount() > grdEstimate->MaxRows()) grdEstimate->setMaxRows(rs.RecordCount());
+    // Written quietly, the view told once, rather than cell by cell.
+    grdEstimate->fillQuietly([&] {
+        for (; !rs.EOF_(); rs.MoveNext()) {
+            ++row;
+            for (int c = 1; c <= kEstimateCols; ++c) {
+                const bool shown = c == ColAmount || c == ColPrice;
+                setCell(c, row,
+                        shown ? showNumber(rs.number(rs.fieldName(c - 1))) : rs.text(rs.fieldName(c - 1)));
+            }
+            sum += rs.number(QStringLiteral("EstiKum"));
         }
-        sum += rs.number(QStringLiteral("EstiKum"));
-    }
+    });
     m_lineCount = rs.RecordCount();
     CloseRs(rs);
     txtinput[3]->setText(sum == 0 ? QStringLiteral("0") : FormatNumber(sum, kMaskAmount));

@@ -207,6 +207,28 @@ private Q_SLOTS:
         QCOMPARE(test::focused(), f.txtFind);
     }
 
+    // A quotation of more lines than the grid's hundred rows: every line loaded, the grid grown to
+    // hold them and the view told of every row, the total of them all.
+    void aQuotationLongerThanTheGridLoadsEveryLine() {
+        test::EstimateScreen screen;
+        QVERIFY(test::openQuotationStores());
+        QList<std::tuple<QString, double, double>> many;
+        for (int i = 1; i <= 130; ++i)
+            many.append({QStringLiteral("품목%1").arg(i), 1.0, 100.0 * i});
+        test::addQuotation(QStringLiteral("202404001"), QStringLiteral("2024-04-02"), QStringLiteral("가나철강"),
+                           many);
+        FrmEstimate& f = screen.open();
+        f.pnlCode->setText(QStringLiteral("202404001"));
+        f.LoadLines();
+        QCOMPARE(f.LineCount(), 130);
+        QCOMPARE(f.grdEstimate->MaxRows(), 130);
+        QCOMPARE(f.grdEstimate->model()->rowCount(), 130);
+        QCOMPARE(f.grdEstimate->Text(ColPName, 130), QStringLiteral("품목130"));
+        QCOMPARE(f.grdEstimate->Text(ColPrice, 130), QStringLiteral("13,000.0"));
+        QCOMPARE(f.grdEstimate->model()->index(129, ColPName - 1).data().toString(), QStringLiteral("품목130"));
+        QCOMPARE(f.txtinput[3]->text(), QStringLiteral("851,500"));
+    }
+
     void searchThroughTheListFetchesHeadAndLines() {
         test::EstimateScreen screen;
         QVERIFY(test::openQuotationStores());
