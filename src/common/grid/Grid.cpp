@@ -26,6 +26,7 @@ class GridHeader : public QHeaderView {
 public:
     GridHeader(Qt::Orientation orientation, QWidget* parent) : QHeaderView(orientation, parent) {
         setSectionsClickable(true);
+        setStyle(GridHeaderStyle::shared());
     }
     QSize sizeHint() const override {
         if (orientation() == Qt::Vertical && minimumWidth() == maximumWidth())

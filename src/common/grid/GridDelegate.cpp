@@ -3,7 +3,10 @@
 #include "common/Colors.h"
 #include "common/grid/Grid.h"
 
+#include <QApplication>
 #include <QPainter>
+#include <QPointer>
+#include <QStyleFactory>
 #include <QTextLine>
 
 namespace nb {
@@ -62,9 +65,11 @@ const QTextLayout& CellTextCache::layoutOf(const QString& text, const QFont& fon
 }
 
 void CellTextCache::draw(QPainter* painter, const QRect& rect, int flags, const QString& text) {
-    if (!keepsLayoutOf(text) || painter->pen().style() == Qt::NoPen ||
+    constexpr int kPlainFlags = Qt::AlignLeft | Qt::AlignRight | Qt::AlignHCenter | Qt::AlignTop |
+                                Qt::AlignBottom | Qt::AlignVCenter | Qt::TextSingleLine;
+    if ((flags & ~kPlainFlags) != 0 || !keepsLayoutOf(text) || painter->pen().style() == Qt::NoPen ||
         painter->layoutDirection() == Qt::RightToLeft) {
-        painter->drawText(rect, flags | Qt::TextSingleLine, text);
+        painter->drawText(rect, flags, text);
         return;
     }
     const QTextLine line = layoutOf(text, painter->font()).lineAt(0);
@@ -111,13 +116,38 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const auto align = index.data(Qt::TextAlignmentRole).value<Qt::Alignment>();
     const QRect textRect = cell.adjusted(kTextMargin, 1, -kTextMargin, -1);
     painter->setClipRect(cell);
-    m_texts.draw(painter, textRect, int(align), index.data(Qt::DisplayRole).toString());
+    m_texts.draw(painter, textRect, int(align) | Qt::TextSingleLine, index.data(Qt::DisplayRole).toString());
     const bool active = col == m_grid->ActiveCol() && row == m_grid->ActiveRow();
     if (active && m_grid->operationMode() == OperationMode::Normal && !m_grid->EditMode()) {
         painter->setPen(QPen(Qt::black, 2));
         painter->drawRect(cell.adjusted(1, 1, -1, -1));
     }
     painter->restore();
+}
+
+GridHeaderStyle* GridHeaderStyle::shared() {
+    static QPointer<GridHeaderStyle> style;
+    if (!style) {
+        // Its own instance of the application's style, by name (a proxy owns its base).
+        style = new GridHeaderStyle(QStyleFactory::create(QApplication::style()->name()));
+        style->setParent(qApp);
+    }
+    return style;
+}
+
+// As the Fusion style draws an enabled label: the text in the role's colour, the pen given back.
+// Any other style, or a disabled label, is drawn by the style itself.
+void GridHeaderStyle::drawItemText(QPainter* painter, const QRect& rect, int flags, const QPalette& palette,
+                                   bool enabled, const QString& text, QPalette::ColorRole textRole) const {
+    if (!enabled || baseStyle()->name() != QLatin1String("fusion")) {
+        QProxyStyle::drawItemText(painter, rect, flags, palette, enabled, text, textRole);
+        return;
+    }
+    if (text.isEmpty()) return;
+    const QPen saved = painter->pen();
+    if (textRole != QPalette::NoRole) painter->setPen(QPen(palette.brush(textRole), saved.widthF()));
+    m_texts.draw(painter, rect, flags, text);
+    painter->setPen(saved);
 }
 
 } // namespace nb

@@ -8,6 +8,7 @@
 
 #include <QFont>
 #include <QHash>
+#include <QProxyStyle>
 #include <QStyledItemDelegate>
 #include <QTextLayout>
 #include <memory>
@@ -18,9 +19,9 @@ class Grid;
 
 class CellTextCache {
 public:
-    // Draws text in rect as painter->drawText(rect, flags | Qt::TextSingleLine, text) does;
-    // flags hold the alignment only. Texts drawText treats specially (line breaks, tabs, '&',
-    // right-to-left writing) go to drawText itself.
+    // Draws text in rect as painter->drawText(rect, flags, text) does. Flags other than the
+    // alignment and Qt::TextSingleLine, and texts drawText treats specially (line breaks, tabs,
+    // '&', right-to-left writing), go to drawText itself.
     void draw(QPainter* painter, const QRect& rect, int flags, const QString& text);
     // Whether a text is drawn from a kept line (else by drawText).
     static bool keepsLayoutOf(const QString& text);
@@ -42,6 +43,20 @@ public:
 
 private:
     Grid* m_grid;
+    mutable CellTextCache m_texts;
+};
+
+// The style of the grids' headers: the application's own, but a label text is drawn through a
+// CellTextCache (the row numbers and headings are the same at every search).
+class GridHeaderStyle : public QProxyStyle {
+public:
+    // The one the headers of every grid share.
+    static GridHeaderStyle* shared();
+    void drawItemText(QPainter* painter, const QRect& rect, int flags, const QPalette& palette, bool enabled,
+                      const QString& text, QPalette::ColorRole textRole = QPalette::NoRole) const override;
+
+private:
+    explicit GridHeaderStyle(QStyle* base) : QProxyStyle(base) {}
     mutable CellTextCache m_texts;
 };
 

@@ -122,8 +122,22 @@ private Q_SLOTS:
         QCOMPARE(w.grid->columnViewportPosition(0), 0);
     }
 
+    // The headers' labels drawn through the kept lines look as the application's style draws them.
+    void headersPaintAsTheApplicationsStylePaintsThem() {
+        PaintWindow w;
+        w.grid->verticalScrollBar()->setValue(5);
+        for (QHeaderView* header : {w.grid->horizontalHeader(), w.grid->verticalHeader()}) {
+            QVERIFY(header->style() != QApplication::style());
+            const QImage kept = header->grab().toImage();
+            header->setStyle(QApplication::style());
+            const QImage plain = header->grab().toImage();
+            QVERIFY(!kept.isNull());
+            QCOMPARE(differingPixels(kept, plain), 0);
+        }
+    }
+
     // Every kind of text, alignment and room: what the kept line draws is what drawText draws,
-    // the first time and when drawn again from the kept line.
+    // with the single-line flag (the cells) and without (the headers' labels).
     void cellTextsPaintAsDrawTextPaintsThem() {
         const QStringList texts = {QStringLiteral("서울"), QStringLiteral("강남구 역삼1동"), QStringLiteral("1,234,567.5"),
                                    QStringLiteral("-0.25"), QStringLiteral("A&B상사"), QStringLiteral("  앞 빈칸"),
@@ -136,9 +150,12 @@ private Q_SLOTS:
         const QList<QRect> rooms = {QRect(3, 4, 180, 17), QRect(2, 1, 37, 16), QRect(5, 3, 90, 11)};
         QFont font = QApplication::font();
         CellTextCache cache;
+        // The cells' single lines, then the headers' labels as the style draws them, each text
+        // laid out the first time in the first round and drawn from its kept line in the second.
         for (int round = 0; round < 2; ++round) {
             for (const QString& text : texts) {
-                for (int align : aligns) {
+                for (int flags : aligns) {
+                    const int align = round == 0 ? flags | Qt::TextSingleLine : flags;
                     for (const QRect& room : rooms) {
                         QImage expected(200, 24, QImage::Format_ARGB32_Premultiplied), drawn = expected;
                         expected.fill(Qt::white);
@@ -148,7 +165,7 @@ private Q_SLOTS:
                             p->setFont(font);
                             p->setPen(Qt::black);
                         }
-                        a.drawText(room, align | Qt::TextSingleLine, text);
+                        a.drawText(room, align, text);
                         cache.draw(&b, room, align, text);
                         a.end();
                         b.end();
@@ -177,12 +194,14 @@ private Q_SLOTS:
         {
             QPainter p(&a);
             p.setFont(small);
-            cache.draw(&p, QRect(0, 0, 120, 30), Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("역삼1동"));
+            cache.draw(&p, QRect(0, 0, 120, 30), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                       QStringLiteral("역삼1동"));
         }
         {
             QPainter p(&b);
             p.setFont(large);
-            cache.draw(&p, QRect(0, 0, 120, 30), Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("역삼1동"));
+            cache.draw(&p, QRect(0, 0, 120, 30), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                       QStringLiteral("역삼1동"));
         }
         {
             QPainter p(&c);
