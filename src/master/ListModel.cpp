@@ -98,8 +98,7 @@ std::unique_ptr<GridRowSource> OpenListRows(Database& db, const QString& sql, co
     if (!statement) return nullptr;
     if (!statement->ok()) {
         ReportQueryFailure(errorNumberFor(statement->engineText(), statement->engineCode()),
-                           statement->engineText(), sqlForDisplay(sql, values),
-                           statement->engineCode());
+                           statement->engineText(), sqlForDisplay(sql, values), statement->engineCode());
         return nullptr;
     }
     return std::make_unique<SqliteRows>(std::move(statement));

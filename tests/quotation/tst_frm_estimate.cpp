@@ -215,8 +215,8 @@ private Q_SLOTS:
         QList<std::tuple<QString, double, double>> many;
         for (int i = 1; i <= 130; ++i)
             many.append({QStringLiteral("품목%1").arg(i), 1.0, 100.0 * i});
-        test::addQuotation(QStringLiteral("202404001"), QStringLiteral("2024-04-02"), QStringLiteral("가나철강"),
-                           many);
+        test::addQuotation(QStringLiteral("202404001"), QStringLiteral("2024-04-02"),
+                           QStringLiteral("가나철강"), many);
         FrmEstimate& f = screen.open();
         f.pnlCode->setText(QStringLiteral("202404001"));
         f.LoadLines();
@@ -225,7 +225,8 @@ private Q_SLOTS:
         QCOMPARE(f.grdEstimate->model()->rowCount(), 130);
         QCOMPARE(f.grdEstimate->Text(ColPName, 130), QStringLiteral("품목130"));
         QCOMPARE(f.grdEstimate->Text(ColPrice, 130), QStringLiteral("13,000.0"));
-        QCOMPARE(f.grdEstimate->model()->index(129, ColPName - 1).data().toString(), QStringLiteral("품목130"));
+        QCOMPARE(f.grdEstimate->model()->index(129, ColPName - 1).data().toString(),
+                 QStringLiteral("품목130"));
         QCOMPARE(f.txtinput[3]->text(), QStringLiteral("851,500"));
     }
 

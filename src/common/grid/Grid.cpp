@@ -341,8 +341,8 @@ void Grid::paintLines(const QRegion& region) {
     if (rows->count() == 0 || cols->count() == 0) return;
     QStyleOptionViewItem option;
     initViewItemOption(&option);
-    const QColor color =
-        QColor::fromRgba(static_cast<QRgb>(style()->styleHint(QStyle::SH_Table_GridLineColor, &option, this)));
+    const QColor color = QColor::fromRgba(
+        static_cast<QRgb>(style()->styleHint(QStyle::SH_Table_GridLineColor, &option, this)));
     const int lastX = cols->length() - cols->offset() - 1;
     const int lastY = rows->length() - rows->offset() - 1;
     QPainter painter(viewport());

@@ -101,7 +101,8 @@ class KeptStatements {
 public:
     // The statement for sql on db (prepared the first time), run with values; check ok() (a
     // failed one is not kept). Null when db is not SQLite's.
-    std::shared_ptr<SqliteStatement> run(const QSqlDatabase& db, const QString& sql, const QVariantList& values);
+    std::shared_ptr<SqliteStatement> run(const QSqlDatabase& db, const QString& sql,
+                                         const QVariantList& values);
     void clear() { m_kept.clear(); }
     int size() const { return int(m_kept.size()); }
 

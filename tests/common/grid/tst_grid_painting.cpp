@@ -28,9 +28,10 @@ struct PaintWindow {
         grid->setColWidth(2, 14);
         QVector<QVariantList> rows;
         for (int i = 1; i <= 40; ++i)
-            rows << QVariantList{QStringLiteral("%1").arg(135000 + i), QStringLiteral("서울 강남구 역삼%1동").arg(i % 3),
-                                 QStringLiteral("가나%1상사 & 물산 아주 긴 이름의 거래처").arg(i), double(i) * 1234.5,
-                                 i % 4 ? QVariant(QStringLiteral("EA")) : QVariant()};
+            rows << QVariantList{QStringLiteral("%1").arg(135000 + i),
+                                 QStringLiteral("서울 강남구 역삼%1동").arg(i % 3),
+                                 QStringLiteral("가나%1상사 & 물산 아주 긴 이름의 거래처").arg(i),
+                                 double(i) * 1234.5, i % 4 ? QVariant(QStringLiteral("EA")) : QVariant()};
         grid->showList(std::make_unique<RowsInMemory>(rows), int(rows.size()));
         window.resize(430, 260);
         window.show();
@@ -94,7 +95,8 @@ private Q_SLOTS:
     // A part painted alone (a row that changed, the end of the rows) gets its lines, only there.
     void linesMatchInAPartPaintedAlone() {
         PaintWindow w;
-        for (const QRegion& part : {QRegion(10, 30, 150, 40), QRegion(0, 0, 60, 500) + QRegion(200, 100, 300, 7)}) {
+        for (const QRegion& part :
+             {QRegion(10, 30, 150, 40), QRegion(0, 0, 60, 500) + QRegion(200, 100, 300, 7)}) {
             const auto [own, view] = bothWays(w, part);
             QCOMPARE(differingPixels(own, view), 0);
         }
@@ -102,7 +104,9 @@ private Q_SLOTS:
 
     void linesMatchBelowTheLastRowOfAShortList() {
         PaintWindow w;
-        w.grid->showList(std::make_unique<RowsInMemory>(QVector<QVariantList>{{QStringLiteral("1"), QStringLiteral("가")}}), 1);
+        w.grid->showList(std::make_unique<RowsInMemory>(
+                             QVector<QVariantList>{{QStringLiteral("1"), QStringLiteral("가")}}),
+                         1);
         QCOMPARE(differingPixels(bothWays(w).first, bothWays(w).second), 0);
     }
 
@@ -139,14 +143,22 @@ private Q_SLOTS:
     // Every kind of text, alignment and room: what the kept line draws is what drawText draws,
     // with the single-line flag (the cells) and without (the headers' labels).
     void cellTextsPaintAsDrawTextPaintsThem() {
-        const QStringList texts = {QStringLiteral("서울"), QStringLiteral("강남구 역삼1동"), QStringLiteral("1,234,567.5"),
-                                   QStringLiteral("-0.25"), QStringLiteral("A&B상사"), QStringLiteral("  앞 빈칸"),
-                                   QStringLiteral("뒤 빈칸 "), QStringLiteral("가나다라마바사아자차카타파하 아주 긴 거래처 이름입니다"),
-                                   QStringLiteral("탭\t문자"), QStringLiteral("두\n줄"), QStringLiteral("(주)한국·무역 ㈜ ①"),
-                                   QStringLiteral("ＡＢＣ １２３"), QStringLiteral("x")};
-        const QList<int> aligns = {Qt::AlignLeft | Qt::AlignVCenter, Qt::AlignRight | Qt::AlignVCenter,
+        const QStringList texts = {QStringLiteral("서울"),
+                                   QStringLiteral("강남구 역삼1동"),
+                                   QStringLiteral("1,234,567.5"),
+                                   QStringLiteral("-0.25"),
+                                   QStringLiteral("A&B상사"),
+                                   QStringLiteral("  앞 빈칸"),
+                                   QStringLiteral("뒤 빈칸 "),
+                                   QStringLiteral("가나다라마바사아자차카타파하 아주 긴 거래처 이름입니다"),
+                                   QStringLiteral("탭\t문자"),
+                                   QStringLiteral("두\n줄"),
+                                   QStringLiteral("(주)한국·무역 ㈜ ①"),
+                                   QStringLiteral("ＡＢＣ １２３"),
+                                   QStringLiteral("x")};
+        const QList<int> aligns = {Qt::AlignLeft | Qt::AlignVCenter,    Qt::AlignRight | Qt::AlignVCenter,
                                    Qt::AlignHCenter | Qt::AlignVCenter, Qt::AlignLeft | Qt::AlignTop,
-                                   Qt::AlignRight | Qt::AlignTop, Qt::AlignHCenter | Qt::AlignBottom};
+                                   Qt::AlignRight | Qt::AlignTop,       Qt::AlignHCenter | Qt::AlignBottom};
         const QList<QRect> rooms = {QRect(3, 4, 180, 17), QRect(2, 1, 37, 16), QRect(5, 3, 90, 11)};
         QFont font = QApplication::font();
         CellTextCache cache;
@@ -171,7 +183,10 @@ private Q_SLOTS:
                         b.end();
                         if (expected != drawn)
                             QFAIL(qPrintable(QStringLiteral("'%1' aligned %2 in %3x%4 differs")
-                                                 .arg(text).arg(align).arg(room.width()).arg(room.height())));
+                                                 .arg(text)
+                                                 .arg(align)
+                                                 .arg(room.width())
+                                                 .arg(room.height())));
                     }
                 }
             }

@@ -44,10 +44,35 @@ private Q_SLOTS:
             if (cleaned.isEmpty() || !ok || !std::isfinite(value)) return std::nullopt;
             return value;
         };
-        QStringList texts = {"0", "-0", "12", "-12", "0.1", "1234567.891", "1,234,567", " 42 ", "\t7",
-                             "1.", ".5", "-.5", "1e3", "+5", "1.2.3", "1.2,5", "abc", "", "-", "1,", "007",
-                             "99999999999999999999999", "0.30000000000000004", "123456789012345678901234567890",
-                             QString(400, u'9'), "1 2", "１２", "-0.0", "5.000"};
+        QStringList texts = {"0",
+                             "-0",
+                             "12",
+                             "-12",
+                             "0.1",
+                             "1234567.891",
+                             "1,234,567",
+                             " 42 ",
+                             "\t7",
+                             "1.",
+                             ".5",
+                             "-.5",
+                             "1e3",
+                             "+5",
+                             "1.2.3",
+                             "1.2,5",
+                             "abc",
+                             "",
+                             "-",
+                             "1,",
+                             "007",
+                             "99999999999999999999999",
+                             "0.30000000000000004",
+                             "123456789012345678901234567890",
+                             QString(400, u'9'),
+                             "1 2",
+                             "１２",
+                             "-0.0",
+                             "5.000"};
         quint64 seed = 12345;
         for (int i = 0; i < 3000; ++i) {
             seed = seed * 6364136223846793005ULL + 1442695040888963407ULL;
@@ -59,8 +84,7 @@ private Q_SLOTS:
         for (const QString& text : texts) {
             const auto got = gridnum::parse(text), expected = reference(text);
             QVERIFY2(got.has_value() == expected.has_value(), qPrintable(text));
-            if (got)
-                QVERIFY2(std::memcmp(&*got, &*expected, sizeof(double)) == 0, qPrintable(text));
+            if (got) QVERIFY2(std::memcmp(&*got, &*expected, sizeof(double)) == 0, qPrintable(text));
         }
     }
 

@@ -5,12 +5,11 @@
 #include "TestSupport.h"
 #include "common/grid/SqliteRows.h"
 
-#include <sqlite3.h>
-
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QTest>
+#include <sqlite3.h>
 
 using namespace nb;
 
