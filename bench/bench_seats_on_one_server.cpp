@@ -15,7 +15,9 @@
 #include "common/Messages.h"
 
 #include <QApplication>
+#include <QDateTime>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QHash>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -40,8 +42,9 @@ int runSeat(int seconds, const QString& tag) {
     test::SeatSaves saves(messages, [](const QString& line) {
         if (line.startsWith(QStringLiteral("fail"))) std::printf("%s\n", line.toUtf8().constData());
     });
+    // The wall clock at the step's end, to find a slow step again in the server's log.
     saves.timed = [](const char* step, double ms, int lines) {
-        std::printf("t %s %.3f %d\n", step, ms, lines);
+        std::printf("t %s %.3f %d %lld\n", step, ms, lines, QDateTime::currentMSecsSinceEpoch());
     };
     QElapsedTimer span;
     span.start();
@@ -51,8 +54,17 @@ int runSeat(int seconds, const QString& tag) {
     return refused == 0 ? 0 : 1;
 }
 
+// One step as a seat timed it: which seat, which kind, how long, and when it ended.
+struct Step {
+    double ms = 0;
+    QString kind;
+    int seat = 0;
+    qint64 endedMs = 0;
+};
+
 struct Outcome {
     std::vector<double> all;
+    std::vector<Step> slowest; // the longest steps, longest first
     QHash<QString, std::vector<double>> byStep;
     qint64 lines = 0;
     double longestSpanMs = 0;
@@ -60,15 +72,38 @@ struct Outcome {
     int failedSeats = 0;
 };
 
-void readSeat(QProcess& seat, Outcome& into) {
+constexpr size_t kSlowestKept = 8;
+
+void keepIfSlow(Outcome& into, Step step) {
+    into.slowest.push_back(std::move(step));
+    std::sort(into.slowest.begin(), into.slowest.end(),
+              [](const Step& a, const Step& b) { return a.ms > b.ms; });
+    if (into.slowest.size() > kSlowestKept) into.slowest.pop_back();
+}
+
+// A seat's lines go to files in its folder: a pipe nobody reads while the first seat is waited
+// for would fill and hold the others up in the middle of their run.
+QString outputOf(const QString& home) {
+    return home + QStringLiteral("/steps.txt");
+}
+QString errorsOf(const QString& home) {
+    return home + QStringLiteral("/errors.txt");
+}
+
+QByteArray contentsOf(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void readSeat(QProcess& seat, const QString& home, int number, Outcome& into) {
     seat.waitForFinished(-1);
     if (seat.exitStatus() != QProcess::NormalExit || seat.exitCode() != 0) ++into.failedSeats;
-    const QStringList lines =
-        QString::fromUtf8(seat.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
+    const QStringList lines = QString::fromUtf8(contentsOf(outputOf(home))).split(u'\n', Qt::SkipEmptyParts);
     for (const QString& line : lines) {
         const QStringList f = line.split(u' ');
-        if (f.value(0) == u"t" && f.size() == 4) {
+        if (f.value(0) == u"t" && f.size() == 5) {
             const double ms = f.at(2).toDouble();
+            keepIfSlow(into, {ms, f.at(1), number, f.at(4).toLongLong()});
             into.all.push_back(ms);
             into.byStep[f.at(1)].push_back(ms);
             into.lines += f.at(3).toInt();
@@ -79,7 +114,7 @@ void readSeat(QProcess& seat, Outcome& into) {
             std::printf("  refused: %s\n", qPrintable(line));
         }
     }
-    const QByteArray errors = seat.readAllStandardError().trimmed();
+    const QByteArray errors = contentsOf(errorsOf(home)).trimmed();
     if (!errors.isEmpty()) std::printf("  a seat said: %s\n", errors.left(400).constData());
 }
 
@@ -94,13 +129,15 @@ Outcome runSeats(const QString& program, const QString& connInfo, int seats, int
         env.insert(QStringLiteral("NUBELLA_HOME"), homes.back()->path());
         env.insert(QStringLiteral("NUBELLA_PG"), connInfo);
         p->setProcessEnvironment(env);
+        p->setStandardOutputFile(outputOf(homes.back()->path()));
+        p->setStandardErrorFile(errorsOf(homes.back()->path()));
         p->start(program, {QStringLiteral("--seat"), QString::number(seconds),
                            QStringLiteral("%1").arg(i + 1, 6, 10, QChar(u'0'))});
         processes.push_back(std::move(p));
     }
     Outcome outcome;
-    for (auto& p : processes)
-        readSeat(*p, outcome);
+    for (size_t i = 0; i < processes.size(); ++i)
+        readSeat(*processes[i], homes[i]->path(), int(i + 1), outcome);
     return outcome;
 }
 
@@ -116,6 +153,12 @@ void report(const char* setting, int seats, const Outcome& o) {
         std::printf("   %-8s %6zu steps  median %7.2f ms  p99 %7.2f ms  longest %7.1f ms\n",
                     qPrintable(it.key()), it.value().size(), bench::percentile(it.value(), 0.5),
                     bench::percentile(it.value(), 0.99), bench::percentile(it.value(), 1.0));
+    std::printf("   the longest steps (seat, kind, ended at):\n");
+    for (const Step& step : o.slowest)
+        std::printf(
+            "   %9.1f ms  seat %d  %-8s %s\n", step.ms, step.seat, qPrintable(step.kind),
+            qPrintable(
+                QDateTime::fromMSecsSinceEpoch(step.endedMs).toString(QStringLiteral("HH:mm:ss.zzz"))));
     std::fflush(stdout);
 }
 
@@ -135,6 +178,15 @@ int main(int argc, char** argv) {
     bench::BenchCluster cluster;
     if (!cluster.ok()) return 1;
     const QString program = QCoreApplication::applicationFilePath();
+    // What the server saw of a slow step goes to its log (the cluster's folder, kept with
+    // NB_BENCH_KEEP_CLUSTER): waits for a lock past the deadlock check, statements over 100 ms,
+    // checkpoints and the autovacuum's work, each line with its time and seat.
+    const QString watched = QStringLiteral(
+        "ALTER SYSTEM SET log_lock_waits = on; ALTER SYSTEM SET log_min_duration_statement = 100; "
+        "ALTER SYSTEM SET log_checkpoints = on; ALTER SYSTEM SET log_autovacuum_min_duration = 0; "
+        "ALTER SYSTEM SET log_line_prefix = '%m [%p] %a '; SELECT pg_reload_conf();");
+    if (!bench::BenchCluster::psql(cluster.connInfo(QStringLiteral("postgres")), watched)) return 1;
+    std::printf("the server's log: %s/server.log\n", qPrintable(cluster.dir()));
     // The settings a real server keeps: every commit flushed to disk before it is confirmed.
     const QString flushed = QStringLiteral(
         "ALTER SYSTEM SET fsync = on; ALTER SYSTEM SET full_page_writes = on; ALTER SYSTEM SET "

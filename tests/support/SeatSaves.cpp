@@ -106,7 +106,7 @@ bool SeatSaves::quotation() {
         e.dETotKum = 1000.0 * n;
         e.UpdateTotKum();
         if (!m_messages.boxes().empty()) return refused();
-        took("line", start, 1);
+        took("qline", start, 1);
         m_say(QStringLiteral("ok line %1 %2").arg(e.sCode).arg(e.lSeq));
     }
     return true;

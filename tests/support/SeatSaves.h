@@ -21,7 +21,8 @@ public:
     SeatSaves(ScriptedMessages& messages, std::function<void(const QString& line)> say);
 
     // Told after every step the operator waits for (one call into the program's store, one
-    // transaction): its kind ("invoice", "line", "cell", "head"), its time in milliseconds and
+    // transaction): its kind ("invoice"; a statement's "line" and "cell"; a quotation's "head" and
+    // "qline"), its time in milliseconds and
     // the document lines it committed.
     std::function<void(const char* step, double ms, int lines)> timed;
 
