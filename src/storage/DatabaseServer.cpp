@@ -4,17 +4,18 @@
 #include "storage/Database.h"
 #include "storage/ServerSettings.h"
 #include "storage/StoreEngine.h"
+#include "storage/backup/ServerCopyHandles.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
+#include <QPointer>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
-#include <QPointer>
-#include <QThread>
 #include <QTimer>
 #include <QUuid>
+#include <cerrno>
+#include <poll.h>
 
 namespace nb {
 namespace {
@@ -22,8 +23,8 @@ namespace {
 // The writers of one store take its lock (kServerWriterLockClass with the store's schema): two
 // seats saving into the same store wait for each other, seats saving into different stores do
 // not.
-constexpr int kBusyCode = 5; // the files' "busy", which the busy box is chosen by
-constexpr int kBusySliceMillis = 50;
+constexpr int kBusyCode = 5;         // the files' "busy", which the busy box is chosen by
+constexpr int kBusySliceMillis = 50; // the window's events are handled this often while a seat waits
 constexpr int kKeptStatements = 200; // statements kept prepared on one connection
 
 thread_local int t_triesLeft = 0;      // tries after the current one, inside RetryingSave
@@ -41,39 +42,62 @@ bool runOn(const QSqlDatabase& db, const QString& sql, const QVariantList& value
     return q.exec();
 }
 
-enum class LockWait { Held, SliceOver, Failed };
+enum class LockWait { Held, Busy, Failed };
 
-// One slice of the wait in the server's queue for a store's writer lock, inside the transaction:
-// the lock's own wait bounded to the slice, undone by a savepoint when the slice is over, and
-// the connection's bound (busyMillis) back once the lock is held.
-LockWait waitInQueue(const QSqlDatabase& db, const QString& schema, int sliceMillis, int busyMillis,
-                     QSqlError* error) {
-    QSqlQuery q(db);
-    if (!q.exec(QStringLiteral("SAVEPOINT nb_writer_wait")) ||
-        !q.exec(QStringLiteral("SET LOCAL lock_timeout = ") + QString::number(qMax(1, sliceMillis)))) {
-        *error = q.lastError();
+// The server's answer to the request for the lock, in the driver's terms.
+QSqlError errorOf(PGconn* conn, const PGresult* result) {
+    const char* state = result ? PQresultErrorField(result, PG_DIAG_SQLSTATE) : nullptr;
+    const QString words = serverEngineWords(conn, result);
+    if (!state || !*state) return QSqlError(QString(), words, QSqlError::ConnectionError);
+    return QSqlError(QString(), words, QSqlError::StatementError, QString::fromLatin1(state));
+}
+
+// The wait for a store's writer lock another seat holds, inside the transaction: one request
+// standing in the server's queue until the lock is let go of and passes to it. Asking again now
+// and then would put the seat at the back of the queue each time, behind seats that asked after
+// it, and under a steady stream of short saves it might never come to the front. The request
+// goes out without waiting for its answer, and the window's events are handled a slice at a time
+// while it stands there; the connection's lock_timeout (the busy wait) ends it, as the server's
+// "lock timeout".
+LockWait waitInQueue(const QSqlDatabase& db, const QString& schema, QSqlError* error) {
+    PGconn* conn = serverEngineHandle(db);
+    if (!conn) {
+        *error =
+            QSqlError(QString(), QStringLiteral("no connection to the server"), QSqlError::ConnectionError);
         return LockWait::Failed;
     }
-    QSqlQuery lock(db);
-    lock.prepare(QStringLiteral("SELECT pg_advisory_xact_lock(?, hashtext(?))"));
-    lock.addBindValue(kServerWriterLockClass);
-    lock.addBindValue(schema);
-    if (lock.exec()) {
-        lock.finish();
-        if (q.exec(QStringLiteral("RELEASE SAVEPOINT nb_writer_wait")) &&
-            q.exec(QStringLiteral("SET LOCAL lock_timeout = ") + QString::number(qMax(1, busyMillis))))
-            return LockWait::Held;
-        *error = q.lastError();
+    // What a query read row by row left unread would answer "another command is already in
+    // progress"; the driver has let go of it, so it is taken and dropped here.
+    if (PQtransactionStatus(conn) == PQTRANS_ACTIVE)
+        while (PGresult* left = PQgetResult(conn))
+            PQclear(left);
+    const QByteArray lockClass = QByteArray::number(kServerWriterLockClass);
+    const QByteArray store = schema.toUtf8();
+    const char* values[] = {lockClass.constData(), store.constData()};
+    if (!PQsendQueryParams(conn, "SELECT pg_advisory_xact_lock($1::integer, hashtext($2))", 2, nullptr,
+                           values, nullptr, nullptr, 0)) {
+        *error = errorOf(conn, nullptr);
         return LockWait::Failed;
     }
-    const QSqlError failure = lock.lastError();
-    lock.finish();
-    // 55P03: the slice went by with the lock still taken; anything else is a failure.
-    if (failure.nativeErrorCode() == QStringLiteral("55P03") &&
-        q.exec(QStringLiteral("ROLLBACK TO SAVEPOINT nb_writer_wait")))
-        return LockWait::SliceOver;
-    *error = failure.nativeErrorCode() == QStringLiteral("55P03") ? q.lastError() : failure;
-    return LockWait::Failed;
+    bool answered = true;
+    while (answered && PQisBusy(conn)) {
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        pollfd socket{PQsocket(conn), POLLIN, 0};
+        const int ready = socket.fd < 0 ? -1 : ::poll(&socket, 1, kBusySliceMillis);
+        if (ready < 0 && errno == EINTR) continue;
+        answered = ready >= 0 && PQconsumeInput(conn);
+    }
+    // Every result is taken, so that the connection is free for the save's statements.
+    LockWait outcome = answered ? LockWait::Held : LockWait::Failed;
+    if (!answered) *error = errorOf(conn, nullptr);
+    while (PGresult* result = PQgetResult(conn)) {
+        if (PQresultStatus(result) != PGRES_TUPLES_OK && outcome == LockWait::Held) {
+            *error = errorOf(conn, result);
+            outcome = error->nativeErrorCode() == QStringLiteral("55P03") ? LockWait::Busy : LockWait::Failed;
+        }
+        PQclear(result);
+    }
+    return outcome;
 }
 
 // The catalog's rows of this store's schema, first column of each.
@@ -316,16 +340,15 @@ bool Database::beginOnServer() {
     m_failedDepth = 0;
     // A free writer lock is taken at once. A taken one is waited for in the server's queue, so
     // that it passes to the waiting seats in the order they asked, the moment it is let go of;
-    // the wait goes a slice at a time with the window's events handled between slices, and is
-    // given up when the busy wait is over.
-    QElapsedTimer waited;
-    waited.start();
+    // the window's events are handled meanwhile, and the wait is given up when the busy wait
+    // (the connection's lock_timeout) is over.
     bool failed = false;
     {
-        // Prepared once per connection: a save's first word after BEGIN is one round trip.
+        // Prepared once per connection: a save's first word after BEGIN is one round trip. Read
+        // whole at once (not row by row), so that the connection is free when it has answered.
         bool prepared = false;
         const std::shared_ptr<QSqlQuery> q = preparedOnServer(
-            QStringLiteral("SELECT pg_try_advisory_xact_lock(?, hashtext(?))"), true, &prepared);
+            QStringLiteral("SELECT pg_try_advisory_xact_lock(?, hashtext(?))"), false, &prepared);
         if (prepared) {
             q->addBindValue(kServerWriterLockClass);
             q->addBindValue(m_schema);
@@ -340,23 +363,16 @@ bool Database::beginOnServer() {
             if (taken) return true;
         }
     }
-    while (!failed) {
-        const qint64 left = m_busyWaitMillis - waited.elapsed();
-        if (left <= 0) {
+    if (!failed) {
+        QSqlError error;
+        const LockWait wait = waitInQueue(connection(), m_schema, &error);
+        if (wait == LockWait::Held) return true;
+        if (wait == LockWait::Busy)
             noteFailure(ErrEngine,
                         QStringLiteral("store ") + m_schema + QStringLiteral(" is locked by another seat"),
                         kBusyCode);
-            break;
-        }
-        QSqlError error;
-        const LockWait wait = waitInQueue(connection(), m_schema, int(qMin<qint64>(left, kBusySliceMillis)),
-                                          m_busyWaitMillis, &error);
-        if (wait == LockWait::Held) return true;
-        if (wait == LockWait::Failed) {
+        else
             noteFailure(error);
-            break;
-        }
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     }
     const int number = m_lastErrorNumber;
     const int code = m_lastEngineCode;
