@@ -232,27 +232,46 @@ void clsEstimate::NextSeq(qint32& seq) {
     CloseRs(rs);
 }
 
+namespace {
+
+// The month's codes whose running number is written in digits, the longest first: "2024051000"
+// comes after "202405999" though it sorts below it as text. Above the lines' codes too: lines
+// left without their head never join a new quotation.
+const QString kMonthCodes = QStringLiteral(
+    "SELECT c FROM (SELECT EstiCode AS c FROM EstiBase WHERE EstiCode >= ? AND EstiCode < ? UNION ALL "
+    "SELECT Code FROM Estimate WHERE Code >= ? AND Code < ?) AS codes WHERE ltrim(substr(c, 7), "
+    "'0123456789') = '' ORDER BY length(c) DESC, c DESC");
+// The first few are read: a month of thousands of quotations is not read whole at every save.
+constexpr int kCodesReadFirst = 8;
+
+// The month's highest running code (empty when it has none) into `last`; `rows` the codes read.
+bool lastRunningCode(Database& db, const QString& prefix, bool whole, QString& last, int& rows) {
+    Recordset rs;
+    const QString sql = whole ? kMonthCodes : kMonthCodes + QStringLiteral(" LIMIT %1").arg(kCodesReadFirst);
+    if (!OpenSnapshot(db, rs, sql, {prefix, prefix + kHighestChar, prefix, prefix + kHighestChar}))
+        return false;
+    last.clear();
+    rows = 0;
+    for (; !rs.EOF_() && last.isEmpty(); rs.MoveNext(), ++rows)
+        if (runningNumberOf(rs.text(QStringLiteral("c"))) >= 0) last = rs.text(QStringLiteral("c"));
+    CloseRs(rs);
+    return true;
+}
+
+} // namespace
+
 void clsEstimate::NextCode(QString& code) {
     const QString prefix = sEDate.left(4) + sEDate.mid(5, 2);
-    Recordset rs;
-    // The month's codes, the longest first: "2024051000" comes after "202405999" though it
-    // sorts below it as text. A code that is not a number (typed into an older store) is
-    // passed over. Above the lines' codes too: lines left without their head never join a
-    // new quotation.
-    if (!OpenSnapshot(
-            m_db, rs,
-            QStringLiteral("SELECT c FROM (SELECT EstiCode AS c FROM EstiBase WHERE EstiCode >= ? AND "
-                           "EstiCode < ? UNION ALL SELECT Code FROM Estimate WHERE Code >= ? AND "
-                           "Code < ?) AS codes ORDER BY length(c) DESC, c DESC"),
-            {prefix, prefix + kHighestChar, prefix, prefix + kHighestChar})) {
+    // A code that is not a number (typed into an older store) is passed over, and so are digits
+    // too long to be a running number; a month whose first codes are all such reads them all.
+    QString last;
+    int rows = 0;
+    if (!lastRunningCode(m_db, prefix, false, last, rows) ||
+        (last.isEmpty() && rows >= kCodesReadFirst && !lastRunningCode(m_db, prefix, true, last, rows))) {
         code.clear();
         return;
     }
-    QString last;
-    for (; !rs.EOF_() && last.isEmpty(); rs.MoveNext())
-        if (runningNumberOf(rs.text(QStringLiteral("c"))) >= 0) last = rs.text(QStringLiteral("c"));
     code = nextEstimateCode(sEDate, last);
-    CloseRs(rs);
 }
 
 void clsEstimate::FindEstiHead(Recordset& rs, bool& found) {

@@ -112,6 +112,18 @@ private Q_SLOTS:
                                   QStringLiteral("2024-05-31")));
         QCOMPARE(nextCode(QStringLiteral("2024-05-31")), QStringLiteral("2024051001"));
     }
+    void aMonthWhoseHighestCodesAreAllTooLongForANumberStillGoesOnFromItsLastNumber() {
+        test::TestHome home;
+        QVERIFY(test::openQuotationStores());
+        QVERIFY(test::addEstiHead(QStringLiteral("202405007"), QStringLiteral("1"), QStringLiteral("a"),
+                                  QStringLiteral("2024-05-02")));
+        // More long typed numbers than the first codes read, all above the running numbers.
+        for (int i = 0; i < 12; ++i)
+            QVERIFY(test::addEstiHead(QStringLiteral("20240599999999999%1").arg(i, 2, 10, QChar(u'0')),
+                                      QStringLiteral("1"), QStringLiteral("b"),
+                                      QStringLiteral("2024-05-03")));
+        QCOMPARE(nextCode(QStringLiteral("2024-05-31")), QStringLiteral("202405008"));
+    }
     void aQuotationSavedPastTheThousandthOfAMonthNeverTakesATakenNumber() {
         test::TestHome home;
         QVERIFY(test::openQuotationStores());
