@@ -13,10 +13,12 @@
 #include "storage/StoreEngine.h"
 #include "storage/Stores.h"
 
+#include <QElapsedTimer>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <QTimer>
 #include <QUuid>
 #include <unistd.h>
 
@@ -201,6 +203,31 @@ private Q_SLOTS:
         QCOMPARE(traderCodes(), QStringLiteral("000001,000003"));
     }
 
+    void aSeatWaitingForTheWriterLockWhenTheServerGoesIsToldSoAtOnce() {
+        test::TestHome home;
+        OwnCluster cluster;
+        QVERIFY(seatOn(cluster));
+        QVERIFY(saveTrader(QStringLiteral("000001")));
+        ScriptedMessages& said = test::script();
+        // Another seat holds the store's writer lock; the server's computer goes off while this
+        // seat stands in the queue for it.
+        Database other;
+        QVERIFY(other.open(app().DbBasicFile));
+        QVERIFY(other.beginTransaction());
+        QTimer::singleShot(300, [&cluster] { cluster.pause(QStringLiteral("immediate")); });
+        QElapsedTimer waited;
+        waited.start();
+        QVERIFY(!saveTrader(QStringLiteral("000002")));
+        QVERIFY2(waited.elapsed() < stores().dbBasic.busyTimeout(),
+                 qPrintable(QString::number(waited.elapsed())));
+        QCOMPARE(unreachableBoxes(said), 1);
+        QCOMPARE(int(said.boxes().size()), 1);
+        QVERIFY(!stores().dbBasic.inTransaction());
+        QVERIFY(cluster.resume());
+        QVERIFY(saveTrader(QStringLiteral("000003")));
+        QCOMPARE(traderCodes(), QStringLiteral("000001,000003"));
+    }
+
     void aListListeningBeforeARestartIsToldOfAnotherSeatsSavesAfterTheReconnect() {
         test::TestHome home;
         OwnCluster cluster;
@@ -257,8 +284,8 @@ private Q_SLOTS:
         Database other;
         QVERIFY(other.open(app().DbBasicFile));
         QVERIFY(other.beginTransaction());
-        QVERIFY(other.Execute(
-            QStringLiteral("INSERT INTO Trader (Code, C_Name) VALUES ('000011', '멀리서')")));
+        QVERIFY(
+            other.Execute(QStringLiteral("INSERT INTO Trader (Code, C_Name) VALUES ('000011', '멀리서')")));
         QVERIFY(other.commit());
         QTest::qWait(200);
         QCOMPARE(told, 0); // this seat has not acted since the restart: nobody heard the notice
