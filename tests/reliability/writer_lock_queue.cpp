@@ -23,10 +23,11 @@ namespace {
 class SavingSeats {
 public:
     SavingSeats(const QString& connInfo, int seats, int holdMillis) {
-        QString one = QStringLiteral("BEGIN;\nSELECT pg_advisory_xact_lock(%1, hashtext('bill'));\nSELECT "
-                                     "pg_sleep(%2);\nCOMMIT;\n")
-                          .arg(kServerWriterLockClass)
-                          .arg(holdMillis / 1000.0);
+        const QString one =
+            QStringLiteral("BEGIN;\nSELECT pg_advisory_xact_lock(%1, hashtext('bill'));\nSELECT "
+                           "pg_sleep(%2);\nCOMMIT;\n")
+                .arg(kServerWriterLockClass)
+                .arg(holdMillis / 1000.0);
         const QString script = one.repeated(2000);
         for (int i = 0; i < seats; ++i) {
             auto seat = std::make_unique<QProcess>();
