@@ -3,6 +3,7 @@
 // under it are the statements' own, following a deleted statement; the list read through the
 // engine's own interface holds the values the query gives through Qt's SQL layer.
 #include "DealListKit.h"
+#include "StatementListQuery.h"
 #include "common/dates/DateCells.h"
 #include "common/grid/SqliteRows.h"
 #include "management/ExportGrid.h"
@@ -41,30 +42,6 @@ void addLongList(double& count, double& total) {
         total += 1100.0 * lines.size();
     }
     db.commit();
-}
-
-// The list's statement run through Qt's SQL layer with the basic file attached, as the list
-// was read before it stepped the engine itself.
-QList<QVariantList> listThroughQt(const QString& from, const QString& to) {
-    Database& bill = stores().dbBill;
-    QList<QVariantList> rows;
-    if (!bill.attach(stores().dbBasic.path(), kBasicAlias)) return rows;
-    {
-        QSqlQuery q(bill.connection());
-        q.setForwardOnly(true);
-        q.prepare(statementListRowsSql(false));
-        q.addBindValue(from);
-        q.addBindValue(to);
-        if (q.exec())
-            while (q.next()) {
-                QVariantList row;
-                for (int c = 0; c < 6; ++c)
-                    row << q.value(c);
-                rows << row;
-            }
-    }
-    bill.detach(kBasicAlias);
-    return rows;
 }
 
 int visibleRows(Grid& grid) {
@@ -167,7 +144,7 @@ private Q_SLOTS:
         // A store file is stepped through the engine's own interface; the server's rows come whole.
         QCOMPARE(SqliteRows::canStep(stores().dbBill.connection()), !stores().dbBill.onServer());
         const QList<QVariantList> expected =
-            listThroughQt(DateCellText(f.spDate[0]), DateCellText(f.spDate[1]));
+            test::statementListThroughQt(DateCellText(f.spDate[0]), DateCellText(f.spDate[1]));
         QCOMPARE(expected.size(), kStatements + 1);
         QCOMPARE(f.spMaster->MaxRows(), kStatements + 2);
         double sumCount = 0, sumTotal = 0;

@@ -2,6 +2,7 @@
 // above them as they are asked for, the same rows in the same order as the list's statement,
 // a trader code held twice, statements saved after the count, and a list of ten years. A short
 // list (a month's) read whole at once by one statement, its sums those of its rows.
+#include "StatementListQuery.h"
 #include "StoreFixture.h"
 #include "statement/DealListModel.h"
 #include "storage/CrossFileQueries.h"
@@ -65,28 +66,6 @@ bool addTrader(const QString& code, const QString& name) {
 bool listAll(DealListModel& model, const QString& from = QStringLiteral("2015-01-01"),
              const QString& to = QStringLiteral("2024-12-31")) {
     return model.masterList(stores().dbBasic.path(), from, to, false);
-}
-
-// The list's statement as one query, in its order.
-QList<QVariantList> listStatement(const QString& from, const QString& to) {
-    Database& bill = stores().dbBill;
-    QList<QVariantList> rows;
-    if (!bill.attach(stores().dbBasic.path(), kBasicAlias)) return rows;
-    {
-        QSqlQuery q(bill.connection());
-        q.prepare(statementListRowsSql(false));
-        q.addBindValue(from);
-        q.addBindValue(to);
-        if (q.exec())
-            while (q.next()) {
-                QVariantList row;
-                for (int c = 0; c < 6; ++c)
-                    row << q.value(c);
-                rows << row;
-            }
-    }
-    bill.detach(kBasicAlias);
-    return rows;
 }
 
 } // namespace
@@ -158,7 +137,7 @@ private Q_SLOTS:
         DealListModel model(stores().dbBill);
         QVERIFY(listAll(model));
         const QList<QVariantList> expected =
-            listStatement(QStringLiteral("2015-01-01"), QStringLiteral("2024-12-31"));
+            test::statementListThroughQt(QStringLiteral("2015-01-01"), QStringLiteral("2024-12-31"));
         QCOMPARE(model.masterCount(), int(expected.size()));
         QCOMPARE(model.masterCount(), kStatements + 2);
         double shownTotal = 0, wantedTotal = 0;
@@ -249,7 +228,7 @@ private Q_SLOTS:
         QVERIFY(addStatements(kStatements));
         // A year of it: more rows than the first page, fewer than a later one.
         const QString from = QStringLiteral("2019-01-01"), to = QStringLiteral("2019-12-31");
-        const QList<QVariantList> expected = listStatement(from, to);
+        const QList<QVariantList> expected = test::statementListThroughQt(from, to);
         QVERIFY(expected.size() > StatementListFromEnd::kFirstPage);
         QVERIFY(expected.size() < StatementListFromEnd::kLaterPage);
         StatementListFromEnd rows(stores().dbBill, stores().dbBasic.path(), from, to, QString());
