@@ -3,7 +3,9 @@
 // with its checks and index, then the searches the operator waits for, as the screen does them
 // (the search and the list's first page painted), beside the same statement's first page through
 // the sqlite3 program on the same file. With a kept book's path the book is kept there after the
-// run, and a later run with that path searches it again without the import.
+// run, and a later run with that path searches it again without the import. A folder as the kept
+// book keeps it there as dbRoadPost.db. With NB_BENCH_PROFILE set to a search text, that one
+// search is run 500 times on one window and nothing else is timed (for a profiler).
 #include "BenchSupport.h"
 #include "RoadBookFiles.h"
 #include "master/FrmPost.h"
@@ -11,6 +13,7 @@
 #include "master/RoadSearch.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
@@ -102,7 +105,8 @@ int main(int argc, char** argv) {
     test::TestHome home;
     bench::openFreshStore();
     const qint64 rows = argc > 1 ? QString(argv[1]).toLongLong() : 6000000;
-    const QString kept = argc > 2 ? QString::fromLocal8Bit(argv[2]) : QString();
+    QString kept = argc > 2 ? QString::fromLocal8Bit(argv[2]) : QString();
+    if (!kept.isEmpty() && QFileInfo(kept).isDir()) kept = QDir(kept).filePath(QStringLiteral("dbRoadPost.db"));
 
     if (!kept.isEmpty() && QFile::exists(kept)) {
         if (!QFile::rename(kept, RoadBookFile())) return 1;
@@ -127,6 +131,24 @@ int main(int argc, char** argv) {
     book.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
     book.setDatabaseName(RoadBookFile());
     if (!book.open()) return 1;
+    if (qEnvironmentVariableIsSet("NB_BENCH_PROFILE")) {
+        const QString text = qEnvironmentVariable("NB_BENCH_PROFILE");
+        std::printf("%s\n", qPrintable(firstPageSql(RoadSearchQuery(text))));
+        FrmPost form;
+        form.resize(760, 400);
+        form.show();
+        int result = 0;
+        form.InitForm(text, result);
+        QElapsedTimer t;
+        t.start();
+        for (int i = 0; i < 500; ++i)
+            bench::firstPaintFreeMs(&form, [&] { form.InitForm(text, result); });
+        std::printf("%s: %d rows, %.3f ms a search\n", qPrintable(text), form.model()->rowCount(),
+                    double(t.nsecsElapsed()) / 1e6 / 500);
+        book.close();
+        if (!kept.isEmpty()) QFile::rename(RoadBookFile(), kept);
+        return 0;
+    }
     std::printf("%-16s %7s  %10s  %10s  %6s\n", "search", "rows", "screen ms", "sqlite3 ms", "ratio");
     for (const QString& text :
          {QString("동"), QString("가나"), QString("가나로"), QString("가나로 11"), QString("강남아파트"),
@@ -139,7 +161,7 @@ int main(int argc, char** argv) {
         int result = 0;
         form.InitForm(text, result);
         const double screen = bench::medianFirstPaintFreeMs(&form, [&] { form.InitForm(text, result); });
-        const double cli = bench::cliMs(RoadBookFile(), firstPageSql(RoadSearchQuery(book, text)));
+        const double cli = bench::cliMs(RoadBookFile(), firstPageSql(RoadSearchQuery(text)));
         std::printf("%-16s %7d  %10.2f  %10.2f  %6.2f\n", qPrintable(text.isEmpty() ? "(blank)" : text),
                     form.model()->rowCount(), screen, cli, cli > 0 ? screen / cli : 0.0);
     }

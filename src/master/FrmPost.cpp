@@ -54,6 +54,7 @@ FrmPost::FrmPost(QWidget* parent) : MasterListForm(postHeadings(), parent) {
 FrmPost::~FrmPost() {
     model()->clear();
     m_postSearches.clear();
+    m_roadSearches.clear();
 }
 
 bool FrmPost::searchesRoadBook() const {
@@ -103,7 +104,13 @@ void FrmPost::searchPostBook(const QString& text) {
 }
 
 void FrmPost::searchRoadBook(const QString& text) {
-    auto rows = std::make_unique<RoadRows>(m_roadBookFile.database());
+    if (m_roadBookFile.replaced()) {
+        // A new import replaced the book: the list and the kept searches let go of the one before.
+        model()->clear();
+        m_roadSearches.clear();
+        m_roadBookFile.close();
+    }
+    auto rows = std::make_unique<RoadRows>(m_roadBookFile.database(), &m_roadSearches);
     if (rows->search(text))
         model()->fillFrom(std::move(rows));
     else

@@ -50,8 +50,9 @@ private:
     // The two books, each opened by its first search and kept while the list reads its rows.
     Database m_postBook;
     RoadBookConnection m_roadBookFile;
-    // The book's searches kept prepared (let go before the book closes).
+    // The books' searches kept prepared (let go before the book closes).
     KeptStatements m_postSearches;
+    KeptStatements m_roadSearches;
 };
 
 // The caller's side, the same in the supplier and trader screens: search with the trimmed

@@ -4,9 +4,13 @@
 #include "master/SearchRules.h"
 
 #include <QAtomicInt>
+#include <QFile>
 #include <QHash>
 #include <QRegularExpression>
+#include <QSqlDriver>
 #include <QSqlError>
+#include <sqlite3.h>
+#include <sys/stat.h>
 
 namespace nb {
 namespace {
@@ -114,58 +118,107 @@ Branch numberFirst(bool lot, const QString& name, const QStringList& listedBefor
     return b;
 }
 
-// How many names of the kind hold the text, counted up to kManyNames.
-int namesHolding(const QSqlDatabase& book, const SearchIndexDef& def, const QString& text) {
-    const IndexWalk walk = SearchIndexWalk(def, text);
-    QSqlQuery q(book);
-    q.prepare(
-        QStringLiteral("SELECT count(*) FROM (SELECT 1 FROM %1 CROSS JOIN %2 t WHERE %3 AND t.id = %4 AND "
-                       "t.NAME")
-            .arg(walk.source, def.table, walk.condition, walk.rowid) +
-        kLike + QStringLiteral(" LIMIT ?)"));
-    q.addBindValue(walk.value);
-    q.addBindValue(LikeContains(text));
-    q.addBindValue(kManyNames);
-    return q.exec() && q.next() ? q.value(0).toInt() : 0;
+// With a number, each kind has two walks, and the statement itself decides between them: a
+// one-row table "<kind>Many" says whether kManyNames names of the kind hold the text, the walk by
+// name runs only when it says no and the walk by number only when it says yes. The table is made
+// when the statement first reaches its kind, once, so a page filled by an earlier kind never
+// counts the later kinds' names. The count reads the index alone (its entries are the names
+// that hold the text, bar the case of letters beyond Latin, which only chooses a walk).
+struct Choice {
+    QString table;
+    QString sql;
+    QVariant value;
+};
+
+Choice manyNames(const QString& table, const SearchIndexDef& def, const RoadSearchWords& w) {
+    const IndexWalk walk = SearchIndexWalk(def, w.text);
+    return {table,
+            QStringLiteral("%1(many) AS MATERIALIZED (SELECT count(*) >= %2 FROM (SELECT 1 FROM %3 WHERE %4 "
+                           "LIMIT %2))")
+                .arg(table)
+                .arg(kManyNames)
+                .arg(walk.source, walk.condition),
+            walk.value};
 }
 
-SqlPart nameSearch(const QSqlDatabase& book, const RoadSearchWords& w) {
-    auto many = [&](const SearchIndexDef& def) {
-        return w.hasNumber && namesHolding(book, def, w.text) >= kManyNames;
-    };
+// The branch run only when the choice's table says `many` (or says not): it walks from a table of
+// one row or none, which the engine reads before anything else of the branch.
+Branch chosen(const Choice& choice, bool many, Branch b) {
+    const QString from = QStringLiteral("FROM ");
+    b.sql.insert(b.sql.indexOf(from) + from.size(),
+                 QStringLiteral("(SELECT 1 FROM %1 WHERE %2many LIMIT 1) k CROSS JOIN ")
+                     .arg(choice.table, many ? QString() : QStringLiteral("NOT ")));
+    return b;
+}
+
+SqlPart nameSearch(const RoadSearchWords& w) {
     const QString road = nameOf(QStringLiteral("RoadName"), QStringLiteral("ROAD_T"));
     const QString building = nameOf(QStringLiteral("BuildingName"), QStringLiteral("BLDG_T"));
     const QString place = nameOf(QStringLiteral("PlaceName"), QStringLiteral("PLACE_T"));
     const QString adminDong = nameOf(QStringLiteral("PlaceName"), QStringLiteral("HDONG_T"));
+    QList<Choice> choices;
     QList<Branch> branches;
+    // Both walks of a kind when a number is given, each behind its choice; the walk by name alone
+    // otherwise.
+    auto both = [&](const Choice& choice, const Branch& byName, const Branch& byNumber) {
+        if (!w.hasNumber) {
+            branches << byName;
+            return;
+        }
+        if (choices.isEmpty() || choices.last().table != choice.table) choices << choice;
+        branches << chosen(choice, false, byName) << chosen(choice, true, byNumber);
+    };
     if (!w.mountain) {
         Branch byRoad = nameBranch(RoadNameIndex(), QStringLiteral("ROAD_T"), w);
         addBuildingNumber(byRoad, w);
-        if (many(RoadNameIndex())) byRoad = numberFirst(false, road, {}, w);
+        both(manyNames(QStringLiteral("roadMany"), RoadNameIndex(), w), byRoad, numberFirst(false, road, {}, w));
         Branch byBuilding = nameBranch(BuildingNameIndex(), QStringLiteral("BLDG_T"), w);
         addBuildingNumber(byBuilding, w);
         notAlready(byBuilding, {QStringLiteral("ROADNAME")}, w);
-        if (many(BuildingNameIndex())) byBuilding = numberFirst(false, building, {road}, w);
-        branches << byRoad << byBuilding;
+        both(manyNames(QStringLiteral("buildingMany"), BuildingNameIndex(), w), byBuilding,
+             numberFirst(false, building, {road}, w));
     }
+    const Choice places = manyNames(QStringLiteral("placeMany"), PlaceNameIndex(), w);
     Branch byPlace = nameBranch(PlaceNameIndex(), QStringLiteral("PLACE_T"), w);
     addLotNumber(byPlace, w);
     notAlready(byPlace, {QStringLiteral("ROADNAME"), QStringLiteral("BLDG_NAME")}, w);
+    both(places, byPlace, numberFirst(true, place, {road, building}, w));
     Branch byAdminDong = nameBranch(PlaceNameIndex(), QStringLiteral("HDONG_T"), w);
     addLotNumber(byAdminDong, w);
     notAlready(byAdminDong,
                {QStringLiteral("ROADNAME"), QStringLiteral("BLDG_NAME"), QStringLiteral("PLACE")}, w);
-    if (many(PlaceNameIndex())) {
-        byPlace = numberFirst(true, place, {road, building}, w);
-        byAdminDong = numberFirst(true, adminDong, {road, building, place}, w);
-    }
-    branches << byPlace << byAdminDong;
+    both(places, byAdminDong, numberFirst(true, adminDong, {road, building, place}, w));
     SqlPart part;
-    for (const Branch& b : branches) {
-        part.sql += (part.sql.isEmpty() ? QString() : QStringLiteral(" UNION ALL ")) + b.sql;
-        part.values << b.values;
+    for (const Choice& c : choices) {
+        part.sql += (part.sql.isEmpty() ? QStringLiteral("WITH ") : QStringLiteral(", ")) + c.sql;
+        part.values << c.value;
+    }
+    if (!part.sql.isEmpty()) part.sql += u' ';
+    for (qsizetype i = 0; i < branches.size(); ++i) {
+        part.sql += (i == 0 ? QString() : QStringLiteral(" UNION ALL ")) + branches[i].sql;
+        part.values << branches[i].values;
     }
     return part;
+}
+
+// The file's device and inode: a book renamed over the one open is another file, though its name
+// is the same (the open one's inode cannot be taken by another file while it is open).
+bool fileIdentity(const QString& path, quint64& device, quint64& inode) {
+    struct stat st {};
+    if (::stat(QFile::encodeName(path).constData(), &st) != 0) return false;
+    device = quint64(st.st_dev);
+    inode = quint64(st.st_ino);
+    return true;
+}
+
+// A statement's plan is made without looking at the values bound (the engine otherwise prepares a
+// statement with a LIKE of a bound text anew whenever the text is bound again). The book's
+// statements fix their walks themselves, so nothing is lost.
+void plansIgnoreValues(const QSqlDatabase& db) {
+    const QVariant handle = db.driver() ? db.driver()->handle() : QVariant();
+    if (!handle.isValid() || qstrcmp(handle.typeName(), "sqlite3*") != 0) return;
+    sqlite3* engine = *static_cast<sqlite3* const*>(handle.constData());
+    if (engine) sqlite3_db_config(engine, SQLITE_DBCONFIG_ENABLE_QPSG, 1, nullptr);
 }
 
 QString connectionName() {
@@ -198,13 +251,13 @@ RoadSearchWords ReadRoadSearchText(const QString& text) {
     return w;
 }
 
-SqlPart RoadSearchQuery(const QSqlDatabase& book, const QString& text) {
+SqlPart RoadSearchQuery(const QString& text) {
     const RoadSearchWords w = ReadRoadSearchText(text);
     if (w.byZip)
         return {kColumns + QStringLiteral("FROM RoadZip z CROSS JOIN RoadAddr a WHERE z.ZIPCODE") + kLike +
                     QStringLiteral(" AND a.ZIPCODE = z.ZIPCODE"),
                 {LikeContains(w.text)}};
-    if (!w.text.isEmpty()) return nameSearch(book, w);
+    if (!w.text.isEmpty()) return nameSearch(w);
     if (w.hasNumber) return {kColumns + QStringLiteral("FROM RoadAddr a WHERE 0"), {}}; // a number alone
     return {kColumns + QStringLiteral("FROM RoadAddr a"), {}};
 }
@@ -257,20 +310,35 @@ QSqlDatabase RoadBookConnection::database() {
     if (!db.isOpen()) {
         db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
         db.setDatabaseName(RoadBookFile());
-        db.open();
+        if (db.open()) {
+            fileIdentity(RoadBookFile(), m_device, m_inode);
+            plansIgnoreValues(db);
+        }
     }
     return db;
+}
+
+bool RoadBookConnection::replaced() const {
+    if (!QSqlDatabase::contains(m_name) || !QSqlDatabase::database(m_name, false).isOpen()) return false;
+    quint64 device = 0;
+    quint64 inode = 0;
+    return !fileIdentity(RoadBookFile(), device, inode) || device != m_device || inode != m_inode;
+}
+
+void RoadBookConnection::close() {
+    if (QSqlDatabase::contains(m_name)) QSqlDatabase::database(m_name, false).close();
 }
 
 bool RoadRows::search(const QString& text) {
     m_rows.reset();
     m_hasLast = false;
     if (!SqliteRows::canStep(m_book)) return false;
-    const SqlPart part = RoadSearchQuery(m_book, text);
+    const SqlPart part = RoadSearchQuery(text);
     // Stepped through the engine's own interface: each value made once, a text the row before
     // held (the province, the district, the road) shared with it.
-    auto rows = std::make_unique<SqliteStatement>(m_book, part.sql, part.values);
-    if (!rows->ok()) return false;
+    std::shared_ptr<SqliteStatement> rows = m_kept ? m_kept->run(m_book, part.sql, part.values)
+                                                   : std::make_shared<SqliteStatement>(m_book, part.sql, part.values);
+    if (!rows || !rows->ok()) return false;
     m_rows = std::move(rows);
     return true;
 }

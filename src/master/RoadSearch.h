@@ -35,9 +35,9 @@ struct RoadSearchWords {
 };
 RoadSearchWords ReadRoadSearchText(const QString& text);
 
-// The statement for a trimmed text, with its values; `book` is asked how many names of each
-// kind hold the text when a number is given.
-SqlPart RoadSearchQuery(const QSqlDatabase& book, const QString& text);
+// The statement for a trimmed text, with its values. With a number it holds both walks of each
+// kind and chooses between them itself, by how many names of the kind hold the text.
+SqlPart RoadSearchQuery(const QString& text);
 // From this many names on, a search with a number walks the number first.
 inline constexpr int kManyNames = 5000;
 
@@ -45,7 +45,9 @@ inline constexpr int kManyNames = 5000;
 RoadAddress RoadAddressOfRow(const QSqlQuery& q);
 
 // A connection to the road-name book that only reads (the book is replaced whole by the next
-// import, never changed in place), opened on first use and closed with this object.
+// import, never changed in place), opened on first use and closed with this object. Its plans do
+// not hang on the values bound, so a statement kept prepared is run again with new values without
+// being prepared anew.
 class RoadBookConnection {
 public:
     RoadBookConnection();
@@ -54,17 +56,26 @@ public:
     RoadBookConnection& operator=(const RoadBookConnection&) = delete;
     // The open connection; a closed one when the book cannot be read.
     QSqlDatabase database();
+    // True when the connection is open on a book that an import has since replaced (or removed).
+    // Whoever keeps statements or rows on it lets them go, then closes it; the next database()
+    // opens the book there now.
+    bool replaced() const;
+    void close();
 
 private:
     QString m_name;
+    quint64 m_device = 0; // the file opened, told apart from a later file of the same name
+    quint64 m_inode = 0;
 };
 
 // The rows of a search as the postcode list shows them (its list mode reads them forward as they
 // are seen): the postcode, the road-name address, the lot address and the building name. The
-// connection must outlive the rows.
+// connection must outlive the rows. With `kept`, each shape of statement is prepared once and run
+// again by later searches (the rows of an earlier search on the same statement must be let go
+// before the next search runs it).
 class RoadRows : public GridRowSource {
 public:
-    explicit RoadRows(const QSqlDatabase& book) : m_book(book) {}
+    explicit RoadRows(const QSqlDatabase& book, KeptStatements* kept = nullptr) : m_book(book), m_kept(kept) {}
 
     // Runs the search; false (and no rows) when the book cannot be read.
     bool search(const QString& text);
@@ -82,7 +93,8 @@ private:
     QString lotText(const RoadAddress& a);
 
     QSqlDatabase m_book;
-    std::unique_ptr<SqliteStatement> m_rows;
+    KeptStatements* m_kept = nullptr;
+    std::shared_ptr<SqliteStatement> m_rows;
     RoadAddress m_last;
     bool m_hasLast = false;
     QString m_roadWords; // "서울특별시 종로구 새문안로 " of the row before

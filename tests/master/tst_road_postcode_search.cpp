@@ -232,7 +232,7 @@ private Q_SLOTS:
         for (const char* text : {"새문안로 5", "역", "누리", "역삼동 123-4", "0317", ""}) {
             QStringList steps;
             const SqlPart query = withBook([&](QSqlDatabase& book) {
-                const SqlPart part = RoadSearchQuery(book, QString::fromUtf8(text));
+                const SqlPart part = RoadSearchQuery(QString::fromUtf8(text));
                 steps = planOf(book, part);
                 return part;
             });
@@ -259,7 +259,7 @@ private Q_SLOTS:
         QCOMPARE(ImportRoadBook({home.file("many.txt")}), kManyNames + 10);
         for (const char* text : {"가 50", "나 50"}) {
             const SqlPart query = withBook([&](QSqlDatabase& book) {
-                const SqlPart part = RoadSearchQuery(book, QString::fromUtf8(text));
+                const SqlPart part = RoadSearchQuery(QString::fromUtf8(text));
                 const QStringList steps = planOf(book, part);
                 [&] { QVERIFY2(!steps.join('\n').contains("TEMP B-TREE"), qPrintable(steps.join('\n'))); }();
                 return part;
