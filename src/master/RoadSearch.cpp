@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 #include <QSqlDriver>
 #include <QSqlError>
+#include <cstring>
 #include <sqlite3.h>
 #include <sys/stat.h>
 
@@ -285,10 +286,6 @@ template <typename Value> RoadAddress addressOf(const Value& value) {
 }
 constexpr int kStatementColumns = 14;
 
-QString numberWords(int main, int sub) {
-    return sub > 0 ? QString::number(main) + u'-' + QString::number(sub) : QString::number(main);
-}
-
 } // namespace
 
 RoadAddress RoadAddressOfRow(const QSqlQuery& q) {
@@ -331,7 +328,6 @@ void RoadBookConnection::close() {
 
 bool RoadRows::search(const QString& text) {
     m_rows.reset();
-    m_hasLast = false;
     if (!SqliteRows::canStep(m_book)) return false;
     const SqlPart part = RoadSearchQuery(text);
     // Stepped through the engine's own interface: each value made once, a text the row before
@@ -354,40 +350,89 @@ bool RoadRows::nextAddress(RoadAddress& out) {
     return true;
 }
 
-QString RoadRows::roadText(const RoadAddress& a) {
-    if (!m_hasLast || a.sido != m_last.sido || a.sigungu != m_last.sigungu || a.eupmyeon != m_last.eupmyeon ||
-        a.roadName != m_last.roadName || a.underground != m_last.underground) {
-        QStringList words;
-        for (const QString& w : {a.sido, a.sigungu, a.eupmyeon, a.roadName})
-            if (!w.isEmpty()) words << w;
-        if (a.underground) words << QStringLiteral("지하");
-        m_roadWords = words.isEmpty() ? QString() : words.join(u' ') + u' ';
-    }
-    return m_roadWords + numberWords(a.buildingMain, a.buildingSub);
+namespace {
+
+// The statement's columns as the list's texts are made of them.
+enum Column : int { kZip, kSido, kSigungu, kEupmyeon, kRoad, kUnderground, kBuildingMain, kBuildingSub,
+                    kBuildingName, kDong, kRi, kMountain, kLotMain, kLotSub };
+
+struct Bytes {
+    const char* data = nullptr;
+    size_t size = 0;
+    bool operator==(const Bytes& o) const { return size == o.size && std::memcmp(data, o.data, size) == 0; }
+};
+
+Bytes bytesOf(sqlite3_stmt* row, int column) {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
+    return {text ? text : "", size_t(sqlite3_column_bytes(row, column))};
 }
 
-QString RoadRows::lotText(const RoadAddress& a) {
-    if (!m_hasLast || a.sido != m_last.sido || a.sigungu != m_last.sigungu || a.eupmyeon != m_last.eupmyeon ||
-        a.dong != m_last.dong || a.ri != m_last.ri) {
-        QStringList words;
-        for (const QString& w : {a.sido, a.sigungu, PlaceText(a)})
-            if (!w.isEmpty()) words << w;
-        m_lotWords = words.join(u' ');
-    }
-    if (a.lotMain <= 0) return m_lotWords;
-    const QString number =
-        (a.mountain ? QStringLiteral("산 ") : QString()) + numberWords(a.lotMain, a.lotSub);
-    return m_lotWords.isEmpty() ? number : m_lotWords + u' ' + number;
+// A word after those before it, a blank between.
+void addWord(std::string& text, const Bytes& word) {
+    if (word.size == 0) return;
+    if (!text.empty()) text += ' ';
+    text.append(word.data, word.size);
 }
 
+// "12" or "12-3".
+void addNumber(std::string& text, int main, int sub) {
+    text += std::to_string(main);
+    if (sub > 0) {
+        text += '-';
+        text += std::to_string(sub);
+    }
+}
+
+QVariant textOrNull(const std::string& text) {
+    return text.empty() ? QVariant() : QVariant(QString::fromUtf8(text.data(), qsizetype(text.size())));
+}
+
+} // namespace
+
+// The texts are made straight from the engine's row in UTF-8, each turned into a QString once:
+// "서울특별시 종로구 새문안로 지하 5-1" and "서울특별시 종로구 신문로1가 산 12-3" as
+// RoadAddressText and LotAddressText make them.
 bool RoadRows::next(QVariant* out, int count) {
-    RoadAddress a;
-    if (!nextAddress(a)) return false;
-    const QString texts[kRoadColumns] = {a.zip, roadText(a), lotText(a), a.buildingName};
-    m_last = a;
-    m_hasLast = true;
+    if (!m_rows || !m_rows->next(nullptr, 0) || !m_rows->row()) {
+        m_rows.reset(); // through: the statement lets go of the book
+        return false;
+    }
+    sqlite3_stmt* row = m_rows->row();
+    QVariant texts[kRoadColumns];
+    m_text.clear();
+    addWord(m_text, bytesOf(row, kZip));
+    texts[0] = textOrNull(m_text);
+
+    m_text.clear();
+    for (int column : {kSido, kSigungu, kEupmyeon, kRoad})
+        addWord(m_text, bytesOf(row, column));
+    if (sqlite3_column_int(row, kUnderground) != 0) addWord(m_text, {"지하", std::strlen("지하")});
+    if (!m_text.empty()) m_text += ' ';
+    addNumber(m_text, sqlite3_column_int(row, kBuildingMain), sqlite3_column_int(row, kBuildingSub));
+    texts[1] = textOrNull(m_text);
+
+    m_text.clear();
+    addWord(m_text, bytesOf(row, kSido));
+    addWord(m_text, bytesOf(row, kSigungu));
+    // The towns once each, as PlaceText names them.
+    const Bytes eupmyeon = bytesOf(row, kEupmyeon);
+    const Bytes dong = bytesOf(row, kDong);
+    const Bytes ri = bytesOf(row, kRi);
+    addWord(m_text, eupmyeon);
+    if (!(dong == eupmyeon)) addWord(m_text, dong);
+    if (!(ri == eupmyeon) && !(ri == dong)) addWord(m_text, ri);
+    if (const int lotMain = sqlite3_column_int(row, kLotMain); lotMain > 0) {
+        if (!m_text.empty()) m_text += ' ';
+        if (sqlite3_column_int(row, kMountain) != 0) m_text += "산 ";
+        addNumber(m_text, lotMain, sqlite3_column_int(row, kLotSub));
+    }
+    texts[2] = textOrNull(m_text);
+
+    m_text.clear();
+    addWord(m_text, bytesOf(row, kBuildingName));
+    texts[3] = textOrNull(m_text);
     for (int c = 0; c < count && c < kRoadColumns; ++c)
-        out[c] = texts[c].isEmpty() ? QVariant() : QVariant(texts[c]);
+        out[c] = texts[c];
     return true;
 }
 

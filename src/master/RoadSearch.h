@@ -21,6 +21,7 @@
 #include <QSqlQuery>
 #include <QVector>
 #include <memory>
+#include <string>
 
 namespace nb {
 
@@ -87,18 +88,10 @@ public:
     static constexpr int kRoadColumns = 4;
 
 private:
-    // The list's two address texts; the words before the number are made again only when they
-    // differ from the row before's (a road's addresses come together).
-    QString roadText(const RoadAddress& a);
-    QString lotText(const RoadAddress& a);
-
     QSqlDatabase m_book;
     KeptStatements* m_kept = nullptr;
     std::shared_ptr<SqliteStatement> m_rows;
-    RoadAddress m_last;
-    bool m_hasLast = false;
-    QString m_roadWords; // "서울특별시 종로구 새문안로 " of the row before
-    QString m_lotWords;  // "서울특별시 종로구 신문로1가" of the row before
+    std::string m_text; // the address text being made, in UTF-8
 };
 // The list's headings, one a column of RoadRows.
 const QStringList& RoadHeadings();
