@@ -106,7 +106,8 @@ int main(int argc, char** argv) {
     bench::openFreshStore();
     const qint64 rows = argc > 1 ? QString(argv[1]).toLongLong() : 6000000;
     QString kept = argc > 2 ? QString::fromLocal8Bit(argv[2]) : QString();
-    if (!kept.isEmpty() && QFileInfo(kept).isDir()) kept = QDir(kept).filePath(QStringLiteral("dbRoadPost.db"));
+    if (!kept.isEmpty() && QFileInfo(kept).isDir())
+        kept = QDir(kept).filePath(QStringLiteral("dbRoadPost.db"));
 
     if (!kept.isEmpty() && QFile::exists(kept)) {
         if (!QFile::rename(kept, RoadBookFile())) return 1;

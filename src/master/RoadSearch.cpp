@@ -172,7 +172,8 @@ SqlPart nameSearch(const RoadSearchWords& w) {
     if (!w.mountain) {
         Branch byRoad = nameBranch(RoadNameIndex(), QStringLiteral("ROAD_T"), w);
         addBuildingNumber(byRoad, w);
-        both(manyNames(QStringLiteral("roadMany"), RoadNameIndex(), w), byRoad, numberFirst(false, road, {}, w));
+        both(manyNames(QStringLiteral("roadMany"), RoadNameIndex(), w), byRoad,
+             numberFirst(false, road, {}, w));
         Branch byBuilding = nameBranch(BuildingNameIndex(), QStringLiteral("BLDG_T"), w);
         addBuildingNumber(byBuilding, w);
         notAlready(byBuilding, {QStringLiteral("ROADNAME")}, w);
@@ -330,10 +331,11 @@ bool RoadRows::search(const QString& text) {
     m_rows.reset();
     if (!SqliteRows::canStep(m_book)) return false;
     const SqlPart part = RoadSearchQuery(text);
-    // Stepped through the engine's own interface: each value made once, a text the row before
-    // held (the province, the district, the road) shared with it.
-    std::shared_ptr<SqliteStatement> rows = m_kept ? m_kept->run(m_book, part.sql, part.values)
-                                                   : std::make_shared<SqliteStatement>(m_book, part.sql, part.values);
+    // Stepped through the engine's own interface; with `kept`, prepared by the first search of its
+    // shape and only bound and stepped by the next.
+    std::shared_ptr<SqliteStatement> rows =
+        m_kept ? m_kept->run(m_book, part.sql, part.values)
+               : std::make_shared<SqliteStatement>(m_book, part.sql, part.values);
     if (!rows || !rows->ok()) return false;
     m_rows = std::move(rows);
     return true;
@@ -353,8 +355,22 @@ bool RoadRows::nextAddress(RoadAddress& out) {
 namespace {
 
 // The statement's columns as the list's texts are made of them.
-enum Column : int { kZip, kSido, kSigungu, kEupmyeon, kRoad, kUnderground, kBuildingMain, kBuildingSub,
-                    kBuildingName, kDong, kRi, kMountain, kLotMain, kLotSub };
+enum Column : int {
+    kZip,
+    kSido,
+    kSigungu,
+    kEupmyeon,
+    kRoad,
+    kUnderground,
+    kBuildingMain,
+    kBuildingSub,
+    kBuildingName,
+    kDong,
+    kRi,
+    kMountain,
+    kLotMain,
+    kLotSub
+};
 
 struct Bytes {
     const char* data = nullptr;

@@ -76,7 +76,8 @@ private:
 // before the next search runs it).
 class RoadRows : public GridRowSource {
 public:
-    explicit RoadRows(const QSqlDatabase& book, KeptStatements* kept = nullptr) : m_book(book), m_kept(kept) {}
+    explicit RoadRows(const QSqlDatabase& book, KeptStatements* kept = nullptr)
+        : m_book(book), m_kept(kept) {}
 
     // Runs the search; false (and no rows) when the book cannot be read.
     bool search(const QString& text);

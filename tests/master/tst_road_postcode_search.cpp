@@ -257,15 +257,18 @@ private Q_SLOTS:
         }
         QVERIFY(writeRoadFile(home.file("many.txt"), lines));
         QCOMPARE(ImportRoadBook({home.file("many.txt")}), kManyNames + 10);
+        // The statement holds both walks and takes one (tst_road_postcode_kept tells which by the
+        // order); neither sorts.
         for (const char* text : {"가 50", "나 50"}) {
-            const SqlPart query = withBook([&](QSqlDatabase& book) {
+            withBook([&](QSqlDatabase& book) {
                 const SqlPart part = RoadSearchQuery(QString::fromUtf8(text));
                 const QStringList steps = planOf(book, part);
-                [&] { QVERIFY2(!steps.join('\n').contains("TEMP B-TREE"), qPrintable(steps.join('\n'))); }();
+                [&] {
+                    QVERIFY2(!steps.isEmpty(), text);
+                    QVERIFY2(!steps.join('\n').contains("TEMP B-TREE"), qPrintable(steps.join('\n')));
+                }();
                 return part;
             });
-            QVERIFY(query.sql.contains(QString::fromUtf8(text).startsWith("가") ? "INDEXED BY RoadAddr_number"
-                                                                                : "INDEXED BY RoadAddr_lot"));
         }
         QCOMPARE(found("가 50").size(), withFifty);
         // Found by the town number first: the addresses without a building name stay in.
