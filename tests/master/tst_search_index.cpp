@@ -6,9 +6,11 @@
 #include "master/SearchRules.h"
 #include "master/TraderRecords.h"
 #include "master/clsTrader.h"
+#include "common/grid/SqliteRows.h"
 #include "storage/ServerSearchPieces.h"
 
 #include <QRegularExpression>
+#include <sqlite3.h>
 
 using namespace nb;
 using namespace nb::test;
@@ -213,6 +215,33 @@ private Q_SLOTS:
                  1);
         addTrader("000003", "ABBA");
         QCOMPARE(codesOf(TraderListQuery(db, "AB", 0)), (QStringList{"000003", "000002"}));
+    }
+    // A search kept prepared binds its new text and steps: the engine never throws its plan away
+    // and prepares it again because of the pattern bound.
+    void aKeptTraderSearchRunAgainWithAnotherTextIsNeverPreparedAgain() {
+        TestHome home;
+        QVERIFY(openStores());
+        addMany();
+        Database& db = stores().dbBasic;
+        KeptStatements kept;
+        const SqlPart first = TraderListQuery(db, "가나", 0);
+        const SqlPart second = TraderListQuery(db, "역삼", 0);
+        QCOMPARE(second.sql, first.sql);
+        QCOMPARE(codesOf(first), plainCodes("가나"));
+        QCOMPARE(codesOf(second), plainCodes("역삼"));
+        QVERIFY(!codesOf(second).isEmpty());
+        if (db.onServer()) { // the server's statements are kept by the server's own driver
+            QVERIFY(!kept.run(db.connection(), first.sql, first.values));
+            return;
+        }
+        for (const SqlPart& q : {first, second, first, second}) {
+            const std::shared_ptr<SqliteStatement> s = kept.run(db.connection(), q.sql, q.values);
+            QVERIFY(s && s->ok());
+            QVERIFY(s->next(nullptr, 0));
+            QCOMPARE(sqlite3_stmt_status(s->row(), SQLITE_STMTSTATUS_REPREPARE, 0), 0);
+            s->finish();
+        }
+        QCOMPARE(kept.size(), 1);
     }
     void ensureSearchIndexesMakesWhatTheFileHolds() {
         TestHome home;
