@@ -2,11 +2,11 @@
 // rows in the same order as the plain query, kept in step with every write, rebuilt when out of
 // step, and no table scan for a text of any length.
 #include "MasterFixture.h"
+#include "common/grid/SqliteRows.h"
 #include "master/SearchIndex.h"
 #include "master/SearchRules.h"
 #include "master/TraderRecords.h"
 #include "master/clsTrader.h"
-#include "common/grid/SqliteRows.h"
 #include "storage/ServerSearchPieces.h"
 
 #include <QRegularExpression>
