@@ -7,6 +7,9 @@
 #   pg-test-cluster.sh pause DIR [MODE]   the cluster in DIR stopped and kept (MODE: fast, the
 #                                         default, or immediate: as if its computer went off)
 #   pg-test-cluster.sh resume DIR         a paused cluster started again
+#   pg-test-cluster.sh freeze DIR SECONDS the cluster in DIR stops answering for SECONDS (its
+#                                         processes stopped, as a hung server's machine that still
+#                                         answers the network), then goes on where it was
 #
 # The server listens on a unix socket in DIR only (no TCP), trusts that socket, and is tuned for
 # tests: no fsync, enough connections for several running copies of the program per test with
@@ -16,7 +19,7 @@
 set -euo pipefail
 
 usage() {
-  echo "사용법: $0 start 폴더 [포트] | stop 폴더 | pause 폴더 [fast|immediate] | resume 폴더" >&2
+  echo "사용법: $0 start 폴더 [포트] | stop 폴더 | pause 폴더 [fast|immediate] | resume 폴더 | freeze 폴더 초" >&2
   exit 2
 }
 
@@ -149,10 +152,36 @@ resume() {
   as_owner "$bin/pg_ctl" -D "$dir/data" -l "$dir/server.log" -w -t 60 start >/dev/null
 }
 
+# The postmaster and every process it started, stopped together and let go on together: the thaw
+# comes after the time asked whatever the caller does meanwhile.
+freeze() {
+  local seconds=${port:-5} postmaster pid stat pids
+  postmaster=$(head -n 1 "$dir/data/postmaster.pid")
+  if [ -r "/proc/$postmaster/task/$postmaster/children" ]; then
+    pids="$postmaster $(cat "/proc/$postmaster/task/$postmaster/children")"
+  else
+    pids=$postmaster
+    for stat in /proc/[0-9]*/stat; do
+      pid=${stat#/proc/}
+      pid=${pid%/stat}
+      # The parent's number is the second field after the name's closing parenthesis.
+      if [ "$(sed -e 's/^.*) //' "$stat" 2>/dev/null | cut -d ' ' -f 2)" = "$postmaster" ]; then
+        pids="$pids $pid"
+      fi
+    done
+  fi
+  # shellcheck disable=SC2086
+  kill -STOP $pids
+  sleep "$seconds"
+  # shellcheck disable=SC2086
+  kill -CONT $pids
+}
+
 case "$command" in
   start) start ;;
   stop) stop ;;
   pause) pause ;;
   resume) resume ;;
+  freeze) freeze ;;
   *) usage ;;
 esac

@@ -1,6 +1,7 @@
 #include "storage/Database.h"
 
 #include "common/Messages.h"
+#include "storage/DatabaseServerWatch.h"
 #include "storage/StoreEngine.h"
 
 #include <QCoreApplication>
@@ -350,6 +351,7 @@ bool Database::run(QSqlQuery& local, const QString& sql, const QVariantList& val
         std::shared_ptr<QSqlQuery> held;
         QSqlQuery* on = &local;
         bool ok = false;
+        const ServerAnswerWatch watch(*this); // a server that stopped answering is not waited for
         if (direct) {
             ok = local.exec(statement);
         } else {
@@ -431,6 +433,7 @@ bool Database::runControl(const QString& sql, bool waitWhileBusy) {
     QElapsedTimer waited;
     waited.start();
     for (;;) {
+        const ServerAnswerWatch watch(*this);
         QSqlQuery q(connection());
         if (q.exec(sql)) return true;
         noteFailure(q.lastError());
@@ -475,7 +478,10 @@ bool Database::commitOutermost() {
     const int code = m_lastEngineCode;
     const QString description = m_lastErrorDescription;
     // The engine may have rolled back already; then this answers "no transaction" harmlessly.
-    QSqlQuery(connection()).exec(QStringLiteral("ROLLBACK"));
+    {
+        const ServerAnswerWatch watch(*this);
+        QSqlQuery(connection()).exec(QStringLiteral("ROLLBACK"));
+    }
     noteFailure(number, description, code);
     return false;
 }
@@ -510,6 +516,7 @@ void Database::rollback() {
     if (!isOpen() || m_savepoints.isEmpty()) return;
     const QString name = m_savepoints.takeLast();
     if (m_failedDepth > int(m_savepoints.size())) m_failedDepth = 0;
+    const ServerAnswerWatch watch(*this);
     QSqlQuery q(connection());
     if (name.isEmpty()) {
         q.exec(QStringLiteral("ROLLBACK"));

@@ -19,6 +19,7 @@
 namespace nb {
 
 class Recordset;
+struct ServerRowStatement; // DatabaseServerRows.cpp
 
 // Column type numbers of the original's schema calls.
 enum DaoType : int {
@@ -123,6 +124,16 @@ public:
     // opened. Schema questions below and transaction control are not counted.
     int statementsRun() const { return m_statementsRun; }
 
+    // On the server: a read run through the server's own interface, past the driver, in one
+    // round trip and planned for its values. Its rows come straight as values of the types the
+    // driver gives (int; a bigint as qulonglong from zero up, qlonglong below; fractional amounts
+    // and sums as double; QString; a null as a null of its column's type), width values a row
+    // appended to rows. False when it failed: lastError...() noted, no box shown (the caller
+    // shows OpenForwardOnly's). A connection the server dropped is made again and the read asked
+    // once more, as for the other statements.
+    bool readRowsOnServer(const QString& sql, const QVariantList& values, std::vector<QVariant>& rows,
+                          int* width);
+
     // Makes another store file's tables reachable as alias.Table in this connection's
     // statements (the two cross-file queries). The file must exist. On the server every store
     // is a schema of the same database, reachable already: the path must name the store whose
@@ -166,6 +177,8 @@ private:
     bool beginOnServer();
     bool abandonFailedTransaction();
     void applyLockTimeout();
+    // The lock timeout and the server's watch of its side of the connection, on every new one.
+    void applySessionSettings();
     // On the server: a connection the server dropped (a restart, the network gone and back) is
     // made again at the next action outside a transaction; false while the server is away.
     bool reconnectServer();
@@ -188,6 +201,8 @@ private:
     // On the server, the statement prepared once on this connection and kept for the next run of
     // the same text; *prepared false (the query holds the server's words) when it would not be.
     std::shared_ptr<QSqlQuery> preparedOnServer(const QString& statement, bool forwardOnly, bool* prepared);
+    bool readAnswerOnServer(const QString& statement, const QVariantList& values, std::vector<QVariant>& rows,
+                            int* width, QSqlError* error);
     // Lets go of every kept statement, or of those of one text.
     void forgetPrepared(const QString& statement = QString());
     void noteFailure(int number, const QString& description, int engineCode = 0);
@@ -221,6 +236,9 @@ private:
     // Statements prepared on the server's connection, by their text (and forward-only or not):
     // run again they are one round trip instead of three (prepare, run, let go).
     QHash<QString, std::shared_ptr<QSqlQuery>> m_prepared;
+    // What readRowsOnServer keeps of the statements it ran (the text in the server's marks, how
+    // their columns came), by their text.
+    QHash<QString, std::shared_ptr<ServerRowStatement>> m_rowStatements;
 };
 
 // Runs a whole save; when the server broke it off to settle a deadlock or a conflict of two

@@ -2,6 +2,7 @@
 // its transactions, its failures in the files' terms, and the schema questions answered from
 // the server's catalog. Database.cpp decides which engine a store is on (StoreEngine.h).
 #include "storage/Database.h"
+#include "storage/DatabaseServerWatch.h"
 #include "storage/ServerSettings.h"
 #include "storage/StoreEngine.h"
 #include "storage/backup/ServerCopyHandles.h"
@@ -79,6 +80,8 @@ LockWait waitInQueue(const QSqlDatabase& db, const QString& schema, QSqlError* e
         *error = errorOf(conn, nullptr);
         return LockWait::Failed;
     }
+    // A server that stopped answering (its machine still there) is not waited for.
+    const ServerAnswerWatch watch(conn);
     bool answered = true;
     while (answered && PQisBusy(conn)) {
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
@@ -170,6 +173,7 @@ void Database::noteServerFailure(const QSqlError& error) {
 }
 
 bool Database::connectionAnswers() const {
+    const ServerAnswerWatch watch(*this);
     QSqlQuery q(connection());
     // Inside a transaction the server broke off, the answer is a refusal with its code.
     return q.exec(QStringLiteral("SELECT 1")) || !q.lastError().nativeErrorCode().isEmpty();
@@ -196,6 +200,7 @@ std::shared_ptr<QSqlQuery> Database::preparedOnServer(const QString& statement, 
 void Database::forgetPrepared(const QString& statement) {
     if (statement.isEmpty()) {
         m_prepared.clear();
+        m_rowStatements.clear();
         return;
     }
     m_prepared.remove(u'f' + statement);
@@ -240,7 +245,7 @@ bool Database::reconnectServer() {
         m_connectionLost = true;
         return false;
     }
-    applyLockTimeout();
+    applySessionSettings();
     if (!nameSeat()) {
         db.close();
         m_connectionLost = true;
@@ -279,6 +284,15 @@ void Database::applyLockTimeout() {
     runOn(connection(), QStringLiteral("SET lock_timeout = ") + QString::number(qMax(1, m_busyWaitMillis)));
 }
 
+void Database::applySessionSettings() {
+    applyLockTimeout();
+    // The server watches its side of the connection as the seat does, so that a seat whose
+    // network died lets go of its writer lock within about a minute. Where the server refuses
+    // (an older one), the seat works on with the system's defaults.
+    if (PGconn* conn = serverEngineHandle(connection()))
+        runOn(connection(), serverKeepaliveStatement(PQserverVersion(conn)));
+}
+
 bool Database::connectServer(const QString& path, const QString& schema, bool creating) {
     m_connection = QStringLiteral("nb-pg-") + QUuid::createUuid().toString(QUuid::WithoutBraces);
     m_server = true;
@@ -286,7 +300,8 @@ bool Database::connectServer(const QString& path, const QString& schema, bool cr
     bool ok = false;
     {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), m_connection);
-        db.setConnectOptions(serverConnInfo());
+        // The watch's options first: the seat's own connection string, after them, has the last word.
+        db.setConnectOptions(serverConnectionOptions() + u' ' + serverConnInfo());
         // NUMERIC (a sum of whole numbers) is read as a double; Recordset gives whole ones
         // back as integers, as the files' sums are.
         db.setNumericalPrecisionPolicy(QSql::LowPrecisionDouble);
@@ -295,7 +310,7 @@ bool Database::connectServer(const QString& path, const QString& schema, bool cr
         // The store's schema first; the shared extensions (pg_trgm) live in public.
         ok = ok && runOn(db, QStringLiteral("SET search_path TO ") + schema + QStringLiteral(", public"));
     }
-    if (ok) applyLockTimeout();
+    if (ok) applySessionSettings();
     ok = ok && nameSeat();
     if (!ok || schemaExists() == creating) {
         const int number = m_lastErrorNumber;
@@ -347,6 +362,7 @@ bool Database::beginOnServer() {
         // Prepared once per connection: a save's first word after BEGIN is one round trip. Read
         // whole at once (not row by row), so that the connection is free when it has answered.
         bool prepared = false;
+        const ServerAnswerWatch watch(*this);
         const std::shared_ptr<QSqlQuery> q = preparedOnServer(
             QStringLiteral("SELECT pg_try_advisory_xact_lock(?, hashtext(?))"), false, &prepared);
         if (prepared) {
@@ -388,6 +404,7 @@ bool Database::beginOnServer() {
 
 bool Database::abandonFailedTransaction() {
     // The server answers COMMIT of a failed transaction by rolling it back; say so plainly.
+    const ServerAnswerWatch watch(*this);
     QSqlQuery(connection()).exec(QStringLiteral("ROLLBACK"));
     m_failedDepth = 0;
     return false;

@@ -144,6 +144,13 @@ bool StatementListFromEnd::runStatement(const QString& sql, const QVariantList& 
         if (!ok)
             ReportQueryFailure(errorNumberFor(statement.engineText(), statement.engineCode()),
                                statement.engineText(), sqlForDisplay(sql, values), statement.engineCode());
+    } else if (m_bill.onServer()) {
+        // Straight from the server's answer, in one round trip, past the driver.
+        int width = 0;
+        ok = m_bill.readRowsOnServer(sql, values, m_page, &width);
+        if (!ok)
+            ReportQueryFailure(m_bill.lastErrorNumber(), m_bill.lastErrorDescription(),
+                               sqlForDisplay(sql, values), m_bill.lastEngineCode());
     } else {
         QSqlQuery query(m_bill.connection());
         ok = OpenForwardOnly(m_bill, query, sql, values);

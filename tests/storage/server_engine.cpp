@@ -11,6 +11,7 @@
 #include "storage/Stores.h"
 
 #include <QProcess>
+#include <QSqlError>
 #include <QSqlQuery>
 #include <QTimer>
 
@@ -126,6 +127,91 @@ private Q_SLOTS:
         QVERIFY(
             OpenSnapshot(bill, rs, QStringLiteral("SELECT SUM(NumBill) AS Whole FROM Master WHERE 1 = 0")));
         QVERIFY(rs.isNull(QStringLiteral("Whole")));
+    }
+    void rowsReadPastTheDriverHaveTheDriversValuesAndTypes() {
+        test::TestHome home;
+        Database basic, bill;
+        openFreshStores(home, basic, bill);
+        const QString sql = QStringLiteral(
+            "SELECT CAST(? AS smallint), CAST(? AS integer), CAST(? AS bigint), CAST(? AS bigint), "
+            "CAST(? AS double precision), CAST(? AS numeric) * 2, CAST(? AS integer) <> 0, CAST(? AS text), "
+            "CAST(NULL AS bigint), CAST(NULL AS double precision), CAST(NULL AS text), CAST(NULL AS "
+            "numeric), "
+            "CAST(? AS real)");
+        const QVariantList values{-7,
+                                  123456,
+                                  -9000000000LL,
+                                  9000000000LL,
+                                  -1234.75,
+                                  QStringLiteral("0.1"),
+                                  true,
+                                  QStringLiteral("한글 '따옴표' ?"),
+                                  0.1};
+        // Twice: the first read learns how the columns come, the second reads their binary form.
+        for (int run = 0; run < 2; ++run) {
+            std::vector<QVariant> rows;
+            int width = 0;
+            QVERIFY(bill.readRowsOnServer(sql, values, rows, &width));
+            QCOMPARE(width, 13);
+            QCOMPARE(int(rows.size()), 13);
+            QSqlQuery driver(bill.connection());
+            QVERIFY(driver.prepare(bill.statementFor(sql, values)));
+            bill.bindValues(driver, values);
+            QVERIFY2(driver.exec() && driver.next(), qPrintable(driver.lastError().text()));
+            for (int c = 0; c < width; ++c) {
+                const QVariant& mine = rows[size_t(c)];
+                const QVariant theirs = driver.value(c);
+                QVERIFY2(mine.metaType() == theirs.metaType() && mine.isNull() == theirs.isNull() &&
+                             mine == theirs,
+                         qPrintable(QStringLiteral("run %1 column %2: %3 (%4) beside %5 (%6)")
+                                        .arg(run)
+                                        .arg(c)
+                                        .arg(mine.toString(), QString::fromLatin1(mine.typeName()),
+                                             theirs.toString(), QString::fromLatin1(theirs.typeName()))));
+            }
+            QCOMPARE(rows[4].toDouble(), -1234.75);
+            QCOMPARE(rows[7].toString(), QStringLiteral("한글 '따옴표' ?"));
+        }
+    }
+    void aColumnThatChangedItsTypeIsReadInItsNewType() {
+        test::TestHome home;
+        Database basic, bill;
+        openFreshStores(home, basic, bill);
+        QVERIFY(
+            bill.Execute(QStringLiteral("INSERT INTO Master (BillNo, TotAmount) VALUES ('000001', 2.5)")));
+        const QString sql = QStringLiteral("SELECT TotAmount FROM Master WHERE BillNo = ?");
+        std::vector<QVariant> rows;
+        int width = 0;
+        for (int run = 0; run < 2; ++run) // read as the server's double, the second time in binary
+            QVERIFY(bill.readRowsOnServer(sql, {QStringLiteral("000001")}, rows, &width));
+        QCOMPARE(rows.back(), QVariant(2.5));
+        // A column of another type now: read as its texts say, not as the bytes of a double.
+        QVERIFY(bill.Execute(QStringLiteral("ALTER TABLE master ALTER COLUMN totamount TYPE text")));
+        rows.clear();
+        QVERIFY(bill.readRowsOnServer(sql, {QStringLiteral("000001")}, rows, &width));
+        QCOMPARE(int(rows.size()), 1);
+        QCOMPARE(rows[0], QVariant(QStringLiteral("2.5")));
+        QVERIFY(bill.Execute(QStringLiteral("ALTER TABLE master ALTER COLUMN totamount TYPE numeric USING "
+                                            "totamount::numeric")));
+        rows.clear();
+        QVERIFY(bill.readRowsOnServer(sql, {QStringLiteral("000001")}, rows, &width));
+        QCOMPARE(rows[0], QVariant(2.5));
+    }
+    void aFailedReadPastTheDriverShowsNoBoxAndNamesItsCause() {
+        test::TestHome home;
+        Database basic, bill;
+        openFreshStores(home, basic, bill);
+        auto& msgs = test::script();
+        std::vector<QVariant> rows{QVariant(1)};
+        int width = 0;
+        QVERIFY(!bill.readRowsOnServer(QStringLiteral("SELECT Nothing FROM Master"), {}, rows, &width));
+        QCOMPARE(bill.lastErrorNumber(), int(ErrSyntax));
+        QCOMPARE(bill.lastSqlState(), QStringLiteral("42703"));
+        QCOMPARE(int(rows.size()), 1); // what the caller held before stays as it was
+        QCOMPARE(int(msgs.boxes().size()), 0);
+        // The connection goes on.
+        QVERIFY(bill.readRowsOnServer(QStringLiteral("SELECT COUNT(*) FROM Master"), {}, rows, &width));
+        QCOMPARE(int(rows.size()), 2);
     }
     void writersOfOneStoreTakeTheirNextNumbersOneAfterTheOther() {
         test::TestHome home;

@@ -8,12 +8,17 @@
 #include "core/Settings.h"
 #include "storage/Backup.h"
 #include "storage/ChangeNotices.h"
+#include "storage/CrossFileQueries.h"
 #include "storage/Database.h"
+#include "storage/DatabaseServerWatch.h"
 #include "storage/ServerSettings.h"
+#include "storage/StatementListFromEnd.h"
 #include "storage/StoreEngine.h"
 #include "storage/Stores.h"
+#include "storage/backup/ServerCopyHandles.h"
 
 #include <QElapsedTimer>
+#include <QFile>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QSqlDatabase>
@@ -50,6 +55,23 @@ public:
         return script({QStringLiteral("pause"), m_dir, mode});
     }
     bool resume() { return script({QStringLiteral("resume"), m_dir}); }
+    // The server stops answering for the time given and then goes on, whatever the test does
+    // meanwhile; true once its processes stand still.
+    bool freeze(int seconds) {
+        if (!QProcess::startDetached(
+                QStringLiteral("bash"),
+                {QStringLiteral(NB_SOURCE_DIR) + QStringLiteral("/scripts/pg-test-cluster.sh"),
+                 QStringLiteral("freeze"), m_dir, QString::number(seconds)}))
+            return false;
+        return QTest::qWaitFor([this] { return frozen(); }, 5000);
+    }
+    bool frozen() const {
+        QFile pidFile(m_dir + QStringLiteral("/data/postmaster.pid"));
+        if (!pidFile.open(QIODevice::ReadOnly)) return false;
+        const QByteArray pid = pidFile.readLine().trimmed();
+        QFile status(QStringLiteral("/proc/") + QString::fromLatin1(pid) + QStringLiteral("/status"));
+        return status.open(QIODevice::ReadOnly) && status.readAll().contains("State:\tT");
+    }
 
     // A fresh database on the cluster; its connection string.
     QString freshDatabase() {
@@ -130,6 +152,36 @@ QString traderCodes() {
         codes << rs.text(QStringLiteral("Code"));
     return codes.join(u',');
 }
+
+// The statement list of May 2024 as the statement screen reads it: its rows, or -1 when the read
+// failed (its box shown).
+int statementListRows() {
+    StatementListFromEnd list(stores().dbBill, stores().dbBasic.path(), QStringLiteral("2024-05-01"),
+                              QStringLiteral("2024-05-31"), QString());
+    return list.open() ? list.rows() : -1;
+}
+
+bool saveStatementHead(const QString& billNo) {
+    Database& db = stores().dbBill;
+    return db.beginTransaction() &&
+           db.Execute(
+               QStringLiteral("INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, NumBill) "
+                              "VALUES (?, '2024-05-02', '000001', 1000, 100, 1)"),
+               {billNo}) &&
+           db.commit();
+}
+
+// The watch's times made short for one test, and given back after it.
+struct QuickWatch {
+    ServerWatchTimes before = serverWatchTimes();
+    QuickWatch() {
+        ServerWatchTimes quick = before;
+        quick.answerWaitMillis = 300;
+        quick.connectSeconds = 2;
+        setServerWatchTimes(quick);
+    }
+    ~QuickWatch() { setServerWatchTimes(before); }
+};
 
 int unreachableBoxes(const ScriptedMessages& said) {
     int n = 0;
@@ -226,6 +278,97 @@ private Q_SLOTS:
         QVERIFY(cluster.resume());
         QVERIFY(saveTrader(QStringLiteral("000003")));
         QCOMPARE(traderCodes(), QStringLiteral("000001,000003"));
+    }
+
+    void theStatementListWhileTheServerIsAwaySaysSoAndIsReadAgainOnceItIsBack() {
+        test::TestHome home;
+        OwnCluster cluster;
+        QVERIFY(seatOn(cluster));
+        QVERIFY(saveStatementHead(QStringLiteral("000001")));
+        ScriptedMessages& said = test::script();
+        QCOMPARE(statementListRows(), 1);
+        // A restart while the seat stands idle: the list is read again without a box.
+        QVERIFY(cluster.pause());
+        QVERIFY(cluster.resume());
+        QCOMPARE(statementListRows(), 1);
+        QCOMPARE(int(said.boxes().size()), 0);
+        QVERIFY(cluster.pause());
+        QCOMPARE(statementListRows(), -1);
+        QCOMPARE(unreachableBoxes(said), 1);
+        QCOMPARE(statementListRows(), -1);
+        QCOMPARE(unreachableBoxes(said), 2);
+        QCOMPARE(int(said.boxes().size()), 2);
+        QVERIFY(cluster.resume());
+        QVERIFY(saveStatementHead(QStringLiteral("000002")));
+        QCOMPARE(statementListRows(), 2);
+        QCOMPARE(int(said.boxes().size()), 2);
+    }
+
+    void theConnectionAsksForKeepalivesAndTheSeatsOwnOptionsWin() {
+        test::TestHome home;
+        OwnCluster cluster;
+        const QString connInfo = cluster.freshDatabase();
+        QVERIFY(!connInfo.isEmpty());
+        // The seat's own connection string names its own idle time; the rest are the watch's.
+        qputenv("NUBELLA_PG", (connInfo + QStringLiteral(" keepalives_idle=42")).toUtf8());
+        QVERIFY(test::openStores());
+        PGconn* conn = serverEngineHandle(stores().dbBasic.connection());
+        QVERIFY(conn);
+        QHash<QString, QString> options;
+        PQconninfoOption* all = PQconninfo(conn);
+        for (PQconninfoOption* o = all; o && o->keyword; ++o)
+            if (o->val) options.insert(QString::fromLatin1(o->keyword), QString::fromUtf8(o->val));
+        PQconninfoFree(all);
+        const ServerWatchTimes times = serverWatchTimes();
+        QCOMPARE(options.value(QStringLiteral("keepalives")), QStringLiteral("1"));
+        QCOMPARE(options.value(QStringLiteral("keepalives_idle")), QStringLiteral("42"));
+        QCOMPARE(options.value(QStringLiteral("keepalives_interval")),
+                 QString::number(times.keepaliveIntervalSeconds));
+        QCOMPARE(options.value(QStringLiteral("keepalives_count")), QString::number(times.keepaliveCount));
+        QCOMPARE(options.value(QStringLiteral("tcp_user_timeout")),
+                 QString::number(times.unacknowledgedMillis));
+        QCOMPARE(options.value(QStringLiteral("connect_timeout")), QString::number(times.connectSeconds));
+        // The server was asked to watch its side too (on a socket file it has no TCP to watch,
+        // but the settings are the session's own).
+        for (const char* name :
+             {"tcp_keepalives_idle", "tcp_keepalives_interval", "tcp_keepalives_count", "tcp_user_timeout"})
+            QCOMPARE(test::scalar(stores().dbBasic,
+                                  QStringLiteral("SELECT source FROM pg_settings WHERE name = ?"),
+                                  {QString::fromLatin1(name)})
+                         .toString(),
+                     QStringLiteral("session"));
+    }
+
+    void aSeatWhoseServerStopsAnsweringIsToldSoAndNeverHangs() {
+        test::TestHome home;
+        OwnCluster cluster;
+        const QuickWatch quick;
+        QVERIFY(seatOn(cluster));
+        QVERIFY(saveTrader(QStringLiteral("000001")));
+        QVERIFY(saveStatementHead(QStringLiteral("000001")));
+        ScriptedMessages& said = test::script();
+        // The server's processes stand still (a hung server on a machine that still answers the
+        // network) for longer than the seat would wait without the watch.
+        QVERIFY(cluster.freeze(12));
+        QElapsedTimer waited;
+        waited.start();
+        QVERIFY(!saveTrader(QStringLiteral("000002")));
+        QVERIFY2(waited.elapsed() < 9000, qPrintable(QString::number(waited.elapsed())));
+        QCOMPARE(unreachableBoxes(said), 1);
+        QVERIFY(!stores().dbBasic.inTransaction());
+        // A list read meanwhile on another store says so too, without hanging.
+        waited.restart();
+        QCOMPARE(statementListRows(), -1);
+        QVERIFY2(waited.elapsed() < 9000, qPrintable(QString::number(waited.elapsed())));
+        QCOMPARE(unreachableBoxes(said), 2);
+        QVERIFY(cluster.frozen());
+        QCOMPARE(int(said.boxes().size()), 2);
+        // Once the server goes on, the seat saves and reads again.
+        QVERIFY(QTest::qWaitFor([&] { return !cluster.frozen(); }, 20000));
+        QVERIFY(saveTrader(QStringLiteral("000003")));
+        QCOMPARE(traderCodes(), QStringLiteral("000001,000003"));
+        QCOMPARE(statementListRows(), 1);
+        QCOMPARE(int(said.boxes().size()), 2);
     }
 
     void aListListeningBeforeARestartIsToldOfAnotherSeatsSavesAfterTheReconnect() {
