@@ -3,10 +3,10 @@
 // lines) moved onto a throwaway cluster of the run's own by the program's move, timed beside the
 // same rows through the bare tools (sqlite3 writing each table as CSV into psql's \copy, into
 // tables made like the moved ones, indexes and all). Then the seat works on the server, and the
-// statement list, the quotation list and the invoice totals of a quarter and a year are timed
-// as the operator waits for them (the search to the list's first page painted and the window
-// free again, median of 9), beside the same statements through psql on the same database in
-// the same run (psql's own timer, median of 5).
+// statement list, the quotation list, a new quotation's next number and the invoice totals of a
+// quarter and a year are timed as the operator waits for them (the search to the list's first
+// page painted and the window free again, median of 9), beside the same statements through psql
+// on the same database in the same run (psql's own timer, median of 5).
 //
 //   bench_books_on_server                 the whole run on a cluster of its own
 //   bench_books_on_server --move          the move and its bare road only
@@ -23,6 +23,7 @@
 #include "management/FrmTaxManage.h"
 #include "management/TaxTotals.h"
 #include "quotation/FrmEstiList.h"
+#include "quotation/clsEstimate.h"
 #include "shell/MoveToServer.h"
 #include "statement/FrmDealList.h"
 #include "storage/CrossFileQueries.h"
@@ -170,6 +171,19 @@ void timeQuotationLists(const QString& conn) {
     }
 }
 
+// A new quotation's next number as its save reads it (a month of 833 quotations), beside the
+// highest code of the month alone through psql.
+void timeNextCode(const QString& conn) {
+    clsEstimate e(stores().dbEstimate);
+    e.sEDate = QStringLiteral("2020-05-15");
+    QString code;
+    const double ms = bench::medianMs([&] { e.NextCode(code); }, 51);
+    report(qPrintable(QStringLiteral("NextCode -> ") + code), 1, ms,
+           bench::psqlGroupMs(conn, QStringLiteral("estimate"),
+                              {QStringLiteral("SELECT esticode FROM estibase WHERE esticode >= '202005' AND "
+                                              "esticode < '202006' ORDER BY esticode DESC LIMIT 1")}));
+}
+
 // The refill as the screen runs it, in one transaction under the store's writer lock, and the
 // rows read back.
 QStringList refillStatements(const QString& from, const QString& to) {
@@ -219,6 +233,7 @@ int listsOn(const QString& conn) {
     std::printf("load average before the lists: %.2f\n", bench::loadAverage());
     timeStatementLists(conn);
     timeQuotationLists(conn);
+    timeNextCode(conn);
     timeTotals(conn);
     std::printf("load average at the end: %.2f\n", bench::loadAverage());
     closeStores();
@@ -296,6 +311,7 @@ int main(int argc, char** argv) {
     std::printf("load average before the lists: %.2f\n", bench::loadAverage());
     timeStatementLists(conn);
     timeQuotationLists(conn);
+    timeNextCode(conn);
     timeTotals(conn);
     std::printf("load average at the end: %.2f\n", bench::loadAverage());
     closeStores();
