@@ -1,5 +1,6 @@
 #include "storage/backup/ServerCopy.h"
 
+#include "storage/DatabaseServerWatch.h"
 #include "storage/StoreEngine.h"
 #include "storage/backup/ServerCopyIn.h"
 #include "storage/backup/ServerCopyOut.h"
@@ -210,7 +211,8 @@ QSqlDatabase OwnConnection::db() const {
 
 bool openServerConnection(const OwnConnection& server, const QString& connInfo, QString* why) {
     QSqlDatabase db = server.db();
-    db.setConnectOptions(connInfo);
+    // Keepalives as the stores' connections ask them: a copy never waits on a dead network.
+    db.setConnectOptions(serverConnectionOptions() + u' ' + connInfo);
     db.setNumericalPrecisionPolicy(QSql::LowPrecisionDouble);
     if (!db.open()) {
         *why = QStringLiteral("데이터 서버에 연결하지 못했습니다: ") + engineWords(db.lastError());
