@@ -106,16 +106,26 @@ bool countLine(Database& dbBill, const QString& billNo) {
     return false;
 }
 
-StatementLine lineFromRow(const Recordset& rs) {
+// Where each field of a line stands in the rows read, found once by name for all the rows.
+struct LineColumns {
+    explicit LineColumns(const Recordset& rs)
+        : billNo(rs.fieldIndex(QStringLiteral("BillNo"))), billSeq(rs.fieldIndex(QStringLiteral("BillSEQ"))),
+          pName(rs.fieldIndex(QStringLiteral("PName"))), unit(rs.fieldIndex(QStringLiteral("Unit"))),
+          quant(rs.fieldIndex(QStringLiteral("Quant"))), price(rs.fieldIndex(QStringLiteral("Price"))),
+          amount(rs.fieldIndex(QStringLiteral("Amount"))), vat(rs.fieldIndex(QStringLiteral("VAT"))) {}
+    int billNo, billSeq, pName, unit, quant, price, amount, vat;
+};
+
+StatementLine lineFromRow(const Recordset& rs, const LineColumns& at) {
     StatementLine line;
-    line.billNo = rs.text(QStringLiteral("BillNo"));
-    line.billSeq = int(rs.number(QStringLiteral("BillSEQ")));
-    line.pName = rs.text(QStringLiteral("PName"));
-    line.unit = rs.text(QStringLiteral("Unit"));
-    line.quant = rs.number(QStringLiteral("Quant"));
-    line.price = rs.number(QStringLiteral("Price"));
-    line.amount = rs.number(QStringLiteral("Amount"));
-    line.vat = rs.number(QStringLiteral("VAT"));
+    line.billNo = rs.text(at.billNo);
+    line.billSeq = int(rs.number(at.billSeq));
+    line.pName = rs.text(at.pName);
+    line.unit = rs.text(at.unit);
+    line.quant = rs.number(at.quant);
+    line.price = rs.number(at.price);
+    line.amount = rs.number(at.amount);
+    line.vat = rs.number(at.vat);
     return line;
 }
 
@@ -462,8 +472,9 @@ std::optional<QList<StatementLine>> ReadStatementLines(Database& dbBill, const Q
         return std::nullopt;
     QList<StatementLine> lines;
     lines.reserve(rs.RecordCount());
+    const LineColumns columns(rs);
     for (; !rs.EOF_(); rs.MoveNext())
-        lines.append(lineFromRow(rs));
+        lines.append(lineFromRow(rs, columns));
     CloseRs(rs);
     return lines;
 }

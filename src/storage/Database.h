@@ -287,6 +287,9 @@ public:
     // Null read as the empty text / 0 (NullToText).
     QString text(const QString& name) const;
     double number(const QString& name) const;
+    // The same by position (fieldIndex found once for many rows): no name is compared per value.
+    QString text(int index) const;
+    double number(int index) const;
     // A stored boolean (-1 / 0); null reads as false.
     bool flag(const QString& name) const { return number(name) != 0.0; }
     // The row index of the first row whose field equals value (text comparison), or -1.

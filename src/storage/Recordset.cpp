@@ -71,13 +71,21 @@ bool Recordset::isNull(const QString& name) const {
 }
 
 QString Recordset::text(const QString& name) const {
-    const QVariant v = field(name);
+    return text(fieldIndex(name));
+}
+
+QString Recordset::text(int index) const {
+    const QVariant v = field(index);
     // The empty text, not a null one: written back, it stays the empty text.
     return v.isNull() ? QStringLiteral("") : v.toString();
 }
 
 double Recordset::number(const QString& name) const {
-    const QVariant v = field(name);
+    return number(fieldIndex(name));
+}
+
+double Recordset::number(int index) const {
+    const QVariant v = field(index);
     return v.isNull() ? 0.0 : v.toDouble();
 }
 

@@ -444,6 +444,72 @@ private Q_SLOTS:
         QCOMPARE(storeText(), before);
         QVERIFY(headsAgreeWithLines());
     }
+
+    // The lines are read by the place of each field, found once by name: every field comes out
+    // as reading it by name gives it, a null text as the empty one and a null number as 0.
+    void linesReadByPositionEqualThoseReadByNameForEveryField() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        QVERIFY(bill().Execute(QStringLiteral(
+            "INSERT INTO Detail (BillNo, BillSEQ, PName, Unit, Quant, Price, DC, Amount, VAT) VALUES "
+            "('000777', 1, '볼트', 'EA', 3.5, 1200, 9, 4200, 420), "
+            "('000777', 2, NULL, NULL, NULL, NULL, NULL, NULL, NULL), "
+            "('000777', 3, '너트', '상자', -2, 0.25, 0, -0.5, -0.05)")));
+        const QList<StatementLine> lines = ReadStatementLines(bill(), QStringLiteral("000777")).value();
+        Recordset rs;
+        QVERIFY(OpenSnapshot(
+            bill(), rs, QStringLiteral("SELECT * FROM Detail WHERE BillNo = '000777' ORDER BY BillSEQ")));
+        QCOMPARE(lines.size(), rs.RecordCount());
+        for (const StatementLine& line : lines) {
+            QCOMPARE(line.billNo, rs.text(QStringLiteral("BillNo")));
+            QCOMPARE(line.billSeq, int(rs.number(QStringLiteral("BillSEQ"))));
+            QCOMPARE(line.pName, rs.text(QStringLiteral("PName")));
+            QCOMPARE(line.unit, rs.text(QStringLiteral("Unit")));
+            QCOMPARE(line.quant, rs.number(QStringLiteral("Quant")));
+            QCOMPARE(line.price, rs.number(QStringLiteral("Price")));
+            QCOMPARE(line.amount, rs.number(QStringLiteral("Amount")));
+            QCOMPARE(line.vat, rs.number(QStringLiteral("VAT")));
+            rs.MoveNext();
+        }
+        const StatementLine& first = lines.first();
+        QCOMPARE(first.pName, QStringLiteral("볼트"));
+        QCOMPARE(first.unit, QStringLiteral("EA"));
+        QCOMPARE(first.quant, 3.5);
+        QCOMPARE(first.price, 1200.0);
+        QCOMPARE(first.amount, 4200.0);
+        QCOMPARE(first.vat, 420.0);
+        QVERIFY(lines.at(1).pName.isEmpty() && !lines.at(1).pName.isNull());
+        QCOMPARE(lines.at(1).quant, 0.0);
+        QCOMPARE(lines.at(2).billSeq, 3);
+        QCOMPARE(lines.at(2).vat, -0.05);
+    }
+
+    // A store whose Detail holds its columns in another order (a file laid down by another
+    // build) gives each field from its own column.
+    void linesReadFromColumnsInAnotherOrder() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        if (bill().onServer()) QSKIP("the server's tables are laid down by the program alone");
+        QSqlQuery q(bill().connection());
+        QVERIFY(q.exec(QStringLiteral("DROP TABLE Detail")));
+        QVERIFY(q.exec(QStringLiteral(
+            "CREATE TABLE Detail (VAT REAL, Amount REAL, DC REAL, Price REAL, Quant REAL, Unit TEXT(10), "
+            "PName TEXT(50), BillSEQ INTEGER, BillNo TEXT(6))")));
+        QVERIFY(q.exec(
+            QStringLiteral("INSERT INTO Detail (BillNo, BillSEQ, PName, Unit, Quant, Price, DC, Amount, "
+                           "VAT) VALUES ('000778', 4, '와셔', 'KG', 7, 300, 1, 2100, 210)")));
+        const QList<StatementLine> lines = ReadStatementLines(bill(), QStringLiteral("000778")).value();
+        QCOMPARE(lines.size(), 1);
+        const StatementLine& line = lines.first();
+        QCOMPARE(line.billNo, QStringLiteral("000778"));
+        QCOMPARE(line.billSeq, 4);
+        QCOMPARE(line.pName, QStringLiteral("와셔"));
+        QCOMPARE(line.unit, QStringLiteral("KG"));
+        QCOMPARE(line.quant, 7.0);
+        QCOMPARE(line.price, 300.0);
+        QCOMPARE(line.amount, 2100.0);
+        QCOMPARE(line.vat, 210.0);
+    }
 };
 
 NB_TEST_MAIN(TestStatementStore)
