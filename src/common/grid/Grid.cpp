@@ -102,13 +102,15 @@ void Grid::setMaxCols(int cols) {
 
 // No rows or columns leave no active cell; a new first row makes cell (1, 1) active.
 void Grid::clampActiveCell() {
+    const int oldCol = m_activeCol, oldRow = m_activeRow;
     if (MaxRows() == 0 || MaxCols() == 0) {
         m_activeCol = m_activeRow = 0;
     } else {
         m_activeCol = std::clamp(m_activeCol == 0 ? 1 : m_activeCol, 1, MaxCols());
         m_activeRow = std::clamp(m_activeRow == 0 ? 1 : m_activeRow, 1, MaxRows());
     }
-    viewport()->update();
+    // The rows and columns added or taken away repaint themselves; the cursor, where it moved.
+    if (oldCol != m_activeCol || oldRow != m_activeRow) viewport()->update();
 }
 
 // ---- cells --------------------------------------------------------------------------------
@@ -232,11 +234,18 @@ void Grid::onNewList() {
 }
 
 void Grid::fillQuietly(const std::function<void()>& fill) {
+    const int rows = m_model->maxRows(), cols = m_model->maxCols();
+    m_model->startTouching();
     {
         const QSignalBlocker quiet(m_model);
         fill();
     }
-    m_model->refreshAll();
+    // The cells fill wrote are told once; nothing written (a statement without lines) repaints
+    // nothing. A grid that changed its size meanwhile is told whole.
+    if (rows != m_model->maxRows() || cols != m_model->maxCols())
+        m_model->refreshAll();
+    else
+        m_model->refreshTouched();
 }
 
 void Grid::Refresh() {
@@ -379,10 +388,11 @@ QRect Grid::cellRect(int col, int row) const {
 // ---- behaviour and look -------------------------------------------------------------------
 
 void Grid::setOperationMode(OperationMode mode) {
+    const bool changed = mode != m_operationMode;
     m_operationMode = mode;
     if (mode != OperationMode::Normal && m_editing) finishEdit();
     if (mode == OperationMode::Normal && m_editModePermanent && gridHasFocus()) beginEdit();
-    viewport()->update();
+    if (changed) viewport()->update(); // the same mode again looks the same
 }
 
 void Grid::setEditModePermanent(bool on) {

@@ -16,10 +16,10 @@
 // once, the rest a page at a time between events, when the view scrolls to them, or when a cell
 // of an unread row is asked for. Given the count, MaxRows is right at once; without it MaxRows
 // grows as rows arrive; DataRowCnt() reads the rest first, so print and export, which loop to
-// it, see every row (anything else that needs every row calls finishReading()). The list is read-only to the operator; the program may still
-// write cells (kept as values), add rows after the query's and delete rows (these read every
-// row first). A sum formula over a whole column the screen gave a sum for is that sum, kept as
-// cells are written and rows deleted, so it never walks the rows.
+// it, see every row (anything else that needs every row calls finishReading()). The list is read-only to the
+// operator; the program may still write cells (kept as values), add rows after the query's and delete rows
+// (these read every row first). A sum formula over a whole column the screen gave a sum for is that sum, kept
+// as cells are written and rows deleted, so it never walks the rows.
 
 #include "common/grid/GridModel.h"
 #include "common/grid/GridTypes.h"
@@ -85,7 +85,7 @@ public:
     void DeleteRows(int row, int count);
     void InsertRows(int row, int count);
     // Runs fill (a list written row by row) with the cell-by-cell announcements held back, then
-    // tells the view once that the grid's cells changed. textChanged is not sent for what fill
+    // tells the view once which of the grid's cells changed. textChanged is not sent for what fill
     // wrote, and formulas are worked out once at the end.
     void fillQuietly(const std::function<void()>& fill);
     // The block the operator selected; an empty rectangle when none.

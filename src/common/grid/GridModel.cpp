@@ -145,6 +145,7 @@ bool GridModel::setText(int col, int row, const QString& text) {
 }
 
 void GridModel::changed(int col, int row) {
+    m_touched |= QRect(col, row, 1, 1);
     const QModelIndex i = index(row - 1, col - 1);
     Q_EMIT dataChanged(i, i);
     Q_EMIT cellTextChanged(col, row);
@@ -152,6 +153,7 @@ void GridModel::changed(int col, int row) {
 
 void GridModel::changedBlock(const QRect& block) {
     if (block.isEmpty()) return;
+    m_touched |= block;
     Q_EMIT dataChanged(index(block.top() - 1, block.left() - 1),
                        index(block.bottom() - 1, block.right() - 1));
 }
@@ -385,19 +387,29 @@ void GridModel::refreshAll() {
     if (maxRows() > 0 && maxCols() > 0) changedBlock(QRect(1, 1, maxCols(), maxRows()));
 }
 
+void GridModel::refreshTouched() {
+    recalcFormulas();
+    const QRect block = m_touched.intersected(QRect(1, 1, maxCols(), maxRows()));
+    if (!block.isEmpty()) changedBlock(block);
+}
+
 void GridModel::clearBlock(int col, int row, int col2, int row2) {
     const QRect block = resolveBlock(col, row, col2, row2);
     if (m_list) return listClearBlock(block);
+    // Only the cells that held a text or a formula are told to the view: clearing an empty grid
+    // repaints nothing.
+    QRect emptied;
     for (int r = block.top(); r <= block.bottom(); ++r) {
         for (int c = block.left(); c <= block.right(); ++c) {
             Cell* target = cell(c, r);
             const bool had = !target->text.isEmpty();
+            if (had || !target->formula.isEmpty()) emptied |= QRect(c, r, 1, 1);
             target->text.clear();
             target->formula.clear();
             if (had) Q_EMIT cellTextChanged(c, r);
         }
     }
-    changedBlock(block);
+    changedBlock(emptied);
     recalcFormulas();
 }
 

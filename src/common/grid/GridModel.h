@@ -73,6 +73,10 @@ public:
     void clearBlock(int col, int row, int col2, int row2);
     // Formulas worked out and every cell announced to the view as changed (after a quiet fill).
     void refreshAll();
+    // Cells announced since startTouching (written, cleared, recoloured), as one block; the
+    // formulas worked out again and that block told to the view by refreshTouched.
+    void startTouching() { m_touched = QRect(); }
+    void refreshTouched();
     void moveBlock(int col, int row, int col2, int row2, int destCol, int destRow);
     // Removes rows and adds as many blank ones at the bottom: the row count stays.
     void deleteRows(int row, int count);
@@ -177,6 +181,7 @@ private:
     bool m_lockAll = false;
     int m_oddBack = kWhiteColor, m_oddFore = 0, m_evenBack = kWhiteColor, m_evenFore = 0;
     bool m_recalculating = false;
+    QRect m_touched; // the cells changed since startTouching
     std::vector<QPoint> m_formulaCells;
     std::unique_ptr<GridList> m_list;
     int m_viewRows = 0; // the rows the view has been told of, in list mode

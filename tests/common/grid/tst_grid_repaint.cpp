@@ -1,0 +1,124 @@
+// What a change of the grid repaints: the cells it changed, and nothing when nothing changed
+// (an empty grid cleared, the same mode or size again, a fill that writes nothing), while what
+// the window shows stays what the grid painted whole would show.
+#include "TestSupport.h"
+#include "common/grid/MduSpread.h"
+
+#include <QApplication>
+#include <QPaintEvent>
+#include <QScreen>
+#include <QTest>
+
+using namespace nb;
+
+namespace {
+
+// An editable grid of a few columns in a shown window, with the paints its cells' area gets.
+struct RepaintWindow : QObject {
+    QWidget window;
+    Grid* grid = new Grid(&window);
+    QRegion painted;
+    int paints = 0;
+
+    RepaintWindow() {
+        grid->setGeometry(0, 0, 430, 260);
+        grid->setMaxCols(5);
+        grid->setMaxRows(15);
+        window.resize(430, 260);
+        window.show();
+        settle();
+        grid->viewport()->installEventFilter(this);
+    }
+    bool eventFilter(QObject*, QEvent* e) override {
+        if (e->type() == QEvent::Paint) {
+            painted += static_cast<QPaintEvent*>(e)->region();
+            ++paints;
+        }
+        return false;
+    }
+    static void settle() {
+        for (int i = 0; i < 5; ++i)
+            QApplication::processEvents();
+    }
+    // Paints what is pending and answers how many paints the cells' area got meanwhile.
+    int paintsAfter(const std::function<void()>& change) {
+        settle();
+        painted = QRegion();
+        paints = 0;
+        change();
+        settle();
+        return paints;
+    }
+    // What the window shows now (its backing store), and the grid painted whole.
+    QImage shown() {
+        settle();
+        return window.screen()->grabWindow(window.winId()).toImage().convertToFormat(QImage::Format_RGB32);
+    }
+    QImage paintedWhole() { return window.grab().toImage().convertToFormat(QImage::Format_RGB32); }
+    QRect cell(int col, int row) const { return grid->visualRect(grid->cells().index(row - 1, col - 1)); }
+};
+
+} // namespace
+
+class TestGridRepaint : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void clearingAnEmptyGridRepaintsNothing() {
+        RepaintWindow w;
+        QCOMPARE(w.paintsAfter([&] { ClearGrid(*w.grid); }), 0);
+    }
+
+    void clearingRepaintsTheCellsThatHeldATextAndShowsThemEmpty() {
+        RepaintWindow w;
+        const QImage empty = w.shown();
+        w.grid->SetText(2, 3, QStringLiteral("볼트"));
+        w.grid->SetText(3, 4, QStringLiteral("12,000"));
+        QVERIFY(w.shown() != empty);
+        QVERIFY(w.paintsAfter([&] { ClearGrid(*w.grid); }) > 0);
+        QVERIFY(w.painted.contains(w.cell(2, 3)) && w.painted.contains(w.cell(3, 4)));
+        QVERIFY(!w.painted.intersects(w.cell(1, 10)));
+        QCOMPARE(w.shown(), empty);
+        QCOMPARE(w.shown(), w.paintedWhole());
+    }
+
+    void theSameModeOrSizeAgainRepaintsNothing() {
+        RepaintWindow w;
+        w.grid->setOperationMode(OperationMode::Normal);
+        QCOMPARE(w.paintsAfter([&] { w.grid->setOperationMode(OperationMode::Normal); }), 0);
+        QCOMPARE(w.paintsAfter([&] { w.grid->setMaxRows(15); }), 0);
+        QVERIFY(w.paintsAfter([&] { w.grid->setOperationMode(OperationMode::Row); }) > 0);
+        QCOMPARE(w.shown(), w.paintedWhole());
+    }
+
+    void aFillThatWritesNothingRepaintsNothing() {
+        RepaintWindow w;
+        QCOMPARE(w.paintsAfter([&] { w.grid->fillQuietly([] {}); }), 0);
+    }
+
+    void aFillRepaintsTheCellsItWroteAndShowsThem() {
+        RepaintWindow w;
+        QVERIFY(w.paintsAfter([&] {
+            w.grid->fillQuietly([&] {
+                w.grid->SetText(1, 2, QStringLiteral("가나상사"));
+                w.grid->SetText(4, 6, QStringLiteral("3"));
+            });
+        }) > 0);
+        QVERIFY(w.painted.contains(w.cell(1, 2)) && w.painted.contains(w.cell(4, 6)));
+        QVERIFY(!w.painted.intersects(w.cell(1, 12)));
+        QCOMPARE(w.shown(), w.paintedWhole());
+    }
+
+    // A fill that changes the grid's size meanwhile is told whole.
+    void aFillThatAddsRowsShowsThemAll() {
+        RepaintWindow w;
+        w.grid->fillQuietly([&] {
+            w.grid->setMaxRows(20);
+            w.grid->SetText(2, 18, QStringLiteral("끝"));
+        });
+        QCOMPARE(w.grid->Text(2, 18), QStringLiteral("끝"));
+        QCOMPARE(w.shown(), w.paintedWhole());
+    }
+};
+
+NB_TEST_MAIN(TestGridRepaint)
+#include "tst_grid_repaint.moc"
