@@ -228,7 +228,7 @@ void FrmTax::ShowPeriodTotal() {
     if (gubun2[1]->isChecked()) kind = PeriodKind::Half;
     if (gubun2[2]->isChecked()) kind = PeriodKind::Year;
     const DateRange range = periodRange(kind, CmbTerm->currentText(), today().year());
-    if (const auto sums = ReadTaxSums(stores().dbTax, range.from, range.to))
+    if (const auto sums = m_issuedReads.periodSums(stores().dbTax, range.from, range.to))
         setAllCustomerSums(sums->supply, sums->tax);
 }
 
@@ -403,11 +403,12 @@ void FrmTax::LoadIssuedList(const QString& code) {
     grdList->setMaxRows(shownRows);
     pnlSum[0]->clear();
     pnlSum[1]->clear();
-    const std::optional<IssuedSums> sums = ReadIssuedSums(stores().dbTax, code);
+    m_issuedReads.endInvoices(); // the list before, still reading, would hold the store's state of then
+    const std::optional<IssuedSums> sums = m_issuedReads.customerSums(stores().dbTax, code);
     if (!sums || sums->invoices == 0) return;
-    auto rows = std::make_unique<QSqlQuery>(stores().dbTax.connection());
-    if (!OpenForwardOnly(stores().dbTax, *rows, kIssuedListQuery, {code})) return;
-    grdList->showList(std::make_unique<QueryRows>(std::move(rows)), sums->invoices);
+    std::unique_ptr<GridRowSource> rows = m_issuedReads.invoices(stores().dbTax, code);
+    if (!rows) return;
+    grdList->showList(std::move(rows), sums->invoices);
     grdList->setMaxRows(sums->invoices > shownRows ? sums->invoices + 1 : shownRows);
     m_listRow = sums->invoices + 1;
     pnlSum[0]->setText(sumPanelText(sums->supply, QStringLiteral("#,###,##0")));

@@ -8,6 +8,7 @@
 
 #include "invoice/InvoiceAmounts.h"
 #include "invoice/InvoiceForm.h"
+#include "invoice/IssuedListReads.h"
 
 #include <QWidget>
 #include <array>
@@ -159,6 +160,7 @@ private:
     void markFocus(QWidget* box, bool focused);
 
     InvoiceSheet m_sheet;
+    IssuedListReads m_issuedReads; // kept prepared while the screen lives
     std::array<std::array<QLineEdit*, kInvoiceLines>, kLineFieldCount> m_lines{};
     int m_focusLine = 0;
     int m_listRow = 1;

@@ -264,11 +264,11 @@ std::optional<TaxSums> ReadAllTaxSums(Database& dbTax) {
                     QStringLiteral("Select Sum(TradeKum) AS supply, Sum(VatKum) AS tax from NewAcount"), {});
 }
 
+const QString kPeriodSumsQuery = QStringLiteral(
+    "Select Sum(TradeKum) AS supply, Sum(VatKum) AS tax from NewAcount Where DealDate Between ? and ?");
+
 std::optional<TaxSums> ReadTaxSums(Database& dbTax, const QString& from, const QString& to) {
-    return readSums(dbTax,
-                    QStringLiteral("Select Sum(TradeKum) AS supply, Sum(VatKum) AS tax from NewAcount "
-                                   "Where DealDate Between ? and ?"),
-                    {from, to});
+    return readSums(dbTax, kPeriodSumsQuery, {from, to});
 }
 
 QString sumPanelText(double value, const QString& mask) {

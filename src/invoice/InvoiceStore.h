@@ -108,8 +108,9 @@ struct IssuedSums {
     double tax = 0;
 };
 std::optional<IssuedSums> ReadIssuedSums(Database& dbTax, const QString& cCode);
-// The same for DealDate between two dates.
+// The same for DealDate between two dates (kPeriodSumsQuery, bound values: from, to).
 std::optional<TaxSums> ReadTaxSums(Database& dbTax, const QString& from, const QString& to);
+extern const QString kPeriodSumsQuery;
 // A sum panel's text: the value through the mask with one blank behind.
 QString sumPanelText(double value, const QString& mask);
 

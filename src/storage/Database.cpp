@@ -1,6 +1,7 @@
 #include "storage/Database.h"
 
 #include "common/Messages.h"
+#include "common/grid/SqliteRows.h"
 #include "storage/DatabaseServerWatch.h"
 #include "storage/StoreEngine.h"
 
@@ -286,6 +287,8 @@ void Database::close() {
     forgetPrepared();
     {
         QSqlDatabase db = QSqlDatabase::database(m_connection, false);
+        // Statements a screen keeps prepared go first, or the file would stay open.
+        SqliteStatement::letGoOf(db);
         if (db.isOpen()) db.close();
     }
     QSqlDatabase::removeDatabase(m_connection);

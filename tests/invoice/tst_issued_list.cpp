@@ -4,9 +4,13 @@
 #include "TaxScreenKit.h"
 #include "common/grid/Grid.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QScrollBar>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 
 using namespace nb;
 
@@ -17,18 +21,17 @@ constexpr int kInvoices = 300;
 // Invoices 200000..200299 of 다라상회, each of two lines: "품목<n>" of 1,000 × (n + 1) and "덤" of
 // 100, VAT a tenth, dated across 2023.
 void addManyInvoices() {
-    QVERIFY(
-        test::exec(stores().dbTax,
-                   QStringLiteral("INSERT INTO NewAcount (TaxCode, CCode, PName, PNorm, Quantity, UnitCost, "
-                                  "TradeKum, VatKum, DealDate, TradeDate, UserCode) WITH RECURSIVE n(i) AS "
-                                  "(SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < %1) SELECT "
-                                  "CAST(200000 + i / 2 AS TEXT), '000002', CASE WHEN i % 2 = 0 THEN '품목' "
-                                  "|| (i / 2) ELSE '덤' END, 'EA', 1, 0, CASE WHEN i % 2 = 0 THEN 1000 * "
-                                  "(i / 2 + 1) ELSE 100 END, CASE WHEN i % 2 = 0 THEN 100 * (i / 2 + 1) "
-                                  "ELSE 10 END, %2, '01-01', '' FROM n")
-                       .arg(2 * kInvoices - 1)
-                       .arg(test::dayAfterSql(stores().dbTax, QStringLiteral("2023-01-01"),
-                                              QStringLiteral("i / 2")))));
+    QVERIFY(test::exec(
+        stores().dbTax,
+        QStringLiteral("INSERT INTO NewAcount (TaxCode, CCode, PName, PNorm, Quantity, UnitCost, "
+                       "TradeKum, VatKum, DealDate, TradeDate, UserCode) WITH RECURSIVE n(i) AS "
+                       "(SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < %1) SELECT "
+                       "CAST(200000 + i / 2 AS TEXT), '000002', CASE WHEN i % 2 = 0 THEN '품목' "
+                       "|| (i / 2) ELSE '덤' END, 'EA', 1, 0, CASE WHEN i % 2 = 0 THEN 1000 * "
+                       "(i / 2 + 1) ELSE 100 END, CASE WHEN i % 2 = 0 THEN 100 * (i / 2 + 1) "
+                       "ELSE 10 END, %2, '01-01', '' FROM n")
+            .arg(2 * kInvoices - 1)
+            .arg(test::dayAfterSql(stores().dbTax, QStringLiteral("2023-01-01"), QStringLiteral("i / 2")))));
 }
 
 struct Screen {
@@ -58,6 +61,16 @@ void scrollToTheEnd(Grid& grid) {
     QApplication::processEvents(); // the list painted: its scroll bar knows every row
     grid.verticalScrollBar()->setValue(grid.verticalScrollBar()->maximum());
     QApplication::processEvents();
+}
+
+// How many of this process's open files are the file at path.
+int openHandlesOf(const QString& path) {
+    const QString target = QFileInfo(path).canonicalFilePath();
+    int count = 0;
+    const QDir fds(QStringLiteral("/proc/self/fd"));
+    for (const QString& fd : fds.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot))
+        if (QFileInfo(fds.filePath(fd)).symLinkTarget() == target) ++count;
+    return count;
 }
 
 } // namespace
@@ -149,6 +162,60 @@ private Q_SLOTS:
         QCOMPARE(f.grdList->DataRowCnt(), kInvoices - 1);
         QCOMPARE(f.ListRow(), kInvoices);
         QCOMPARE(f.grdList->Text(5, kInvoices - 1), QString::number(200000 + kInvoices - 2));
+    }
+
+    // The screen keeps its reads prepared: an invoice another running copy saves meanwhile (its
+    // own connection on the file) is in the list, the count and the sums of the next choice.
+    void anInvoiceSavedElsewhereShowsWhenTheCustomerIsChosenAgain() {
+        Screen s;
+        test::script();
+        FrmTax& f = s.open();
+        if (stores().dbTax.onServer()) QSKIP("the other seats on the server are tried by the seat tests");
+        QApplication::processEvents();
+        {
+            QSqlDatabase other =
+                QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other copy"));
+            other.setDatabaseName(stores().dbTax.path());
+            QVERIFY(other.open());
+            QSqlQuery q(other);
+            QVERIFY(q.exec(QStringLiteral(
+                "INSERT INTO NewAcount (TaxCode, CCode, PName, TradeKum, VatKum, DealDate, TradeDate, "
+                "UserCode) "
+                "VALUES ('299998', '000002', '다른자리', 900, 90, '2024-05-11', '05-11', '')")));
+            q.finish();
+            other.close();
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("other copy"));
+        test::chooseReceiver(f, QStringLiteral("다라"));
+        QCOMPARE(f.grdList->DataRowCnt(), kInvoices + 1);
+        QCOMPARE(f.grdList->Text(2, kInvoices + 1), QStringLiteral("다른자리"));
+        QCOMPARE(f.pnlSum[0]->text(), QStringLiteral("45,180,900 "));
+    }
+
+    // Closed under an open screen (a restore, an import), the tax store lets go of its file although
+    // the screen keeps its reads prepared; opened again, the screen reads the book reopened.
+    void theStoreClosedUnderTheScreenLetsGoOfItsFile() {
+        Screen s;
+        test::script();
+        FrmTax& f = s.open();
+        if (stores().dbTax.onServer()) QSKIP("the server's books are no files of the seat");
+        const QString taxFile = stores().dbTax.path();
+        QVERIFY(openHandlesOf(taxFile) > 0);
+        closeStores();
+        QCOMPARE(openHandlesOf(taxFile), 0);
+        {
+            QSqlDatabase other =
+                QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("restorer"));
+            other.setDatabaseName(taxFile);
+            QVERIFY(other.open());
+            QVERIFY(QSqlQuery(other).exec(QStringLiteral("DELETE FROM NewAcount WHERE TaxCode >= '200150'")));
+            other.close();
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("restorer"));
+        QVERIFY(OpenDatabases());
+        test::chooseReceiver(f, QStringLiteral("다라"));
+        QCOMPARE(f.grdList->DataRowCnt(), 150);
+        QCOMPARE(f.grdList->Text(5, 150), QStringLiteral("200149"));
     }
 };
 

@@ -2,7 +2,9 @@
 
 #include <QSqlDriver>
 #include <cstring>
+#include <mutex>
 #include <sqlite3.h>
+#include <unordered_map>
 
 namespace nb {
 namespace {
@@ -14,14 +16,62 @@ sqlite3* engineHandle(const QSqlDatabase& db) {
     return *static_cast<sqlite3* const*>(handle.constData());
 }
 
+// Every statement prepared here, by its connection's handle, so that a connection about to close
+// can let go of them (the lists beside the window step theirs on connections of their own).
+struct Prepared {
+    std::mutex lock;
+    std::unordered_multimap<sqlite3*, SqliteStatement*> statements;
+};
+Prepared& prepared() {
+    static Prepared all;
+    return all;
+}
+
+void forget(sqlite3* handle, SqliteStatement* statement) {
+    Prepared& all = prepared();
+    const std::lock_guard<std::mutex> hold(all.lock);
+    auto [from, to] = all.statements.equal_range(handle);
+    for (auto it = from; it != to; ++it)
+        if (it->second == statement) {
+            all.statements.erase(it);
+            return;
+        }
+}
+
 } // namespace
+
+void SqliteStatement::letGoOf(const QSqlDatabase& db) {
+    sqlite3* handle = engineHandle(db);
+    if (!handle) return;
+    std::vector<SqliteStatement*> statements;
+    {
+        Prepared& all = prepared();
+        const std::lock_guard<std::mutex> hold(all.lock);
+        auto [from, to] = all.statements.equal_range(handle);
+        for (auto it = from; it != to; ++it)
+            statements.push_back(it->second);
+        all.statements.erase(handle);
+    }
+    for (SqliteStatement* statement : statements)
+        statement->release();
+}
+
+void SqliteStatement::release() {
+    if (m_stmt) sqlite3_finalize(m_stmt);
+    m_stmt = nullptr;
+    m_db = nullptr;
+    m_released = true;
+    m_through = true;
+    m_code = SQLITE_MISUSE;
+    m_text = QStringLiteral("the store was closed");
+}
 
 bool SqliteRows::canStep(const QSqlDatabase& db) {
     return db.isOpen() && engineHandle(db) != nullptr;
 }
 
 SqliteRows::SqliteRows(const QSqlDatabase& db, const QString& sql, const QVariantList& values)
-    : m_statement(std::make_shared<SqliteStatement>(db, sql, values)) {}
+    : m_statement(std::make_shared<SqliteStatement>(db, sql, values)), m_run(m_statement->runs()) {}
 
 SqliteStatement::SqliteStatement(const QSqlDatabase& db, const QString& sql, const QVariantList& values)
     : m_db(engineHandle(db)) {
@@ -49,7 +99,11 @@ bool SqliteStatement::prepare(const QString& sql) {
         fail(sqlite3_errcode(m_db));
         return false;
     }
-    if (m_stmt) m_width = sqlite3_column_count(m_stmt);
+    if (!m_stmt) return true;
+    m_width = sqlite3_column_count(m_stmt);
+    Prepared& all = prepared();
+    const std::lock_guard<std::mutex> hold(all.lock);
+    all.statements.emplace(m_db, this);
     return true;
 }
 
@@ -66,7 +120,10 @@ void SqliteStatement::finish() {
         m_through = true;
         return;
     }
-    if (m_stmt) sqlite3_finalize(m_stmt);
+    if (m_stmt) {
+        forget(m_db, this);
+        sqlite3_finalize(m_stmt);
+    }
     m_stmt = nullptr;
 }
 
@@ -78,6 +135,7 @@ bool SqliteStatement::rerun(const QVariantList& values) {
     m_text.clear();
     m_lastTexts.clear();
     m_through = false;
+    ++m_runs;
     return bind(values);
 }
 
@@ -189,7 +247,7 @@ std::shared_ptr<SqliteStatement> KeptStatements::run(const QSqlDatabase& db, con
     sqlite3* handle = engineHandle(db);
     if (!handle) return nullptr;
     auto& kept = m_kept[{handle, sql}];
-    if (!kept) kept = std::make_shared<SqliteStatement>(db, sql);
+    if (!kept || kept->released()) kept = std::make_shared<SqliteStatement>(db, sql);
     const std::shared_ptr<SqliteStatement> statement = kept;
     if (!statement->ok() || !statement->rerun(values)) m_kept.erase({handle, sql});
     return statement;

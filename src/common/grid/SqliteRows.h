@@ -42,6 +42,14 @@ public:
     void finish();
     // A kept statement from its first row again, with these values; false when it cannot run.
     bool rerun(const QVariantList& values);
+    // How many times it was run: the rows of an earlier run end when it runs again.
+    int runs() const { return m_runs; }
+    // Whether it was let go of with its connection (letGoOf): it gives no row, and a kept one
+    // is prepared again on the connection opened after.
+    bool released() const { return m_released; }
+    // Lets go of every statement prepared on the connection's handle, before the connection
+    // closes: a statement left prepared would keep the closed store's file open.
+    static void letGoOf(const QSqlDatabase& db);
 
     int width() const { return m_width; }
     bool next(QVariant* out, int count);
@@ -51,6 +59,7 @@ public:
 
 private:
     bool prepare(const QString& sql);
+    void release();
     void fail(int code);
     bool bind(const QVariantList& values);
     QVariant text(int column);
@@ -68,6 +77,8 @@ private:
     sqlite3_stmt* m_stmt = nullptr;
     bool m_kept = false;
     bool m_through = false; // a kept statement's rows are through (or it failed) until rerun
+    bool m_released = false;
+    int m_runs = 1;
     int m_width = 0;
     int m_code = 0;
     QString m_text;
@@ -80,9 +91,12 @@ public:
 
     SqliteRows(const QSqlDatabase& db, const QString& sql, const QVariantList& values);
     // The rows of a statement run already (a kept one, rerun).
-    explicit SqliteRows(std::shared_ptr<SqliteStatement> statement) : m_statement(std::move(statement)) {}
+    explicit SqliteRows(std::shared_ptr<SqliteStatement> statement)
+        : m_statement(std::move(statement)), m_run(m_statement->runs()) {}
     int width() const override { return m_statement->width(); }
-    bool next(QVariant* out, int count) override { return m_statement->next(out, count); }
+    bool next(QVariant* out, int count) override {
+        return m_statement->runs() == m_run && m_statement->next(out, count);
+    }
     const std::shared_ptr<SqliteStatement>& statement() const { return m_statement; }
     // What a count beforehand said the statement gives, for the room the list makes.
     void expectRows(int rows) { m_expected = rows; }
@@ -90,13 +104,15 @@ public:
 
 private:
     std::shared_ptr<SqliteStatement> m_statement;
+    int m_run = 0; // the run of the statement these rows are, when kept
     int m_expected = -1;
 };
 
 // The statements a search screen runs again and again, each kept prepared on its connection
 // while the screen lives: a search then binds its values and steps instead of preparing anew.
-// The screen lets them go (clear, or its end) before the connection closes; a list still reading
-// one of them must have been replaced before the next run of the same statement.
+// The screen lets them go (clear, or its end); a connection that closes first lets go of them
+// itself, and the next run prepares them anew. A list still reading one of them stops where it
+// is when the same statement runs again.
 class KeptStatements {
 public:
     // The statement for sql on db (prepared the first time), run with values; check ok() (a

@@ -289,6 +289,56 @@ private Q_SLOTS:
             kept.reset();
         }
     }
+
+    // A list still reading a kept statement stops where it is when the statement runs again for
+    // another list: it never reads the rows of the run after it.
+    void aListOfAnEarlierRunEndsWhenItsStatementRunsAgain() {
+        Connection c;
+        QVERIFY(c.exec("CREATE TABLE T (n INTEGER)"));
+        QVERIFY(c.exec("INSERT INTO T VALUES (1), (2), (3), (4)"));
+        KeptStatements kept;
+        const QString sql = QStringLiteral("SELECT n FROM T WHERE n >= ? ORDER BY n");
+        SqliteRows earlier(kept.run(c.db, sql, {1}));
+        QVariant v[1];
+        QVERIFY(earlier.next(v, 1));
+        QCOMPARE(v[0].toInt(), 1);
+        SqliteRows later(kept.run(c.db, sql, {3}));
+        QCOMPARE(later.statement().get(), earlier.statement().get());
+        QVERIFY(!earlier.next(v, 1));
+        QCOMPARE(readAll(later), readThroughQt(c.db, sql, {3}));
+    }
+
+    // A connection about to close lets go of every statement prepared on it, kept or half read:
+    // it then closes (the file let go), the rows read no further, and the kept statement is
+    // prepared again on the next connection.
+    void statementsLetGoOfWithTheirConnectionLeaveItFreeToClose() {
+        KeptStatements kept;
+        const QString sql = QStringLiteral("SELECT n FROM T WHERE n >= ? ORDER BY n");
+        auto c = std::make_unique<Connection>();
+        QVERIFY(c->exec("CREATE TABLE T (n INTEGER)"));
+        QVERIFY(c->exec("INSERT INTO T VALUES (1), (2), (3)"));
+        SqliteRows halfRead(c->db, sql, {1});
+        SqliteRows keptRows(kept.run(c->db, sql, {2}));
+        QVariant v[1];
+        QVERIFY(halfRead.next(v, 1));
+        QVERIFY(keptRows.next(v, 1));
+        SqliteStatement::letGoOf(c->db);
+        QVERIFY(keptRows.statement()->released());
+        QVERIFY(!halfRead.next(v, 1));
+        QVERIFY(!keptRows.next(v, 1));
+        c->db.close();
+        QVERIFY2(c->db.lastError().type() == QSqlError::NoError, qPrintable(c->db.lastError().text()));
+        c.reset();
+        Connection next;
+        QVERIFY(next.exec("CREATE TABLE T (n INTEGER)"));
+        QVERIFY(next.exec("INSERT INTO T VALUES (7), (8)"));
+        SqliteRows afresh(kept.run(next.db, sql, {8}));
+        QVERIFY(afresh.statement()->ok());
+        QVERIFY(!afresh.statement()->released());
+        QVERIFY(afresh.next(v, 1));
+        QCOMPARE(v[0].toInt(), 8);
+        QVERIFY(!afresh.next(v, 1));
+    }
 };
 
 NB_TEST_MAIN(TestSqliteRows)
