@@ -220,16 +220,17 @@ void FrmEstimate::LoadLines() {
     double sum = 0;
     int row = 0;
     if (rs.RecordCount() > grdEstimate->MaxRows()) grdEstimate->setMaxRows(rs.RecordCount());
-    // Written quietly, the view told once, rather than cell by cell.
+    // Written quietly, the view told once, rather than cell by cell. Column c is the statement's
+    // field c, read by its place; EstiKum is the sixth.
+    constexpr int kEstiKumField = 5;
     grdEstimate->fillQuietly([&] {
         for (; !rs.EOF_(); rs.MoveNext()) {
             ++row;
             for (int c = 1; c <= kEstimateCols; ++c) {
                 const bool shown = c == ColAmount || c == ColPrice;
-                setCell(c, row,
-                        shown ? showNumber(rs.number(rs.fieldName(c - 1))) : rs.text(rs.fieldName(c - 1)));
+                setCell(c, row, shown ? showNumber(rs.number(c - 1)) : rs.text(c - 1));
             }
-            sum += rs.number(QStringLiteral("EstiKum"));
+            sum += rs.number(kEstiKumField);
         }
     });
     m_lineCount = rs.RecordCount();

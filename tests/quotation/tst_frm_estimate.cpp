@@ -230,6 +230,33 @@ private Q_SLOTS:
         QCOMPARE(f.txtinput[3]->text(), QStringLiteral("851,500"));
     }
 
+    // The lines are read by each field's place: every column of the grid shows its own field.
+    void everyColumnOfALoadedLineShowsItsOwnField() {
+        test::EstimateScreen screen;
+        QVERIFY(test::openQuotationStores());
+        test::addEstiHead(QStringLiteral("202404002"), QStringLiteral("000001"), QStringLiteral("가나철강"),
+                          QStringLiteral("2024-04-02"), 7500);
+        QVERIFY(test::exec(stores().dbEstimate,
+                           QStringLiteral("INSERT INTO Estimate (Seq, Code, PCode, PName, PNorm, EAmount, "
+                                          "EUnitPrice, EstiKum, EUnit) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)"),
+                           {41, QStringLiteral("202404002"), QStringLiteral("P0077"), QStringLiteral("앵글"),
+                            QStringLiteral("50x50"), 2.5, 3000, 7500, QStringLiteral("KG")}));
+        FrmEstimate& f = screen.open();
+        f.pnlCode->setText(QStringLiteral("202404002"));
+        f.LoadLines();
+        QCOMPARE(f.LineCount(), 1);
+        QCOMPARE(f.grdEstimate->Text(ColPName, 1), QStringLiteral("앵글"));
+        QCOMPARE(f.grdEstimate->Text(ColPNorm, 1), QStringLiteral("50x50"));
+        QCOMPARE(f.grdEstimate->Text(ColUnit, 1), QStringLiteral("KG"));
+        QCOMPARE(f.grdEstimate->Text(ColAmount, 1), QStringLiteral("2.5"));
+        QCOMPARE(f.grdEstimate->Text(ColPrice, 1), QStringLiteral("3,000.0"));
+        QCOMPARE(f.grdEstimate->Text(ColKum, 1), QStringLiteral("7,500"));
+        QCOMPARE(f.grdEstimate->Text(ColCode, 1), QStringLiteral("202404002"));
+        QCOMPARE(f.grdEstimate->Text(ColPCode, 1), QStringLiteral("P0077"));
+        QCOMPARE(f.grdEstimate->Text(ColSeq, 1), QStringLiteral("41"));
+        QCOMPARE(f.txtinput[3]->text(), QStringLiteral("7,500"));
+    }
+
     void searchThroughTheListFetchesHeadAndLines() {
         test::EstimateScreen screen;
         QVERIFY(test::openQuotationStores());
