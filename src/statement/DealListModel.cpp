@@ -115,8 +115,10 @@ void DealListModel::newMaster() {
     showMasterRow(masterRowCount());
 }
 
+// The empty row after the last statement (no number) has no lines: nothing is read for it.
 void DealListModel::detailList(const QString& billNo) {
-    m_lines = ReadStatementLines(m_db, billNo).value_or(QList<StatementLine>());
+    m_lines = billNo.isEmpty() ? QList<StatementLine>()
+                               : ReadStatementLines(m_db, billNo).value_or(QList<StatementLine>());
     m_gong = 0;
     m_se = 0;
     m_preMisu = 0;
