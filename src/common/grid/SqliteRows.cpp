@@ -73,6 +73,10 @@ bool SqliteRows::canStep(const QSqlDatabase& db) {
 SqliteRows::SqliteRows(const QSqlDatabase& db, const QString& sql, const QVariantList& values)
     : m_statement(std::make_shared<SqliteStatement>(db, sql, values)), m_run(m_statement->runs()) {}
 
+SqliteRows::~SqliteRows() {
+    if (m_statement && m_statement->runs() == m_run) m_statement->finish();
+}
+
 SqliteStatement::SqliteStatement(const QSqlDatabase& db, const QString& sql, const QVariantList& values)
     : m_db(engineHandle(db)) {
     if (prepare(sql) && m_stmt) bind(values);

@@ -93,6 +93,11 @@ public:
     // The rows of a statement run already (a kept one, rerun).
     explicit SqliteRows(std::shared_ptr<SqliteStatement> statement)
         : m_statement(std::move(statement)), m_run(m_statement->runs()) {}
+    // A list lets go of its rows when it has read the rows it counted, without stepping past the
+    // last: a kept statement is reset then, so it holds no read of the store.
+    ~SqliteRows() override;
+    SqliteRows(const SqliteRows&) = delete;
+    SqliteRows& operator=(const SqliteRows&) = delete;
     int width() const override { return m_statement->width(); }
     bool next(QVariant* out, int count) override {
         return m_statement->runs() == m_run && m_statement->next(out, count);

@@ -308,6 +308,25 @@ private Q_SLOTS:
         QCOMPARE(readAll(later), readThroughQt(c.db, sql, {3}));
     }
 
+    // A list that has read the rows it counted lets go of them without stepping past the last:
+    // the kept statement then holds no read (a write on the same connection after another
+    // connection wrote would otherwise fail on the old state it still sees).
+    void rowsLetGoOfAfterTheLastCountedRowEndTheKeptStatementsRead() {
+        Connection c;
+        QVERIFY(c.exec("CREATE TABLE T (n)"));
+        QVERIFY(c.exec("INSERT INTO T VALUES (1), (2)"));
+        KeptStatements kept;
+        auto rows =
+            std::make_unique<SqliteRows>(kept.run(c.db, QStringLiteral("SELECT n FROM T WHERE n > ?"), {0}));
+        QVariant v[1];
+        QVERIFY(rows->next(v, 1));
+        QVERIFY(rows->next(v, 1)); // both counted rows read; the statement is not through yet
+        QSqlQuery drop(c.db);
+        QVERIFY(!drop.exec("DROP TABLE T"));
+        rows.reset();
+        QVERIFY2(drop.exec("DROP TABLE T"), qPrintable(drop.lastError().text()));
+    }
+
     // A connection about to close lets go of every statement prepared on it, kept or half read:
     // it then closes (the file let go), the rows read no further, and the kept statement is
     // prepared again on the next connection.
