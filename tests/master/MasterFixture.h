@@ -3,10 +3,27 @@
 // and quick ways to put rows in place.
 
 #include "StoreFixture.h"
+#include "common/grid/SqliteRows.h"
 #include "master/SearchIndex.h"
 #include "storage/StoreLayout.h"
 
+#include <sqlite3.h>
+
 namespace nb::test {
+
+// Runs each query in turn on one kept statement (they share one text, only their values differ),
+// each giving a row: false when a run fails, finds nothing, or made the engine prepare the
+// statement again because of the values bound.
+inline bool runsKeptWithoutPreparingAgain(const QSqlDatabase& db, const QList<SqlPart>& queries) {
+    KeptStatements kept;
+    for (const SqlPart& q : queries) {
+        const std::shared_ptr<SqliteStatement> s = kept.run(db, q.sql, q.values);
+        if (!s || !s->ok() || !s->next(nullptr, 0)) return false;
+        if (sqlite3_stmt_status(s->row(), SQLITE_STMTSTATUS_REPREPARE, 0) != 0) return false;
+        s->finish();
+    }
+    return kept.size() == 1;
+}
 
 // The steps SQLite's planner chooses for a query, one per line.
 // On the server: the plan it would choose were reading a table whole the dearest of all, so a

@@ -2,7 +2,6 @@
 // the search by digits or by town with its single-hit delivery, the list screen by keys, and
 // the trigram index giving exactly the rows of the plain query.
 #include "MasterFixture.h"
-#include "common/grid/SqliteRows.h"
 #include "common/text/Cp949.h"
 #include "master/FrmPost.h"
 #include "master/PostImport.h"
@@ -15,7 +14,6 @@
 #include <QRegularExpression>
 #include <QScrollBar>
 #include <QTableView>
-#include <sqlite3.h>
 
 using namespace nb;
 using namespace nb::test;
@@ -142,18 +140,10 @@ private Q_SLOTS:
                      {"612020", "부산", "해운대구", "우동", ""}});
         Database postDb;
         QVERIFY(OpenDb(postDb, app().DbPostFile, 0));
-        KeptStatements kept;
         const SqlPart first = PostSearchQuery(postDb, "역삼", postLimits());
         const SqlPart second = PostSearchQuery(postDb, "명동", postLimits());
         QCOMPARE(second.sql, first.sql);
-        for (const SqlPart& q : {first, second, first, second}) {
-            const std::shared_ptr<SqliteStatement> s = kept.run(postDb.connection(), q.sql, q.values);
-            QVERIFY(s && s->ok());
-            QVERIFY(s->next(nullptr, 0));
-            QCOMPARE(sqlite3_stmt_status(s->row(), SQLITE_STMTSTATUS_REPREPARE, 0), 0);
-            s->finish();
-        }
-        QCOMPARE(kept.size(), 1);
+        QVERIFY(runsKeptWithoutPreparingAgain(postDb.connection(), {first, second, first, second}));
     }
     void anExactSingleHitFillsTheFieldsWithoutAWindow() {
         TestHome home;

@@ -2,7 +2,6 @@
 // rows in the same order as the plain query, kept in step with every write, rebuilt when out of
 // step, and no table scan for a text of any length.
 #include "MasterFixture.h"
-#include "common/grid/SqliteRows.h"
 #include "master/SearchIndex.h"
 #include "master/SearchRules.h"
 #include "master/TraderRecords.h"
@@ -10,7 +9,6 @@
 #include "storage/ServerSearchPieces.h"
 
 #include <QRegularExpression>
-#include <sqlite3.h>
 
 using namespace nb;
 using namespace nb::test;
@@ -223,7 +221,6 @@ private Q_SLOTS:
         QVERIFY(openStores());
         addMany();
         Database& db = stores().dbBasic;
-        KeptStatements kept;
         const SqlPart first = TraderListQuery(db, "가나", 0);
         const SqlPart second = TraderListQuery(db, "역삼", 0);
         QCOMPARE(second.sql, first.sql);
@@ -231,17 +228,10 @@ private Q_SLOTS:
         QCOMPARE(codesOf(second), plainCodes("역삼"));
         QVERIFY(!codesOf(second).isEmpty());
         if (db.onServer()) { // the server's statements are kept by the server's own driver
-            QVERIFY(!kept.run(db.connection(), first.sql, first.values));
+            QVERIFY(!KeptStatements().run(db.connection(), first.sql, first.values));
             return;
         }
-        for (const SqlPart& q : {first, second, first, second}) {
-            const std::shared_ptr<SqliteStatement> s = kept.run(db.connection(), q.sql, q.values);
-            QVERIFY(s && s->ok());
-            QVERIFY(s->next(nullptr, 0));
-            QCOMPARE(sqlite3_stmt_status(s->row(), SQLITE_STMTSTATUS_REPREPARE, 0), 0);
-            s->finish();
-        }
-        QCOMPARE(kept.size(), 1);
+        QVERIFY(runsKeptWithoutPreparingAgain(db.connection(), {first, second, first, second}));
     }
     void ensureSearchIndexesMakesWhatTheFileHolds() {
         TestHome home;
