@@ -42,7 +42,7 @@ SqlPart PostSearchQuery(Database& db, const QString& text, const PostLimits& lim
     } else {
         const QString column = PostSearchByZip(text) ? QStringLiteral("ZIPCODE") : QStringLiteral("DONG");
         const SqlPart narrow = SearchCandidates(db, PostSearchIndex(), text, {column});
-        part.sql += QStringLiteral("WHERE ") + narrow.sql + column + kLikeAnywhere + u' ';
+        part.sql += QStringLiteral("WHERE ") + narrow.sql + column + LikeAnywhere(db.onServer()) + u' ';
         part.values << narrow.values << LikeContains(text);
         addLimits(part, limits, false);
     }

@@ -16,11 +16,15 @@ QString LikeContains(const QString& text);
 // The clause that goes with them.
 inline const QString kLikeEscape = QStringLiteral(" ESCAPE '\\'");
 // A column holding the text anywhere, for a statement kept prepared and run again with other texts.
-// The pattern is bound as an expression rather than as a bare parameter: the engine would otherwise
-// look at a bare pattern when planning (one starting with the text could walk an index), so every
-// new binding would throw the plan away and prepare the statement anew. A pattern that starts with
-// "%" never walks an index, so nothing is lost.
-inline const QString kLikeAnywhere = QStringLiteral(" LIKE CAST(? AS TEXT) ESCAPE '\\'");
+// On the files the pattern is bound as an expression rather than as a bare parameter: SQLite would
+// otherwise look at a bare pattern when planning (one starting with the text could walk an index),
+// so every new binding would throw the plan away and prepare the statement anew. A pattern that
+// starts with "%" never walks an index, so nothing is lost. The server plans its own way and keeps
+// the plain parameter.
+inline QString LikeAnywhere(bool onServer) {
+    return onServer ? QStringLiteral(" LIKE ?") + kLikeEscape
+                    : QStringLiteral(" LIKE CAST(? AS TEXT)") + kLikeEscape;
+}
 
 // True for a code from 48 to 57.
 bool IsDigitCode(int code);

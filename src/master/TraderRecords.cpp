@@ -53,8 +53,8 @@ SqlPart TraderListQuery(Database& db, const QString& name, int section) {
     }
     const QString first = TraderSearchByPhone(name) ? QStringLiteral("Phone") : QStringLiteral("C_Name");
     const SqlPart narrow = SearchCandidates(db, TraderSearchIndex(), name, {first, QStringLiteral("Addr2")});
-    part.sql += narrow.sql + u'(' + first + kLikeAnywhere + QStringLiteral(" OR Addr2") + kLikeAnywhere +
-                QStringLiteral(") ");
+    const QString like = LikeAnywhere(db.onServer());
+    part.sql += narrow.sql + u'(' + first + like + QStringLiteral(" OR Addr2") + like + QStringLiteral(") ");
     part.values << narrow.values << LikeContains(name) << LikeContains(name);
     part.sql += kOrderTraders;
     return part;
