@@ -52,19 +52,25 @@ std::optional<TaxSums> readSums(Database& dbTax, const QString& sql, const QVari
 
 } // namespace
 
+// The last number in the numbers' text order, read from the end of the TaxCode index on both
+// engines (an order asking for the rows without a number last would make the server sort every
+// row).
+const QString& nextTaxCodeStatement() {
+    static const QString sql = QStringLiteral("SELECT Max(TaxCode) AS TaxCode FROM NewAcount");
+    return sql;
+}
+
 std::optional<QString> NextTaxCode(Database& dbTax) {
-    // The last number in the numbers' text order (a row without one only when no row has one),
-    // read from the end of the TaxCode index instead of walking every row to it.
     Recordset rs;
-    if (!OpenSnapshot(
-            dbTax, rs,
-            QStringLiteral("SELECT TaxCode FROM NewAcount ORDER BY TaxCode DESC NULLS LAST LIMIT 1")))
+    if (!OpenSnapshot(dbTax, rs, nextTaxCodeStatement())) return std::nullopt;
+    const bool numbered = !rs.isNull(QStringLiteral("TaxCode"));
+    const double last = NumberFromText(rs.text(QStringLiteral("TaxCode")));
+    CloseRs(rs);
+    if (numbered) return QString::number(qint64(last) + 1);
+    // No row has a number: rows without one still count, and the number after none is 1.
+    if (!OpenSnapshot(dbTax, rs, QStringLiteral("SELECT TaxCode FROM NewAcount LIMIT 1")))
         return std::nullopt;
-    QString next = kFirstTaxCode;
-    if (rs.RecordCount() > 0) {
-        const double last = NumberFromText(rs.text(QStringLiteral("TaxCode")));
-        next = QString::number(qint64(last) + 1);
-    }
+    const QString next = rs.RecordCount() > 0 ? QStringLiteral("1") : kFirstTaxCode;
     CloseRs(rs);
     return next;
 }

@@ -20,6 +20,8 @@ inline const QString kFirstTaxCode = QStringLiteral("100000");
 // Past 999999 the text order no longer follows the numbers and the number stops growing.
 // Nothing when the read fails (the query box has been shown).
 std::optional<QString> NextTaxCode(Database& dbTax);
+// The statement NextTaxCode reads the highest number by.
+const QString& nextTaxCodeStatement();
 // txtSeq of a TaxCode: the first three and the last three characters through "000" with "-"
 // between; "000-000" for an empty code.
 QString serialFromTaxCode(const QString& taxCode);

@@ -13,10 +13,6 @@ namespace {
 const QString kDeleteTitle = QStringLiteral("견적내역 삭제");
 const QString kUpdateFailure = QStringLiteral("견적내역을 갱신하는 중 오류가 발생했습니다.");
 
-// The last character a code can hold: every code that begins with a prefix sorts below
-// prefix + this, so a prefix becomes an indexed range.
-const QString kHighestChar = QString::fromUcs4(U"\U0010FFFF");
-
 // Running numbers from here on are not taken as numbers (nothing types them), so that the
 // next one always fits.
 constexpr int kRunningNumberEnd = 1000000000;
@@ -234,40 +230,56 @@ void clsEstimate::NextSeq(qint32& seq) {
 
 namespace {
 
-// The month's codes whose running number is written in digits, the longest first: "2024051000"
-// comes after "202405999" though it sorts below it as text. Above the lines' codes too: lines
-// left without their head never join a new quotation.
-const QString kMonthCodes = QStringLiteral(
-    "SELECT c FROM (SELECT EstiCode AS c FROM EstiBase WHERE EstiCode >= ? AND EstiCode < ? UNION ALL "
-    "SELECT Code FROM Estimate WHERE Code >= ? AND Code < ?) AS codes WHERE ltrim(substr(c, 7), "
-    "'0123456789') = '' ORDER BY length(c) DESC, c DESC");
-// The first few are read: a month of thousands of quotations is not read whole at every save.
+// The month's codes of one table, the longest first and then the highest text ("2024051000"
+// comes after "202405999" though it sorts below it as text): the order of the table's index of
+// running codes (storage/StoreLayout.h), walked from the month's end.
+QString monthCodesOf(const QString& table, const QString& column, const QString& limit) {
+    return QStringLiteral(
+               "SELECT length(%2) AS n, %2 AS c FROM %1 WHERE substr(%2, 1, 6) = ? AND length(%2) > 6 "
+               "ORDER BY length(%2) DESC, %2 DESC%3")
+        .arg(table, column, limit);
+}
+
+// The heads' and the lines' codes of the month merged in that order: the lines count too, as
+// lines left without their head never join a new quotation.
+QString monthCodes(const QString& limit) {
+    return QStringLiteral(
+               "SELECT n, c FROM (%1) AS heads UNION ALL SELECT n, c FROM (%2) AS lines ORDER BY n "
+               "DESC, c DESC%3")
+        .arg(monthCodesOf(QStringLiteral("EstiBase"), QStringLiteral("EstiCode"), limit),
+             monthCodesOf(QStringLiteral("Estimate"), QStringLiteral("Code"), limit), limit);
+}
+
+// The first few codes are read; a month whose first few are all codes typed in that are not
+// running numbers is read whole. No engine is asked to tell a running number from the rest: told
+// that most codes are not, it would rather sort the month than walk its end.
 constexpr int kCodesReadFirst = 8;
 
-// The month's highest running code (empty when it has none) into `last`; `rows` the codes read.
-bool lastRunningCode(Database& db, const QString& prefix, bool whole, QString& last, int& rows) {
+// The month's last running code (empty when it has none) into `last`; false when the read failed.
+bool lastRunningCode(Database& db, const QString& month, bool whole, QString& last) {
     Recordset rs;
-    const QString sql = whole ? kMonthCodes : kMonthCodes + QStringLiteral(" LIMIT %1").arg(kCodesReadFirst);
-    if (!OpenSnapshot(db, rs, sql, {prefix, prefix + kHighestChar, prefix, prefix + kHighestChar}))
-        return false;
+    const QString& sql = whole ? monthCodes(QString()) : lastRunningCodeStatement();
+    if (!OpenSnapshot(db, rs, sql, {month, month})) return false;
+    int rows = 0;
     last.clear();
-    rows = 0;
     for (; !rs.EOF_() && last.isEmpty(); rs.MoveNext(), ++rows)
         if (runningNumberOf(rs.text(QStringLiteral("c"))) >= 0) last = rs.text(QStringLiteral("c"));
     CloseRs(rs);
-    return true;
+    return !whole && last.isEmpty() && rows >= kCodesReadFirst ? lastRunningCode(db, month, true, last)
+                                                               : true;
 }
 
 } // namespace
 
+const QString& lastRunningCodeStatement() {
+    static const QString sql = monthCodes(QStringLiteral(" LIMIT %1").arg(kCodesReadFirst));
+    return sql;
+}
+
 void clsEstimate::NextCode(QString& code) {
-    const QString prefix = sEDate.left(4) + sEDate.mid(5, 2);
-    // A code that is not a number (typed into an older store) is passed over, and so are digits
-    // too long to be a running number; a month whose first codes are all such reads them all.
+    const QString month = sEDate.left(4) + sEDate.mid(5, 2);
     QString last;
-    int rows = 0;
-    if (!lastRunningCode(m_db, prefix, false, last, rows) ||
-        (last.isEmpty() && rows >= kCodesReadFirst && !lastRunningCode(m_db, prefix, true, last, rows))) {
+    if (!lastRunningCode(m_db, month, false, last)) {
         code.clear();
         return;
     }

@@ -81,4 +81,9 @@ QString nextEstimateCode(const QString& date, const QString& lastCode);
 // not a number.
 int runningNumberOf(const QString& code);
 
+// The statement NextCode reads the month's last codes by, bound to the month's six characters
+// ("202405") twice: the first few codes of the month, heads' and lines', in the order whose first
+// running number is the month's last (columns n, the length, and c, the code).
+const QString& lastRunningCodeStatement();
+
 } // namespace nb

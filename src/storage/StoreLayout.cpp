@@ -309,6 +309,29 @@ QStringList wholeNumberTriggers(const QString& table) {
     return {};
 }
 
+namespace {
+// The quotation tables and the column their codes are in.
+QString runningCodeColumn(const QString& table) {
+    if (table == u"EstiBase") return QStringLiteral("EstiCode");
+    if (table == u"Estimate") return QStringLiteral("Code");
+    return {};
+}
+} // namespace
+
+QString runningCodeIndexName(const QString& table) {
+    return runningCodeColumn(table).isEmpty() ? QString()
+                                              : storeIndexName(table, QStringLiteral("RunningCode"));
+}
+
+QString runningCodeIndex(const QString& table) {
+    const QString column = runningCodeColumn(table);
+    if (column.isEmpty()) return {};
+    // The expressions are written as the number's statement writes them, or no engine would
+    // match the index to it.
+    return QStringLiteral("CREATE INDEX IF NOT EXISTS %1 ON %2 (substr(%3, 1, 6), length(%3), %3)")
+        .arg(quoteName(runningCodeIndexName(table)), quoteName(table), column);
+}
+
 QStringList createStatements(const TableDef& table, bool server) {
     QStringList columns;
     for (const ColumnDef& column : table.columns)
@@ -319,6 +342,7 @@ QStringList createStatements(const TableDef& table, bool server) {
                     QStringLiteral(" (") + columns.join(QStringLiteral(", ")) + u')'};
     for (const IndexDef& index : table.indexes)
         out << indexSql(table, index, server);
+    if (!runningCodeIndex(table.name).isEmpty()) out << runningCodeIndex(table.name);
     if (server)
         out << serverRowidIndex(table.name) << serverTrigramIndexes(table.name)
             << changeNoticeStatements(table.name);

@@ -67,6 +67,14 @@ bool createTable(Database& db, const TableDef& table);
 // fraction is bound as double precision, see serverStatement).
 QStringList wholeNumberTriggers(const QString& table);
 
+// The index that orders a month's quotation codes by their running number: the month (the
+// code's first six characters), then the code's length, then the code, so that "2024051000"
+// comes after "202405999". A new quotation's number reads a few entries from the month's end
+// instead of the whole month. One for EstiBase (EstiCode) and one for Estimate (Code), the
+// same on both engines; the name is empty and the statement none for other tables.
+QString runningCodeIndexName(const QString& table);
+QString runningCodeIndex(const QString& table);
+
 // Creates, for each store path of the application state that is set and names no existing
 // file or an empty one, that file with its complete layout; InOutCash.db is created without
 // tables. The file appears whole or not at all. A file with any content is never touched.

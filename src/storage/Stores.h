@@ -30,11 +30,14 @@ void UpgradeTables();
 void UpgradeColumns();
 // Both upgrade steps as the start-up road runs them: each step on the stores that opened; a
 // store that did not open was named at its opening and is upgraded at the start that opens it.
+// The quotation store file, which its screens open, is opened for its own step: the index of
+// running codes its next number reads (runningCodeIndex, storage/StoreLayout.h).
 void UpgradeOpenStores();
 // On the server: every store of the seat (the estimate store too) gains what an older build did
 // not lay down: the unique index of each table's row numbers, the seat column of the work
-// tables, the notice triggers. Each store in one transaction; false (its box shown) when a
-// store's steps failed, which leave it as it was. Files are left alone.
+// tables, the notice triggers, the estimate store's index of running codes. Each store in one
+// transaction; false (its box shown) when a store's steps failed, which leave it as it was.
+// Files are left alone.
 bool UpgradeServerStores();
 // The same steps on two store files opened by the caller (an import builds its stores aside and
 // brings them up to date by the steps the program runs on its own).

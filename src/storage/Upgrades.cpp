@@ -6,6 +6,7 @@
 #include "storage/StoreLayout.h"
 #include "storage/Stores.h"
 
+#include <QFileInfo>
 #include <QSqlQuery>
 
 namespace nb {
@@ -96,6 +97,41 @@ void addWholeNumberTriggers(Database& db, const QString& table) {
         db.Execute(sql);
 }
 
+// The quotation store's index of running codes (runningCodeIndex) on each of its tables that
+// has none; nothing for a store that has both.
+QStringList missingRunningCodeIndexes(const Database& estimate) {
+    QStringList out;
+    for (const TableDef& table : estimateTables())
+        if (estimate.hasTable(table.name) && !estimate.hasIndex(runningCodeIndexName(table.name)))
+            out << runningCodeIndex(table.name);
+    return out;
+}
+
+// A quotation store file from before the index gains it, both tables' in one transaction; a
+// failure rolls back and says so, and the next start tries again. The store is opened by its
+// screens only, so the step opens it itself; a file that is not a store passes (it was named
+// when the files were checked).
+void addRunningCodeIndexes() {
+    const QString path = app().DbEstimateFile;
+    if (path.isEmpty() || !serverSchemaOf(path).isEmpty() || !QFileInfo(path).isFile()) return;
+    Database own;
+    Database& estimate = stores().dbEstimate.isOpen() ? stores().dbEstimate : own;
+    if (!estimate.isOpen() && !estimate.open(path)) return;
+    if (missingRunningCodeIndexes(estimate).isEmpty()) return;
+    const QString headline = QStringLiteral("견적서 자료 파일을 새 형식으로 바꾸지 못했습니다.");
+    if (!estimate.beginTransaction()) {
+        ReportSaveFailure(estimate, headline);
+        return;
+    }
+    // Read again inside the write: another copy starting at once may have made them.
+    for (const QString& sql : missingRunningCodeIndexes(estimate))
+        if (!estimate.Execute(sql)) {
+            estimate.rollback();
+            return;
+        }
+    if (!estimate.commit()) ReportSaveFailure(estimate, headline);
+}
+
 // The table steps; with sayUnopened false a store that is not open is passed over silently.
 void upgradeTables(Database& basic, Database& tax, bool sayUnopened) {
     bool runUserStep = sayUnopened || basic.isOpen();
@@ -134,10 +170,10 @@ void upgradeColumns(Database& basic, Database& tax, bool sayUnopened) {
 
 // ---- The server's own steps ------------------------------------------------------------
 // A server database laid down by an older build lacks what later ones lay down with each table:
-// the unique index of the row numbers, the seat of a work table's rows, the notices of the
-// estimate store. Each store gains what it lacks in one transaction of its own under the store's
-// writer lock (a second seat starting at once waits, then finds it done); a step that fails
-// rolls the whole store's steps back and says so.
+// the unique index of the row numbers, the seat of a work table's rows, the notices and the
+// index of running codes of the estimate store. Each store gains what it lacks in one transaction
+// of its own under the store's writer lock (a second seat starting at once waits, then finds it
+// done); a step that fails rolls the whole store's steps back and says so.
 
 const QString kServerUpgradeHeadline = QStringLiteral("자료 서버의 표를 새 형식으로 바꾸지 못했습니다.");
 
@@ -179,6 +215,7 @@ QStringList missingServerSteps(const Database& db) {
         if (isWorkTable(table.name) && !serverHasColumn(db, table.name, kServerSeatColumn))
             out << serverSeatUpgrade(table);
     }
+    if (db.serverSchema() == u"estimate") out << missingRunningCodeIndexes(db);
     return out;
 }
 
@@ -214,10 +251,13 @@ bool UpgradeServerStores() {
     bool upgraded = true;
     for (Database* db : {&stores().dbBasic, &stores().dbBill, &stores().dbTax})
         upgraded = upgradeServerStore(*db) && upgraded;
-    // The estimate store is opened by its screens only; its steps are taken at start all the same.
+    // The estimate store is opened by its screens only; its steps are taken at start all the same
+    // (on the screens' connection when one is open).
     if (serverSchemaOf(app().DbEstimateFile).isEmpty()) return upgraded;
-    Database estimate;
-    if (estimate.open(app().DbEstimateFile)) upgraded = upgradeServerStore(estimate) && upgraded;
+    Database own;
+    Database& estimate = stores().dbEstimate.isOpen() ? stores().dbEstimate : own;
+    if (estimate.isOpen() || estimate.open(app().DbEstimateFile))
+        upgraded = upgradeServerStore(estimate) && upgraded;
     return upgraded;
 }
 
@@ -232,6 +272,7 @@ void UpgradeColumns() {
 void UpgradeOpenStores() {
     upgradeTables(stores().dbBasic, stores().dbTax, false);
     upgradeColumns(stores().dbBasic, stores().dbTax, false);
+    addRunningCodeIndexes();
     // A server database laid down by an older build gains what later builds lay down.
     UpgradeServerStores();
 }
