@@ -218,6 +218,23 @@ private Q_SLOTS:
         QCOMPARE(names, (QStringList{"첫째 품목", "둘째 품목", "셋째 '따옴표' 품목"}));
     }
 
+    // The quotation store's index of running codes, which a new quotation's number reads, is
+    // laid down on the server with the tables, also from a file made before the index.
+    void aMovedQuotationStoreHasItsIndexOfRunningCodes() {
+        test::TestHome home;
+        seedShop();
+        QVERIFY(test::runOn(app().DbEstimateFile, {QStringLiteral("DROP INDEX EstiBase_RunningCode"),
+                                                   QStringLiteral("DROP INDEX Estimate_RunningCode")}));
+        FreshDatabase target;
+        const MoveReport report = moveToServer(target.settings());
+        QVERIFY2(report.ok, qPrintable(report.failure));
+        QCOMPARE(
+            rowsOnCluster(target.name(), QStringLiteral("SELECT indexname FROM pg_indexes WHERE schemaname = "
+                                                        "'estimate' AND indexname LIKE '%runningcode' "
+                                                        "ORDER BY indexname")),
+            (QStringList{"estibase_runningcode", "estimate_runningcode"}));
+    }
+
     void aDatabaseThatHoldsBooksIsRefused() {
         test::TestHome home;
         seedShop();

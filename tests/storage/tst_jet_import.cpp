@@ -229,6 +229,11 @@ private slots:
         for (const JetTableFigures& t : report.tables)
             QVERIFY2(t.matches(), qPrintable(t.table));
         QCOMPARE(report.tables.size(), 13);
+        // The quotation store comes with the index a new quotation's number reads.
+        QCOMPARE(
+            count(app().DbEstimateFile,
+                  "SELECT count(*) FROM sqlite_master WHERE type = 'index' AND name LIKE '%_RunningCode'"),
+            2);
         QVERIFY(report.notes.isEmpty());
         QVERIFY(QFileInfo(report.keptFolder).isDir());
         QVERIFY(leftoverWorkFolders().isEmpty());
