@@ -134,7 +134,7 @@ void OpenStoresAtStart() {
     }
     OpenWholeStores(damaged);
     ReportDamagedStores(damaged);
-    UpgradeOpenStores();
+    UpgradeOpenStores(damagedPaths(damaged));
 }
 
 } // namespace nb

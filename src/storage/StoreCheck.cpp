@@ -126,6 +126,13 @@ QList<DamagedStore> CheckStoreFiles() {
     return damaged;
 }
 
+QStringList damagedPaths(const QList<DamagedStore>& damaged) {
+    QStringList paths;
+    for (const DamagedStore& store : damaged)
+        paths << store.path;
+    return paths;
+}
+
 bool isDamaged(const QList<DamagedStore>& damaged, const QString& path) {
     for (const DamagedStore& store : damaged)
         if (store.path == path) return true;

@@ -37,6 +37,8 @@ struct DamagedStore {
 // Every existing store file checked on its own.
 QList<DamagedStore> CheckStoreFiles();
 bool isDamaged(const QList<DamagedStore>& damaged, const QString& path);
+// Their paths alone.
+QStringList damagedPaths(const QList<DamagedStore>& damaged);
 
 // Opens dbBasic, dbTax and dbBill, each on its own: a damaged one stays unopened, the others
 // open all the same. False when any of the three did not open.

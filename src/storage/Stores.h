@@ -31,8 +31,9 @@ void UpgradeColumns();
 // Both upgrade steps as the start-up road runs them: each step on the stores that opened; a
 // store that did not open was named at its opening and is upgraded at the start that opens it.
 // The quotation store file, which its screens open, is opened for its own step: the index of
-// running codes its next number reads (runningCodeIndex, storage/StoreLayout.h).
-void UpgradeOpenStores();
+// running codes its next number reads (runningCodeIndex, storage/StoreLayout.h); unless it is
+// among the files the start's check named damaged, which are left as they are.
+void UpgradeOpenStores(const QStringList& damagedFiles = {});
 // On the server: every store of the seat (the estimate store too) gains what an older build did
 // not lay down: the unique index of each table's row numbers, the seat column of the work
 // tables, the notice triggers, the estimate store's index of running codes. Each store in one

@@ -109,11 +109,13 @@ QStringList missingRunningCodeIndexes(const Database& estimate) {
 
 // A quotation store file from before the index gains it, both tables' in one transaction; a
 // failure rolls back and says so, and the next start tries again. The store is opened by its
-// screens only, so the step opens it itself; a file that is not a store passes (it was named
-// when the files were checked).
-void addRunningCodeIndexes() {
+// screens only, so the step opens it itself; a damaged file passes (it was named when the files
+// were checked).
+void addRunningCodeIndexes(const QStringList& damagedFiles) {
     const QString path = app().DbEstimateFile;
-    if (path.isEmpty() || !serverSchemaOf(path).isEmpty() || !QFileInfo(path).isFile()) return;
+    if (path.isEmpty() || !serverSchemaOf(path).isEmpty() || !QFileInfo(path).isFile() ||
+        damagedFiles.contains(path))
+        return;
     Database own;
     Database& estimate = stores().dbEstimate.isOpen() ? stores().dbEstimate : own;
     if (!estimate.isOpen() && !estimate.open(path)) return;
@@ -269,10 +271,10 @@ void UpgradeColumns() {
     upgradeColumns(stores().dbBasic, stores().dbTax, true);
 }
 
-void UpgradeOpenStores() {
+void UpgradeOpenStores(const QStringList& damagedFiles) {
     upgradeTables(stores().dbBasic, stores().dbTax, false);
     upgradeColumns(stores().dbBasic, stores().dbTax, false);
-    addRunningCodeIndexes();
+    addRunningCodeIndexes(damagedFiles);
     // A server database laid down by an older build gains what later builds lay down.
     UpgradeServerStores();
 }

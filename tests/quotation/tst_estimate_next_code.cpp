@@ -284,6 +284,15 @@ private Q_SLOTS:
         QVERIFY(OpenDb(stores().dbEstimate, app().DbEstimateFile));
         QVERIFY(hasIndexes());
     }
+    // A quotation file the start's check named damaged is left as it is (a server's store is never
+    // a file of the seat, and is not named so).
+    void aQuotationFileNamedDamagedIsLeftAlone() {
+        test::TestHome home;
+        QVERIFY(test::openQuotationStores());
+        QVERIFY(dropIndexes());
+        UpgradeOpenStores({app().DbEstimateFile});
+        QCOMPARE(hasIndexes(), stores().dbEstimate.onServer());
+    }
     void aNewStoreHasTheIndexFromItsFirstDay() {
         test::TestHome home;
         QVERIFY(test::openQuotationStores());

@@ -182,7 +182,7 @@ void reopenStores() {
     const QList<DamagedStore> damaged = CheckStoreFiles();
     OpenWholeStores(damaged);
     ReportDamagedStores(damaged);
-    UpgradeOpenStores();
+    UpgradeOpenStores(damagedPaths(damaged));
     LoadDefaultUser();
 }
 
