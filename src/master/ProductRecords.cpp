@@ -142,7 +142,8 @@ QString GetProductName(const QString& code) {
 
 bool NextProductCode(QString& code) {
     Recordset rs;
-    if (!OpenSnapshot(basic(), rs, QStringLiteral("Select Code from Product order by Code desc")))
+    // The highest code alone, from the end of the code's index, not every product.
+    if (!OpenSnapshot(basic(), rs, QStringLiteral("Select Code from Product order by Code desc LIMIT 1")))
         return false;
     if (rs.EOF_()) {
         code = QStringLiteral("000001");
