@@ -169,16 +169,6 @@ bool ensureServerPieces(Database& db, const SearchIndexDef& def) {
     return db.commit();
 }
 
-// How many rows of the pieces hold the key, counted up to one past the limit.
-constexpr int kServerPiecesLookups = 5000;
-int serverPiecesHeldBy(Database& db, const QString& pieces, const QString& key) {
-    QSqlQuery q(db.connection());
-    q.prepare(db.statementFor(
-        QStringLiteral("SELECT count(*) FROM (%1 LIMIT %2) s").arg(pieces).arg(kServerPiecesLookups + 1)));
-    q.addBindValue(key);
-    return q.exec() && q.next() ? q.value(0).toInt() : kServerPiecesLookups + 1;
-}
-
 } // namespace
 
 QStringList SearchIndexBuildStatements(const SearchIndexDef& def) {
@@ -263,30 +253,63 @@ void EnsureSearchIndexes(Database& db) {
         if (db.isOpen() && db.hasTable(def->table)) EnsureSearchIndex(db, *def);
 }
 
+namespace {
+
+// "SELECT rid FROM <pieces> WHERE gram = ? AND col IN (...)": the rows that hold the text as a
+// piece of one of the columns.
+QString piecesHolding(const QString& pieces, const SearchIndexDef& def, const QStringList& columns) {
+    QStringList numbers;
+    for (const QString& c : columns)
+        numbers << QString::number(def.columns.indexOf(c));
+    return QStringLiteral("SELECT rid FROM %1 WHERE gram = ? AND col IN (%2)")
+        .arg(pieces, numbers.join(QStringLiteral(", ")));
+}
+
+// Past this many pieces a short text is left to the plain statement: looking that many rows up
+// one by one took twice as long as reading the whole table.
+constexpr int kServerPiecesLookups = 5000;
+
+} // namespace
+
 SqlPart SearchCandidates(Database& db, const SearchIndexDef& def, const QString& text,
                          const QStringList& columns) {
-    if (text.isEmpty() || !db.isOpen()) return {};
-    // The server's ILIKE reads its trigram indexes by itself; it has no pieces of other tables.
-    if (db.onServer() && (UsesTrigramIndex(text) || serverPiecesTable(def.table).isEmpty())) return {};
+    // The server's ILIKE reads its trigram indexes by itself, and its short texts are narrowed
+    // in the list's source (SearchSource).
+    if (text.isEmpty() || !db.isOpen() || db.onServer()) return {};
     if (!readyIndexes().contains(readyKey(db, def)) && !EnsureSearchIndex(db, def)) return {};
     if (UsesTrigramIndex(text))
         return {QStringLiteral("%1.rowid IN (SELECT rowid FROM %2 WHERE %2 MATCH ?) AND ")
                     .arg(def.table, def.index),
                 {matchPhrase(text, columns)}};
-    QStringList numbers;
-    for (const QString& c : columns)
-        numbers << QString::number(def.columns.indexOf(c));
-    const QString pieces = QStringLiteral("SELECT rid FROM %1 WHERE gram = ? AND col IN (%2)")
-                               .arg(gramsTable(def), numbers.join(QStringLiteral(", ")));
     // The key is folded here as the pieces were (ASCII letters only), so both engines bind the same.
-    const QString key = piecesKey(text);
-    if (!db.onServer())
-        return {def.table + QStringLiteral(".rowid IN (") + pieces + QStringLiteral(") AND "), {key}};
+    return {def.table + QStringLiteral(".rowid IN (") + piecesHolding(gramsTable(def), def, columns) +
+                QStringLiteral(") AND "),
+            {piecesKey(text)}};
+}
+
+SqlPart SearchSource(Database& db, const SearchIndexDef& def, const QString& text,
+                     const QStringList& columns) {
+    const SqlPart whole{def.table, {}};
+    const QString pieces = serverPiecesTable(def.table);
+    if (text.isEmpty() || !db.isOpen() || !db.onServer() || UsesTrigramIndex(text) || pieces.isEmpty())
+        return whole;
+    if (!readyIndexes().contains(readyKey(db, def)) && !EnsureSearchIndex(db, def)) return whole;
     // The server guesses few rows for any ILIKE and would read the whole table first: its rows
     // are looked up by the pieces' row numbers instead. A text many traders hold lists many rows
-    // anyway, and past some thousands reading the table is quicker than looking each one up.
-    if (serverPiecesHeldBy(db, pieces, key) > kServerPiecesLookups) return {};
-    return {def.table + QStringLiteral(".rowid = ANY (ARRAY(") + pieces + QStringLiteral(")) AND "), {key}};
+    // anyway, and past some thousands reading the table is quicker than looking each one up. The
+    // pieces are counted in the same statement, and of its two branches the server runs only the
+    // one the count opens.
+    const QString holding = piecesHolding(pieces, def, columns);
+    const QString sql =
+        QStringLiteral("(WITH held AS (SELECT count(*) AS n FROM (%1 LIMIT %2) s) "
+                       "SELECT * FROM %3 WHERE (SELECT n FROM held) > %4 UNION ALL "
+                       "SELECT * FROM %3 WHERE (SELECT n FROM held) <= %4 AND rowid = ANY (ARRAY(%1))) %3")
+            .arg(holding)
+            .arg(kServerPiecesLookups + 1)
+            .arg(def.table)
+            .arg(kServerPiecesLookups);
+    const QString key = piecesKey(text);
+    return {sql, {key, key}};
 }
 
 } // namespace nb

@@ -48,10 +48,17 @@ struct SqlPart {
 // "<table>.rowid IN (SELECT rowid FROM <index> WHERE <index> MATCH ?) AND " narrowing the
 // table to rows where one of the columns may contain the text, or for one or two characters
 // "<table>.rowid IN (SELECT rid FROM <pieces> WHERE gram = ? AND col IN (...)) AND "; empty when
-// the index cannot be had (or, on the server, for three characters and more). The index is made
-// ready on first use.
+// the index cannot be had, and always on the server (see SearchSource). The index is made ready
+// on first use.
 SqlPart SearchCandidates(Database& db, const SearchIndexDef& def, const QString& text,
                          const QStringList& columns);
+// What a list reads its rows from, for "FROM <source> WHERE ...": the table itself, except on the
+// server for a text of one or two characters, where it is the table's rows that hold the text as
+// a piece of one of the columns, looked up by their row numbers, or the whole table when more
+// than 5,000 pieces hold it; one statement either way, named as the table. The list's own
+// conditions then test those rows, so its rows and their order stay the plain query's.
+SqlPart SearchSource(Database& db, const SearchIndexDef& def, const QString& text,
+                     const QStringList& columns);
 
 // For a book built once and only read (no triggers): the statements that make and fill the
 // index beside a table already loaded.

@@ -11,7 +11,7 @@
 namespace nb {
 namespace {
 
-const QString kSelectTraders = QStringLiteral("SELECT C_Name, U_Name, Phone, Addr1, Code FROM Trader ");
+const QString kSelectTraders = QStringLiteral("SELECT C_Name, U_Name, Phone, Addr1, Code FROM ");
 const QString kOrderTraders = QStringLiteral("ORDER BY C_Name NULLS FIRST, Trader.rowid;");
 
 // The byte conversion of the VAT kind: a number rounded half to even, 0 to 255.
@@ -35,8 +35,8 @@ bool toByte(const QString& text, quint8& out) {
 } // namespace
 
 SqlPart TraderListQuery(Database& db, const QString& name, int section) {
-    SqlPart part{kSelectTraders, {}};
     if (name.isEmpty()) {
+        SqlPart part{kSelectTraders + QStringLiteral("Trader "), {}};
         if (section < 2) {
             part.sql += QStringLiteral("WHERE Section = ?  ");
             part.values << section;
@@ -44,6 +44,10 @@ SqlPart TraderListQuery(Database& db, const QString& name, int section) {
         part.sql += kOrderTraders;
         return part;
     }
+    const QString first = TraderSearchByPhone(name) ? QStringLiteral("Phone") : QStringLiteral("C_Name");
+    const QStringList searched{first, QStringLiteral("Addr2")};
+    const SqlPart source = SearchSource(db, TraderSearchIndex(), name, searched);
+    SqlPart part{kSelectTraders + source.sql + u' ', source.values};
     if (section > 1) {
         part.sql += QStringLiteral("WHERE bDeled = ? AND ");
         part.values << storedBool(false);
@@ -51,8 +55,7 @@ SqlPart TraderListQuery(Database& db, const QString& name, int section) {
         part.sql += QStringLiteral("WHERE Section = ? AND ");
         part.values << section;
     }
-    const QString first = TraderSearchByPhone(name) ? QStringLiteral("Phone") : QStringLiteral("C_Name");
-    const SqlPart narrow = SearchCandidates(db, TraderSearchIndex(), name, {first, QStringLiteral("Addr2")});
+    const SqlPart narrow = SearchCandidates(db, TraderSearchIndex(), name, searched);
     const QString like = LikeAnywhere(db.onServer());
     part.sql += narrow.sql + u'(' + first + like + QStringLiteral(" OR Addr2") + like + QStringLiteral(") ");
     part.values << narrow.values << LikeContains(name) << LikeContains(name);

@@ -148,14 +148,36 @@ QString serverColumnType(int daoType) {
     }
 }
 
-QStringList serverTrigramIndexes(const QString& table) {
+namespace {
+// The trader columns the lists search inside.
+QStringList trigramColumns(const QString& table) {
     if (table.compare(QStringLiteral("Trader"), Qt::CaseInsensitive) != 0) return {};
+    return {QStringLiteral("c_name"), QStringLiteral("phone"), QStringLiteral("addr2")};
+}
+QString trigramIndexName(const QString& column) {
+    return QStringLiteral("trader_%1_trgm").arg(column);
+}
+} // namespace
+
+QStringList serverTrigramIndexNames(const QString& table) {
     QStringList out;
-    for (const char* column : {"c_name", "phone", "addr2"})
-        out << QStringLiteral(
-                   "CREATE INDEX IF NOT EXISTS trader_%1_trgm ON trader USING gin (%1 gin_trgm_ops)")
-                   .arg(QLatin1String(column));
+    for (const QString& column : trigramColumns(table))
+        out << trigramIndexName(column);
     return out;
+}
+
+QStringList serverTrigramIndexes(const QString& table) {
+    QStringList out;
+    for (const QString& column : trigramColumns(table))
+        out << QStringLiteral("CREATE INDEX IF NOT EXISTS %1 ON trader USING gin (%2 gin_trgm_ops) WITH "
+                              "(fastupdate = off)")
+                   .arg(trigramIndexName(column), column);
+    return out;
+}
+
+QStringList serverTrigramIndexSettling(const QString& index) {
+    return {QStringLiteral("ALTER INDEX %1 SET (fastupdate = off)").arg(index),
+            QStringLiteral("SELECT gin_clean_pending_list('%1'::regclass)").arg(index)};
 }
 
 QString serverRowidIndex(const QString& table) {

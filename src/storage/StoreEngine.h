@@ -79,7 +79,16 @@ QString clearSeatRows(bool server, const QString& table);
 // the whole table for texts of three characters and more; none for other tables. Shorter texts
 // are narrowed by the table of pieces beside the traders (ServerSearchPieces.h). The files keep
 // their own search tables instead.
+// A trader's trigrams go into the index as the trader is saved (fastupdate off): kept aside in
+// the index's list of pending entries instead, every search would read that list whole, and the
+// server, counting its pages, would guess the index dearer than reading all the traders once
+// some thousands were added since its last vacuum, and read the table for a text eleven hold.
 QStringList serverTrigramIndexes(const QString& table);
+// Their names ("trader_c_name_trgm", ...); none for other tables.
+QStringList serverTrigramIndexNames(const QString& table);
+// What brings a trigram index made by an older build to that: its entries written straight in
+// from now on, and those pending taken into it now.
+QStringList serverTrigramIndexSettling(const QString& index);
 // The statement that makes pg_trgm available to the stores (in public, on their search path).
 QString serverTrigramExtension();
 

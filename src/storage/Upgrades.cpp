@@ -205,6 +205,23 @@ bool hasUniqueRowidIndex(const Database& db, const QString& table) {
     return false;
 }
 
+// The trigram indexes of the table that still keep new entries aside in a pending list
+// (made by an older build), each with what settles it.
+QStringList unsettledTrigramIndexes(const Database& db, const QString& table) {
+    QStringList out;
+    for (const QString& index : serverTrigramIndexNames(table)) {
+        QSqlQuery q(db.connection());
+        q.prepare(
+            QStringLiteral("SELECT 1 FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = "
+                           "c.relnamespace WHERE n.nspname = ? AND c.relname = ? AND NOT "
+                           "COALESCE('fastupdate=off' = ANY (c.reloptions), false)"));
+        q.addBindValue(db.serverSchema());
+        q.addBindValue(index);
+        if (q.exec() && q.next()) out << serverTrigramIndexSettling(index);
+    }
+    return out;
+}
+
 // What one store on the server lacks, as statements; none for a store that has it all.
 QStringList missingServerSteps(const Database& db) {
     QStringList out;
@@ -216,6 +233,7 @@ QStringList missingServerSteps(const Database& db) {
                 << serverRowidIndex(table.name);
         if (isWorkTable(table.name) && !serverHasColumn(db, table.name, kServerSeatColumn))
             out << serverSeatUpgrade(table);
+        out << unsettledTrigramIndexes(db, table.name);
     }
     if (db.serverSchema() == u"estimate") out << missingRunningCodeIndexes(db);
     return out;
