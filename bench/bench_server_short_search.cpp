@@ -79,6 +79,41 @@ void fillTraders() {
     QSqlQuery(db.connection()).exec(QStringLiteral("ANALYZE trader_search_grams"));
 }
 
+// One step's times over several rounds: the clock and this thread's processor time, in ms.
+struct Step {
+    std::vector<double> clock, cpu;
+    static double median(std::vector<double> v) {
+        std::sort(v.begin(), v.end());
+        return v.empty() ? 0 : v[v.size() / 2];
+    }
+    double medianClock() const { return median(clock); }
+    double medianCpu() const { return median(cpu); }
+    // Times from its making to stop() or its end, whichever comes first.
+    class Clock {
+    public:
+        explicit Clock(Step& step) : m_step(step) {
+            m_wall.start();
+            clock_gettime(CLOCK_THREAD_CPUTIME_ID, &m_from);
+        }
+        ~Clock() { stop(); }
+        void stop() {
+            if (m_stopped) return;
+            m_stopped = true;
+            timespec to{};
+            clock_gettime(CLOCK_THREAD_CPUTIME_ID, &to);
+            m_step.clock.push_back(double(m_wall.nsecsElapsed()) / 1e6);
+            m_step.cpu.push_back(double(to.tv_sec - m_from.tv_sec) * 1e3 +
+                                 double(to.tv_nsec - m_from.tv_nsec) / 1e6);
+        }
+
+    private:
+        Step& m_step;
+        QElapsedTimer m_wall;
+        timespec m_from{};
+        bool m_stopped = false;
+    };
+};
+
 // Every row taken into memory and held, as the list's grid holds them; the count.
 int keepEveryRow(GridRowSource& rows) {
     const int width = rows.width();
@@ -103,20 +138,11 @@ int listRows(const SqlPart& query) {
 
 // The same statement through Qt's driver, as the list read it before: the answer taken whole by
 // the driver, then every value copied out of it and held.
-int driverRows(const SqlPart& query, bool readValues = true) {
+int driverRows(const SqlPart& query) {
     auto q = std::make_unique<QSqlQuery>(stores().dbBasic.connection());
     if (!OpenForwardOnly(stores().dbBasic, *q, query.sql, query.values)) return -1;
-    if (!readValues) return 0;
     QueryRows rows(std::move(q));
     return keepEveryRow(rows);
-}
-
-// The server's answer alone, past the driver, its values made but not handed over.
-int answerOnly(const SqlPart& query) {
-    std::vector<QVariant> values;
-    int width = 0;
-    stores().dbBasic.readRowsOnServer(query.sql, query.values, values, &width);
-    return width > 0 ? int(values.size()) / width : 0;
 }
 
 // The scans the server ran for the statement, in short: "table" where it read every trader,
@@ -186,33 +212,39 @@ int main(int argc, char** argv) {
     fillTraders();
     std::printf("store on the server: %d traders (laid down with their pieces in %.1f s)\n", kTraders,
                 double(filling.elapsed()) / 1000);
-    std::printf("\nthe statistics taken (ANALYZE), as right after many traders came in:\n");
     timeTexts();
-    psqlMs(QStringLiteral("VACUUM ANALYZE trader"), 1);
-    psqlMs(QStringLiteral("VACUUM ANALYZE trader_search_grams"), 1);
-    QSqlQuery seen(stores().dbBasic.connection());
-    seen.exec(
-        QStringLiteral("SELECT relallvisible * 100 / greatest(relpages, 1) FROM pg_catalog.pg_class WHERE "
-                       "relname = 'trader_search_grams'"));
-    std::printf("\nafter a vacuum, as the server's own upkeep leaves the tables (the pieces' pages known "
-                "visible to all: %d %%):\n",
-                seen.next() ? seen.value(0).toInt() : -1);
-    timeTexts();
-    // Where the time of a long list goes: the clock beside the program's own processor time (the
-    // rest is the server's work and the wait for it), the answer alone and with its rows handed
-    // over; through the driver, the statement run (the driver takes the answer whole), then its
-    // values copied out.
-    std::printf("\nwhere the time goes (clock / the program's processor time):\n%-6s  %21s  %21s  %21s  "
-                "%21s\n",
-                "text", "answer", "+ rows handed", "driver: run", "+ values copied");
+    // Where the time of a long list goes, each step's clock and the program's own processor time
+    // (the rest of the clock is the server's work and the wait for it): the statement until its
+    // answer is in, then its rows made into values and held as the list holds them; past the
+    // driver (the list's road) and through it (the road before). Medians of 9.
+    std::printf(
+        "\nwhere the time goes (clock / the program's processor time):\n%-6s  %22s  %22s  %22s  %22s\n",
+        "text", "answer in", "rows made and held", "driver: answer in", "rows made and held");
     for (const QString& text : {QStringLiteral("물"), QStringLiteral("7")}) {
         const SqlPart query = TraderListQuery(stores().dbBasic, text, 0);
-        const std::vector<std::function<void()>> runs{[&] { answerOnly(query); }, [&] { listRows(query); },
-                                                      [&] { driverRows(query, false); },
-                                                      [&] { driverRows(query); }};
+        std::vector<Step> steps(4);
+        for (int round = 0; round < 9; ++round) {
+            {
+                Step::Clock answer(steps[0]);
+                std::unique_ptr<GridRowSource> rows =
+                    stores().dbBasic.openRowsOnServer(query.sql, query.values);
+                answer.stop();
+                Step::Clock held(steps[1]);
+                keepEveryRow(*rows);
+            }
+            {
+                Step::Clock answer(steps[2]);
+                auto q = std::make_unique<QSqlQuery>(stores().dbBasic.connection());
+                OpenForwardOnly(stores().dbBasic, *q, query.sql, query.values);
+                QueryRows rows(std::move(q));
+                answer.stop();
+                Step::Clock held(steps[3]);
+                keepEveryRow(rows);
+            }
+        }
         std::printf("%-6s", qPrintable(text));
-        for (const auto& run : runs)
-            std::printf("  %8.2f / %6.2f ms", bench::medianMs(run, 15), bench::medianCpuMs(run, 15));
+        for (Step& step : steps)
+            std::printf("  %9.2f / %6.2f ms", step.medianClock(), step.medianCpu());
         std::printf("\n");
     }
     return 0;

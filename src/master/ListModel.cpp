@@ -8,35 +8,6 @@ namespace nb {
 
 static_assert(ListModel::kFirstPage == GridModel::kFirstPage);
 
-namespace {
-
-// A list's rows as the server answered them, every row at once: handed over a row at a time,
-// each value moved out as it goes.
-class AnsweredRows : public GridRowSource {
-public:
-    AnsweredRows(std::vector<QVariant> values, int width) : m_values(std::move(values)), m_width(width) {}
-    int width() const override { return m_width; }
-    int expectedRows() const override { return m_width > 0 ? int(m_values.size() / size_t(m_width)) : 0; }
-    bool next(QVariant* out, int count) override {
-        if (m_width <= 0 || m_next + size_t(m_width) > m_values.size()) {
-            m_values = {}; // read through: the memory goes at once
-            m_next = 0;
-            return false;
-        }
-        for (int c = 0; c < count && c < m_width; ++c)
-            out[c] = std::move(m_values[m_next + size_t(c)]);
-        m_next += size_t(m_width);
-        return true;
-    }
-
-private:
-    std::vector<QVariant> m_values;
-    int m_width = 0;
-    size_t m_next = 0;
-};
-
-} // namespace
-
 ListModel::ListModel(Grid* grid, const QStringList& headings, QObject* parent)
     : QObject(parent), m_grid(grid), m_headings(headings) {
     CommonSpreadDesign(*m_grid, true, true, true, true);
@@ -120,14 +91,11 @@ std::unique_ptr<GridRowSource> OpenListRows(Database& db, const QString& sql, co
                                             KeptStatements& kept) {
     if (db.onServer()) {
         // Read past Qt's driver, in one round trip, the values made straight from the answer.
-        std::vector<QVariant> answer;
-        int width = 0;
-        if (!db.readRowsOnServer(sql, values, answer, &width)) {
+        std::unique_ptr<GridRowSource> rows = db.openRowsOnServer(sql, values);
+        if (!rows)
             ReportQueryFailure(db.lastErrorNumber(), db.lastErrorDescription(), sqlForDisplay(sql, values),
                                db.lastEngineCode());
-            return nullptr;
-        }
-        return std::make_unique<AnsweredRows>(std::move(answer), width);
+        return rows;
     }
     if (!SqliteRows::canStep(db.connection())) {
         auto rows = std::make_unique<QSqlQuery>(db.connection());

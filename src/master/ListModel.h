@@ -55,9 +55,9 @@ private:
 };
 
 // The rows of a search on a store for a list: on a SQLite store stepped straight from the engine
-// by the statement kept for it in kept (prepared by the first search); on the server read whole
-// from its answer past Qt's driver (Database::readRowsOnServer), with the values and types the
-// driver would give; elsewhere read forward through Qt. Null, its failure box shown, when the
+// by the statement kept for it in kept (prepared by the first search); on the server from its
+// answer past Qt's driver (Database::openRowsOnServer), with the values and types the driver
+// would give; elsewhere read forward through Qt. Null, its failure box shown, when the
 // statement cannot run.
 std::unique_ptr<GridRowSource> OpenListRows(Database& db, const QString& sql, const QVariantList& values,
                                             KeptStatements& kept);

@@ -18,7 +18,9 @@
 
 namespace nb {
 
+class GridRowSource;
 class Recordset;
+struct ServerAnswer;       // DatabaseServerRows.cpp
 struct ServerRowStatement; // DatabaseServerRows.cpp
 
 // Column type numbers of the original's schema calls.
@@ -133,6 +135,10 @@ public:
     // once more, as for the other statements.
     bool readRowsOnServer(const QString& sql, const QVariantList& values, std::vector<QVariant>& rows,
                           int* width);
+    // The same read for a list: the answer held as the server gave it, each row's values made as
+    // the list takes the row, so they are made once, into the list's own room. Null when it
+    // failed, as above.
+    std::unique_ptr<GridRowSource> openRowsOnServer(const QString& sql, const QVariantList& values);
 
     // Makes another store file's tables reachable as alias.Table in this connection's
     // statements (the two cross-file queries). The file must exist. On the server every store
@@ -201,8 +207,9 @@ private:
     // On the server, the statement prepared once on this connection and kept for the next run of
     // the same text; *prepared false (the query holds the server's words) when it would not be.
     std::shared_ptr<QSqlQuery> preparedOnServer(const QString& statement, bool forwardOnly, bool* prepared);
-    bool readAnswerOnServer(const QString& statement, const QVariantList& values, std::vector<QVariant>& rows,
-                            int* width, QSqlError* error);
+    std::unique_ptr<ServerAnswer> answerOnServer(const QString& sql, const QVariantList& values);
+    std::unique_ptr<ServerAnswer> readAnswerOnServer(const QString& statement, const QVariantList& values,
+                                                     QSqlError* error);
     // Lets go of every kept statement, or of those of one text.
     void forgetPrepared(const QString& statement = QString());
     void noteFailure(int number, const QString& description, int engineCode = 0);

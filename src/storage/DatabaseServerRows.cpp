@@ -2,7 +2,9 @@
 // with its values in one round trip (where the driver prepares, runs and lets go of it in three),
 // its values made straight from the server's answer, in the binary form where every column has
 // one, into the types the driver would have given (whole numbers, amounts as doubles, texts).
-// A month's list spent half its time in the driver.
+// A month's list spent half its time in the driver. A list of many rows keeps the answer and
+// makes each row's values as the list takes it, so they are made once, into the list's own room.
+#include "common/grid/GridRows.h"
 #include "storage/Database.h"
 #include "storage/DatabaseServerWatch.h"
 #include "storage/StoreEngine.h"
@@ -207,35 +209,79 @@ void dropUnreadResults(PGconn* conn) {
             PQclear(left);
 }
 
-void takeRows(const PGresult* result, const std::vector<Oid>& types, bool binary,
-              std::vector<QVariant>& rows) {
-    const int count = PQntuples(result);
-    const int columns = int(types.size());
-    rows.reserve(rows.size() + size_t(count) * size_t(columns));
+} // namespace
+
+// The server's answer to a read, kept as it came, with how its columns are read.
+struct ServerAnswer {
+    PGresult* result = nullptr;
+    std::vector<Oid> types;
     std::vector<QMetaType> nullTypes;
-    for (const Oid type : types)
-        nullTypes.push_back(metaTypeOf(type));
-    for (int r = 0; r < count; ++r)
-        for (int c = 0; c < columns; ++c) {
-            const Oid type = types[size_t(c)];
-            if (PQgetisnull(result, r, c))
-                rows.emplace_back(nullTypes[size_t(c)], nullptr);
-            else if (binary)
-                rows.push_back(fromBinary(type, PQgetvalue(result, r, c), PQgetlength(result, r, c)));
-            else
-                rows.push_back(fromText(type, PQgetvalue(result, r, c), PQgetlength(result, r, c)));
+    bool binary = false;
+
+    ServerAnswer(PGresult* answer, std::vector<Oid> columnTypes, bool binaryForm)
+        : result(answer), types(std::move(columnTypes)), binary(binaryForm) {
+        for (const Oid type : types)
+            nullTypes.push_back(metaTypeOf(type));
+    }
+    ~ServerAnswer() { PQclear(result); }
+    ServerAnswer(const ServerAnswer&) = delete;
+    ServerAnswer& operator=(const ServerAnswer&) = delete;
+
+    int width() const { return int(types.size()); }
+    int rows() const { return PQntuples(result); }
+    QVariant value(int r, int c) const {
+        if (PQgetisnull(result, r, c)) return QVariant(nullTypes[size_t(c)], nullptr);
+        const Oid type = types[size_t(c)];
+        return binary ? fromBinary(type, PQgetvalue(result, r, c), PQgetlength(result, r, c))
+                      : fromText(type, PQgetvalue(result, r, c), PQgetlength(result, r, c));
+    }
+    void appendTo(std::vector<QVariant>& out) const {
+        const int count = rows();
+        const int columns = width();
+        out.reserve(out.size() + size_t(count) * size_t(columns));
+        for (int r = 0; r < count; ++r)
+            for (int c = 0; c < columns; ++c)
+                out.push_back(value(r, c));
+    }
+};
+
+namespace {
+
+// A list's rows from the server's answer, each row's values made as the list takes it; the
+// answer let go of once the last row is taken.
+class ServerAnswerRows : public GridRowSource {
+public:
+    explicit ServerAnswerRows(std::unique_ptr<ServerAnswer> answer)
+        : m_answer(std::move(answer)), m_width(m_answer->width()), m_rows(m_answer->rows()) {}
+    int width() const override { return m_width; }
+    int expectedRows() const override { return m_rows; }
+    bool next(QVariant* out, int count) override {
+        if (!m_answer || m_next >= m_rows) {
+            m_answer.reset();
+            return false;
         }
-}
+        for (int c = 0; c < count && c < m_width; ++c)
+            out[c] = m_answer->value(m_next, c);
+        ++m_next;
+        return true;
+    }
+
+private:
+    std::unique_ptr<ServerAnswer> m_answer;
+    int m_width = 0;
+    int m_rows = 0;
+    int m_next = 0;
+};
 
 } // namespace
 
-bool Database::readAnswerOnServer(const QString& statement, const QVariantList& values,
-                                  std::vector<QVariant>& rows, int* width, QSqlError* error) {
+std::unique_ptr<ServerAnswer> Database::readAnswerOnServer(const QString& statement,
+                                                           const QVariantList& values, QSqlError* error) {
     PGconn* conn = serverEngineHandle(connection());
     if (!conn) {
         *error =
             QSqlError(QString(), QStringLiteral("no connection to the server"), QSqlError::ConnectionError);
-        return false;
+        return nullptr;
     }
     dropUnreadResults(conn);
     std::vector<QByteArray> texts;
@@ -257,11 +303,11 @@ bool Database::readAnswerOnServer(const QString& statement, const QVariantList& 
         const ServerAnswerWatch watch(conn);
         // Unnamed, so that the server plans it for these very values (a kept plan for any dates
         // would read ten years as it reads a month); still one round trip.
-        const Result result(PQexecParams(conn, held->text.constData(), int(parameters.size()), nullptr,
-                                         parameters.data(), nullptr, nullptr, binary ? 1 : 0));
+        Result result(PQexecParams(conn, held->text.constData(), int(parameters.size()), nullptr,
+                                   parameters.data(), nullptr, nullptr, binary ? 1 : 0));
         if (PQresultStatus(result.r) != PGRES_TUPLES_OK) {
             *error = serverError(conn, result.r);
-            return false;
+            return nullptr;
         }
         const int columns = PQnfields(result.r);
         std::vector<Oid> types(static_cast<size_t>(columns));
@@ -276,23 +322,21 @@ bool Database::readAnswerOnServer(const QString& statement, const QVariantList& 
         held->types = types;
         held->binary = binary ? asTold : binaryForm;
         if (!asTold) continue;
-        *width = columns;
-        takeRows(result.r, types, binary, rows);
-        return true;
+        PGresult* answer = result.r;
+        result.r = nullptr;
+        return std::make_unique<ServerAnswer>(answer, std::move(types), binary);
     }
 }
 
-bool Database::readRowsOnServer(const QString& sql, const QVariantList& values, std::vector<QVariant>& rows,
-                                int* width) {
-    *width = 0;
+std::unique_ptr<ServerAnswer> Database::answerOnServer(const QString& sql, const QVariantList& values) {
     // After a failed statement the server has dropped the transaction's work (see run).
-    if (m_failedDepth > 0) return false;
+    if (m_failedDepth > 0) return nullptr;
     noteFailure(ErrNone, QString());
     noteClosedByDriver();
-    if (m_connectionLost && !inTransaction() && !reconnectServer()) return false;
+    if (m_connectionLost && !inTransaction() && !reconnectServer()) return nullptr;
     if (!isOpen() || !m_server) {
         noteFailure(ErrNotOpened, QStringLiteral("Object variable or With block variable not set"));
-        return false;
+        return nullptr;
     }
     ++m_statementsRun;
     const QString statement = statementFor(sql, values);
@@ -300,19 +344,34 @@ bool Database::readRowsOnServer(const QString& sql, const QVariantList& values, 
     // connection made again (a server restarted while the seat stood idle).
     bool askedAgain = inTransaction();
     for (;;) {
-        const size_t before = rows.size();
         QSqlError error;
-        if (readAnswerOnServer(statement, values, rows, width, &error)) return true;
-        rows.resize(before);
+        if (std::unique_ptr<ServerAnswer> answer = readAnswerOnServer(statement, values, &error))
+            return answer;
         noteFailure(error);
         if (m_connectionLost && !askedAgain) {
             askedAgain = true;
             if (reconnectServer()) continue;
-            return false;
+            return nullptr;
         }
         if (inTransaction() && m_failedDepth == 0) m_failedDepth = int(m_savepoints.size());
-        return false;
+        return nullptr;
     }
+}
+
+bool Database::readRowsOnServer(const QString& sql, const QVariantList& values, std::vector<QVariant>& rows,
+                                int* width) {
+    *width = 0;
+    const std::unique_ptr<ServerAnswer> answer = answerOnServer(sql, values);
+    if (!answer) return false;
+    *width = answer->width();
+    answer->appendTo(rows);
+    return true;
+}
+
+std::unique_ptr<GridRowSource> Database::openRowsOnServer(const QString& sql, const QVariantList& values) {
+    std::unique_ptr<ServerAnswer> answer = answerOnServer(sql, values);
+    if (!answer) return nullptr;
+    return std::make_unique<ServerAnswerRows>(std::move(answer));
 }
 
 } // namespace nb

@@ -250,6 +250,20 @@ private Q_SLOTS:
         }
         QVERIFY(nulls > 0);
     }
+    // A list statement the server refuses shows the failure box and gives the list no rows; the
+    // searches after it read as before.
+    void aListStatementTheServerRefusesShowsItsBoxAndNoRows() {
+        TestHome home;
+        QVERIFY(openStores());
+        auto& msgs = script();
+        KeptStatements kept;
+        QVERIFY(!OpenListRows(stores().dbBasic, QStringLiteral("SELECT Nothing FROM Trader"), {}, kept));
+        QCOMPARE(msgs.boxes().size(), size_t(1));
+        // The connection goes on: the next search reads its rows.
+        addTrader(QStringLiteral("000001"), QStringLiteral("가나상사"));
+        QCOMPARE(listRows(QStringLiteral("가나")).size(), 1);
+        QCOMPARE(msgs.boxes().size(), size_t(1));
+    }
     // A database laid down by an older build kept the trigram indexes' new entries aside: the
     // start has them written straight in, and a second start changes nothing.
     void anOlderDatabasesTrigramIndexesAreSettledAtStart() {
