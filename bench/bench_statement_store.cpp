@@ -21,6 +21,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <functional>
+#if __has_include(<valgrind/callgrind.h>)
+#include <valgrind/callgrind.h>
+#endif
 
 using namespace nb;
 using bench::code;
@@ -148,6 +151,61 @@ void timeChoice(FrmDealList& screen, const QString& billNo, double cli) {
     report("  choosing it on the screen (and back)", screen.spDetail->MaxRows(), ms, cli);
 }
 
+// The searches a profiler counts (valgrind --tool=callgrind --instr-atstart=no): the month's
+// list on the screen, run again and again.
+void profiledSearches(FrmDealList& screen, int times) {
+#if __has_include(<valgrind/callgrind.h>)
+    CALLGRIND_START_INSTRUMENTATION;
+#endif
+    for (int i = 0; i < times; ++i)
+        bench::firstPaintFreeMs(&screen, [&] { screen.cmdMaster_Click(); });
+#if __has_include(<valgrind/callgrind.h>)
+    CALLGRIND_STOP_INSTRUMENTATION;
+#endif
+}
+
+// NB_BENCH_PROFILE: only the month's list, a hundred times, on the statements without their
+// lines (the list reads none of them).
+int profileMonth() {
+    bench::fillTraders(50000);
+    bench::fillStatements(100000, 100000);
+    QSqlQuery(stores().dbBasic.connection())
+        .exec(QStringLiteral("INSERT INTO User (Company, Serial) VALUES ('하르문상사', '123-45-67890')"));
+    if (qEnvironmentVariableIsSet("M6_KEEP")) {
+        QSqlQuery(stores().dbBill.connection()).exec(QStringLiteral("VACUUM INTO '/tmp/m6bill.db'"));
+        QSqlQuery(stores().dbBasic.connection()).exec(QStringLiteral("VACUUM INTO '/tmp/m6basic.db'"));
+    }
+    FrmDealList screen;
+    screen.show();
+    QApplication::processEvents();
+    SetDateCellText(screen.spDate[0], QStringLiteral("2020-05-01"));
+    SetDateCellText(screen.spDate[1], QStringLiteral("2020-05-31"));
+    for (int i = 0; i < 5; ++i)
+        bench::firstPaintFreeMs(&screen, [&] { screen.cmdMaster_Click(); });
+    if (qEnvironmentVariableIsSet("M6_PAINTS")) {
+        struct Spy : QObject {
+            bool eventFilter(QObject* o, QEvent* e) override {
+                if (e->type() == QEvent::Paint) {
+                    auto* w = static_cast<QWidget*>(o);
+                    std::printf("paint %s %s (parent %s) %s\n", o->metaObject()->className(), qPrintable(o->objectName()),
+                                w->parentWidget() ? w->parentWidget()->metaObject()->className() : "-",
+                                qPrintable(QString("%1x%2+%3+%4").arg(static_cast<QPaintEvent*>(e)->rect().width()).arg(static_cast<QPaintEvent*>(e)->rect().height()).arg(static_cast<QPaintEvent*>(e)->rect().x()).arg(static_cast<QPaintEvent*>(e)->rect().y())));
+                }
+                return false;
+            }
+        } spy;
+        qApp->installEventFilter(&spy);
+        bench::firstPaintFreeMs(&screen, [&] { screen.cmdMaster_Click(); });
+        qApp->removeEventFilter(&spy);
+    }
+    QElapsedTimer t;
+    t.start();
+    profiledSearches(screen, 100);
+    std::printf("the month's list: %d statements, %.3f ms a search\n", screen.spMaster->MaxRows() - 1,
+                double(t.nsecsElapsed()) / 1e6 / 100);
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -157,6 +215,7 @@ int main(int argc, char** argv) {
     test::TestHome home;
     test::script();
     if (!test::openStores()) return 1;
+    if (qEnvironmentVariableIsSet("NB_BENCH_PROFILE")) return profileMonth();
 
     bench::fillTraders(50000);
     bench::fillStatements(100000, 1000000, 200);

@@ -6,6 +6,7 @@
 
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <algorithm>
 
 namespace nb {
 namespace {
@@ -14,7 +15,69 @@ QString traderCondition(const QString& traderCode, const QString& table) {
     return traderCode.isEmpty() ? QString() : QStringLiteral(" AND ") + table + QStringLiteral(".CCode = ?");
 }
 
+// Two texts in the order of their characters' code points, which is the order of their UTF-8
+// bytes, as both engines compare texts: UTF-16 units above the surrogates move below them.
+int compareCodePoints(QStringView a, QStringView b) {
+    const qsizetype n = std::min(a.size(), b.size());
+    for (qsizetype i = 0; i < n; ++i) {
+        char16_t x = a[i].unicode(), y = b[i].unicode();
+        if (x == y) continue;
+        if (x >= 0xD800) x = char16_t(x >= 0xE000 ? x - 0x800 : x + 0x2000);
+        if (y >= 0xD800) y = char16_t(y >= 0xE000 ? y - 0x800 : y + 0x2000);
+        return x < y ? -1 : 1;
+    }
+    return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
+}
+
+// Two values as texts (a null one empty), read in place when they are texts already.
+int compareTexts(const QVariant& a, const QVariant& b) {
+    if (a.typeId() == QMetaType::QString && b.typeId() == QMetaType::QString)
+        return compareCodePoints(*static_cast<const QString*>(a.constData()),
+                                 *static_cast<const QString*>(b.constData()));
+    return compareCodePoints(a.toString(), b.toString());
+}
+
+// A statement number as the list orders it: a missing one as an empty text, a text before any
+// bytes (which only a foreign writer could leave in the column).
+int compareBillNos(const QVariant& a, const QVariant& b) {
+    const bool aBytes = a.typeId() == QMetaType::QByteArray, bBytes = b.typeId() == QMetaType::QByteArray;
+    if (aBytes != bBytes) return aBytes ? 1 : -1;
+    if (aBytes) {
+        const QByteArray x = a.toByteArray(), y = b.toByteArray();
+        return x == y ? 0 : (x < y ? -1 : 1);
+    }
+    return compareTexts(a, b);
+}
+
 } // namespace
+
+// Rows of `width` values (BillDate, C_Name, NumBill, total, BillNo, CCode, row number) into the
+// list's order: by date, number (a missing one first) and row number. Rows already in that order
+// (the usual case: numbers are given as statements are written) are only looked through.
+void putInListOrder(std::vector<QVariant>& rows, size_t width) {
+    const size_t count = width ? rows.size() / width : 0;
+    const auto before = [&rows, width](size_t a, size_t b) {
+        const QVariant* x = &rows[a * width];
+        const QVariant* y = &rows[b * width];
+        if (const int date = compareTexts(x[0], y[0])) return date < 0;
+        if (const int number = compareBillNos(x[4], y[4])) return number < 0;
+        return x[width - 1].toLongLong() < y[width - 1].toLongLong();
+    };
+    bool ordered = true;
+    for (size_t i = 1; i < count && ordered; ++i)
+        ordered = !before(i, i - 1);
+    if (ordered) return;
+    std::vector<size_t> order(count);
+    for (size_t i = 0; i < count; ++i)
+        order[i] = i;
+    std::stable_sort(order.begin(), order.end(), before);
+    std::vector<QVariant> sorted;
+    sorted.reserve(rows.size());
+    for (const size_t row : order)
+        for (size_t c = 0; c < width; ++c)
+            sorted.push_back(std::move(rows[row * width + c]));
+    rows.swap(sorted);
+}
 
 StatementListFromEnd::StatementListFromEnd(Database& bill, const QString& basicFile, const QString& from,
                                            const QString& to, const QString& traderCode)
@@ -41,14 +104,20 @@ bool StatementListFromEnd::open() {
 // needs no second statement. The statement gives no row when the dates hold more statements
 // (told by counting, on the date index, no further than one more than that): the longer road
 // follows then, and for an empty range too, which it answers at once.
+//
+// The files' engine walks the date index, which holds the rows of one day in the order they were
+// written: ordered by date and row number it gives them without sorting, and putInListOrder puts
+// the numbers of a day in order afterwards (mostly they are already). The server sorts them
+// itself.
 QString StatementListFromEnd::shortListSql() const {
     return QStringLiteral("SELECT m.BillDate, trader.C_Name, m.NumBill, m.TotAmount + m.TotVat, m.BillNo, "
-                          "m.CCode FROM master m LEFT JOIN ") +
+                          "m.CCode, m.rowid FROM master m LEFT JOIN ") +
            kBasicAlias + QStringLiteral(".Trader ON m.ccode = trader.code WHERE ") +
            dateAndTraderCondition(QStringLiteral("m")) +
            QStringLiteral(" AND (SELECT COUNT(*) FROM (SELECT 1 FROM master few WHERE ") +
-           dateAndTraderCondition(QStringLiteral("few")) +
-           QStringLiteral(" LIMIT ?) counted) <= ? ORDER BY m.BillDate, COALESCE(m.BillNo, ''), m.rowid");
+           dateAndTraderCondition(QStringLiteral("few")) + QStringLiteral(" LIMIT ?) counted) <= ? ") +
+           (m_bill.onServer() ? QStringLiteral("ORDER BY m.BillDate, COALESCE(m.BillNo, ''), m.rowid")
+                              : QStringLiteral("ORDER BY m.BillDate, m.rowid"));
 }
 
 QVariantList StatementListFromEnd::shortListValues() const {
@@ -62,15 +131,16 @@ QVariantList StatementListFromEnd::shortListValues() const {
 
 bool StatementListFromEnd::readShortList(const QString& sql, const QVariantList& values, bool* isShort) {
     if (!runStatement(sql, values)) return false;
-    const int count = int(m_page.size() / kColumns);
+    const int count = int(m_page.size() / kShortWidth);
     *isShort = count > 0;
     if (!*isShort) return true;
     m_whole = true;
     m_rows = m_left = count;
-    for (size_t at = 0; at < m_page.size(); at += kColumns) {
+    for (size_t at = 0; at < m_page.size(); at += kShortWidth) {
         m_lines += numberOf(m_page[at + 2]);
         m_total += numberOf(m_page[at + 3]);
     }
+    putInListOrder(m_page, kShortWidth);
     return true;
 }
 
@@ -191,7 +261,7 @@ bool StatementListFromEnd::readLaterPage() {
 }
 
 bool StatementListFromEnd::next(QVariant* out, int count) {
-    const size_t rowWidth = m_whole ? kColumns : kColumns + kKeyColumns;
+    const size_t rowWidth = m_whole ? kShortWidth : kColumns + kKeyColumns;
     if (m_next >= m_page.size() && !m_over && m_left > 0 && !readLaterPage())
         m_over = true; // a failure was shown; the rows not read stay empty
     if (m_over || m_left <= 0 || m_next >= m_page.size()) {

@@ -19,6 +19,10 @@
 
 namespace nb {
 
+// Rows of `width` values (the list's six columns, then the row number last) into the list's
+// order: by BillDate, BillNo (a missing one first, as an empty one) and row number.
+void putInListOrder(std::vector<QVariant>& rows, size_t width);
+
 class StatementListFromEnd : public GridRowSource {
 public:
     StatementListFromEnd(Database& bill, const QString& basicFile, const QString& from, const QString& to,
@@ -45,6 +49,7 @@ public:
 
 private:
     static constexpr int kColumns = 6;
+    static constexpr int kShortWidth = kColumns + 1; // the short list's rows carry their row number
     static constexpr int kKeyColumns = 2; // the row's number and its BillNo as ordered
     bool attachBasic(const QString& sql, const QVariantList& values);
     QString shortListSql() const;

@@ -252,6 +252,61 @@ private Q_SLOTS:
         }
     }
 
+    // The short list comes from the date index in the order the statements were written; the
+    // numbers of one day are put in order after it, a missing or empty number first (in the order
+    // written), and a later number written earlier on another day stays on its day.
+    void aShortListOrdersTheNumbersOfADayWrittenOutOfOrder() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        QVERIFY(addTrader(QStringLiteral("000001"), QStringLiteral("가나상사")));
+        const QList<QVariant> written{QStringLiteral("000900"), QStringLiteral("000300"),
+                                      QStringLiteral("000100"), QVariant(),
+                                      QStringLiteral("000200"), QStringLiteral("")};
+        const QString day = QStringLiteral("2020-05-02");
+        for (const QVariant& no : written)
+            QVERIFY(test::exec(stores().dbBill,
+                               QStringLiteral("INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, "
+                                              "NumBill) VALUES (?, ?, '000001', 10, 1, 1)"),
+                               {no, no == QVariant(QStringLiteral("000900")) ? QStringLiteral("2020-05-01")
+                                                                             : day}));
+        DealListModel model(stores().dbBill);
+        QVERIFY(listAll(model, QStringLiteral("2020-05-01"), QStringLiteral("2020-05-31")));
+        QStringList shown;
+        for (int row = 1; row <= model.masterCount(); ++row)
+            shown << model.listed(row).billDate + u' ' + model.listed(row).billNo;
+        QCOMPARE(shown, QStringList({QStringLiteral("2020-05-01 000900"), day + u' ', day + u' ',
+                                     day + QStringLiteral(" 000100"), day + QStringLiteral(" 000200"),
+                                     day + QStringLiteral(" 000300")}));
+        // The missing number (written before the empty one) comes first of the two.
+        QVERIFY(model.masterRows().listValue(ColMasterBillNo, 2).isNull());
+        QCOMPARE(model.masterRows().listValue(ColMasterBillNo, 3).toString(), QString());
+        QVERIFY(!model.masterRows().listValue(ColMasterBillNo, 3).isNull());
+        const QList<QVariantList> expected =
+            test::statementListThroughQt(QStringLiteral("2020-05-01"), QStringLiteral("2020-05-31"));
+        QCOMPARE(model.masterCount(), int(expected.size()));
+    }
+
+    // Texts compare as their code points (UTF-8 byte order), a character beyond the basic plane
+    // after every one inside it; a missing number as an empty one, before any other.
+    void theListOrderComparesTextsAsTheEnginesDo() {
+        const QString beyond = QString::fromUcs4(U"\U0001F600");
+        std::vector<QVariant> rows;
+        const auto add = [&rows](const QString& date, const QVariant& no, qlonglong rowid) {
+            rows.insert(rows.end(), {date, QVariant(), 1, 1.0, no, QVariant(), rowid});
+        };
+        add(QStringLiteral("2020-01-01"), beyond, 1);
+        add(QStringLiteral("2020-01-01"), QString(QChar(0xFF21)), 2);
+        add(QStringLiteral("2020-01-01"), QStringLiteral("가"), 3);
+        add(QStringLiteral("2020-01-01"), QVariant(), 5);
+        add(QStringLiteral("2020-01-01"), QStringLiteral(""), 4);
+        putInListOrder(rows, 7);
+        QStringList order;
+        for (size_t at = 0; at < rows.size(); at += 7)
+            order << QString::number(rows[at + 6].toLongLong());
+        QCOMPARE(order, QStringList({QStringLiteral("4"), QStringLiteral("5"), QStringLiteral("3"),
+                                     QStringLiteral("2"), QStringLiteral("1")}));
+    }
+
     void theSumsOfAMonthAndOfTenYearsAreThoseOfTheirRowsWalked() {
         test::TestHome home;
         QVERIFY(test::openStores());
