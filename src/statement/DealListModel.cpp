@@ -59,13 +59,12 @@ bool DealListModel::readList() {
         const int count = rows->rows();
         const double lines = rows->lines(), total = rows->total();
         const bool fromEnd = rows->fromEnd();
-        m_rows->showList(std::move(rows), count, fromEnd);
+        m_rows->showList(std::move(rows), count, fromEnd, 1); // with the empty last row
         m_rows->setListSum(ColNumBill, lines);
         m_rows->setListSum(ColTotal, total);
     } else {
-        m_rows->showList(nullptr, 0);
+        m_rows->showList(nullptr, 0, false, 1);
     }
-    m_rows->setMaxRows(m_rows->maxRows() + 1); // the empty last row
     return ok;
 }
 

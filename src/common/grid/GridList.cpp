@@ -43,10 +43,13 @@ bool RowsInMemory::next(QVariant* out, int count) {
 }
 
 double numberOf(const QVariant& value) {
+    // The engine's own kinds read in place: the list's sums read every row's numbers.
     switch (value.typeId()) {
     case QMetaType::Double:
-    case QMetaType::Int:
+        return *static_cast<const double*>(value.constData());
     case QMetaType::LongLong:
+        return double(*static_cast<const qlonglong*>(value.constData()));
+    case QMetaType::Int:
     case QMetaType::UInt:
     case QMetaType::ULongLong:
     case QMetaType::Float:
@@ -64,8 +67,10 @@ GridList::GridList(std::unique_ptr<GridRowSource> source, int width, int knownRo
     : m_source(std::move(source)), m_width(std::max(width, 0)), m_sourceWidth(0), m_known(knownRows),
       m_fromEnd(fromEnd && knownRows >= 0) {
     if (m_source) m_sourceWidth = std::min(m_source->width(), m_width);
+    // Room for one row more than the source's: the row a screen adds after the list (the empty
+    // last row) then moves no value.
     const int expected = m_known >= 0 ? m_known : (m_source ? m_source->expectedRows() : -1);
-    if (expected > 0 && !m_fromEnd) m_values.reserve(size_t(expected) * size_t(m_width));
+    if (expected > 0 && !m_fromEnd) m_values.reserve(size_t(expected + 1) * size_t(m_width));
     if (m_width == 0 || m_known == 0) endOfSource();
 }
 

@@ -91,7 +91,9 @@ public:
     // knownRows, when the screen counted them, gives MaxRows at once; -1 lets MaxRows grow as
     // the rows come. fromEnd (with knownRows): the source gives the rows last first, and the rows
     // above the last page are read as they are needed or between events.
-    void showList(std::unique_ptr<GridRowSource> source, int knownRows, bool fromEnd = false);
+    // blankRowsAfter (with knownRows): empty rows after the query's, as setMaxRows adds them.
+    void showList(std::unique_ptr<GridRowSource> source, int knownRows, bool fromEnd = false,
+                  int blankRowsAfter = 0);
     // Whether the rows after the first page are also read between events (the default), or
     // only as the view scrolls to them or a cell asks: for a list that may hold more rows than
     // memory should.

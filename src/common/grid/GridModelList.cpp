@@ -6,7 +6,7 @@
 
 namespace nb {
 
-void GridModel::showList(std::unique_ptr<GridRowSource> source, int knownRows, bool fromEnd) {
+void GridModel::showList(std::unique_ptr<GridRowSource> source, int knownRows, bool fromEnd, int blankRowsAfter) {
     m_pager->stop();
     beginResetModel();
     const int atHand = source ? source->rowsAtHand() : 0;
@@ -14,6 +14,9 @@ void GridModel::showList(std::unique_ptr<GridRowSource> source, int knownRows, b
     m_rows.clear();
     m_formulaCells.clear();
     m_list->readPage(std::max(kFirstPage, atHand));
+    // The blank rows join the list before the view hears of it: one count told once, and a list
+    // as long as the one before changes no row of the view's headers.
+    if (blankRowsAfter > 0 && m_list->countKnown()) m_list->resize(m_list->rows() + blankRowsAfter);
     m_viewRows = m_list->rows();
     endResetModel();
     if (m_list->reading() && m_readsAhead) m_pager->start();
