@@ -50,7 +50,7 @@ public:
 private:
     static constexpr int kColumns = 6;
     static constexpr int kShortWidth = kColumns + 1; // the short list's rows carry their row number
-    static constexpr int kKeyColumns = 2; // the row's number and its BillNo as ordered
+    static constexpr int kKeyColumns = 2;            // the row's number and its BillNo as ordered
     bool attachBasic(const QString& sql, const QVariantList& values);
     QString shortListSql() const;
     QVariantList shortListValues() const;

@@ -3,6 +3,8 @@
 #include "StoreFixture.h"
 #include "statement/DealListModel.h"
 
+#include <QSignalSpy>
+
 using namespace nb;
 
 namespace {
@@ -55,6 +57,31 @@ private Q_SLOTS:
         QCOMPARE(model.detailRowCount(), 15);
         QCOMPARE(model.gong(), 0.0);
     }
+    // The month's list reaches the view with its empty row in one change: no row is added or
+    // taken away after it, and a list read again of as many statements changes no row count.
+    void theListAndItsEmptyRowReachTheViewInOneChange() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        for (int i = 1; i <= 3; ++i)
+            QVERIFY(bill().Execute(
+                QStringLiteral("INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, NumBill) "
+                               "VALUES (?, '2024-05-0' || ?, '000001', 1000, 100, 1)"),
+                {QStringLiteral("00000%1").arg(i), i}));
+        DealListModel model(bill());
+        QVERIFY(listMay(model));
+        QSignalSpy resets(&model.masterRows(), &QAbstractItemModel::modelReset);
+        QSignalSpy inserted(&model.masterRows(), &QAbstractItemModel::rowsInserted);
+        QSignalSpy removed(&model.masterRows(), &QAbstractItemModel::rowsRemoved);
+        QVERIFY(listMay(model));
+        QCOMPARE(resets.count(), 1);
+        QCOMPARE(inserted.count() + removed.count(), 0);
+        QCOMPARE(model.masterRowCount(), 4);
+        QCOMPARE(model.masterRows().rowCount(), 4);
+        QCOMPARE(model.activeMasterRow(), 4);
+        QCOMPARE(model.listed(3).billNo, QStringLiteral("000003"));
+        QCOMPARE(model.periodTotal(), 3300.0);
+    }
+
     void firstLineMakesHeadInListAndTotalsFollowEdits() {
         test::TestHome home;
         QVERIFY(test::openStores());

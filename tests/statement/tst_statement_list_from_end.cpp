@@ -264,11 +264,11 @@ private Q_SLOTS:
                                       QStringLiteral("000200"), QStringLiteral("")};
         const QString day = QStringLiteral("2020-05-02");
         for (const QVariant& no : written)
-            QVERIFY(test::exec(stores().dbBill,
-                               QStringLiteral("INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, "
-                                              "NumBill) VALUES (?, ?, '000001', 10, 1, 1)"),
-                               {no, no == QVariant(QStringLiteral("000900")) ? QStringLiteral("2020-05-01")
-                                                                             : day}));
+            QVERIFY(test::exec(
+                stores().dbBill,
+                QStringLiteral("INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, "
+                               "NumBill) VALUES (?, ?, '000001', 10, 1, 1)"),
+                {no, no == QVariant(QStringLiteral("000900")) ? QStringLiteral("2020-05-01") : day}));
         DealListModel model(stores().dbBill);
         QVERIFY(listAll(model, QStringLiteral("2020-05-01"), QStringLiteral("2020-05-31")));
         QStringList shown;

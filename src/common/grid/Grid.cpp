@@ -35,6 +35,21 @@ public:
             return {defaultSectionSize(), minimumHeight()};
         return QHeaderView::sizeHint();
     }
+    // A new list in the same columns changes nothing the column header shows: its sections stay
+    // as they are (the plain header keeps them through a reset too) and it is not painted again.
+    void reset() override {
+        if (orientation() == Qt::Horizontal && model() && state() == NoState &&
+            count() == model()->columnCount(rootIndex()))
+            return;
+        QHeaderView::reset();
+    }
+
+protected:
+    // The header repaints the sections of the old and the new current cell only to highlight
+    // them; the grid's headers highlight nothing, so a cursor that moves repaints no section.
+    void currentChanged(const QModelIndex& current, const QModelIndex& old) override {
+        if (highlightSections()) QHeaderView::currentChanged(current, old);
+    }
 };
 } // namespace
 

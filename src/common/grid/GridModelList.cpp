@@ -6,7 +6,8 @@
 
 namespace nb {
 
-void GridModel::showList(std::unique_ptr<GridRowSource> source, int knownRows, bool fromEnd, int blankRowsAfter) {
+void GridModel::showList(std::unique_ptr<GridRowSource> source, int knownRows, bool fromEnd,
+                         int blankRowsAfter) {
     m_pager->stop();
     beginResetModel();
     const int atHand = source ? source->rowsAtHand() : 0;

@@ -5,6 +5,7 @@
 #include "common/grid/MduSpread.h"
 
 #include <QApplication>
+#include <QHeaderView>
 #include <QPaintEvent>
 #include <QScreen>
 #include <QTest>
@@ -58,6 +59,26 @@ struct RepaintWindow : QObject {
     QRect cell(int col, int row) const { return grid->visualRect(grid->cells().index(row - 1, col - 1)); }
 };
 
+// The paints one widget gets while this lives.
+struct HeaderPaints : QObject {
+    int paints = 0;
+    explicit HeaderPaints(QWidget* widget) { widget->installEventFilter(this); }
+    bool eventFilter(QObject*, QEvent* e) override {
+        if (e->type() == QEvent::Paint) ++paints;
+        return false;
+    }
+};
+
+// Rows of five texts: the first column a date, the second the prefix and the row's number.
+QVector<QVariantList> listRows(int count, const QString& prefix) {
+    QVector<QVariantList> rows;
+    for (int i = 1; i <= count; ++i)
+        rows << QVariantList{QStringLiteral("2024-01-%1").arg(i % 28 + 1, 2, 10, QChar(u'0')),
+                             prefix + QString::number(i), QString::number(i), QStringLiteral("개"),
+                             QString::number(i * 100)};
+    return rows;
+}
+
 } // namespace
 
 class TestGridRepaint : public QObject {
@@ -105,6 +126,52 @@ private Q_SLOTS:
         }) > 0);
         QVERIFY(w.painted.contains(w.cell(1, 2)) && w.painted.contains(w.cell(4, 6)));
         QVERIFY(!w.painted.intersects(w.cell(1, 12)));
+        QCOMPARE(w.shown(), w.paintedWhole());
+    }
+
+    // A new list in the same columns leaves the column header as it is: nothing about it
+    // changed, and what the window shows is still what a whole paint would show.
+    void aNewListInTheSameColumnsRepaintsNoColumnHeader() {
+        RepaintWindow w;
+        for (int c = 1; c <= 5; ++c)
+            w.grid->SetText(c, 0, QStringLiteral("열%1").arg(c));
+        w.grid->showList(std::make_unique<RowsInMemory>(listRows(40, QStringLiteral("가"))), 40);
+        RepaintWindow::settle();
+        HeaderPaints header(w.grid->horizontalHeader()->viewport());
+        QCOMPARE(w.paintsAfter([&] {
+            w.grid->showList(std::make_unique<RowsInMemory>(listRows(25, QStringLiteral("나"))), 25);
+            w.grid->SetActiveCell(1, 25);
+        }) > 0,
+                 true);
+        QCOMPARE(header.paints, 0);
+        QCOMPARE(w.grid->Text(2, 25), QStringLiteral("나25"));
+        QCOMPARE(w.shown(), w.paintedWhole());
+    }
+
+    // A list in other columns lays the column header out again.
+    void aListInOtherColumnsRepaintsTheColumnHeader() {
+        RepaintWindow w;
+        w.grid->showList(std::make_unique<RowsInMemory>(listRows(10, QStringLiteral("가"))), 10);
+        RepaintWindow::settle();
+        HeaderPaints header(w.grid->horizontalHeader()->viewport());
+        w.paintsAfter([&] { w.grid->setMaxCols(3); });
+        QVERIFY(header.paints > 0);
+        QCOMPARE(w.grid->horizontalHeader()->count(), 3);
+        QCOMPARE(w.shown(), w.paintedWhole());
+    }
+
+    // The headers highlight no section, so the cursor moving repaints neither of them.
+    void movingTheCursorRepaintsNoHeader() {
+        RepaintWindow w;
+        w.grid->SetActiveCell(1, 1);
+        RepaintWindow::settle();
+        HeaderPaints columns(w.grid->horizontalHeader()->viewport());
+        HeaderPaints rows(w.grid->verticalHeader()->viewport());
+        QVERIFY(w.paintsAfter([&] {
+            w.grid->SetActiveCell(3, 4);
+            w.grid->SetActiveCell(2, 7);
+        }) > 0);
+        QCOMPARE(columns.paints + rows.paints, 0);
         QCOMPARE(w.shown(), w.paintedWhole());
     }
 

@@ -377,6 +377,48 @@ private Q_SLOTS:
         QCOMPARE(w.grid->Text(2, 8000), QStringLiteral("거래처8000"));
     }
 
+    // A list read whole at once keeps room for the row the screen adds after it: the values
+    // already read stay where they are.
+    void theRowAddedAfterAListReadWholeMovesNoValue() {
+        GridList list(std::make_unique<RowsInMemory>(statementRows(300)), 7, 300);
+        list.readPage(300);
+        QVERIFY(!list.reading());
+        const QVariant* first = list.peek(1, 1);
+        const QVariant* last = list.peek(5, 300);
+        list.resize(301);
+        QCOMPARE(list.rows(), 301);
+        QCOMPARE(list.peek(1, 1), first);
+        QCOMPARE(list.peek(5, 300), last);
+        QCOMPARE(list.peek(5, 300)->toString(), QStringLiteral("000300"));
+        QVERIFY(list.peek(1, 301)->isNull());
+    }
+
+    // Rows after the query's handed over with the list reach the view with it, in one reset.
+    void blankRowsAfterAListComeWithItInOneChange() {
+        test::TestHome home;
+        ListWindow w;
+        w.show(statementRows(30), 30);
+        QSignalSpy resets(&w.grid->cells(), &QAbstractItemModel::modelReset);
+        QSignalSpy inserted(&w.grid->cells(), &QAbstractItemModel::rowsInserted);
+        QSignalSpy removed(&w.grid->cells(), &QAbstractItemModel::rowsRemoved);
+        w.grid->cells().showList(std::make_unique<RowsInMemory>(statementRows(20)), 20, false, 1);
+        QCOMPARE(resets.count(), 1);
+        QCOMPARE(inserted.count() + removed.count(), 0);
+        QCOMPARE(w.grid->MaxRows(), 21);
+        QCOMPARE(w.grid->Text(5, 20), QStringLiteral("000020"));
+        QCOMPARE(w.grid->Text(5, 21), QString());
+        QCOMPARE(w.grid->DataRowCnt(), 20);
+        // From the end: the blank row follows the rows not read yet.
+        w.grid->setReadsAhead(false);
+        w.grid->cells().showList(lastFirst(statementRows(5000)), 5000, true, 1);
+        QCOMPARE(w.grid->MaxRows(), 5001);
+        QCOMPARE(w.grid->Text(5, 5000), QStringLiteral("005000"));
+        QVERIFY(w.grid->isReading());
+        QCOMPARE(w.grid->Text(5, 5001), QString());
+        QCOMPARE(w.grid->Text(5, 1), QStringLiteral("000001"));
+        QCOMPARE(w.grid->MaxRows(), 5001);
+    }
+
     void deletingARowOfAPartlyReadListMovesTheRowsUp() {
         test::TestHome home;
         ListWindow w;
