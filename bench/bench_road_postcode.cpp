@@ -22,6 +22,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <vector>
+#if __has_include(<valgrind/callgrind.h>)
+#include <valgrind/callgrind.h>
+#endif
 
 using namespace nb;
 
@@ -144,8 +147,14 @@ int main(int argc, char** argv) {
         form.InitForm(text, result);
         QElapsedTimer t;
         t.start();
+#if __has_include(<valgrind/callgrind.h>)
+        CALLGRIND_START_INSTRUMENTATION; // valgrind --tool=callgrind --instr-atstart=no
+#endif
         for (int i = 0; i < 500; ++i)
             bench::firstPaintFreeMs(&form, [&] { form.InitForm(text, result); });
+#if __has_include(<valgrind/callgrind.h>)
+        CALLGRIND_STOP_INSTRUMENTATION;
+#endif
         std::printf("%s: %d rows, %.3f ms a search\n", qPrintable(text), form.model()->rowCount(),
                     double(t.nsecsElapsed()) / 1e6 / 500);
         book.close();

@@ -1,7 +1,8 @@
 // Times of the statement store at a decade of data (100,000 statements, 1,000,000 lines,
 // 50,000 traders): the list of one month and of one year, the lines of a 200-line statement,
 // one new line and one changed line; beside each, the same query through the sqlite3 command
-// line on the same file.
+// line on the same file. With NB_BENCH_PROFILE set only the month's list on the screen is run, a
+// hundred times, counted by callgrind when run under it with --instr-atstart=no.
 #include "BenchBooks.h"
 #include "BenchSupport.h"
 #include "StoreFixture.h"
@@ -171,10 +172,6 @@ int profileMonth() {
     bench::fillStatements(100000, 100000);
     QSqlQuery(stores().dbBasic.connection())
         .exec(QStringLiteral("INSERT INTO User (Company, Serial) VALUES ('하르문상사', '123-45-67890')"));
-    if (qEnvironmentVariableIsSet("M6_KEEP")) {
-        QSqlQuery(stores().dbBill.connection()).exec(QStringLiteral("VACUUM INTO '/tmp/m6bill.db'"));
-        QSqlQuery(stores().dbBasic.connection()).exec(QStringLiteral("VACUUM INTO '/tmp/m6basic.db'"));
-    }
     FrmDealList screen;
     screen.show();
     QApplication::processEvents();
@@ -182,22 +179,6 @@ int profileMonth() {
     SetDateCellText(screen.spDate[1], QStringLiteral("2020-05-31"));
     for (int i = 0; i < 5; ++i)
         bench::firstPaintFreeMs(&screen, [&] { screen.cmdMaster_Click(); });
-    if (qEnvironmentVariableIsSet("M6_PAINTS")) {
-        struct Spy : QObject {
-            bool eventFilter(QObject* o, QEvent* e) override {
-                if (e->type() == QEvent::Paint) {
-                    auto* w = static_cast<QWidget*>(o);
-                    std::printf("paint %s %s (parent %s) %s\n", o->metaObject()->className(), qPrintable(o->objectName()),
-                                w->parentWidget() ? w->parentWidget()->metaObject()->className() : "-",
-                                qPrintable(QString("%1x%2+%3+%4").arg(static_cast<QPaintEvent*>(e)->rect().width()).arg(static_cast<QPaintEvent*>(e)->rect().height()).arg(static_cast<QPaintEvent*>(e)->rect().x()).arg(static_cast<QPaintEvent*>(e)->rect().y())));
-                }
-                return false;
-            }
-        } spy;
-        qApp->installEventFilter(&spy);
-        bench::firstPaintFreeMs(&screen, [&] { screen.cmdMaster_Click(); });
-        qApp->removeEventFilter(&spy);
-    }
     QElapsedTimer t;
     t.start();
     profiledSearches(screen, 100);

@@ -240,8 +240,8 @@ RoadSearchWords ReadRoadSearchText(const QString& text) {
         return w;
     }
     QStringList names;
-    for (const QString& word :
-         trimmed.split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts)) {
+    static const QRegularExpression blanks(QStringLiteral("\\s+")); // made once, not at every search
+    for (const QString& word : trimmed.split(blanks, Qt::SkipEmptyParts)) {
         if (word == u"산") {
             w.mountain = true;
         } else if (!readNumberWord(word, w)) {
