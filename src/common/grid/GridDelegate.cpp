@@ -4,10 +4,12 @@
 #include "common/grid/Grid.h"
 
 #include <QApplication>
+#include <QPaintEngine>
 #include <QPainter>
 #include <QPointer>
 #include <QStyleFactory>
 #include <QTextLine>
+#include <cmath>
 
 namespace nb {
 
@@ -100,6 +102,60 @@ void CellTextCache::draw(QPainter* painter, const QRect& rect, int flags, const 
     if (clip) painter->restore();
 }
 
+size_t qHash(const CellPixelCache::Cell& cell, size_t seed) {
+    return qHashMulti(seed, cell.text, cell.back, cell.fore, cell.flags, cell.size.width(),
+                      cell.size.height());
+}
+
+// The backing store of a window: the raster engine drawing on an image, moved by whole pixels
+// only, nothing see-through about the drawing.
+bool CellPixelCache::keepsPixelsOn(const QPainter* painter) {
+    const QPaintEngine* engine = painter->paintEngine();
+    if (!engine || engine->type() != QPaintEngine::Raster || !engine->paintDevice() ||
+        engine->paintDevice()->devType() != QInternal::Image)
+        return false;
+    const auto* image = static_cast<const QImage*>(engine->paintDevice());
+    const QTransform t = painter->deviceTransform();
+    return image->devicePixelRatio() == 1.0 && t.type() <= QTransform::TxTranslate &&
+           t.dx() == std::floor(t.dx()) && t.dy() == std::floor(t.dy()) && painter->opacity() == 1.0 &&
+           painter->compositionMode() == QPainter::CompositionMode_SourceOver &&
+           painter->layoutDirection() != Qt::RightToLeft;
+}
+
+void CellPixelCache::draw(QPainter* painter, const QRect& rect, const Cell& cell, const QFont& font,
+                          const Paint& paint) {
+    if (!keepsPixelsOn(painter)) {
+        paint(painter, rect);
+        return;
+    }
+    const auto* target = static_cast<const QImage*>(painter->paintEngine()->paintDevice());
+    if (!(font == m_font) || painter->renderHints() != m_hints || target->format() != m_format) {
+        m_cells.clear();
+        m_bytes = 0;
+        m_font = font;
+        m_hints = painter->renderHints();
+        m_format = target->format();
+    }
+    auto kept = m_cells.constFind(cell);
+    if (kept == m_cells.constEnd()) {
+        QImage pixels(rect.size(), m_format);
+        pixels.setDotsPerMeterX(target->dotsPerMeterX());
+        pixels.setDotsPerMeterY(target->dotsPerMeterY());
+        {
+            QPainter p(&pixels);
+            p.setRenderHints(m_hints);
+            paint(&p, QRect(QPoint(0, 0), rect.size()));
+        }
+        if (m_bytes + pixels.sizeInBytes() > kMaxBytes) {
+            m_cells.clear();
+            m_bytes = 0;
+        }
+        m_bytes += pixels.sizeInBytes();
+        kept = m_cells.insert(cell, std::move(pixels));
+    }
+    painter->drawImage(rect.topLeft(), *kept);
+}
+
 GridDelegate::GridDelegate(Grid* grid) : QStyledItemDelegate(grid), m_grid(grid) {}
 
 void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
@@ -110,13 +166,23 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     painter->save();
     const QColor back = m_grid->isHighlighted(col, row) ? colorFromBgr(m_grid->SelBackColor())
                                                         : index.data(Qt::BackgroundRole).value<QColor>();
-    painter->fillRect(cell, back);
-    painter->setPen(index.data(Qt::ForegroundRole).value<QColor>());
-    painter->setFont(option.font);
-    const auto align = index.data(Qt::TextAlignmentRole).value<Qt::Alignment>();
-    const QRect textRect = cell.adjusted(kTextMargin, 1, -kTextMargin, -1);
-    painter->setClipRect(cell);
-    m_texts.draw(painter, textRect, int(align) | Qt::TextSingleLine, index.data(Qt::DisplayRole).toString());
+    const QColor fore = index.data(Qt::ForegroundRole).value<QColor>();
+    const int flags = int(index.data(Qt::TextAlignmentRole).value<Qt::Alignment>()) | Qt::TextSingleLine;
+    const QString text = index.data(Qt::DisplayRole).toString();
+    const auto paintCell = [&](QPainter* p, const QRect& at) {
+        p->fillRect(at, back);
+        p->setPen(fore);
+        p->setFont(option.font);
+        p->setClipRect(at);
+        m_texts.draw(p, at.adjusted(kTextMargin, 1, -kTextMargin, -1), flags, text);
+    };
+    if (text.isEmpty() || !back.isValid() || back.alpha() != 255) {
+        paintCell(painter, cell);
+    } else {
+        m_pixels.draw(painter, cell, {text, back.rgba(), fore.rgba(), flags, cell.size()}, option.font,
+                      paintCell);
+        painter->setClipRect(cell); // as for a cell drawn here, for the cursor's frame
+    }
     const bool active = col == m_grid->ActiveCol() && row == m_grid->ActiveRow();
     if (active && m_grid->operationMode() == OperationMode::Normal && !m_grid->EditMode()) {
         painter->setPen(QPen(Qt::black, 2));

@@ -198,6 +198,78 @@ private Q_SLOTS:
         QCOMPARE(cache.size(), 9);
     }
 
+    // A cell's kept pixels, copied at any whole-pixel place of an image in either of the
+    // backing stores' formats, are pixel for pixel the cell drawn there anew: the texts, colours,
+    // alignments and sizes of a list, the second round all from kept pixels.
+    void aCellCopiedFromItsKeptPixelsIsTheCellDrawnAnew() {
+        const QStringList texts = {
+            QStringLiteral("2020-05-31"), QStringLiteral("가나상사4149"),
+            QStringLiteral("33,000"),     QStringLiteral("서울특별시 가가구 동산로7길 1"),
+            QStringLiteral("A&B상사"),    QStringLiteral("가나다라마바사아자차카타파하 아주 긴 이름")};
+        const QList<int> aligns = {Qt::AlignLeft | Qt::AlignVCenter, Qt::AlignRight | Qt::AlignVCenter,
+                                   Qt::AlignHCenter | Qt::AlignVCenter};
+        const QList<QColor> backs = {Qt::white, QColor(255, 224, 224), QColor(255, 255, 180)};
+        const QList<QRect> cells = {QRect(10, 21, 75, 19), QRect(171, 3, 31, 19), QRect(0, 0, 229, 20)};
+        const QFont font = QApplication::font();
+        for (const QImage::Format format : {QImage::Format_RGB32, QImage::Format_ARGB32_Premultiplied}) {
+            CellPixelCache kept;
+            CellTextCache texts1, texts2;
+            for (int round = 0; round < 2; ++round)
+                for (const QString& text : texts)
+                    for (int align : aligns)
+                        for (const QColor& back : backs)
+                            for (const QRect& cell : cells) {
+                                QImage expected(240, 44, format), copied = expected;
+                                expected.fill(Qt::gray);
+                                copied.fill(Qt::gray);
+                                const auto paint = [&](CellTextCache& t) {
+                                    return [&, flags = align | Qt::TextSingleLine](QPainter* p,
+                                                                                   const QRect& at) {
+                                        p->fillRect(at, back);
+                                        p->setPen(Qt::black);
+                                        p->setFont(font);
+                                        p->setClipRect(at);
+                                        t.draw(p, at.adjusted(3, 1, -3, -1), flags, text);
+                                    };
+                                };
+                                {
+                                    QPainter a(&expected), b(&copied);
+                                    paint(texts1)(&a, cell);
+                                    QVERIFY(CellPixelCache::keepsPixelsOn(&b));
+                                    kept.draw(&b, cell,
+                                              {text, back.rgba(), QColor(Qt::black).rgba(),
+                                               align | Qt::TextSingleLine, cell.size()},
+                                              font, paint(texts2));
+                                }
+                                if (expected != copied)
+                                    QFAIL(qPrintable(QStringLiteral("'%1' in %2x%3 round %4 differs")
+                                                         .arg(text)
+                                                         .arg(cell.width())
+                                                         .arg(cell.height())
+                                                         .arg(round)));
+                            }
+            QCOMPARE(kept.size(), int(texts.size() * aligns.size() * backs.size() * cells.size()));
+        }
+    }
+
+    // Only the raster engine's images on whole pixels keep cells: a moved by half a pixel, see-
+    // through or scaled painter draws each cell as it comes.
+    void onlyWholePixelsOfAnImageKeepCells() {
+        QImage image(50, 50, QImage::Format_RGB32);
+        QPainter p(&image);
+        QVERIFY(CellPixelCache::keepsPixelsOn(&p));
+        p.translate(0.5, 0);
+        QVERIFY(!CellPixelCache::keepsPixelsOn(&p));
+        p.resetTransform();
+        p.scale(2, 2);
+        QVERIFY(!CellPixelCache::keepsPixelsOn(&p));
+        p.resetTransform();
+        p.setOpacity(0.5);
+        QVERIFY(!CellPixelCache::keepsPixelsOn(&p));
+        p.setOpacity(1);
+        QVERIFY(CellPixelCache::keepsPixelsOn(&p));
+    }
+
     // Another font (the grid's font changed) lays the texts out anew.
     void anotherFontLaysTheTextsOutAnew() {
         CellTextCache cache;
