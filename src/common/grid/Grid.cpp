@@ -246,6 +246,10 @@ void Grid::onNewList() {
     m_activeCol = m_activeRow = 0;
     clampActiveCell();
     scrollToTop();
+    // Laid out now (the view and its row header, which its length lays out), not while the rows
+    // are painted: the row header is then painted in the same frame as the rows, not a frame after.
+    executeDelayedItemsLayout();
+    verticalHeader()->length();
 }
 
 void Grid::fillQuietly(const std::function<void()>& fill) {

@@ -8,6 +8,7 @@
 #include <QHeaderView>
 #include <QPaintEvent>
 #include <QScreen>
+#include <QScrollBar>
 #include <QTest>
 
 using namespace nb;
@@ -145,6 +146,24 @@ private Q_SLOTS:
                  true);
         QCOMPARE(header.paints, 0);
         QCOMPARE(w.grid->Text(2, 25), QStringLiteral("나25"));
+        QCOMPARE(w.shown(), w.paintedWhole());
+    }
+
+    // A new list's rows and row header are painted in the same frame: nothing of the grid is
+    // left to paint once the window has painted what was asked of it.
+    void aNewListPaintsItsRowsAndRowHeaderInOneFrame() {
+        RepaintWindow w;
+        w.grid->showList(std::make_unique<RowsInMemory>(listRows(200, QStringLiteral("가"))), -1);
+        w.grid->verticalScrollBar()->setValue(150);
+        RepaintWindow::settle();
+        HeaderPaints rows(w.grid->verticalHeader()->viewport());
+        HeaderPaints cells(w.grid->viewport());
+        w.grid->showList(std::make_unique<RowsInMemory>(listRows(120, QStringLiteral("나"))), -1);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateRequest);
+        QCOMPARE(cells.paints, 1);
+        QCOMPARE(rows.paints, 1);
+        RepaintWindow::settle();
+        QCOMPARE(cells.paints + rows.paints, 2);
         QCOMPARE(w.shown(), w.paintedWhole());
     }
 
