@@ -3,6 +3,7 @@
 // store opened, and quick ways to put quotations and their lines in place.
 
 #include "StoreFixture.h"
+#include "quotation/clsEstimate.h"
 #include "storage/Stores.h"
 
 namespace nb::test {
@@ -34,6 +35,15 @@ inline bool addEstiLine(int seq, const QString& code, const QString& name, doubl
                 QStringLiteral("INSERT INTO Estimate (Seq, Code, PCode, PName, PNorm, EAmount, EUnitPrice, "
                                "EstiKum, EUnit) VALUES (?, ?, '', ?, ?, ?, ?, ?, ?)"),
                 {seq, code, name, norm, qty, price, qint64(qty * price), unit});
+}
+
+// The number a new quotation of that date would get ("unset" when none was given).
+inline QString nextCode(const QString& date) {
+    clsEstimate e;
+    e.sEDate = date;
+    QString code = QStringLiteral("unset");
+    e.NextCode(code);
+    return code;
 }
 
 } // namespace nb::test

@@ -22,14 +22,6 @@ bool run(Database& db, const QString& sql) {
 
 const QStringList kIndexes{QStringLiteral("EstiBase_RunningCode"), QStringLiteral("Estimate_RunningCode")};
 
-QString nextCode(const QString& date) {
-    clsEstimate e;
-    e.sEDate = date;
-    QString code = QStringLiteral("unset");
-    e.NextCode(code);
-    return code;
-}
-
 // The number as reading the whole month gives it: every code of the month, heads and lines,
 // written in digits, the longest first and then the highest text; the first that is a running
 // number is the month's last.
@@ -138,18 +130,20 @@ private Q_SLOTS:
         QVERIFY(test::openQuotationStores());
         QVERIFY(heads({QStringLiteral("202404999"), QStringLiteral("202406001"), QStringLiteral("20240")}));
         QVERIFY(lines({QStringLiteral("202406002")}));
-        QCOMPARE(nextCode(QStringLiteral("2024-05-10")), QStringLiteral("202405001"));
-        QCOMPARE(nextCode(QStringLiteral("2024-05-10")), wholeMonthNextCode(QStringLiteral("2024-05-10")));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-10")), QStringLiteral("202405001"));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-10")),
+                 wholeMonthNextCode(QStringLiteral("2024-05-10")));
     }
     void pastNineHundredNinetyNineTheMonthGoesOnWithFourDigits() {
         test::TestHome home;
         QVERIFY(test::openQuotationStores());
         QVERIFY(
             heads({QStringLiteral("202405001"), QStringLiteral("202405998"), QStringLiteral("202405999")}));
-        QCOMPARE(nextCode(QStringLiteral("2024-05-31")), QStringLiteral("2024051000"));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-31")), QStringLiteral("2024051000"));
         QVERIFY(heads({QStringLiteral("2024051000")}));
-        QCOMPARE(nextCode(QStringLiteral("2024-05-31")), QStringLiteral("2024051001"));
-        QCOMPARE(nextCode(QStringLiteral("2024-05-31")), wholeMonthNextCode(QStringLiteral("2024-05-31")));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-31")), QStringLiteral("2024051001"));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-31")),
+                 wholeMonthNextCode(QStringLiteral("2024-05-31")));
     }
     void codesThatAreNotRunningNumbersArePassedOver() {
         test::TestHome home;
@@ -160,24 +154,27 @@ private Q_SLOTS:
             heads({QStringLiteral("202405012"), QStringLiteral("20240512A"),
                    QStringLiteral("2024059999999999"), QStringLiteral("202405+99"),
                    QStringLiteral("202405 99"), QStringLiteral("202405"), QStringLiteral("202405１２３")}));
-        QCOMPARE(nextCode(QStringLiteral("2024-05-31")), QStringLiteral("202405013"));
-        QCOMPARE(nextCode(QStringLiteral("2024-05-31")), wholeMonthNextCode(QStringLiteral("2024-05-31")));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-31")), QStringLiteral("202405013"));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-31")),
+                 wholeMonthNextCode(QStringLiteral("2024-05-31")));
     }
     // Zeros in front count as digits of the code's length, as the month's order has always had it.
     void aLongCodeOfLeadingZerosIsARunningNumberOfItsValue() {
         test::TestHome home;
         QVERIFY(test::openQuotationStores());
         QVERIFY(heads({QStringLiteral("202405500"), QStringLiteral("2024050000000000012")}));
-        QCOMPARE(nextCode(QStringLiteral("2024-05-31")), QStringLiteral("202405013"));
-        QCOMPARE(nextCode(QStringLiteral("2024-05-31")), wholeMonthNextCode(QStringLiteral("2024-05-31")));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-31")), QStringLiteral("202405013"));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-31")),
+                 wholeMonthNextCode(QStringLiteral("2024-05-31")));
     }
     void aLineWithoutItsHeadCountsItsCode() {
         test::TestHome home;
         QVERIFY(test::openQuotationStores());
         QVERIFY(heads({QStringLiteral("202405003")}));
         QVERIFY(lines({QStringLiteral("202405007"), QStringLiteral("202405003")}));
-        QCOMPARE(nextCode(QStringLiteral("2024-05-31")), QStringLiteral("202405008"));
-        QCOMPARE(nextCode(QStringLiteral("2024-05-31")), wholeMonthNextCode(QStringLiteral("2024-05-31")));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-31")), QStringLiteral("202405008"));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-31")),
+                 wholeMonthNextCode(QStringLiteral("2024-05-31")));
     }
     void aMonthWhoseFirstManyCodesAreNotNumbersStillFindsItsLastNumber() {
         test::TestHome home;
@@ -188,17 +185,18 @@ private Q_SLOTS:
                   << QStringLiteral("202405ZZ%1").arg(i, 2, 10, QChar(u'0'));
         QVERIFY(heads(typed));
         QVERIFY(lines(typed));
-        QCOMPARE(nextCode(QStringLiteral("2024-05-31")), QStringLiteral("202405001"));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-31")), QStringLiteral("202405001"));
         QVERIFY(lines({QStringLiteral("202405041")}));
         QVERIFY(heads({QStringLiteral("202405040")}));
-        QCOMPARE(nextCode(QStringLiteral("2024-05-31")), QStringLiteral("202405042"));
-        QCOMPARE(nextCode(QStringLiteral("2024-05-31")), wholeMonthNextCode(QStringLiteral("2024-05-31")));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-31")), QStringLiteral("202405042"));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-31")),
+                 wholeMonthNextCode(QStringLiteral("2024-05-31")));
     }
     void theNumberIsReadFromTheIndexOfRunningCodesNotFromTheMonth() {
         test::TestHome home;
         QVERIFY(test::openQuotationStores());
         QVERIFY(fillYear(2400));
-        QCOMPARE(nextCode(QStringLiteral("2023-05-20")), QStringLiteral("202305201"));
+        QCOMPARE(test::nextCode(QStringLiteral("2023-05-20")), QStringLiteral("202305201"));
         const QString plan = planOf(stores().dbEstimate, lastRunningCodeStatement(),
                                     {QStringLiteral("202305"), QStringLiteral("202305")});
         if (stores().dbEstimate.onServer()) {
@@ -253,14 +251,15 @@ private Q_SLOTS:
         QVERIFY(fillMixedMonth());
         QVERIFY(dropIndexes());
         QVERIFY(!stores().dbEstimate.hasIndex(kIndexes[0]) && !stores().dbEstimate.hasIndex(kIndexes[1]));
-        const QString before = nextCode(QStringLiteral("2024-05-20"));
+        const QString before = test::nextCode(QStringLiteral("2024-05-20"));
         QCOMPARE(before, QStringLiteral("2024051004"));
         auto& said = test::script();
         UpgradeOpenStores();
         QVERIFY(hasIndexes());
         QCOMPARE(int(said.boxes().size()), 0);
-        QCOMPARE(nextCode(QStringLiteral("2024-05-20")), before);
-        QCOMPARE(nextCode(QStringLiteral("2024-05-20")), wholeMonthNextCode(QStringLiteral("2024-05-20")));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-20")), before);
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-20")),
+                 wholeMonthNextCode(QStringLiteral("2024-05-20")));
     }
     void aStoreWithTheIndexPassesTheStepWithNoStatementRun() {
         test::TestHome home;
@@ -328,7 +327,7 @@ private Q_SLOTS:
         QVERIFY(!stores().dbEstimate.hasIndex(kIndexes[0]));
         QVERIFY(!stores().dbEstimate.hasIndex(kIndexes[1]));
         // The number is still read, the slow way.
-        QCOMPARE(nextCode(QStringLiteral("2024-05-20")), QStringLiteral("202405001"));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-20")), QStringLiteral("202405001"));
         if (stores().dbEstimate.onServer())
             QVERIFY(run(stores().dbEstimate, QStringLiteral("DROP EVENT TRIGGER refuse")));
     }

@@ -22,14 +22,6 @@ clsEstimate headOf(const QString& code, const QString& date,
     return e;
 }
 
-QString nextCode(const QString& date) {
-    clsEstimate e;
-    e.sEDate = date;
-    QString code = QStringLiteral("unset");
-    e.NextCode(code);
-    return code;
-}
-
 qint32 nextSeq() {
     clsEstimate e;
     qint32 seq = -1;
@@ -54,14 +46,15 @@ private Q_SLOTS:
         test::TestHome home;
         QVERIFY(test::openQuotationStores());
         QCOMPARE(nextSeq(), 1);
-        QCOMPARE(nextCode(QStringLiteral("2024-05-10")), QStringLiteral("202405001"));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-10")), QStringLiteral("202405001"));
     }
     void twoQuotationsInOneMonthNumberInSequence() {
         test::TestHome home;
         QVERIFY(test::openQuotationStores());
-        clsEstimate first = headOf(nextCode(QStringLiteral("2024-05-10")), QStringLiteral("2024-05-10"));
+        clsEstimate first =
+            headOf(test::nextCode(QStringLiteral("2024-05-10")), QStringLiteral("2024-05-10"));
         first.SaveInitEstimate();
-        QCOMPARE(nextCode(QStringLiteral("2024-05-31")), QStringLiteral("202405002"));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-31")), QStringLiteral("202405002"));
     }
     void quotationDatedInAnotherMonthNumbersInThatMonthWhateverToday() {
         test::TestHome home;
@@ -71,8 +64,8 @@ private Q_SLOTS:
                                   QStringLiteral("2024-05-10")));
         QVERIFY(test::addEstiHead(QStringLiteral("202403004"), QStringLiteral("000001"), QStringLiteral("b"),
                                   QStringLiteral("2024-03-02")));
-        QCOMPARE(nextCode(QStringLiteral("2024-03-20")), QStringLiteral("202403005"));
-        QCOMPARE(nextCode(QStringLiteral("2023-12-01")), QStringLiteral("202312001"));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-03-20")), QStringLiteral("202403005"));
+        QCOMPARE(test::nextCode(QStringLiteral("2023-12-01")), QStringLiteral("202312001"));
         setClock({});
     }
     void deletingHighestQuotationOfMonthFreesItsNumber() {
@@ -82,10 +75,10 @@ private Q_SLOTS:
                                   QStringLiteral("2024-05-01")));
         QVERIFY(test::addEstiHead(QStringLiteral("202405002"), QStringLiteral("1"), QStringLiteral("b"),
                                   QStringLiteral("2024-05-02")));
-        QCOMPARE(nextCode(QStringLiteral("2024-05-03")), QStringLiteral("202405003"));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-03")), QStringLiteral("202405003"));
         QVERIFY(test::exec(stores().dbEstimate,
                            QStringLiteral("DELETE FROM EstiBase WHERE EstiCode = '202405002'")));
-        QCOMPARE(nextCode(QStringLiteral("2024-05-03")), QStringLiteral("202405002"));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-03")), QStringLiteral("202405002"));
     }
     // The 1000th quotation of a month is numbered 1000; the one after it 1001, not 001 again,
     // which the month's first quotation holds.
@@ -103,14 +96,14 @@ private Q_SLOTS:
         QVERIFY(test::openQuotationStores());
         QVERIFY(test::addEstiHead(QStringLiteral("202405999"), QStringLiteral("1"), QStringLiteral("a"),
                                   QStringLiteral("2024-05-30")));
-        QCOMPARE(nextCode(QStringLiteral("2024-05-31")), QStringLiteral("2024051000"));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-31")), QStringLiteral("2024051000"));
         QVERIFY(test::addEstiHead(QStringLiteral("2024051000"), QStringLiteral("1"), QStringLiteral("b"),
                                   QStringLiteral("2024-05-31")));
-        QCOMPARE(nextCode(QStringLiteral("2024-05-31")), QStringLiteral("2024051001"));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-31")), QStringLiteral("2024051001"));
         // A code that is not a number, typed into an older store, is passed over.
         QVERIFY(test::addEstiHead(QStringLiteral("20240512A"), QStringLiteral("1"), QStringLiteral("c"),
                                   QStringLiteral("2024-05-31")));
-        QCOMPARE(nextCode(QStringLiteral("2024-05-31")), QStringLiteral("2024051001"));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-31")), QStringLiteral("2024051001"));
     }
     void aMonthWhoseHighestCodesAreAllTooLongForANumberStillGoesOnFromItsLastNumber() {
         test::TestHome home;
@@ -122,7 +115,7 @@ private Q_SLOTS:
             QVERIFY(test::addEstiHead(QStringLiteral("20240599999999999%1").arg(i, 2, 10, QChar(u'0')),
                                       QStringLiteral("1"), QStringLiteral("b"),
                                       QStringLiteral("2024-05-03")));
-        QCOMPARE(nextCode(QStringLiteral("2024-05-31")), QStringLiteral("202405008"));
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-31")), QStringLiteral("202405008"));
     }
     void aQuotationSavedPastTheThousandthOfAMonthNeverTakesATakenNumber() {
         test::TestHome home;
@@ -162,7 +155,7 @@ private Q_SLOTS:
         QVERIFY(test::openStores()); // the quotation store stays closed
         auto& s = test::script();
         QCOMPARE(nextSeq(), 0);
-        QCOMPARE(nextCode(QStringLiteral("2024-05-10")), QString());
+        QCOMPARE(test::nextCode(QStringLiteral("2024-05-10")), QString());
         clsEstimate e;
         e.sCode = QStringLiteral("202405001");
         Recordset rs;
