@@ -30,8 +30,8 @@ QString dateOf(int i, int count) {
 }
 
 bool addStatements(int count) {
-    QSqlDatabase db = stores().dbBill.connection();
-    db.transaction();
+    Database& db = stores().dbBill;
+    if (!db.beginTransaction()) return false;
     for (int i = 1; i <= count; ++i) {
         const int lines = i % 4 + 1;
         if (!test::exec(
@@ -39,8 +39,10 @@ bool addStatements(int count) {
                 QStringLiteral("INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, NumBill) "
                                "VALUES (?, ?, ?, ?, ?, ?)"),
                 {billNo(i), dateOf(i, count), i % 2 ? QStringLiteral("000001") : QStringLiteral("000002"),
-                 1000.0 * lines, 100.0 * lines, lines}))
+                 1000.0 * lines, 100.0 * lines, lines})) {
+            db.rollback();
             return false;
+        }
     }
     return db.commit();
 }

@@ -36,8 +36,8 @@ bool addTrader(const QString& code, const QString& name) {
 // Statements over ten years of traders 000001, 000002 and 000009 (no such trader), with whole
 // and fractional amounts, some below zero.
 bool addStatements() {
-    QSqlDatabase db = stores().dbBill.connection();
-    db.transaction();
+    Database& db = stores().dbBill;
+    if (!db.beginTransaction()) return false;
     for (int i = 1; i <= kStatements; ++i) {
         const QString trader = i % 3 == 0   ? QStringLiteral("000009")
                                : i % 3 == 1 ? QStringLiteral("000001")
@@ -48,8 +48,10 @@ bool addStatements() {
                 QStringLiteral("INSERT INTO Master (BillNo, BillDate, CCode, TotAmount, TotVat, NumBill) "
                                "VALUES (?, ?, ?, ?, ?, ?)"),
                 {QStringLiteral("%1").arg(i, 6, 10, QChar(u'0')), dateOf(i), trader, amount, amount / 10,
-                 i % 4 + 1}))
+                 i % 4 + 1})) {
+            db.rollback();
             return false;
+        }
     }
     return db.commit();
 }
