@@ -215,6 +215,34 @@ private Q_SLOTS:
         QVERIFY2(narrow.contains(QStringLiteral("trader_rowid")), qPrintable(narrow));
         QVERIFY2(narrow.contains(QStringLiteral("trader_search_grams")), qPrintable(narrow));
     }
+    // The pieces laid down from every trader at the store's first short search are vacuumed at
+    // once: a short text's count reads their index alone, not the rows beside it.
+    void piecesLaidDownFromManyTradersAreCountedFromTheirIndexAlone() {
+        TestHome home;
+        QVERIFY(openStores());
+        QVERIFY(addManyTraders());
+        Database& db = stores().dbBasic;
+        DropSearchIndex(db, TraderSearchIndex());
+        QVERIFY(EnsureSearchIndex(db, TraderSearchIndex()));
+        const QString pieces = QStringLiteral(
+            "FROM pg_class c JOIN pg_namespace n ON n.oid = c.relnamespace WHERE n.nspname = ? AND "
+            "c.relname = 'trader_search_grams'");
+        // The pages the table has, and of them the ones its last vacuum marked visible to all.
+        const int pages =
+            scalar(db,
+                   QStringLiteral("SELECT pg_relation_size(c.oid) / current_setting('block_size')::int ") +
+                       pieces,
+                   {db.serverSchema()})
+                .toInt();
+        QVERIFY(pages > 100);
+        QCOMPARE(scalar(db, QStringLiteral("SELECT c.relallvisible ") + pieces, {db.serverSchema()}).toInt(),
+                 pages);
+        const QString steps = stepsRun(QStringLiteral("7"));
+        QVERIFY2(steps.contains(QStringLiteral("Index Only Scan using trader_search_grams_pkey")),
+                 qPrintable(steps));
+        static const QRegularExpression fetched(QStringLiteral("Heap Fetches: [1-9]"));
+        QVERIFY2(!steps.contains(fetched), qPrintable(steps));
+    }
     // The pieces counted and the rows read in one exchange with the server.
     void aShortTextIsOneExchangeWithTheServer() {
         TestHome home;
