@@ -54,6 +54,7 @@ bool DealListModel::masterList(const QString& basicFile, const QString& from, co
 bool DealListModel::readList() {
     const ListRead& read = *m_listRead;
     auto rows = std::make_unique<StatementListFromEnd>(m_db, read.basicFile, read.from, read.to, read.cCode);
+    rows->setListWidth(m_rows->maxCols());
     const bool ok = rows->open();
     if (ok) {
         const int count = rows->rows();

@@ -7,6 +7,7 @@
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <algorithm>
+#include <utility>
 
 namespace nb {
 namespace {
@@ -49,19 +50,34 @@ int compareBillNos(const QVariant& a, const QVariant& b) {
     return compareTexts(a, b);
 }
 
+// Rows of `width` values packed one after the other, moved apart to `stride` values a row (from
+// the last, so no row is written over before it moved); the values between stay empty.
+void spreadRows(std::vector<QVariant>& rows, size_t width, size_t stride) {
+    if (width == 0 || stride <= width) return;
+    const size_t count = rows.size() / width;
+    rows.resize(count * stride);
+    for (size_t r = count; r-- > 1;)
+        for (size_t c = width; c-- > 0;)
+            rows[r * stride + c] = std::exchange(rows[r * width + c], QVariant());
+}
+
 } // namespace
 
 // Rows of `width` values (BillDate, C_Name, NumBill, total, BillNo, CCode, row number) into the
 // list's order: by date, number (a missing one first) and row number. Rows already in that order
 // (the usual case: numbers are given as statements are written) are only looked through.
 void putInListOrder(std::vector<QVariant>& rows, size_t width) {
+    if (width > 0) putInListOrder(rows, width, width - 1);
+}
+
+void putInListOrder(std::vector<QVariant>& rows, size_t width, size_t rowColumn) {
     const size_t count = width ? rows.size() / width : 0;
-    const auto before = [&rows, width](size_t a, size_t b) {
+    const auto before = [&rows, width, rowColumn](size_t a, size_t b) {
         const QVariant* x = &rows[a * width];
         const QVariant* y = &rows[b * width];
         if (const int date = compareTexts(x[0], y[0])) return date < 0;
         if (const int number = compareBillNos(x[4], y[4])) return number < 0;
-        return x[width - 1].toLongLong() < y[width - 1].toLongLong();
+        return x[rowColumn].toLongLong() < y[rowColumn].toLongLong();
     };
     bool ordered = true;
     for (size_t i = 1; i < count && ordered; ++i)
@@ -129,18 +145,38 @@ QVariantList StatementListFromEnd::shortListValues() const {
     return values << kLaterPage + 1 << kLaterPage;
 }
 
+// The short list's rows are as wide as the list's (when it is wider than the statement's), so
+// the list can take them as they are; the row number, needed only to order them, is let go of.
+size_t StatementListFromEnd::shortStride() const {
+    return size_t(std::max(kShortWidth, m_listWidth));
+}
+
 bool StatementListFromEnd::readShortList(const QString& sql, const QVariantList& values, bool* isShort) {
-    if (!runStatement(sql, values)) return false;
-    const int count = int(m_page.size() / kShortWidth);
+    const size_t stride = shortStride();
+    if (!runStatement(sql, values, stride)) return false;
+    const int count = int(m_page.size() / stride);
     *isShort = count > 0;
     if (!*isShort) return true;
     m_whole = true;
     m_rows = m_left = count;
-    for (size_t at = 0; at < m_page.size(); at += kShortWidth) {
+    for (size_t at = 0; at < m_page.size(); at += stride) {
         m_lines += numberOf(m_page[at + 2]);
         m_total += numberOf(m_page[at + 3]);
     }
-    putInListOrder(m_page, kShortWidth);
+    putInListOrder(m_page, stride, kColumns);
+    for (size_t at = kColumns; at < m_page.size(); at += stride)
+        m_page[at] = QVariant();
+    return true;
+}
+
+bool StatementListFromEnd::takeRowsAtHand(std::vector<QVariant>& block, int width) {
+    if (!m_whole || m_over || m_next != 0 || size_t(width) != shortStride()) return false;
+    // Room for the row the screen adds after the list, so adding it moves no value.
+    if (m_page.capacity() < m_page.size() + size_t(width)) m_page.reserve(m_page.size() + size_t(width));
+    block.swap(m_page);
+    m_page.clear();
+    m_left = 0;
+    m_over = true;
     return true;
 }
 
@@ -198,17 +234,27 @@ bool StatementListFromEnd::attachBasic(const QString& sql, const QVariantList& v
     return AttachForQuery(m_bill, m_basicFile, kBasicAlias, sql, values);
 }
 
-// Runs one statement (the basic file attached), its rows into m_page.
-bool StatementListFromEnd::runStatement(const QString& sql, const QVariantList& values) {
+// Runs one statement (the basic file attached), its rows into m_page, each `stride` values apart
+// (the statement's width when 0 or narrower; the values after a row's own stay empty).
+bool StatementListFromEnd::runStatement(const QString& sql, const QVariantList& values, size_t stride) {
     m_page.clear();
     m_next = 0;
     bool ok = false;
     if (SqliteRows::canStep(m_bill.connection())) {
         SqliteStatement statement(m_bill.connection(), sql, values);
         const int width = statement.width();
-        std::vector<QVariant> row(size_t(std::max(width, 1)));
-        while (statement.ok() && statement.next(row.data(), width))
-            m_page.insert(m_page.end(), row.begin(), row.end());
+        stride = std::max(stride, size_t(std::max(width, 1)));
+        // The short list is at most a later page and one row more: room made once.
+        if (stride > size_t(width)) m_page.reserve(size_t(kLaterPage + 2) * stride);
+        // Each row stepped straight into its place.
+        while (statement.ok()) {
+            const size_t base = m_page.size();
+            m_page.resize(base + stride);
+            if (!statement.next(&m_page[base], width)) {
+                m_page.resize(base);
+                break;
+            }
+        }
         statement.finish();
         ok = statement.ok();
         if (!ok)
@@ -218,6 +264,7 @@ bool StatementListFromEnd::runStatement(const QString& sql, const QVariantList& 
         // Straight from the server's answer, in one round trip, past the driver.
         int width = 0;
         ok = m_bill.readRowsOnServer(sql, values, m_page, &width);
+        if (ok) spreadRows(m_page, size_t(width), stride);
         if (!ok)
             ReportQueryFailure(m_bill.lastErrorNumber(), m_bill.lastErrorDescription(),
                                sqlForDisplay(sql, values), m_bill.lastEngineCode());
@@ -225,9 +272,12 @@ bool StatementListFromEnd::runStatement(const QString& sql, const QVariantList& 
         QSqlQuery query(m_bill.connection());
         ok = OpenForwardOnly(m_bill, query, sql, values);
         const int width = ok ? query.record().count() : 0;
-        while (ok && query.next())
+        while (ok && query.next()) {
             for (int c = 0; c < width; ++c)
                 m_page.push_back(query.value(c));
+            for (size_t c = size_t(width); c < stride; ++c)
+                m_page.emplace_back();
+        }
         query.finish();
     } // the statement has ended here
     return ok;
@@ -261,7 +311,7 @@ bool StatementListFromEnd::readLaterPage() {
 }
 
 bool StatementListFromEnd::next(QVariant* out, int count) {
-    const size_t rowWidth = m_whole ? kShortWidth : kColumns + kKeyColumns;
+    const size_t rowWidth = m_whole ? shortStride() : kColumns + kKeyColumns;
     if (m_next >= m_page.size() && !m_over && m_left > 0 && !readLaterPage())
         m_over = true; // a failure was shown; the rows not read stay empty
     if (m_over || m_left <= 0 || m_next >= m_page.size()) {

@@ -19,14 +19,19 @@
 
 namespace nb {
 
-// Rows of `width` values (the list's six columns, then the row number last) into the list's
-// order: by BillDate, BillNo (a missing one first, as an empty one) and row number.
+// Rows of `width` values (the list's six columns, the row number at rowColumn, by default the
+// last) into the list's order: by BillDate, BillNo (a missing one first, as an empty one) and row
+// number.
 void putInListOrder(std::vector<QVariant>& rows, size_t width);
+void putInListOrder(std::vector<QVariant>& rows, size_t width, size_t rowColumn);
 
 class StatementListFromEnd : public GridRowSource {
 public:
     StatementListFromEnd(Database& bill, const QString& basicFile, const QString& from, const QString& to,
                          const QString& traderCode);
+    // How many values a row of the list that takes these rows holds (before open): a short list
+    // is read straight into rows of that width and handed over whole (takeRowsAtHand).
+    void setListWidth(int width) { m_listWidth = width; }
 
     // The count and the sums; false when the query failed (its box shown).
     bool open();
@@ -39,6 +44,7 @@ public:
     int width() const override { return kColumns; }
     bool next(QVariant* out, int count) override;
     int rowsAtHand() const override { return m_whole ? m_left : 0; }
+    bool takeRowsAtHand(std::vector<QVariant>& block, int width) override;
     // Not in the middle of a save on the store: its files cannot be attached then.
     bool canReadNow() const override { return !m_bill.inTransaction(); }
 
@@ -57,7 +63,8 @@ private:
     bool readShortList(const QString& sql, const QVariantList& values, bool* isShort);
     bool countFromEnd();
     QString dateAndTraderCondition(const QString& table) const;
-    bool runStatement(const QString& sql, const QVariantList& values);
+    bool runStatement(const QString& sql, const QVariantList& values, size_t stride = 0);
+    size_t shortStride() const;
     bool readPage(int limit);
     bool readLaterPage();
     QString pageSql(bool after) const;
@@ -65,6 +72,7 @@ private:
 
     Database& m_bill;
     QString m_basicFile, m_from, m_to, m_traderCode;
+    int m_listWidth = 0;
     int m_rows = 0;
     double m_lines = 0;
     double m_total = 0;
@@ -72,8 +80,8 @@ private:
     int m_left = 0;           // rows the count promised and the pages have not brought yet
     bool m_over = false;
     bool m_whole = false; // the short list, read whole in its order
-    // The page read and not handed out yet, kColumns + kKeyColumns values a row (kColumns for
-    // the short list).
+    // The page read and not handed out yet, kColumns + kKeyColumns values a row (shortStride()
+    // for the short list).
     std::vector<QVariant> m_page;
     size_t m_next = 0;
     // Where the next page starts: below this BillDate, ordered BillNo and row number.

@@ -254,6 +254,39 @@ private Q_SLOTS:
         }
     }
 
+    // The short list is read into rows as wide as the list's and handed to it whole; the row
+    // number that ordered them is not left in the columns after the list's six.
+    void aShortListIsHandedToTheListWholeWithNothingAfterItsColumns() {
+        test::TestHome home;
+        QVERIFY(test::openStores());
+        QVERIFY(addTrader(QStringLiteral("000001"), QStringLiteral("가나상사")));
+        QVERIFY(addStatements(kStatements));
+        const QString from = QStringLiteral("2019-01-01"), to = QStringLiteral("2019-12-31");
+        StatementListFromEnd rows(stores().dbBill, stores().dbBasic.path(), from, to, QString());
+        rows.setListWidth(ColSumTotal);
+        QVERIFY(rows.open());
+        std::vector<QVariant> block;
+        QVERIFY(!rows.takeRowsAtHand(block, ColSumTotal + 1)); // not laid out for that width
+        QVERIFY(rows.takeRowsAtHand(block, ColSumTotal));
+        QCOMPARE(block.size(), size_t(rows.rows()) * ColSumTotal);
+        QCOMPARE(rows.rowsAtHand(), 0);
+        QVariant out[6];
+        QVERIFY(!rows.next(out, 6)); // handed over: nothing is left to read
+        const QList<QVariantList> expected = test::statementListThroughQt(from, to);
+        QCOMPARE(int(expected.size()), rows.rows());
+        for (int row = 0; row < rows.rows(); ++row) {
+            const QVariant* got = &block[size_t(row) * ColSumTotal];
+            QCOMPARE(got[ColMasterBillNo - 1].toString(), expected[row][ColMasterBillNo - 1].toString());
+            QVERIFY(!got[ColSumCount - 1].isValid());
+            QVERIFY(!got[ColSumTotal - 1].isValid());
+        }
+        DealListModel model(stores().dbBill);
+        QVERIFY(listAll(model, from, to));
+        QVERIFY(!model.masterRows().isReading());
+        for (int row = 1; row <= model.masterCount(); ++row)
+            QVERIFY(!model.masterRows().listValue(ColSumCount, row).isValid());
+    }
+
     // The short list comes from the date index in the order the statements were written; the
     // numbers of one day are put in order after it, a missing or empty number first (in the order
     // written), and a later number written earlier on another day stays on its day.

@@ -70,8 +70,22 @@ GridList::GridList(std::unique_ptr<GridRowSource> source, int width, int knownRo
     // Room for one row more than the source's: the row a screen adds after the list (the empty
     // last row) then moves no value.
     const int expected = m_known >= 0 ? m_known : (m_source ? m_source->expectedRows() : -1);
+    if (m_width == 0 || m_known == 0) {
+        endOfSource();
+        return;
+    }
+    if (takeRowsAtHand()) return;
     if (expected > 0 && !m_fromEnd) m_values.reserve(size_t(expected + 1) * size_t(m_width));
-    if (m_width == 0 || m_known == 0) endOfSource();
+}
+
+// A source that holds every row already laid out as the list's rows gives them over whole.
+bool GridList::takeRowsAtHand() {
+    const int atHand = m_source->rowsAtHand();
+    if (m_fromEnd || atHand <= 0 || (m_known >= 0 && m_known != atHand)) return false;
+    if (!m_source->takeRowsAtHand(m_values, m_width)) return false;
+    m_read = int(m_values.size() / size_t(m_width));
+    endOfSource();
+    return true;
 }
 
 // Rows last first into m_back; once all of them are there they become the list's rows in order.

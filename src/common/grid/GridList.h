@@ -62,6 +62,7 @@ public:
 private:
     int unread() const { return (m_known >= 0 && m_source) ? m_known - m_read - m_backRead : 0; }
     bool readingBack() const { return m_fromEnd && m_source; }
+    bool takeRowsAtHand();
     int readBackPage(int count);
     void endOfBackRows();
     void endOfSource();

@@ -7,6 +7,7 @@
 #include <QVariant>
 #include <QVector>
 #include <memory>
+#include <vector>
 
 namespace nb {
 
@@ -23,6 +24,14 @@ public:
     // Rows the source already holds in memory: the list takes them at once instead of a page
     // now and the rest between events.
     virtual int rowsAtHand() const { return 0; }
+    // Hands every row at hand over at once, already laid out as rows of `width` values (the
+    // list's own width, the columns after the source's empty), by swapping them into block:
+    // the list then moves no value. False when the source cannot (the list reads row by row).
+    virtual bool takeRowsAtHand(std::vector<QVariant>& block, int width) {
+        (void)block;
+        (void)width;
+        return false;
+    }
     // Whether the rows may be read between events now (a source on a store in the middle of a
     // save waits for it to end).
     virtual bool canReadNow() const { return true; }

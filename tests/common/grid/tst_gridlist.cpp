@@ -73,6 +73,36 @@ std::unique_ptr<RowsInMemory> lastFirst(QVector<QVariantList> rows) {
     return std::make_unique<RowsInMemory>(std::move(rows));
 }
 
+// Rows a source holds already laid out as the list's rows, which it hands over as a block; how
+// many rows were asked of it one by one is counted.
+class BlockRows : public GridRowSource {
+public:
+    BlockRows(std::vector<QVariant> block, int width, int* asked)
+        : m_block(std::move(block)), m_width(width), m_asked(asked) {}
+    int width() const override { return m_width; }
+    bool next(QVariant* out, int count) override {
+        ++*m_asked;
+        if (m_next >= m_block.size()) return false;
+        for (int c = 0; c < count; ++c)
+            out[c] = m_block[m_next + size_t(c)];
+        m_next += size_t(m_width);
+        return true;
+    }
+    int rowsAtHand() const override { return int((m_block.size() - m_next) / size_t(m_width)); }
+    bool takeRowsAtHand(std::vector<QVariant>& block, int width) override {
+        if (width != m_width) return false;
+        block.swap(m_block);
+        m_block.clear();
+        return true;
+    }
+
+private:
+    std::vector<QVariant> m_block;
+    int m_width;
+    int* m_asked;
+    size_t m_next = 0;
+};
+
 void waitForAllRows(Grid& grid) {
     QTRY_VERIFY_WITH_TIMEOUT(!grid.isReading(), 10000);
 }
@@ -391,6 +421,39 @@ private Q_SLOTS:
         QCOMPARE(list.peek(5, 300), last);
         QCOMPARE(list.peek(5, 300)->toString(), QStringLiteral("000300"));
         QVERIFY(list.peek(1, 301)->isNull());
+    }
+
+    // A source holding its rows as the list lays them out hands them over whole: the list reads
+    // none of them one by one, and the values are the very ones the source held.
+    void rowsAtHandLaidOutAsTheListsAreTakenWhole() {
+        std::vector<QVariant> block;
+        for (int i = 1; i <= 3; ++i)
+            block.insert(block.end(), {QStringLiteral("2024-01-0%1").arg(i), qlonglong(i), QVariant()});
+        block.reserve(block.size() + 3);
+        const QVariant* firstValue = &block[0];
+        int asked = 0;
+        GridList list(std::make_unique<BlockRows>(std::move(block), 3, &asked), 3, 3);
+        QVERIFY(!list.reading());
+        QCOMPARE(asked, 0);
+        QCOMPARE(list.rows(), 3);
+        QCOMPARE(list.peek(1, 1), firstValue);
+        QCOMPARE(list.peek(1, 3)->toString(), QStringLiteral("2024-01-03"));
+        QCOMPARE(list.peek(2, 2)->toLongLong(), 2LL);
+        QVERIFY(list.peek(3, 1)->isNull());
+        list.resize(4);
+        QCOMPARE(list.peek(1, 1), firstValue); // the row after it moved no value
+    }
+
+    // Laid out for a list of another width, the rows are read one by one as before.
+    void rowsAtHandOfAnotherWidthAreReadOneByOne() {
+        std::vector<QVariant> block{QStringLiteral("a"), 1, QStringLiteral("b"), 2};
+        int asked = 0;
+        GridList list(std::make_unique<BlockRows>(std::move(block), 2, &asked), 3, 2);
+        QVERIFY(list.reading());
+        QCOMPARE(list.readPage(10), 2);
+        QCOMPARE(asked, 2);
+        QCOMPARE(list.peek(1, 2)->toString(), QStringLiteral("b"));
+        QVERIFY(list.peek(3, 2)->isNull());
     }
 
     // Rows after the query's handed over with the list reach the view with it, in one reset.
