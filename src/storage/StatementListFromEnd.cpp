@@ -32,9 +32,13 @@ int compareCodePoints(QStringView a, QStringView b) {
 
 // Two values as texts (a null one empty), read in place when they are texts already.
 int compareTexts(const QVariant& a, const QVariant& b) {
-    if (a.typeId() == QMetaType::QString && b.typeId() == QMetaType::QString)
-        return compareCodePoints(*static_cast<const QString*>(a.constData()),
-                                 *static_cast<const QString*>(b.constData()));
+    if (a.typeId() == QMetaType::QString && b.typeId() == QMetaType::QString) {
+        const auto& x = *static_cast<const QString*>(a.constData());
+        const auto& y = *static_cast<const QString*>(b.constData());
+        // The dates of a day down the list share one text: nothing to compare.
+        if (x.constData() == y.constData() && x.size() == y.size()) return 0;
+        return compareCodePoints(x, y);
+    }
     return compareCodePoints(a.toString(), b.toString());
 }
 

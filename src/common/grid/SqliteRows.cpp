@@ -196,9 +196,9 @@ bool SqliteStatement::bind(const QVariantList& values) {
 // A text the column held on the row before (a date down a list in date order) is shared with
 // that row instead of made again. A column whose texts seldom repeat (numbers, names) soon
 // stops being compared.
-QVariant SqliteStatement::text(int column) {
-    const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(m_stmt, column));
-    const int size = sqlite3_column_bytes(m_stmt, column);
+QVariant SqliteStatement::text(int column, sqlite3_value* value) {
+    const auto* bytes = reinterpret_cast<const char*>(sqlite3_value_text(value));
+    const int size = sqlite3_value_bytes(value);
     if (size_t(column) >= m_lastTexts.size()) m_lastTexts.resize(size_t(m_width));
     LastText& last = m_lastTexts[size_t(column)];
     if (last.tries >= LastText::kTrial && last.repeats * 4 < last.tries)
@@ -224,25 +224,32 @@ bool SqliteStatement::next(QVariant* out, int count) {
             fail(rc);
         return false;
     }
+    // Each value is read from the engine's value of its column, one call a column instead of one
+    // for its kind and more for its contents, each of which would take the connection's lock:
+    // the lock is held for the row instead, so the values cannot change under the reading.
+    sqlite3_mutex* lock = sqlite3_db_mutex(m_db);
+    sqlite3_mutex_enter(lock);
     for (int c = 0; c < count && c < m_width; ++c) {
-        switch (sqlite3_column_type(m_stmt, c)) {
+        sqlite3_value* value = sqlite3_column_value(m_stmt, c);
+        switch (sqlite3_value_type(value)) {
         case SQLITE_INTEGER:
-            out[c] = QVariant(qlonglong(sqlite3_column_int64(m_stmt, c)));
+            out[c] = QVariant(qlonglong(sqlite3_value_int64(value)));
             break;
         case SQLITE_FLOAT:
-            out[c] = QVariant(sqlite3_column_double(m_stmt, c));
+            out[c] = QVariant(sqlite3_value_double(value));
             break;
         case SQLITE_NULL:
             out[c] = QVariant(QMetaType::fromType<QString>());
             break;
         case SQLITE_BLOB:
-            out[c] = QByteArray(static_cast<const char*>(sqlite3_column_blob(m_stmt, c)),
-                                sqlite3_column_bytes(m_stmt, c));
+            out[c] =
+                QByteArray(static_cast<const char*>(sqlite3_value_blob(value)), sqlite3_value_bytes(value));
             break;
         default:
-            out[c] = text(c);
+            out[c] = text(c, value);
         }
     }
+    sqlite3_mutex_leave(lock);
     return true;
 }
 

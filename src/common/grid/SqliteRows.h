@@ -19,6 +19,7 @@
 
 struct sqlite3;
 struct sqlite3_stmt;
+struct sqlite3_value;
 
 namespace nb {
 
@@ -62,7 +63,7 @@ private:
     void release();
     void fail(int code);
     bool bind(const QVariantList& values);
-    QVariant text(int column);
+    QVariant text(int column, sqlite3_value* value);
 
     struct LastText {
         static constexpr int kTrial = 64; // rows a column is compared on before it is judged
