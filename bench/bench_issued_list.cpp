@@ -2,7 +2,11 @@
 // lines over ten years, 50,000 traders) for a large customer (10,000 invoices of two lines) and an
 // ordinary one: from choosing the customer to the list's first page painted, with the customer's
 // sums and the period's, beside the same statements through the sqlite3 command line on the same
-// file, with the longest time the window stood still.
+// file, with the longest time the window stood still, and the floor: the ordinary customer's rows
+// shown in a bare Qt table. With NB_BENCH_PROFILE set, the ordinary customer's list is run 500
+// times under the instruction counter and nothing is timed (NB_BENCH_PLAIN as well: the bare
+// table showing its rows instead).
+#include "BenchPlain.h"
 #include "BenchSupport.h"
 #include "BenchWindow.h"
 #include "common/grid/Grid.h"
@@ -56,7 +60,19 @@ void fill() {
     QSqlQuery(stores().dbTax.connection()).exec(QStringLiteral("PRAGMA wal_checkpoint(TRUNCATE)"));
 }
 
-void timeList(FrmTax& screen, const char* what, const QString& code) {
+const QString kOrdinaryCustomer = QStringLiteral("000001");
+
+void profileOrdinary(FrmTax& screen) {
+    screen.LoadIssuedList(kOrdinaryCustomer);
+    QApplication::processEvents();
+    if (qEnvironmentVariableIsSet("NB_BENCH_PLAIN"))
+        bench::plainWidgetMs(bench::shownRows(*screen.grdList), 9, true);
+    else
+        bench::profileRuns(&screen, [&] { screen.LoadIssuedList(kOrdinaryCustomer); });
+}
+
+// Answers the program's figure and the bare statements'.
+std::pair<double, double> timeList(FrmTax& screen, const char* what, const QString& code) {
     double still = 0;
     const double ms = bench::medianPaintedWatchingStill(
         &screen, [&] { screen.LoadIssuedList(code); }, &still);
@@ -74,6 +90,7 @@ void timeList(FrmTax& screen, const char* what, const QString& code) {
         "%-34s %6d rows  program %8.2f ms  sqlite3 %7.2f ms  ratio %5.2f  window still at most %.1f ms\n",
         what, screen.grdList->DataRowCnt(), ms, cli, cli > 0 ? ms / cli : 0.0, still);
     std::fflush(stdout);
+    return {ms, cli};
 }
 
 } // namespace
@@ -92,7 +109,15 @@ int main(int argc, char** argv) {
     screen.show();
     QApplication::processEvents();
     const double emptyMb = bench::residentMB();
-    timeList(screen, "issued list, an ordinary customer", QStringLiteral("000001"));
+    if (qEnvironmentVariableIsSet("NB_BENCH_PROFILE")) {
+        profileOrdinary(screen);
+        return 0;
+    }
+    const auto [ordinary, ordinaryBare] =
+        timeList(screen, "issued list, an ordinary customer", kOrdinaryCustomer);
+    screen.LoadIssuedList(kOrdinaryCustomer);
+    QApplication::processEvents();
+    bench::reportFloor("the ordinary customer", bench::shownRows(*screen.grdList), ordinary, ordinaryBare);
     timeList(screen, "issued list, the large customer", kLargeCustomer);
     std::printf("memory: the large customer's list on the screen %.1f MB more than the empty list\n",
                 bench::residentMB() - emptyMb);

@@ -1,10 +1,15 @@
 // Quotations at a decade of data (100,000 quotations, 1,000,000 lines): the search list with an
 // empty text and with a name, the lines of a 100-line quotation on the screen, and the next
-// number and line key; each beside the same statement run by the sqlite3 program on the file.
+// number and line key; each beside the same statement run by the sqlite3 program on the file. The
+// lines are also shown in a bare Qt table, the floor of any program showing them. With
+// NB_BENCH_PROFILE=lines only the lines are loaded, 500 times under the instruction counter
+// (NB_BENCH_PLAIN as well: the bare table showing them instead).
 #include "BenchBooks.h"
+#include "BenchPlain.h"
 #include "BenchSupport.h"
 #include "NextNumberPlans.h"
 #include "TestSupport.h"
+#include "common/grid/Grid.h"
 #include "core/AppState.h"
 #include "quotation/FrmEstiList.h"
 #include "quotation/FrmEstimate.h"
@@ -78,6 +83,33 @@ double cliEachMs(const QString& file, const QString& sql) {
     return each[1];
 }
 
+// The lines of the big quotation on the screen: to the whole screen repainted, as this figure was
+// first taken, and to what changed painted with the window free, beside the statement and the
+// floor.
+void timeLines(FrmEstimate& screen, const QString& file) {
+    const double loadMs = medianMs([&] {
+        screen.LoadLines();
+        screen.repaint();
+    });
+    const double cli =
+        cliMs(file, "SELECT PName, PNorm, EUnit, EAmount, EUnitPrice, EstiKum, Code, PCode, Seq "
+                    "FROM Estimate WHERE Code = '" +
+                        kBigQuotation + "' ORDER BY Seq");
+    report("LoadLines, 100-line quotation", loadMs, cli, screen.LineCount());
+    const double painted = bench::medianFirstPaintFreeMs(&screen, [&] { screen.LoadLines(); });
+    report("  to what changed painted", painted, cli, screen.LineCount());
+    bench::reportFloor("the lines", bench::shownRows(*screen.grdEstimate), painted, cli);
+}
+
+void profileLines(FrmEstimate& screen) {
+    screen.LoadLines();
+    QApplication::processEvents();
+    if (qEnvironmentVariableIsSet("NB_BENCH_PLAIN"))
+        bench::plainWidgetMs(bench::shownRows(*screen.grdEstimate), 9, true);
+    else
+        bench::profileRuns(&screen, [&] { screen.LoadLines(); });
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -89,6 +121,13 @@ int main(int argc, char** argv) {
     OpenDb(stores().dbEstimate, nb::app().DbEstimateFile);
     fill();
     const QString file = nb::app().DbEstimateFile;
+    if (qEnvironmentVariable("NB_BENCH_PROFILE") == QStringLiteral("lines")) {
+        FrmEstimate screen;
+        screen.show();
+        screen.pnlCode->setText(kBigQuotation);
+        profileLines(screen);
+        return 0;
+    }
 
     // The screens are shown; each search is timed to its first page painted and the window free.
     FrmEstiList list;
@@ -122,16 +161,7 @@ int main(int argc, char** argv) {
     FrmEstimate screen;
     screen.show();
     screen.pnlCode->setText(kBigQuotation);
-    const double loadMs = medianMs([&] {
-        screen.LoadLines();
-        screen.repaint();
-    });
-    report("LoadLines, 100-line quotation", loadMs,
-           cliMs(file,
-                 "SELECT PName, PNorm, EUnit, EAmount, EUnitPrice, EstiKum, Code, PCode, Seq FROM Estimate "
-                 "WHERE Code = '" +
-                     kBigQuotation + "' ORDER BY Seq"),
-           screen.LineCount());
+    timeLines(screen, file);
 
     // A new quotation's number in a month of 833 quotations and 8,330 lines, and the line key.
     clsEstimate e;

@@ -5,7 +5,10 @@
 // the sqlite3 program on the same file. With a kept book's path the book is kept there after the
 // run, and a later run with that path searches it again without the import. A folder as the kept
 // book keeps it there as dbRoadPost.db. With NB_BENCH_PROFILE set to a search text, that one
-// search is run 500 times on one window and nothing else is timed (for a profiler).
+// search is run 500 times on one window and nothing else is timed (for a profiler; with
+// NB_BENCH_PLAIN as well, the same rows shown in a bare Qt table instead). Each search that fills
+// a page is also given its floor: the same rows shown in a bare Qt table.
+#include "BenchPlain.h"
 #include "BenchSupport.h"
 #include "RoadBookFiles.h"
 #include "master/FrmPost.h"
@@ -145,6 +148,11 @@ int main(int argc, char** argv) {
         form.show();
         int result = 0;
         form.InitForm(text, result);
+        if (qEnvironmentVariableIsSet("NB_BENCH_PLAIN")) {
+            QCoreApplication::processEvents();
+            bench::plainWidgetMs(bench::shownRows(*form.grdList()), 9, true);
+            return 0;
+        }
         QElapsedTimer t;
         t.start();
 #if __has_include(<valgrind/callgrind.h>)
@@ -176,6 +184,9 @@ int main(int argc, char** argv) {
         const double cli = bench::cliMs(RoadBookFile(), firstPageSql(RoadSearchQuery(text)));
         std::printf("%-16s %7d  %10.2f  %10.2f  %6.2f\n", qPrintable(text.isEmpty() ? "(blank)" : text),
                     form.model()->rowCount(), screen, cli, cli > 0 ? screen / cli : 0.0);
+        if (form.model()->rowCount() >= ListModel::kFirstPage)
+            bench::reportFloor(qPrintable(text.isEmpty() ? "(blank)" : text),
+                               bench::shownRows(*form.grdList()), screen, cli);
     }
     // Each search above repeats one text, so from its second run on the list paints texts it laid
     // out before. Searches whose rows are new to the list: 50 roads one after another (their pages

@@ -1,7 +1,11 @@
 // The search the operator waits for in the big lists (the whole postcode book, 50,000 traders,
 // 20,000 products), for texts of one, two and three or more characters: the screen action (the
 // list's InitForm to the first page painted and the window free again) beside the same query
-// through the sqlite3 program on the same file.
+// through the sqlite3 program on the same file, and the floor: the same rows shown in a bare Qt
+// table. With NB_BENCH_PROFILE set to "postcode:TEXT" or "traders:TEXT" that one search is run
+// 500 times under the instruction counter and nothing is timed (NB_BENCH_PLAIN as well: the bare
+// table showing its rows instead).
+#include "BenchPlain.h"
 #include "BenchSupport.h"
 #include "TestSupport.h"
 #include "core/AppState.h"
@@ -99,6 +103,24 @@ void fillProducts(int count) {
     db.commit();
 }
 
+// NB_BENCH_PROFILE's list ("postcode" or "traders") and text; empty when not profiling.
+QPair<QString, QString> profiled() {
+    const QString asked = qEnvironmentVariable("NB_BENCH_PROFILE");
+    const qsizetype colon = asked.indexOf(u':');
+    if (colon < 0) return {};
+    return {asked.left(colon), asked.mid(colon + 1)};
+}
+
+// Runs one shown list's search as profiled asks: the program's or the bare table's.
+void profile(QWidget* form, const std::function<void()>& search, const QTableView& view) {
+    search();
+    QCoreApplication::processEvents();
+    if (qEnvironmentVariableIsSet("NB_BENCH_PLAIN"))
+        bench::plainWidgetMs(bench::shownRows(view), 9, true);
+    else
+        bench::profileRuns(form, search);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -112,6 +134,16 @@ int main(int argc, char** argv) {
                 ImportPostcodeFile(test::sharedDataDir() + "/zipcode_6digit.csv"));
     Database post;
     post.open(nb::app().DbPostFile);
+    const QPair<QString, QString> asked = profiled();
+    const QString profiledList = asked.first, profiledText = asked.second;
+    if (profiledList == QStringLiteral("postcode")) {
+        FrmPost form;
+        form.show();
+        int result = 0;
+        profile(
+            &form, [&] { form.InitForm(profiledText, result); }, *form.grdList());
+        return 0;
+    }
     for (const QString& text :
          {QString("동"), QString("신림"), QString("역삼1동"), QString("1"), QString("135")}) {
         FrmPost form;
@@ -120,11 +152,20 @@ int main(int argc, char** argv) {
         form.InitForm(text, result); // first use checks the index
         const double screen = bench::medianFirstPaintFreeMs(&form, [&] { form.InitForm(text, result); });
         const SqlPart query = PostSearchQuery(post, text, postLimits());
-        report("postcode", text, int(SearchPostBook(post, text).size()), screen,
-               bench::cliMs(nb::app().DbPostFile, literalSql(query)));
+        const double cli = bench::cliMs(nb::app().DbPostFile, literalSql(query));
+        report("postcode", text, int(SearchPostBook(post, text).size()), screen, cli);
+        bench::reportFloor("postcode", bench::shownRows(*form.grdList()), screen, cli);
     }
 
     fillTraders(50000);
+    if (profiledList == QStringLiteral("traders")) {
+        FrmTraderList form;
+        form.show();
+        int result = 0;
+        profile(
+            &form, [&] { form.InitForm(profiledText, 0, result); }, *form.grdList());
+        return 0;
+    }
     std::printf("traders: 50000 rows (first page painted and the window free, beside the whole query)\n");
     for (const QString& text :
          {QString("물"), QString("물산"), QString("가나4999"), QString("2"), QString("02-345"), QString()}) {
@@ -136,8 +177,9 @@ int main(int argc, char** argv) {
         const SqlPart query = TraderListQuery(stores().dbBasic, text, 0);
         Recordset rs;
         OpenSnapshot(stores().dbBasic, rs, query.sql, query.values);
-        report("traders", text.isEmpty() ? QStringLiteral("(none)") : text, rs.RecordCount(), screen,
-               bench::cliMs(nb::app().DbBasicFile, literalSql(query)));
+        const double cli = bench::cliMs(nb::app().DbBasicFile, literalSql(query));
+        report("traders", text.isEmpty() ? QStringLiteral("(none)") : text, rs.RecordCount(), screen, cli);
+        bench::reportFloor("traders", bench::shownRows(*form.grdList()), screen, cli);
     }
 
     fillProducts(20000);
