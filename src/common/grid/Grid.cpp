@@ -37,9 +37,15 @@ public:
     }
     // A new list in the same columns changes nothing the column header shows: its sections stay
     // as they are (the plain header keeps them through a reset too) and it is not painted again.
+    // A list's row header shows the rows' numbers, so a new list of as many rows after a list
+    // changes nothing on it either.
     void reset() override {
-        if (orientation() == Qt::Horizontal && model() && state() == NoState &&
-            count() == model()->columnCount(rootIndex()))
+        const bool list = isListModel();
+        const bool sameRows = orientation() == Qt::Vertical && list && m_numbersShown;
+        m_numbersShown = list;
+        if (model() && state() == NoState && (orientation() == Qt::Horizontal || sameRows) &&
+            count() == (orientation() == Qt::Horizontal ? model()->columnCount(rootIndex())
+                                                        : model()->rowCount(rootIndex())))
             return;
         QHeaderView::reset();
     }
@@ -50,6 +56,14 @@ protected:
     void currentChanged(const QModelIndex& current, const QModelIndex& old) override {
         if (highlightSections()) QHeaderView::currentChanged(current, old);
     }
+
+private:
+    bool isListModel() const {
+        const auto* cells = qobject_cast<const GridModel*>(model());
+        return cells && cells->isList();
+    }
+    // Whether the row header was last laid out for a list (whose rows stay a list).
+    bool m_numbersShown = false;
 };
 } // namespace
 

@@ -167,6 +167,44 @@ private Q_SLOTS:
         QCOMPARE(w.shown(), w.paintedWhole());
     }
 
+    // A new list of as many rows as the list before shows the same row numbers: the row header
+    // is not painted again, and the window still shows what a whole paint would show.
+    void aNewListOfAsManyRowsRepaintsNoRowHeader() {
+        RepaintWindow w;
+        w.grid->showList(std::make_unique<RowsInMemory>(listRows(11, QStringLiteral("가"))), 11);
+        RepaintWindow::settle();
+        HeaderPaints rows(w.grid->verticalHeader()->viewport());
+        QVERIFY(w.paintsAfter([&] {
+            w.grid->showList(std::make_unique<RowsInMemory>(listRows(11, QStringLiteral("나"))), 11);
+        }) > 0);
+        QCOMPARE(rows.paints, 0);
+        QCOMPARE(w.grid->verticalHeader()->count(), 11);
+        QCOMPARE(w.grid->Text(2, 11), QStringLiteral("나11"));
+        QCOMPARE(w.shown(), w.paintedWhole());
+        QVERIFY(w.paintsAfter([&] {
+            w.grid->showList(std::make_unique<RowsInMemory>(listRows(7, QStringLiteral("다"))), 7);
+        }) > 0);
+        QVERIFY(rows.paints > 0);
+        QCOMPARE(w.grid->verticalHeader()->count(), 7);
+        QCOMPARE(w.shown(), w.paintedWhole());
+    }
+
+    // A list after rows with labels of their own shows its numbers, however many rows it has.
+    void aListAfterLabelledRowsRepaintsTheRowHeader() {
+        RepaintWindow w;
+        w.grid->SetText(0, 3, QStringLiteral("합계"));
+        RepaintWindow::settle();
+        const QImage labelled = w.shown();
+        HeaderPaints rows(w.grid->verticalHeader()->viewport());
+        w.paintsAfter([&] {
+            w.grid->showList(std::make_unique<RowsInMemory>(listRows(15, QStringLiteral("가"))), 15);
+        });
+        QVERIFY(rows.paints > 0);
+        QCOMPARE(w.grid->Text(0, 3), QStringLiteral("3"));
+        QVERIFY(w.shown() != labelled);
+        QCOMPARE(w.shown(), w.paintedWhole());
+    }
+
     // A list in other columns lays the column header out again.
     void aListInOtherColumnsRepaintsTheColumnHeader() {
         RepaintWindow w;
