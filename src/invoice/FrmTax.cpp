@@ -395,21 +395,26 @@ void FrmTax::DeleteLine(int i) {
 // ---- the issued list -------------------------------------------------------------------------
 
 // The list reads the customer's invoices as it is seen; the count and the sums come from their
-// own query, so a long list is neither walked nor written cell by cell.
+// own query, so a long list is neither walked nor written cell by cell. The new list takes the
+// place of the one before in one change of the grid, with the blank rows that keep the grid's
+// length (or one to spare after a long list): the view and its row header are laid out once,
+// and a list as long as the one before leaves the row header as it is.
 void FrmTax::LoadIssuedList(const QString& code) {
     m_listRow = 1;
     const int shownRows = grdList->MaxRows(); // blanked, the grid keeps its rows
-    grdList->setMaxRows(0);
-    grdList->setMaxRows(shownRows);
-    pnlSum[0]->clear();
-    pnlSum[1]->clear();
     m_issuedReads.endInvoices(); // the list before, still reading, would hold the store's state of then
     const std::optional<IssuedSums> sums = m_issuedReads.customerSums(stores().dbTax, code);
-    if (!sums || sums->invoices == 0) return;
-    std::unique_ptr<GridRowSource> rows = m_issuedReads.invoices(stores().dbTax, code);
-    if (!rows) return;
-    grdList->showList(std::move(rows), sums->invoices);
-    grdList->setMaxRows(sums->invoices > shownRows ? sums->invoices + 1 : shownRows);
+    std::unique_ptr<GridRowSource> rows;
+    if (sums && sums->invoices > 0) rows = m_issuedReads.invoices(stores().dbTax, code);
+    if (!rows) {
+        grdList->setMaxRows(0);
+        grdList->setMaxRows(shownRows);
+        pnlSum[0]->clear();
+        pnlSum[1]->clear();
+        return;
+    }
+    const int blankRows = sums->invoices > shownRows ? 1 : shownRows - sums->invoices;
+    grdList->cells().showList(std::move(rows), sums->invoices, false, blankRows);
     m_listRow = sums->invoices + 1;
     pnlSum[0]->setText(sumPanelText(sums->supply, QStringLiteral("#,###,##0")));
     pnlSum[1]->setText(sumPanelText(sums->tax, QStringLiteral("#,###,##0")));

@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 
@@ -194,6 +195,37 @@ private Q_SLOTS:
 
     // Closed under an open screen (a restore, an import), the tax store lets go of its file although
     // the screen keeps its reads prepared; opened again, the screen reads the book reopened.
+    // Another customer's short list takes the place of the long one in one change of the grid
+    // (no rows taken away and put back first): the grid keeps its length with blank rows, and a
+    // customer without invoices leaves it blank at that length.
+    void anotherCustomersListReplacesTheListInOneChange() {
+        Screen s;
+        test::script();
+        QVERIFY(test::addInvoiceRow(QStringLiteral("300001"), QStringLiteral("000009"), QStringLiteral("못"),
+                                    1000, 100));
+        QVERIFY(test::addInvoiceRow(QStringLiteral("300002"), QStringLiteral("000009"), QStringLiteral("끈"),
+                                    2000, 200));
+        FrmTax& f = s.open();
+        QCOMPARE(f.grdList->MaxRows(), kInvoices + 1);
+        QSignalSpy removed(f.grdList->model(), &QAbstractItemModel::rowsRemoved);
+        QSignalSpy inserted(f.grdList->model(), &QAbstractItemModel::rowsInserted);
+        QSignalSpy reset(f.grdList->model(), &QAbstractItemModel::modelReset);
+        f.LoadIssuedList(QStringLiteral("000009"));
+        QCOMPARE(removed.count() + inserted.count(), 0);
+        QCOMPARE(reset.count(), 1);
+        QCOMPARE(f.grdList->MaxRows(), kInvoices + 1);
+        QCOMPARE(f.grdList->DataRowCnt(), 2);
+        QCOMPARE(f.ListRow(), 3);
+        QVERIFY(f.grdList->Text(5, 3).isEmpty());
+        QCOMPARE(f.pnlSum[0]->text(), QStringLiteral("3,000 "));
+        QCOMPARE(f.pnlSum[1]->text(), QStringLiteral("300 "));
+        f.LoadIssuedList(QStringLiteral("999999"));
+        QCOMPARE(f.grdList->MaxRows(), kInvoices + 1);
+        QCOMPARE(f.grdList->DataRowCnt(), 0);
+        QCOMPARE(f.ListRow(), 1);
+        QVERIFY(f.pnlSum[0]->text().isEmpty());
+    }
+
     void theStoreClosedUnderTheScreenLetsGoOfItsFile() {
         Screen s;
         test::script();
