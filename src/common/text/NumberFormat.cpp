@@ -181,6 +181,10 @@ QString formatDigits(const DecimalDigits& value, const QString& mask) {
 } // namespace
 
 QString FormatNumber(double value, const QString& mask) {
+    // A whole number below 10^15 is its integer's digits exactly (the float's fifteen digits have
+    // no fraction to give): most amounts and quantities, printed without the float's text.
+    if (std::abs(value) < 1e15 && value == std::trunc(value))
+        return formatDigits(digitsOfInteger(qint64(value)), mask);
     return formatDigits(digitsOfDouble(value), mask);
 }
 

@@ -95,6 +95,66 @@ private Q_SLOTS:
         QCOMPARE(FormatNumber(42, kMaskAmount2), QStringLiteral("42.00"));
     }
 
+    // Whole numbers print through every kind of mask as they always did, up to the largest whole
+    // number a float holds to the unit, and beyond it: one row a mask, the texts of kWholeValues.
+    void wholeNumbersPrintAsBefore_data() {
+        QTest::addColumn<QString>("mask");
+        QTest::addColumn<QStringList>("expected");
+        const QList<QPair<QString, QStringList>> rows = {
+            {kMaskAmount,
+             {QString(), QString(), QStringLiteral("1"), QStringLiteral("-1"), QStringLiteral("999"),
+              QStringLiteral("1,000"), QStringLiteral("-1,234,567"), QStringLiteral("100,000"),
+              QStringLiteral("999,999,999,999,999"), QStringLiteral("1,000,000,000,000,000"),
+              QStringLiteral("-1,000,000,000,000,000"), QStringLiteral("123,456,789,012,346,000")}},
+            {kMaskAmount2,
+             {QStringLiteral(".00"), QStringLiteral(".00"), QStringLiteral("1.00"), QStringLiteral("-1.00"),
+              QStringLiteral("999.00"), QStringLiteral("1,000.00"), QStringLiteral("-1,234,567.00"),
+              QStringLiteral("100,000.00"), QStringLiteral("999,999,999,999,999.00"),
+              QStringLiteral("1,000,000,000,000,000.00"), QStringLiteral("-1,000,000,000,000,000.00"),
+              QStringLiteral("123,456,789,012,346,000.00")}},
+            {kMaskQtyPrice,
+             {QStringLiteral("."), QStringLiteral("."), QStringLiteral("1."), QStringLiteral("-1."),
+              QStringLiteral("999."), QStringLiteral("1,000."), QStringLiteral("-1,234,567."),
+              QStringLiteral("100,000."), QStringLiteral("999,999,999,999,999."),
+              QStringLiteral("1,000,000,000,000,000."), QStringLiteral("-1,000,000,000,000,000."),
+              QStringLiteral("123,456,789,012,346,000.")}},
+            {QStringLiteral("0000"),
+             {QStringLiteral("0000"), QStringLiteral("0000"), QStringLiteral("0001"), QStringLiteral("-0001"),
+              QStringLiteral("0999"), QStringLiteral("1000"), QStringLiteral("-1234567"),
+              QStringLiteral("100000"), QStringLiteral("999999999999999"), QStringLiteral("1000000000000000"),
+              QStringLiteral("-1000000000000000"), QStringLiteral("123456789012346000")}},
+            {QStringLiteral("#.##"),
+             {QStringLiteral("."), QStringLiteral("."), QStringLiteral("1."), QStringLiteral("-1."),
+              QStringLiteral("999."), QStringLiteral("1000."), QStringLiteral("-1234567."),
+              QStringLiteral("100000."), QStringLiteral("999999999999999."),
+              QStringLiteral("1000000000000000."), QStringLiteral("-1000000000000000."),
+              QStringLiteral("123456789012346000.")}},
+            {QStringLiteral("#,##0.00원"),
+             {QStringLiteral("0.00원"), QStringLiteral("0.00원"), QStringLiteral("1.00원"),
+              QStringLiteral("-1.00원"), QStringLiteral("999.00원"), QStringLiteral("1,000.00원"),
+              QStringLiteral("-1,234,567.00원"), QStringLiteral("100,000.00원"),
+              QStringLiteral("999,999,999,999,999.00원"), QStringLiteral("1,000,000,000,000,000.00원"),
+              QStringLiteral("-1,000,000,000,000,000.00원"), QStringLiteral("123,456,789,012,346,000.00원")}},
+            {QStringLiteral("#"),
+             {QString(), QString(), QStringLiteral("1"), QStringLiteral("-1"), QStringLiteral("999"),
+              QStringLiteral("1000"), QStringLiteral("-1234567"), QStringLiteral("100000"),
+              QStringLiteral("999999999999999"), QStringLiteral("1000000000000000"),
+              QStringLiteral("-1000000000000000"), QStringLiteral("123456789012346000")}},
+        };
+        for (const auto& [mask, texts] : rows)
+            QTest::addRow("%s", qPrintable(mask)) << mask << texts;
+    }
+    void wholeNumbersPrintAsBefore() {
+        QFETCH(QString, mask);
+        QFETCH(QStringList, expected);
+        const QList<double> values = {0.0,        -0.0,     1.0,
+                                      -1.0,       999.0,    1000.0,
+                                      -1234567.0, 100000.0, 999999999999999.0,
+                                      1e15,       -1e15,    123456789012345678.0};
+        for (qsizetype i = 0; i < values.size(); ++i)
+            QCOMPARE(FormatNumber(values[i], mask), expected[i]);
+    }
+
     void numericTextFollowsThePlatformTest() {
         QVERIFY(IsNumericText(QStringLiteral("1,234")));
         QVERIFY(IsNumericText(QStringLiteral(" 12 ")));
