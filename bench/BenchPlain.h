@@ -8,6 +8,7 @@
 
 #include <QAbstractTableModel>
 #include <QHeaderView>
+#include <QScreen>
 #include <QTableView>
 #include <QTableWidget>
 #include <cstdio>
@@ -186,6 +187,15 @@ inline double plainViewMs(const ShownRows& shown, int repeats = 9) {
     fill();
     QCoreApplication::processEvents();
     return timedPlain(table, fill, repeats, false);
+}
+
+// With NB_BENCH_SHOTS set to a folder, what the window shows now (its backing store) is saved
+// there as name.png, for comparing the pictures of two builds.
+inline void saveShot(QWidget* window, const QString& name) {
+    const QString folder = qEnvironmentVariable("NB_BENCH_SHOTS");
+    if (folder.isEmpty()) return;
+    QCoreApplication::processEvents();
+    window->screen()->grabWindow(window->winId()).save(folder + u'/' + name + QStringLiteral(".png"));
 }
 
 // The floor beside the program and the bare statement: the quicker of the two bare tables, and

@@ -117,6 +117,7 @@ int main(int argc, char** argv) {
         timeList(screen, "issued list, an ordinary customer", kOrdinaryCustomer);
     screen.LoadIssuedList(kOrdinaryCustomer);
     QApplication::processEvents();
+    bench::saveShot(&screen, QStringLiteral("issued_ordinary"));
     bench::reportFloor("the ordinary customer", bench::shownRows(*screen.grdList), ordinary, ordinaryBare);
     timeList(screen, "issued list, the large customer", kLargeCustomer);
     std::printf("memory: the large customer's list on the screen %.1f MB more than the empty list\n",

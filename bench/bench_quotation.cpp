@@ -98,6 +98,7 @@ void timeLines(FrmEstimate& screen, const QString& file) {
     report("LoadLines, 100-line quotation", loadMs, cli, screen.LineCount());
     const double painted = bench::medianFirstPaintFreeMs(&screen, [&] { screen.LoadLines(); });
     report("  to what changed painted", painted, cli, screen.LineCount());
+    bench::saveShot(&screen, QStringLiteral("quotation_lines"));
     bench::reportFloor("the lines", bench::shownRows(*screen.grdEstimate), painted, cli);
 }
 

@@ -154,6 +154,7 @@ int main(int argc, char** argv) {
         const SqlPart query = PostSearchQuery(post, text, postLimits());
         const double cli = bench::cliMs(nb::app().DbPostFile, literalSql(query));
         report("postcode", text, int(SearchPostBook(post, text).size()), screen, cli);
+        bench::saveShot(&form, QStringLiteral("postcode_") + text);
         bench::reportFloor("postcode", bench::shownRows(*form.grdList()), screen, cli);
     }
 
@@ -179,6 +180,7 @@ int main(int argc, char** argv) {
         OpenSnapshot(stores().dbBasic, rs, query.sql, query.values);
         const double cli = bench::cliMs(nb::app().DbBasicFile, literalSql(query));
         report("traders", text.isEmpty() ? QStringLiteral("(none)") : text, rs.RecordCount(), screen, cli);
+        bench::saveShot(&form, QStringLiteral("traders_") + text);
         bench::reportFloor("traders", bench::shownRows(*form.grdList()), screen, cli);
     }
 
