@@ -13,9 +13,6 @@
 #include <QTableWidget>
 #include <cstdio>
 #include <memory>
-#if __has_include(<valgrind/callgrind.h>)
-#include <valgrind/callgrind.h>
-#endif
 
 namespace nb::bench {
 
@@ -63,32 +60,6 @@ inline void shapeLike(QTableView& table, const ShownRows& shown) {
     table.verticalHeader()->setVisible(shown.rowHeaders);
     table.setEditTriggers(QAbstractItemView::NoEditTriggers);
 }
-
-// The action run 500 times to its first page painted, under the processor-instruction counter
-// only (valgrind --tool=callgrind --instr-atstart=no), for comparing builds by instructions.
-inline void profileRuns(QWidget* window, const std::function<void()>& action, int times = 500) {
-#if __has_include(<valgrind/callgrind.h>)
-    CALLGRIND_START_INSTRUMENTATION;
-#endif
-    for (int i = 0; i < times; ++i)
-        firstPaintFreeMs(window, action);
-#if __has_include(<valgrind/callgrind.h>)
-    CALLGRIND_STOP_INSTRUMENTATION;
-#endif
-}
-
-// Counts the paints of a widget, so that a figure is known to include the painting it stands for.
-class PaintCount : public QObject {
-public:
-    explicit PaintCount(QWidget* widget) { widget->installEventFilter(this); }
-    int paints = 0;
-
-protected:
-    bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::Paint) ++paints;
-        return false;
-    }
-};
 
 // A bare table's search to its rows painted and the window free, in ms. A bare view lays its rows
 // out at the next turn of the event loop and only then asks for their paint, so the events are

@@ -21,6 +21,9 @@
 #include <malloc.h>
 #include <unistd.h>
 #include <vector>
+#if __has_include(<valgrind/callgrind.h>)
+#include <valgrind/callgrind.h>
+#endif
 
 namespace nb::bench {
 
@@ -138,6 +141,32 @@ inline double firstPaintFreeMs(QWidget* window, const std::function<void()>& act
         QCoreApplication::processEvents(QEventLoop::AllEvents);
     return double(t.nsecsElapsed()) / 1e6;
 }
+
+// The action run 500 times to its first page painted, under the processor-instruction counter
+// only (valgrind --tool=callgrind --instr-atstart=no), for comparing builds by instructions.
+inline void profileRuns(QWidget* window, const std::function<void()>& action, int times = 500) {
+#if __has_include(<valgrind/callgrind.h>)
+    CALLGRIND_START_INSTRUMENTATION;
+#endif
+    for (int i = 0; i < times; ++i)
+        firstPaintFreeMs(window, action);
+#if __has_include(<valgrind/callgrind.h>)
+    CALLGRIND_STOP_INSTRUMENTATION;
+#endif
+}
+
+// Counts the paints of a widget, so that a figure is known to include the painting it stands for.
+class PaintCount : public QObject {
+public:
+    explicit PaintCount(QWidget* widget) { widget->installEventFilter(this); }
+    int paints = 0;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Paint) ++paints;
+        return false;
+    }
+};
 
 // The median of several firstPaintFreeMs; between runs the lists left reading are read
 // through (outside the time), so each run starts from a quiet window.

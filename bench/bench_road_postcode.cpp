@@ -25,9 +25,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <vector>
-#if __has_include(<valgrind/callgrind.h>)
-#include <valgrind/callgrind.h>
-#endif
 
 using namespace nb;
 
@@ -155,14 +152,7 @@ int main(int argc, char** argv) {
         }
         QElapsedTimer t;
         t.start();
-#if __has_include(<valgrind/callgrind.h>)
-        CALLGRIND_START_INSTRUMENTATION; // valgrind --tool=callgrind --instr-atstart=no
-#endif
-        for (int i = 0; i < 500; ++i)
-            bench::firstPaintFreeMs(&form, [&] { form.InitForm(text, result); });
-#if __has_include(<valgrind/callgrind.h>)
-        CALLGRIND_STOP_INSTRUMENTATION;
-#endif
+        bench::profileRuns(&form, [&] { form.InitForm(text, result); }); // callgrind --instr-atstart=no
         std::printf("%s: %d rows, %.3f ms a search\n", qPrintable(text), form.model()->rowCount(),
                     double(t.nsecsElapsed()) / 1e6 / 500);
         book.close();

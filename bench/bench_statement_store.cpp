@@ -22,9 +22,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <functional>
-#if __has_include(<valgrind/callgrind.h>)
-#include <valgrind/callgrind.h>
-#endif
 
 using namespace nb;
 using bench::code;
@@ -83,16 +80,6 @@ void report(const char* what, int rows, double screenMs, double cli) {
                 cli, cli > 0 ? screenMs / cli : 0.0);
 }
 
-// Counts the paints a widget gets while it lives.
-struct PaintCount : QObject {
-    int count = 0;
-    explicit PaintCount(QWidget* w) { w->installEventFilter(this); }
-    bool eventFilter(QObject*, QEvent* e) override {
-        if (e->type() == QEvent::Paint) ++count;
-        return false;
-    }
-};
-
 QString withDates(QString sql, const QString& from, const QString& to) {
     sql.replace(sql.indexOf(u'?'), 1, quoted(from));
     sql.replace(sql.indexOf(u'?'), 1, quoted(to));
@@ -117,11 +104,11 @@ void timeList(FrmDealList& screen, const char* what, const QString& from, const 
     const double screenMs = bench::medianFirstPaintFreeMs(
         &screen, [&] { screen.cmdMaster_Click(); }, kRepeats);
     {
-        PaintCount paints(screen.spMaster->viewport());
+        bench::PaintCount paints(screen.spMaster->viewport());
         bench::firstPaintFreeMs(&screen, [&] { screen.cmdMaster_Click(); });
         std::printf(
             "   parts: the list painted %d time(s); the search alone %.2f ms, the whole window %.2f ms\n",
-            paints.count, medianMs([&] { screen.cmdMaster_Click(); }), medianMs([&] { screen.repaint(); }));
+            paints.paints, medianMs([&] { screen.cmdMaster_Click(); }), medianMs([&] { screen.repaint(); }));
     }
     report("  the same on the screen", screen.spMaster->MaxRows() - 1, screenMs,
            cliMs(stores().dbBill.path(), attach, withDates(statementListRowsSql(false), from, to)));
@@ -155,14 +142,8 @@ void timeChoice(FrmDealList& screen, const QString& billNo, double cli) {
 // The searches a profiler counts (valgrind --tool=callgrind --instr-atstart=no): the month's
 // list on the screen, run again and again.
 void profiledSearches(FrmDealList& screen, int times) {
-#if __has_include(<valgrind/callgrind.h>)
-    CALLGRIND_START_INSTRUMENTATION;
-#endif
-    for (int i = 0; i < times; ++i)
-        bench::firstPaintFreeMs(&screen, [&] { screen.cmdMaster_Click(); });
-#if __has_include(<valgrind/callgrind.h>)
-    CALLGRIND_STOP_INSTRUMENTATION;
-#endif
+    bench::profileRuns(
+        &screen, [&] { screen.cmdMaster_Click(); }, times);
 }
 
 // NB_BENCH_PROFILE: only the month's list, a hundred times, on the statements without their
